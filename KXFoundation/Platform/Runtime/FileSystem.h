@@ -1,0 +1,85 @@
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+#include <memory>
+#include <span>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include <KXFoundation/Platform/Runtime/Export.h>
+#include <KXFoundation/Platform/Runtime/PortSlot.h>
+#include <KXFoundation/Platform/Runtime/Result.h>
+
+namespace kx {
+
+/// An open file. Closed by its destructor. One thread at a time, but for readAt, which any may call.
+class KX_EXPORT File {
+ public:
+    virtual ~File() = default;
+
+    /// Reads up to `into.size()` bytes from `offset`; fewer only at the end of the file.
+    virtual Result<std::size_t> readAt(std::uint64_t offset, std::span<std::byte> into) = 0;
+    /// Writes all bytes at `offset`, growing the file; on failure some of them may be there.
+    virtual Result<void> writeAt(std::uint64_t offset, std::span<const std::byte> bytes) = 0;
+    virtual Result<std::uint64_t> size() = 0;
+    virtual Result<void> truncate(std::uint64_t size) = 0;
+    /// Waits until the contents (and the size) would survive a power cut.
+    virtual Result<void> sync() = 0;
+
+    enum class Lock : std::uint8_t { Shared, Exclusive };
+    /// Waits for an advisory lock on the whole file, across processes; given back when the file is closed.
+    virtual Result<void> lock(Lock kind) = 0;
+};
+
+/// The port of the file system: POSIX, or a double that fails, tears and forgets as a test asks.
+/// Paths are UTF-8; any thread.
+class KX_EXPORT FileSystem {
+ public:
+    virtual ~FileSystem() = default;
+
+    enum class Mode : std::uint8_t {
+        Read,
+        ReadWrite,    ///< made (mode 0600) if missing
+        CreateNew,    ///< fails if it exists
+    };
+    struct Info {
+        enum class Kind : std::uint8_t { File, Directory, Other } kind;
+        std::uint64_t size;
+        std::int64_t modifiedNanoseconds;  ///< since 1970
+        std::uint64_t identity;            ///< the inode: another file under the same name has another one
+    };
+
+    virtual Result<std::unique_ptr<File>> open(const std::string& path, Mode mode) = 0;
+    virtual Result<Info> info(const std::string& path) = 0;
+    virtual Result<std::vector<std::string>> list(const std::string& directory) = 0;
+    /// Replaces what stands under `to`, atomically.
+    virtual Result<void> rename(const std::string& from, const std::string& to) = 0;
+    /// Removes a file or an empty directory.
+    virtual Result<void> remove(const std::string& path) = 0;
+    /// Makes one directory (mode 0700); an existing one is no error.
+    virtual Result<void> makeDirectory(const std::string& path) = 0;
+    /// Waits until the names in the directory would survive a power cut.
+    virtual Result<void> syncDirectory(const std::string& path) = 0;
+
+    static PortSlot<FileSystem>& slot();
+    static std::shared_ptr<FileSystem> makeDefault();
+};
+
+// Steps that every store needs, over the port.
+
+/// The whole file; TooLarge beyond `limit` bytes, before anything is allocated.
+KX_EXPORT Result<std::string> readFile(FileSystem& files, const std::string& path, std::uint64_t limit);
+
+/// Replaces a file so that a kill or power cut at any instant leaves the old or the new contents: a temporary
+/// file beside it, sync, rename, sync of the directory. The temporary file is removed on failure.
+KX_EXPORT Result<void> replaceFile(FileSystem& files, const std::string& path, std::string_view contents);
+
+/// Makes the directory and those above it.
+KX_EXPORT Result<void> makeDirectories(FileSystem& files, const std::string& path);
+
+/// "/a/b/c" gives "/a/b"; "/a" gives "/"; a name alone gives ".".
+[[nodiscard]] KX_EXPORT std::string directoryOf(std::string_view path);
+
+}  // namespace kx

@@ -1,0 +1,23 @@
+#pragma once
+
+#include <map>
+#include <memory>
+#include <mutex>
+
+#include <KXFoundation/Platform/Runtime/NSObject.h>
+#include <KXFoundation/Platform/Runtime/Value.h>
+
+namespace kx {
+
+/// What few objects need and none should pay for: made at first need, freed with its object. Private to Runtime.
+struct SideRecord {
+    std::recursive_mutex monitor;
+
+    std::mutex associatedMutex;
+    std::map<const void*, Value> associated;  // guarded by associatedMutex
+};
+
+[[nodiscard]] SideRecord& sideRecord(NSObject& object);
+[[nodiscard]] SideRecord* existingSideRecord(const NSObject& object) noexcept;
+
+}  // namespace kx
