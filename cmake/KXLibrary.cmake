@@ -1,10 +1,33 @@
+set(target_Foundation KXFoundation)
+set(target_UI KXFoundationUI)
+
 # kx_sources(<Foundation|UI> file...): adds the current folder's sources to one of the two libraries.
 # A folder's CMakeLists.txt is a sorted list of sources and this call; headers need no mention.
 function(kx_sources library)
-  set(target_Foundation KXFoundation)
-  set(target_UI KXFoundationUI)
   list(TRANSFORM ARGN PREPEND ${CMAKE_CURRENT_SOURCE_DIR}/)
   target_sources(${target_${library}} PRIVATE ${ARGN})
+endfunction()
+
+# kx_packages(<Foundation|UI> module...): links pkg-config modules into one of the two libraries. They are private to
+# it; a static build hands them on through the installed CMake package and pkg-config file.
+function(kx_packages library)
+  find_package(PkgConfig REQUIRED)
+  foreach(module IN LISTS ARGN)
+    if(NOT TARGET PkgConfig::${module})
+      pkg_check_modules(${module} REQUIRED QUIET IMPORTED_TARGET GLOBAL ${module})
+    endif()
+    target_link_libraries(${target_${library}} PRIVATE PkgConfig::${module})
+    set_property(GLOBAL APPEND PROPERTY KX_PACKAGES_${library} ${module})
+  endforeach()
+endfunction()
+
+# kx_keep_symbol(<Foundation|UI> symbol): programs that link the library statically keep the object file that defines
+# the extern "C" symbol, though nothing calls it: it holds code that runs when the program is loaded.
+function(kx_keep_symbol library symbol)
+  if(NOT BUILD_SHARED_LIBS)
+    target_link_options(${target_${library}} INTERFACE LINKER:-u,${symbol})
+    set_property(GLOBAL APPEND PROPERTY KX_KEPT_SYMBOLS_${library} ${symbol})
+  endif()
 endfunction()
 
 # kx_tests(<name> <Foundation|UI> file... [LABELS label...]): one test program over the library, each test known to
