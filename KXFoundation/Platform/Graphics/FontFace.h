@@ -14,12 +14,13 @@ struct FontFace {
     bool operator==(const FontFace&) const = default;
 };
 
-/// What a font name asks for: "PingFangSC-Semibold" is the family "PingFangSC" at weight 600, "DejaVu Sans Bold
-/// Oblique" is "DejaVu Sans" at 700 and slanted. A name without style words is a family, regular and upright.
+/// What a font name asks for: "PingFangSC-Semibold" is the family "PingFangSC" at weight 600, "DejaVu Sans
+/// Bold Oblique" is "DejaVu Sans" at 700 and slanted. A name without style words is a family, regular and
+/// upright.
 [[nodiscard]] FontFace parseFontName(std::string_view name);
 
-/// The form in which family names are compared: letters and digits only, lower case, so that "PingFangSC" finds
-/// "PingFang SC". Bytes of other scripts are kept.
+/// The form in which family names are compared: letters and digits only, lower case, so that "PingFangSC"
+/// finds "PingFang SC". Bytes of other scripts are kept.
 [[nodiscard]] std::string squashedFamily(std::string_view family);
 
 }  // namespace kx

@@ -15,21 +15,23 @@ class TextLayout;
 /// A shadow as a layer throws it.
 struct Shadow {
     std::shared_ptr<NSColor> color;  ///< absent: none
-    double blurRadius = 0;           ///< points, the standard deviation of the blur; it has faded out at three times that
-    NSPoint offset;                  ///< points, y down
+    double blurRadius =
+        0;           ///< points, the standard deviation of the blur; it has faded out at three times that
+    NSPoint offset;  ///< points, y down
 };
 
-/// Draws onto a bitmap. Coordinates are points; the origin is the top left corner and y grows downwards. Coordinates
-/// that are no finite number draw nothing. Antialiased; never hinted, so that a window and an off-screen bitmap of one
-/// scale get the same pixels. One thread at a time.
+/// Draws onto a bitmap. Coordinates are points; the origin is the top left corner and y grows downwards.
+/// Coordinates that are no finite number draw nothing. Antialiased; never hinted, so that a window and an
+/// off-screen bitmap of one scale get the same pixels. One thread at a time.
 ///
 ///     auto context = GraphicsContext::onBitmap(bitmap, 2);
 ///     const GraphicsContext::Current scope(*context);     // views and pictures draw into the current one
 ///     context->fill({10, 10, 80, 30}, *NSColor::blackColor());
 class KX_EXPORT GraphicsContext {
- public:
-    /// A context on the bitmap, with `scale` pixels to the point; none if the bitmap is absent or the scale not
-    /// above 0. The bitmap keeps what it shows and is kept alive; its pixels may be read between two calls.
+  public:
+    /// A context on the bitmap, with `scale` pixels to the point; none if the bitmap is absent or the scale
+    /// not above 0. The bitmap keeps what it shows and is kept alive; its pixels may be read between two
+    /// calls.
     [[nodiscard]] static std::shared_ptr<GraphicsContext> onBitmap(std::shared_ptr<NSBitmapImageRep> bitmap,
                                                                    double scale = 1);
     ~GraphicsContext();
@@ -40,13 +42,13 @@ class KX_EXPORT GraphicsContext {
     [[nodiscard]] static GraphicsContext* current() noexcept;
     /// Makes a context current for one scope; scopes nest.
     class KX_EXPORT Current {
-     public:
+      public:
         explicit Current(GraphicsContext& context) noexcept;
         ~Current();
         Current(const Current&) = delete;
         Current& operator=(const Current&) = delete;
 
-     private:
+      private:
         GraphicsContext* former_;
     };
 
@@ -68,21 +70,21 @@ class KX_EXPORT GraphicsContext {
 
     /// The whole bitmap, scaled into the rectangle.
     void drawBitmap(const NSBitmapImageRep& bitmap, NSRect into, double opacity = 1);
-    /// The text with its top left corner at the point. Where its flow has a width, lines stand between the point and
-    /// that width; else between the point and the widest line.
+    /// The text with its top left corner at the point. Where its flow has a width, lines stand between the
+    /// point and that width; else between the point and the widest line.
     void drawText(const TextLayout& text, NSPoint topLeft, const NSColor& color);
 
     // State: the coordinates and the clip. Every save needs its restore; SavedState pairs them.
     void saveState();
     void restoreState();
     class SavedState {
-     public:
+      public:
         explicit SavedState(GraphicsContext& context) : context_(context) { context.saveState(); }
         ~SavedState() { context_.restoreState(); }
         SavedState(const SavedState&) = delete;
         SavedState& operator=(const SavedState&) = delete;
 
-     private:
+      private:
         GraphicsContext& context_;
     };
     void translate(double x, double y);
@@ -97,7 +99,7 @@ class KX_EXPORT GraphicsContext {
     struct Native;
     [[nodiscard]] Native& native() noexcept { return *native_; }  ///< see CairoAccess.h
 
- private:
+  private:
     explicit GraphicsContext(std::unique_ptr<Native> native);
     std::unique_ptr<Native> native_;
 };

@@ -22,6 +22,7 @@ struct ImageFormat {
 /// The picture in the encoded bytes; its format is found from the bytes themselves. Unsupported if none fits,
 /// TooLarge beyond NSBitmapImageRep::pixelLimit() (before anything is allocated), Corrupt for damaged data.
 /// Any thread.
-[[nodiscard]] KX_EXPORT Result<std::shared_ptr<NSBitmapImageRep>> decodeImage(std::span<const std::byte> data);
+[[nodiscard]] KX_EXPORT Result<std::shared_ptr<NSBitmapImageRep>> decodeImage(
+    std::span<const std::byte> data);
 
 }  // namespace kx

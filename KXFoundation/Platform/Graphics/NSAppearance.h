@@ -14,13 +14,13 @@ enum class NSAppearance : std::uint8_t { Light, Dark };
 
 /// Sets the calling thread's look for one scope, as a window does around the drawing of its views.
 class KX_EXPORT ScopedAppearance {
- public:
+  public:
     explicit ScopedAppearance(NSAppearance appearance) noexcept;
     ~ScopedAppearance();
     ScopedAppearance(const ScopedAppearance&) = delete;
     ScopedAppearance& operator=(const ScopedAppearance&) = delete;
 
- private:
+  private:
     NSAppearance former_;
 };
 

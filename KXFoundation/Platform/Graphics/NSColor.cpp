@@ -1,6 +1,6 @@
-#include <KXFoundation/Platform/Graphics/NSColor.h>
-
 #include <cstdio>
+
+#include <KXFoundation/Platform/Graphics/NSColor.h>
 
 namespace kx {
 
@@ -21,17 +21,31 @@ constexpr ColorComponents rgb(unsigned code) {
     return {(code >> 16 & 255) / 255.0, (code >> 8 & 255) / 255.0, (code & 255) / 255.0, 1};
 }
 
-constexpr ColorComponents white(double level, double alpha) { return {level, level, level, alpha}; }
+constexpr ColorComponents white(double level, double alpha) {
+    return {level, level, level, alpha};
+}
+
+// The constants are shared and never destroyed: views may hold them until the very end of the process. The
+// tag, a lambda's own type, gives each its own static.
+template <class Tag>
+std::shared_ptr<NSColor> shared(Tag, ColorComponents light, ColorComponents dark) {
+    static auto& color = *new std::shared_ptr<NSColor>(make<NSColor>(light, dark));
+    return color;
+}
 
 }  // namespace
 
-NSAppearance currentAppearance() noexcept { return threadAppearance; }
+NSAppearance currentAppearance() noexcept {
+    return threadAppearance;
+}
 
 ScopedAppearance::ScopedAppearance(NSAppearance appearance) noexcept : former_(threadAppearance) {
     threadAppearance = appearance;
 }
 
-ScopedAppearance::~ScopedAppearance() { threadAppearance = former_; }
+ScopedAppearance::~ScopedAppearance() {
+    threadAppearance = former_;
+}
 
 bool NSColor::init(ColorComponents light, ColorComponents dark) {
     if (!Super::init()) return false;
@@ -60,29 +74,40 @@ std::shared_ptr<NSColor> NSColor::colorWithAlphaComponent(double alpha) const {
     return make<NSColor>(light, dark);
 }
 
-// Shared constants, never destroyed: views may hold them until the very end of the process.
-namespace {
-
-template <class Tag>
-std::shared_ptr<NSColor> shared(Tag, ColorComponents light, ColorComponents dark) {
-    static auto& color = *new std::shared_ptr<NSColor>(make<NSColor>(light, dark));
-    return color;
+std::shared_ptr<NSColor> NSColor::clearColor() {
+    return shared([] {}, {}, {});
+}
+std::shared_ptr<NSColor> NSColor::blackColor() {
+    return shared([] {}, white(0, 1), white(0, 1));
+}
+std::shared_ptr<NSColor> NSColor::whiteColor() {
+    return shared([] {}, white(1, 1), white(1, 1));
 }
 
-}  // namespace
-
-std::shared_ptr<NSColor> NSColor::clearColor() { return shared([] {}, {}, {}); }
-std::shared_ptr<NSColor> NSColor::blackColor() { return shared([] {}, white(0, 1), white(0, 1)); }
-std::shared_ptr<NSColor> NSColor::whiteColor() { return shared([] {}, white(1, 1), white(1, 1)); }
-
-std::shared_ptr<NSColor> NSColor::windowBackgroundColor() { return shared([] {}, rgb(0xF4F4F6), rgb(0x1E1F22)); }
-std::shared_ptr<NSColor> NSColor::controlBackgroundColor() { return shared([] {}, rgb(0xFFFFFF), rgb(0x2A2B2F)); }
-std::shared_ptr<NSColor> NSColor::textColor() { return shared([] {}, rgb(0x1B1C1F), rgb(0xECEDEF)); }
-std::shared_ptr<NSColor> NSColor::secondaryLabelColor() { return shared([] {}, rgb(0x5F6167), rgb(0xA9ABB2)); }
-std::shared_ptr<NSColor> NSColor::placeholderTextColor() { return shared([] {}, rgb(0x696B72), rgb(0x9C9EA6)); }
-std::shared_ptr<NSColor> NSColor::controlColor() { return shared([] {}, rgb(0xFFFFFF), rgb(0x3A3B40)); }
-std::shared_ptr<NSColor> NSColor::separatorColor() { return shared([] {}, white(0, 0.14), white(1, 0.14)); }
-std::shared_ptr<NSColor> NSColor::controlAccentColor() { return shared([] {}, rgb(0x2463D4), rgb(0x3A73DE)); }
+std::shared_ptr<NSColor> NSColor::windowBackgroundColor() {
+    return shared([] {}, rgb(0xF4F4F6), rgb(0x1E1F22));
+}
+std::shared_ptr<NSColor> NSColor::controlBackgroundColor() {
+    return shared([] {}, rgb(0xFFFFFF), rgb(0x2A2B2F));
+}
+std::shared_ptr<NSColor> NSColor::textColor() {
+    return shared([] {}, rgb(0x1B1C1F), rgb(0xECEDEF));
+}
+std::shared_ptr<NSColor> NSColor::secondaryLabelColor() {
+    return shared([] {}, rgb(0x5F6167), rgb(0xA9ABB2));
+}
+std::shared_ptr<NSColor> NSColor::placeholderTextColor() {
+    return shared([] {}, rgb(0x696B72), rgb(0x9C9EA6));
+}
+std::shared_ptr<NSColor> NSColor::controlColor() {
+    return shared([] {}, rgb(0xFFFFFF), rgb(0x3A3B40));
+}
+std::shared_ptr<NSColor> NSColor::separatorColor() {
+    return shared([] {}, white(0, 0.14), white(1, 0.14));
+}
+std::shared_ptr<NSColor> NSColor::controlAccentColor() {
+    return shared([] {}, rgb(0x2463D4), rgb(0x3A73DE));
+}
 std::shared_ptr<NSColor> NSColor::alternateSelectedControlTextColor() {
     return shared([] {}, white(1, 1), white(1, 1));
 }

@@ -21,8 +21,9 @@ struct ColorComponents {
 /// An immutable colour. Components are kept as the 64-bit floats they were given as, held to 0 to 1.
 /// A semantic colour answers for the look of the moment, so it may be kept and drawn in either. Any thread.
 class KX_EXPORT NSColor : public Subclass<NSColor, NSObject> {
- public:
-    [[nodiscard]] static std::shared_ptr<NSColor> colorWithRed(double red, double green, double blue, double alpha);
+  public:
+    [[nodiscard]] static std::shared_ptr<NSColor> colorWithRed(double red, double green, double blue,
+                                                               double alpha);
     [[nodiscard]] static std::shared_ptr<NSColor> colorWithWhite(double white, double alpha);
     /// A colour that has one value per look.
     [[nodiscard]] static std::shared_ptr<NSColor> colorWithLight(ColorComponents light, ColorComponents dark);
@@ -40,7 +41,8 @@ class KX_EXPORT NSColor : public Subclass<NSColor, NSObject> {
     [[nodiscard]] static std::shared_ptr<NSColor> controlColor();  ///< the face of a push button
     [[nodiscard]] static std::shared_ptr<NSColor> separatorColor();
     [[nodiscard]] static std::shared_ptr<NSColor> controlAccentColor();
-    [[nodiscard]] static std::shared_ptr<NSColor> alternateSelectedControlTextColor();  ///< text on the accent
+    [[nodiscard]] static std::shared_ptr<NSColor>
+    alternateSelectedControlTextColor();  ///< text on the accent
 
     [[nodiscard]] ColorComponents components() const noexcept { return components(currentAppearance()); }
     [[nodiscard]] ColorComponents components(NSAppearance appearance) const noexcept {
@@ -60,10 +62,10 @@ class KX_EXPORT NSColor : public Subclass<NSColor, NSObject> {
 
     bool init(ColorComponents light, ColorComponents dark);
 
- protected:
+  protected:
     NSColor() = default;
 
- private:
+  private:
     ColorComponents light_;
     ColorComponents dark_;
 };

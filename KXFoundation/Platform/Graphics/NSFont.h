@@ -16,11 +16,13 @@ struct FontFace;
 /// An immutable font: a face and a size in points. Any thread.
 /// A size that is not above 0 means the system's size; more than 2000 points are 2000.
 class KX_EXPORT NSFont : public Subclass<NSFont, NSObject> {
- public:
+  public:
     /// The font of that name ("PingFangSC-Semibold", "DejaVu Sans Bold", "serif"); none if its family is not
     /// installed. A family that lacks the style asked for gives its nearest one.
-    [[nodiscard]] static std::shared_ptr<NSFont> fontWithName(std::optional<std::string_view> name, double size);
-    /// The same, but with the desktop's sans-serif in the same weight, slant and size where the other gives none.
+    [[nodiscard]] static std::shared_ptr<NSFont> fontWithName(std::optional<std::string_view> name,
+                                                              double size);
+    /// The same, but with the desktop's sans-serif in the same weight, slant and size where the other gives
+    /// none.
     [[nodiscard]] static std::shared_ptr<NSFont> fontWithNameOrFallback(std::optional<std::string_view> name,
                                                                         double size);
     [[nodiscard]] static std::shared_ptr<NSFont> systemFontOfSize(double size);
@@ -41,10 +43,10 @@ class KX_EXPORT NSFont : public Subclass<NSFont, NSObject> {
 
     bool init(std::string_view name, FontFace face, double size);
 
- protected:
+  protected:
     NSFont() = default;
 
- private:
+  private:
     std::string name_;
     const FontFace* face_ = nullptr;  // interned, lives as long as the process
     double pointSize_ = 0;

@@ -16,7 +16,7 @@ class GraphicsContext;
 
 /// One way in which a picture exists.
 class KX_EXPORT NSImageRep : public Subclass<NSImageRep, NSObject> {
- public:
+  public:
     /// Pixels; 0 where the representation draws at any resolution.
     [[nodiscard]] virtual std::uint32_t pixelsWide() const noexcept { return 0; }
     [[nodiscard]] virtual std::uint32_t pixelsHigh() const noexcept { return 0; }
@@ -24,23 +24,24 @@ class KX_EXPORT NSImageRep : public Subclass<NSImageRep, NSObject> {
     /// Draws the whole picture into the rectangle; false if it could not.
     virtual bool draw(GraphicsContext& context, NSRect into, double opacity) const = 0;
 
- protected:
+  protected:
     NSImageRep() = default;
 };
 
-/// Pixels, top row first. A pixel is 0xAARRGGBB, its colours premultiplied by its alpha (bytes blue, green, red,
-/// alpha in memory); rows follow each other without a gap.
-/// One thread at a time while anybody writes; as many readers as wanted otherwise.
+/// Pixels, top row first. A pixel is 0xAARRGGBB, its colours premultiplied by its alpha (bytes blue, green,
+/// red, alpha in memory); rows follow each other without a gap. One thread at a time while anybody writes; as
+/// many readers as wanted otherwise.
 class KX_EXPORT NSBitmapImageRep : public Subclass<NSBitmapImageRep, NSImageRep> {
- public:
+  public:
     /// The widest and highest that can be drawn into.
     static constexpr std::uint32_t kLongestSide = 32'767;
 
     /// A transparent bitmap; none if a side is 0 or longer than kLongestSide, or pixelLimit() is exceeded.
-    [[nodiscard]] static std::shared_ptr<NSBitmapImageRep> bitmapWithPixels(std::uint32_t wide, std::uint32_t high);
+    [[nodiscard]] static std::shared_ptr<NSBitmapImageRep> bitmapWithPixels(std::uint32_t wide,
+                                                                            std::uint32_t high);
 
-    /// How many pixels a bitmap may have, whether drawn or read from a file: 64 Mi (256 MiB) unless set. Checked
-    /// before anything is allocated. Any thread.
+    /// How many pixels a bitmap may have, whether drawn or read from a file: 64 Mi (256 MiB) unless set.
+    /// Checked before anything is allocated. Any thread.
     [[nodiscard]] static std::uint64_t pixelLimit() noexcept;
     static void setPixelLimit(std::uint64_t pixels) noexcept;
     /// Whether a bitmap may have this size.
@@ -58,10 +59,10 @@ class KX_EXPORT NSBitmapImageRep : public Subclass<NSBitmapImageRep, NSImageRep>
 
     bool init(std::uint32_t wide, std::uint32_t high);
 
- protected:
+  protected:
     NSBitmapImageRep() = default;
 
- private:
+  private:
     [[nodiscard]] std::size_t count() const noexcept { return std::size_t{wide_} * high_; }
 
     std::uint32_t wide_ = 0;
@@ -71,19 +72,19 @@ class KX_EXPORT NSBitmapImageRep : public Subclass<NSBitmapImageRep, NSImageRep>
 
 /// A picture drawn by a callback whenever it is shown, at the resolution of that place.
 class KX_EXPORT NSCustomImageRep : public Subclass<NSCustomImageRep, NSImageRep> {
- public:
-    /// Draws the whole picture into the rectangle, whose origin is (0, 0) and whose size is the one given to the
-    /// maker; the context is current meanwhile. Answers whether it could.
+  public:
+    /// Draws the whole picture into the rectangle, whose origin is (0, 0) and whose size is the one given to
+    /// the maker; the context is current meanwhile. Answers whether it could.
     using DrawingHandler = std::function<bool(NSRect)>;
 
     bool draw(GraphicsContext& context, NSRect into, double opacity) const override;
 
     bool init(NSSize size, DrawingHandler handler);
 
- protected:
+  protected:
     NSCustomImageRep() = default;
 
- private:
+  private:
     NSSize size_;
     DrawingHandler handler_;
 };

@@ -30,7 +30,8 @@ struct TextFlow {
     NSTextAlignment alignment = NSTextAlignment::Natural;
     WritingDirection direction = WritingDirection::Natural;
     LineBreakMode lineBreak = LineBreakMode::WordWrap;
-    std::uint32_t maximumLines = 0;  ///< with an ellipsis where a text is cut; 0: no limit. TruncateTail alone: 1
+    std::uint32_t maximumLines =
+        0;  ///< with an ellipsis where a text is cut; 0: no limit. TruncateTail alone: 1
     bool operator==(const TextFlow&) const = default;
 };
 
@@ -42,14 +43,14 @@ struct TextMeasure {
     bool isRightToLeft = false;  ///< of the first line
 };
 
-/// A text set in a font, shaped and ordered for its scripts; letters that the font lacks come from the desktop's
-/// other fonts. A plain value: cheap to make and copy, usable on any thread. What was measured is remembered per
-/// thread by text, font and flow, so asking again costs a look-up.
+/// A text set in a font, shaped and ordered for its scripts; letters that the font lacks come from the
+/// desktop's other fonts. A plain value: cheap to make and copy, usable on any thread. What was measured is
+/// remembered per thread by text, font and flow, so asking again costs a look-up.
 ///
-/// Points are the same at every scale: glyphs are never hinted. Bytes that are no UTF-8 show as U+FFFD. Of a very long
-/// text only the first 64 KiB are set (less above 15 points: 1,000,000 divided by the size).
+/// Points are the same at every scale: glyphs are never hinted. Bytes that are no UTF-8 show as U+FFFD. Of a
+/// very long text only the first 64 KiB are set (less above 15 points: 1,000,000 divided by the size).
 class KX_EXPORT TextLayout {
- public:
+  public:
     /// An absent font is the system font.
     TextLayout(std::string_view text, std::shared_ptr<NSFont> font, const TextFlow& flow = {});
 
@@ -60,7 +61,7 @@ class KX_EXPORT TextLayout {
     [[nodiscard]] TextMeasure measure() const;
     [[nodiscard]] NSSize size() const { return measure().size; }
 
- private:
+  private:
     std::string text_;
     std::shared_ptr<NSFont> font_;
     TextFlow flow_;
