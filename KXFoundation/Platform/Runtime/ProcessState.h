@@ -33,7 +33,7 @@ class KX_EXPORT ProcessStateBase {
     void (*destroy_)(void*) = nullptr;
 
  protected:
-    void setDestroyer(void (*destroy)(void*)) noexcept { destroy_ = destroy; }
+    constexpr void setDestroyer(void (*destroy)(void*)) noexcept { destroy_ = destroy; }
 };
 
 template <class T>
