@@ -1,0 +1,279 @@
+#include <algorithm>
+#include <cmath>
+#include <vector>
+
+#include <cairo.h>
+
+#include <KXFoundation/Platform/Graphics/CairoAccess.h>
+#include <KXFoundation/Platform/Graphics/CairoPaths.h>
+#include <KXFoundation/Platform/Graphics/GraphicsContext.h>
+#include <KXFoundation/Platform/Graphics/LaidOutText.h>
+#include <KXFoundation/Platform/Graphics/NSColor.h>
+#include <KXFoundation/Platform/Graphics/NSImageRep.h>
+#include <KXFoundation/Platform/Graphics/ShadowMask.h>
+#include <KXFoundation/Platform/Graphics/TextLayout.h>
+#include <KXFoundation/Platform/Runtime/CallerError.h>
+
+namespace kx {
+
+namespace {
+
+thread_local GraphicsContext* threadContext = nullptr;
+
+cairo_surface_t* surfaceOver(const std::uint32_t* pixels, std::uint32_t wide, std::uint32_t high) {
+    // Cairo only writes where a surface is drawn on; a source is not.
+    auto* bytes = reinterpret_cast<unsigned char*>(const_cast<std::uint32_t*>(pixels));
+    return cairo_image_surface_create_for_data(bytes, CAIRO_FORMAT_ARGB32, static_cast<int>(wide),
+                                               static_cast<int>(high), static_cast<int>(wide) * 4);
+}
+
+cairo_surface_t* surfaceOver(const NSBitmapImageRep& bitmap) {
+    return surfaceOver(bitmap.pixels().data(), bitmap.pixelsWide(), bitmap.pixelsHigh());
+}
+
+}  // namespace
+
+struct GraphicsContext::Native {
+    enum class Saved : std::uint8_t { State, Layer };
+
+    std::shared_ptr<NSBitmapImageRep> bitmap;
+    double scale;
+    cairo_t* cairo;
+    std::vector<Saved> saved;
+
+    Native(std::shared_ptr<NSBitmapImageRep> target, double pixelsPerPoint)
+        : bitmap(std::move(target)), scale(pixelsPerPoint) {
+        cairo_surface_t* surface = surfaceOver(*bitmap);
+        cairo = cairo_create(surface);
+        cairo_surface_destroy(surface);
+        cairo_scale(cairo, scale, scale);
+    }
+    ~Native() {
+        while (!saved.empty()) close();
+        cairo_destroy(cairo);
+    }
+    Native(const Native&) = delete;
+    Native& operator=(const Native&) = delete;
+
+    /// Closes the innermost saved state or layer; a layer is put down as it is.
+    void close() {
+        if (saved.back() == Saved::Layer) putLayer(1);
+        cairo_restore(cairo);
+        saved.pop_back();
+    }
+    void putLayer(double opacity) {
+        cairo_pop_group_to_source(cairo);
+        cairo_paint_with_alpha(cairo, opacity);
+    }
+    bool isInnermost(Saved kind) const { return !saved.empty() && saved.back() == kind; }
+
+    void setSource(const NSColor& color) {
+        const ColorComponents c = color.components();
+        cairo_set_source_rgba(cairo, c.red, c.green, c.blue, c.alpha);
+    }
+    [[nodiscard]] bool turnsOrSkews() const {
+        cairo_matrix_t matrix;
+        cairo_get_matrix(cairo, &matrix);
+        return matrix.xy != 0 || matrix.yx != 0;
+    }
+    [[nodiscard]] NSRect clipBounds() const {
+        double left, top, right, bottom;
+        cairo_clip_extents(cairo, &left, &top, &right, &bottom);
+        return {left, top, right - left, bottom - top};
+    }
+    [[nodiscard]] NSRect toDevice(NSRect rect) const {
+        double x = rect.origin.x, y = rect.origin.y, width = rect.size.width, height = rect.size.height;
+        cairo_user_to_device(cairo, &x, &y);
+        cairo_user_to_device_distance(cairo, &width, &height);
+        return {std::min(x, x + width), std::min(y, y + height), std::abs(width), std::abs(height)};
+    }
+    void paintMask(const ShadowMask& mask) {
+        if (mask.coverage.empty()) return;
+        auto* bytes = const_cast<unsigned char*>(mask.coverage.data());
+        cairo_surface_t* surface =
+            cairo_image_surface_create_for_data(bytes, CAIRO_FORMAT_A8, mask.width, mask.height, mask.stride);
+        cairo_mask_surface(cairo, surface, mask.x, mask.y);
+        cairo_surface_destroy(surface);
+    }
+};
+
+GraphicsContext::GraphicsContext(std::unique_ptr<Native> native) : native_(std::move(native)) {}
+
+GraphicsContext::~GraphicsContext() = default;
+
+std::shared_ptr<GraphicsContext> GraphicsContext::onBitmap(std::shared_ptr<NSBitmapImageRep> bitmap,
+                                                           double scale) {
+    if (!bitmap || !(scale > 0) || !std::isfinite(scale)) return nullptr;
+    auto native = std::make_unique<Native>(std::move(bitmap), scale);
+    return std::shared_ptr<GraphicsContext>(new GraphicsContext(std::move(native)));
+}
+
+GraphicsContext* GraphicsContext::current() noexcept {
+    return threadContext;
+}
+
+GraphicsContext::Current::Current(GraphicsContext& context) noexcept : former_(threadContext) {
+    threadContext = &context;
+}
+
+GraphicsContext::Current::~Current() {
+    threadContext = former_;
+}
+
+cairo_t* cairoHandle(GraphicsContext& context) noexcept {
+    return context.native().cairo;
+}
+
+double GraphicsContext::scale() const noexcept {
+    return native_->scale;
+}
+
+NSRect GraphicsContext::clipBounds() const {
+    return native_->clipBounds();
+}
+
+NSRect GraphicsContext::pixelAligned(NSRect rect) const {
+    double left = rect.origin.x, top = rect.origin.y, right = rect.maxX(), bottom = rect.maxY();
+    cairo_user_to_device(native_->cairo, &left, &top);
+    cairo_user_to_device(native_->cairo, &right, &bottom);
+    left = std::round(left), top = std::round(top), right = std::round(right), bottom = std::round(bottom);
+    cairo_device_to_user(native_->cairo, &left, &top);
+    cairo_device_to_user(native_->cairo, &right, &bottom);
+    return {left, top, right - left, bottom - top};
+}
+
+void GraphicsContext::clear(NSRect rect) {
+    if (!isDrawable(rect)) return;
+    const SavedState state(*this);
+    cairo_set_operator(native_->cairo, CAIRO_OPERATOR_CLEAR);
+    addRoundedRect(native_->cairo, withinReach(rect), 0);
+    cairo_fill(native_->cairo);
+}
+
+void GraphicsContext::fill(NSRect rect, const NSColor& color) {
+    fill(rect, 0, color);
+}
+
+void GraphicsContext::fill(NSRect rect, double cornerRadius, const NSColor& color) {
+    if (!isDrawable(rect)) return;
+    native_->setSource(color);
+    addRoundedRect(native_->cairo, withinReach(rect), cornerRadius);
+    cairo_fill(native_->cairo);
+}
+
+void GraphicsContext::stroke(NSRect rect, double cornerRadius, double width, const NSColor& color) {
+    if (!isDrawable(rect) || !(width > 0)) return;
+    const NSRect outer = withinReach(rect);
+    const NSRect inner{outer.origin.x + width, outer.origin.y + width, outer.size.width - 2 * width,
+                       outer.size.height - 2 * width};
+    native_->setSource(color);
+    addRoundedRect(native_->cairo, outer, cornerRadius);
+    if (isDrawable(inner)) addRoundedRect(native_->cairo, inner, std::max(0.0, cornerRadius - width));
+    cairo_set_fill_rule(native_->cairo, CAIRO_FILL_RULE_EVEN_ODD);
+    cairo_fill(native_->cairo);
+    cairo_set_fill_rule(native_->cairo, CAIRO_FILL_RULE_WINDING);
+}
+
+void GraphicsContext::strokeLine(NSPoint from, NSPoint to, double width, const NSColor& color) {
+    const double sum = from.x + from.y + to.x + to.y + width;
+    if (!(width > 0) || !std::isfinite(sum)) return;
+    const NSPoint start = withinReach({from, {}}).origin;
+    const NSPoint end = withinReach({to, {}}).origin;
+    native_->setSource(color);
+    cairo_set_line_width(native_->cairo, width);
+    cairo_move_to(native_->cairo, start.x, start.y);
+    cairo_line_to(native_->cairo, end.x, end.y);
+    cairo_stroke(native_->cairo);
+}
+
+void GraphicsContext::drawShadow(NSRect rect, double cornerRadius, const Shadow& shadow) {
+    if (!shadow.color || !isDrawable(rect)) return;
+    rect.origin = {rect.origin.x + shadow.offset.x, rect.origin.y + shadow.offset.y};
+    if (!isDrawable(rect)) return;
+    const SavedState state(*this);
+    native_->setSource(*shadow.color);
+    // The mask is made in the bitmap's own pixels; where the coordinates are turned, in pixels of the turned
+    // plane.
+    const bool turned = native_->turnsOrSkews();
+    const double scale = turned ? native_->scale : native_->toDevice({0, 0, 1, 1}).size.width;
+    if (turned) {
+        cairo_scale(native_->cairo, 1 / scale, 1 / scale);
+        rect = {rect.origin.x * scale, rect.origin.y * scale, rect.size.width * scale,
+                rect.size.height * scale};
+    } else {
+        rect = native_->toDevice(rect);
+        cairo_identity_matrix(native_->cairo);
+    }
+    native_->paintMask(
+        shadowMask(withinReach(rect), cornerRadius * scale, shadow.blurRadius * scale, clipBounds()));
+}
+
+void GraphicsContext::drawBitmap(const NSBitmapImageRep& bitmap, NSRect into, double opacity) {
+    if (!isDrawable(into) || !(opacity > 0)) return;
+    const SavedState state(*this);
+    clip(into);
+    cairo_t* cairo = native_->cairo;
+    cairo_translate(cairo, into.origin.x, into.origin.y);
+    cairo_scale(cairo, into.size.width / bitmap.pixelsWide(), into.size.height / bitmap.pixelsHigh());
+    cairo_surface_t* surface = surfaceOver(bitmap);
+    cairo_set_source_surface(cairo, surface, 0, 0);
+    cairo_surface_destroy(surface);
+    cairo_pattern_set_extend(cairo_get_source(cairo), CAIRO_EXTEND_PAD);  // no fringe at the picture's edges
+    cairo_pattern_set_filter(cairo_get_source(cairo), CAIRO_FILTER_GOOD);
+    cairo_paint_with_alpha(cairo, std::min(opacity, 1.0));
+}
+
+void GraphicsContext::drawText(const TextLayout& text, NSPoint topLeft, const NSColor& color) {
+    if (!std::isfinite(topLeft.x + topLeft.y)) return;
+    native_->setSource(color);
+    LaidOutText::of(text)->draw(native_->cairo, withinReach({topLeft, {}}).origin);
+}
+
+void GraphicsContext::saveState() {
+    cairo_save(native_->cairo);
+    native_->saved.push_back(Native::Saved::State);
+}
+
+void GraphicsContext::restoreState() {
+    if (!native_->isInnermost(Native::Saved::State)) {
+        return callerError("GraphicsContext: restoreState without its saveState");
+    }
+    native_->close();
+}
+
+void GraphicsContext::beginLayer() {
+    cairo_save(native_->cairo);
+    cairo_push_group(native_->cairo);
+    native_->saved.push_back(Native::Saved::Layer);
+}
+
+void GraphicsContext::endLayer(double opacity) {
+    if (!native_->isInnermost(Native::Saved::Layer)) {
+        return callerError("GraphicsContext: endLayer without its beginLayer");
+    }
+    native_->putLayer(std::clamp(opacity, 0.0, 1.0));
+    cairo_restore(native_->cairo);
+    native_->saved.pop_back();
+}
+
+void GraphicsContext::translate(double x, double y) {
+    if (std::isfinite(x) && std::isfinite(y)) cairo_translate(native_->cairo, x, y);
+}
+
+void GraphicsContext::scaleBy(double x, double y) {
+    if (!std::isfinite(x) || !std::isfinite(y)) return;
+    if (x == 0 || y == 0) return clip({});  // a plane without extent shows nothing
+    cairo_scale(native_->cairo, x, y);
+}
+
+void GraphicsContext::rotate(double radians) {
+    if (std::isfinite(radians)) cairo_rotate(native_->cairo, radians);
+}
+
+void GraphicsContext::clip(NSRect rect, double cornerRadius) {
+    const NSRect held = isDrawable(rect) ? withinReach(rect) : NSRect{};
+    addRoundedRect(native_->cairo, held, cornerRadius);
+    cairo_clip(native_->cairo);
+}
+
+}  // namespace kx

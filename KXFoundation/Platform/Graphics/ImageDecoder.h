@@ -1,0 +1,28 @@
+#pragma once
+
+#include <cstddef>
+#include <memory>
+#include <span>
+#include <string_view>
+
+#include <KXFoundation/Platform/Graphics/NSImageRep.h>
+#include <KXFoundation/Platform/Runtime/Export.h>
+#include <KXFoundation/Platform/Runtime/Result.h>
+
+namespace kx {
+
+/// A format that pictures can be read from. The table of them is in ImageDecoder.cpp.
+struct ImageFormat {
+    std::string_view name;
+    /// Whether the bytes begin like this format; never more than a look at the first few.
+    bool (*sniff)(std::span<const std::byte> data);
+    Result<std::shared_ptr<NSBitmapImageRep>> (*decode)(std::span<const std::byte> data);
+};
+
+/// The picture in the encoded bytes; its format is found from the bytes themselves. Unsupported if none fits,
+/// TooLarge beyond NSBitmapImageRep::pixelLimit() (before anything is allocated), Corrupt for damaged data.
+/// Any thread.
+[[nodiscard]] KX_EXPORT Result<std::shared_ptr<NSBitmapImageRep>> decodeImage(
+    std::span<const std::byte> data);
+
+}  // namespace kx

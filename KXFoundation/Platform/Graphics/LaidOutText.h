@@ -1,0 +1,50 @@
+#pragma once
+
+#include <memory>
+#include <vector>
+
+#include <KXFoundation/Platform/Foundation/NSGeometry.h>
+#include <KXFoundation/Platform/Graphics/TextLayout.h>
+
+typedef struct _cairo cairo_t;
+typedef struct _PangoLayout PangoLayout;
+typedef struct _PangoLayoutLine PangoLayoutLine;
+
+namespace kx {
+
+class TextContext;
+
+/// A text whose lines are shaped and placed. Belongs to the thread that made it.
+class LaidOutText {
+  public:
+    LaidOutText(const TextContext& context, const TextLayout& text);
+    ~LaidOutText();
+    LaidOutText(const LaidOutText&) = delete;
+    LaidOutText& operator=(const LaidOutText&) = delete;
+
+    [[nodiscard]] const TextMeasure& measure() const noexcept { return measure_; }
+    /// Draws in the handle's source colour.
+    void draw(cairo_t* cairo, NSPoint topLeft) const;
+
+    /// The calling thread's laid out text for this one, made or remembered.
+    static std::shared_ptr<const LaidOutText> of(const TextLayout& text);
+    /// Its measure, which is remembered for longer than the lines.
+    static TextMeasure measureOf(const TextLayout& text);
+
+  private:
+    struct Line {
+        PangoLayoutLine* line;  // owned by layout_
+        double width;
+        double baseline;
+        bool isRightToLeft;
+    };
+    void collectLines();
+    [[nodiscard]] double indentOf(const Line& line) const noexcept;
+
+    PangoLayout* layout_;
+    TextFlow flow_;
+    std::vector<Line> lines_;
+    TextMeasure measure_;
+};
+
+}  // namespace kx

@@ -1,0 +1,166 @@
+#include <cmath>
+#include <map>
+#include <mutex>
+
+#include <KXFoundation/Platform/Foundation/NSBundle.h>
+#include <KXFoundation/Platform/Graphics/GraphicsContext.h>
+#include <KXFoundation/Platform/Graphics/ImageDecoder.h>
+#include <KXFoundation/Platform/Graphics/NSImage.h>
+#include <KXFoundation/Platform/Runtime/FileSystem.h>
+#include <KXFoundation/Platform/Runtime/Log.h>
+#include <KXFoundation/Platform/Runtime/ProcessState.h>
+
+namespace kx {
+
+namespace {
+
+constexpr std::uint64_t kLargestFile = std::uint64_t{256} << 20;
+
+Result<std::shared_ptr<NSBitmapImageRep>> readBitmap(const std::string& path) {
+    auto contents = readFile(FileSystem::slot().current(), path, kLargestFile);
+    if (!contents) return contents.error();
+    auto bitmap = decodeImage(std::as_bytes(std::span(*contents)));
+    if (bitmap) return bitmap;
+    Error error = bitmap.error();
+    error.where = path + ": " + error.where;
+    return error;
+}
+
+/// The bitmap in the file; none if it is missing (not said) or unreadable (one log line).
+std::shared_ptr<NSBitmapImageRep> bitmapIn(const std::optional<std::string>& path) {
+    if (!path) return nullptr;
+    auto bitmap = readBitmap(*path);
+    if (bitmap) return *bitmap;
+    if (bitmap.error().kind != ErrorKind::Missing) logError("picture", bitmap.error());
+    return nullptr;
+}
+
+NSSize sizeOf(const NSBitmapImageRep& bitmap, double scale) {
+    return {bitmap.pixelsWide() / scale, bitmap.pixelsHigh() / scale};
+}
+
+/// A picture of what there is at scales 1 and 2; its size is that of the first.
+std::shared_ptr<NSImage> imageOf(std::shared_ptr<NSBitmapImageRep> once,
+                                 std::shared_ptr<NSBitmapImageRep> twice) {
+    if (!once) return NSImage::initWithBitmap(std::move(twice), 2);
+    auto image = NSImage::initWithBitmap(std::move(once), 1);
+    if (twice) image->addRepresentation(std::move(twice));
+    return image;
+}
+
+/// "/a/photo.png" gives "/a/photo@2x.png".
+std::string doubledPath(std::string_view path) {
+    const std::size_t name = path.rfind('/') + 1;  // npos + 1 is 0
+    const std::size_t dot = path.find('.', name) == std::string_view::npos ? path.size() : path.rfind('.');
+    return std::string(path.substr(0, dot)).append("@2x").append(path.substr(dot));
+}
+
+struct NamedImages {
+    std::mutex mutex;
+    std::map<std::string, std::weak_ptr<NSImage>> images;  // by path, guarded by mutex
+};
+constinit ProcessState<NamedImages> namedImages;
+
+/// Whether the bitmap has a pixel for each of the picture's at that scale.
+bool suffices(const NSImageRep& bitmap, NSSize size, double scale) {
+    return bitmap.pixelsWide() >= size.width * scale - 0.5 &&
+           bitmap.pixelsHigh() >= size.height * scale - 0.5;
+}
+
+std::uint64_t area(const NSImageRep& bitmap) {
+    return std::uint64_t{bitmap.pixelsWide()} * bitmap.pixelsHigh();
+}
+
+}  // namespace
+
+bool NSImage::init(NSSize size) {
+    size_ = size;
+    return Super::init();
+}
+
+std::shared_ptr<NSImage> NSImage::initWithSize(NSSize size) {
+    return make<NSImage>(size);
+}
+
+std::shared_ptr<NSImage> NSImage::initWithData(std::span<const std::byte> data) {
+    auto bitmap = decodeImage(data);
+    return bitmap ? initWithBitmap(*bitmap) : nullptr;
+}
+
+std::shared_ptr<NSImage> NSImage::initWithContentsOfFile(std::optional<std::string_view> path) {
+    if (!path) return nullptr;
+    auto bitmap = readBitmap(std::string(*path));
+    if (bitmap) return imageOf(*bitmap, bitmapIn(doubledPath(*path)));
+    logError("picture", bitmap.error());
+    return nullptr;
+}
+
+std::shared_ptr<NSImage> NSImage::initWithBitmap(std::shared_ptr<NSBitmapImageRep> bitmap, double scale) {
+    if (!bitmap || !(scale > 0)) return nullptr;
+    auto image = initWithSize(sizeOf(*bitmap, scale));
+    image->addRepresentation(std::move(bitmap));
+    return image;
+}
+
+std::shared_ptr<NSImage> NSImage::imageWithSize(NSSize size, NSCustomImageRep::DrawingHandler handler) {
+    auto image = initWithSize(size);
+    image->addRepresentation(make<NSCustomImageRep>(size, std::move(handler)));
+    return image;
+}
+
+std::shared_ptr<NSImage> NSImage::imageNamed(std::optional<std::string_view> name) {
+    if (!name || name->empty()) return nullptr;
+    const auto bundle = NSBundle::mainBundle();
+    const auto once = bundle->pathForResource(name, "png");
+    const auto twice = bundle->pathForResource(std::string(*name) + "@2x", "png");
+    if (!once && !twice) return nullptr;
+    NamedImages& named = namedImages.get();
+    const std::lock_guard lock(named.mutex);
+    std::weak_ptr<NSImage>& known = named.images[once ? *once : *twice];
+    if (auto image = known.lock()) return image;
+    auto image = imageOf(bitmapIn(once), bitmapIn(twice));
+    known = image;
+    return image;
+}
+
+void NSImage::addRepresentation(std::shared_ptr<NSImageRep> representation) {
+    if (representation) representations_.push_back(std::move(representation));
+}
+
+std::shared_ptr<NSImageRep> NSImage::bestRepresentation(double scale) const {
+    std::shared_ptr<NSImageRep> sufficient, drawn, largest;
+    for (const auto& rep : representations_) {
+        if (area(*rep) == 0) {
+            drawn = rep;
+        } else if (suffices(*rep, size_, scale)) {
+            if (!sufficient || area(*rep) < area(*sufficient)) sufficient = rep;
+        } else if (!largest || area(*rep) > area(*largest)) {
+            largest = rep;
+        }
+    }
+    return sufficient ? sufficient : drawn ? drawn : largest;
+}
+
+void NSImage::drawInRect(NSRect rect, double opacity) const {
+    GraphicsContext* context = GraphicsContext::current();
+    if (!context) return;
+    // What counts is how many pixels the rectangle covers, not the picture's own size.
+    const double stretch = size_.width > 0 ? rect.size.width / size_.width : 1;
+    if (const auto rep = bestRepresentation(context->scale() * stretch)) rep->draw(*context, rect, opacity);
+}
+
+std::shared_ptr<NSBitmapImageRep> NSImage::bitmapAtScale(double scale) const {
+    const double wide = std::ceil(size_.width * scale), high = std::ceil(size_.height * scale);
+    const auto rep = bestRepresentation(scale);
+    if (!rep || !(wide >= 1 && wide <= NSBitmapImageRep::kLongestSide) ||
+        !(high >= 1 && high <= NSBitmapImageRep::kLongestSide)) {
+        return nullptr;
+    }
+    if (rep->pixelsWide() == wide && rep->pixelsHigh() == high) return objectCast<NSBitmapImageRep>(rep);
+    auto bitmap = NSBitmapImageRep::bitmapWithPixels(static_cast<std::uint32_t>(wide),
+                                                     static_cast<std::uint32_t>(high));
+    if (auto context = GraphicsContext::onBitmap(bitmap, scale)) rep->draw(*context, {{}, size_}, 1);
+    return bitmap;
+}
+
+}  // namespace kx

@@ -1,0 +1,67 @@
+#include <atomic>
+#include <new>
+
+#include <KXFoundation/Platform/Graphics/GraphicsContext.h>
+#include <KXFoundation/Platform/Graphics/NSImageRep.h>
+
+namespace kx {
+
+namespace {
+constinit std::atomic<std::uint64_t> limit{std::uint64_t{64} << 20};
+}
+
+std::uint64_t NSBitmapImageRep::pixelLimit() noexcept {
+    return limit.load(std::memory_order_relaxed);
+}
+
+void NSBitmapImageRep::setPixelLimit(std::uint64_t pixels) noexcept {
+    limit.store(pixels, std::memory_order_relaxed);
+}
+
+bool NSBitmapImageRep::allows(std::uint64_t wide, std::uint64_t high) noexcept {
+    return wide > 0 && high > 0 && wide <= kLongestSide && high <= kLongestSide &&
+           wide * high <= pixelLimit();
+}
+
+bool NSBitmapImageRep::init(std::uint32_t wide, std::uint32_t high) {
+    if (!Super::init() || !allows(wide, high)) return false;
+    pixels_.reset(new (std::nothrow) std::uint32_t[std::size_t{wide} * high]());
+    if (!pixels_) return false;
+    wide_ = wide;
+    high_ = high;
+    return true;
+}
+
+std::shared_ptr<NSBitmapImageRep> NSBitmapImageRep::bitmapWithPixels(std::uint32_t wide, std::uint32_t high) {
+    return make<NSBitmapImageRep>(wide, high);
+}
+
+std::uint32_t NSBitmapImageRep::pixelAt(std::uint32_t x, std::uint32_t y) const noexcept {
+    return x < wide_ && y < high_ ? pixels_[std::size_t{y} * wide_ + x] : 0;
+}
+
+bool NSBitmapImageRep::draw(GraphicsContext& context, NSRect into, double opacity) const {
+    context.drawBitmap(*this, into, opacity);
+    return true;
+}
+
+bool NSCustomImageRep::init(NSSize size, DrawingHandler handler) {
+    if (!Super::init() || !(size.width > 0) || !(size.height > 0) || !handler) return false;
+    size_ = size;
+    handler_ = std::move(handler);
+    return true;
+}
+
+bool NSCustomImageRep::draw(GraphicsContext& context, NSRect into, double opacity) const {
+    const GraphicsContext::SavedState state(context);
+    context.clip(into);
+    context.translate(into.origin.x, into.origin.y);
+    context.scaleBy(into.size.width / size_.width, into.size.height / size_.height);
+    const GraphicsContext::Current current(context);
+    context.beginLayer();
+    const bool drawn = handler_({{}, size_});
+    context.endLayer(drawn ? opacity : 0);
+    return drawn;
+}
+
+}  // namespace kx

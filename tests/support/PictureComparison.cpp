@@ -1,0 +1,79 @@
+#include "support/PictureComparison.h"
+
+#include <algorithm>
+#include <cstdlib>
+
+#include <KXFoundation/Platform/Graphics/GraphicsContext.h>
+#include <KXFoundation/Platform/Graphics/NSColor.h>
+#include <KXFoundation/Platform/Graphics/PngCodec.h>
+#include <KXFoundation/Platform/Runtime/FileSystem.h>
+
+namespace kx::testing {
+
+namespace {
+
+int distance(std::uint32_t a, std::uint32_t b) {
+    int largest = 0;
+    for (int shift = 0; shift < 32; shift += 8) {
+        const int difference = static_cast<int>(a >> shift & 255) - static_cast<int>(b >> shift & 255);
+        largest = std::max(largest, std::abs(difference));
+    }
+    return largest;
+}
+
+bool sameSize(const NSBitmapImageRep& a, const NSBitmapImageRep& b) {
+    return a.pixelsWide() == b.pixelsWide() && a.pixelsHigh() == b.pixelsHigh();
+}
+
+std::shared_ptr<NSBitmapImageRep> markDifferences(const NSBitmapImageRep& a, const NSBitmapImageRep& b,
+                                                  int channel) {
+    constexpr std::uint32_t kMark = 0xFFFF0000;
+    auto marked = NSBitmapImageRep::bitmapWithPixels(a.pixelsWide(), a.pixelsHigh());
+    GraphicsContext::onBitmap(marked)->drawBitmap(a, {0, 0, double(a.pixelsWide()), double(a.pixelsHigh())},
+                                                  0.3);
+    for (std::size_t i = 0; sameSize(a, b) && i < marked->pixels().size(); ++i) {
+        if (distance(a.pixels()[i], b.pixels()[i]) > channel) marked->pixels()[i] = kMark;
+    }
+    return marked;
+}
+
+}  // namespace
+
+Difference compare(const NSBitmapImageRep& a, const NSBitmapImageRep& b, Tolerance tolerance) {
+    Difference difference{sameSize(a, b)};
+    if (!difference.sameSize) return difference;
+    for (std::size_t i = 0; i < a.pixels().size(); ++i) {
+        const int apart = distance(a.pixels()[i], b.pixels()[i]);
+        difference.largest = std::max(difference.largest, apart);
+        if (apart > tolerance.channel) ++difference.pixels;
+    }
+    difference.accepted = difference.pixels <= tolerance.pixels;
+    return difference;
+}
+
+std::shared_ptr<NSBitmapImageRep> sideBySide(const NSBitmapImageRep& a, const NSBitmapImageRep& b,
+                                             Tolerance tolerance) {
+    constexpr std::uint32_t kGap = 8;
+    const auto marked = markDifferences(a, b, tolerance.channel);
+    const NSBitmapImageRep* const pictures[] = {&a, marked.get(), &b};
+    const std::uint32_t wide = 2 * a.pixelsWide() + b.pixelsWide() + 2 * kGap;
+    auto page = NSBitmapImageRep::bitmapWithPixels(wide, std::max(a.pixelsHigh(), b.pixelsHigh()));
+    if (!page) return marked;
+    const auto context = GraphicsContext::onBitmap(page);
+    context->fill(context->clipBounds(), *NSColor::colorWithWhite(0.8, 1));
+    double x = 0;
+    for (const NSBitmapImageRep* picture : pictures) {
+        context->drawBitmap(*picture, {x, 0, double(picture->pixelsWide()), double(picture->pixelsHigh())});
+        x += picture->pixelsWide() + kGap;
+    }
+    return page;
+}
+
+bool writePng(const NSBitmapImageRep& bitmap, const std::string& path) {
+    const auto encoded = encodePng(bitmap);
+    if (!encoded) return false;
+    const std::string_view contents(reinterpret_cast<const char*>(encoded->data()), encoded->size());
+    return replaceFile(FileSystem::slot().current(), path, contents).ok();
+}
+
+}  // namespace kx::testing
