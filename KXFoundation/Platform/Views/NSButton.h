@@ -19,6 +19,7 @@ class KX_EXPORT NSButton : public Subclass<NSButton, NSControl> {
     bool init(NSRect frame = {});
     /// Runs the exchangeable "initWithCoder:".
     bool init(NSCoder& coder);
+    /// Adds "title".
     void encodeWithCoder(NSCoder& coder) const override;
     static void defineOperations(Class& cls);
 
@@ -31,9 +32,6 @@ class KX_EXPORT NSButton : public Subclass<NSButton, NSControl> {
     /// Drawn in the accent colour: the button that Enter presses.
     [[nodiscard]] bool isDefaultButton() const noexcept { return default_; }
     void setDefaultButton(bool isDefault);
-    /// Whether it looks pressed at the moment.
-    [[nodiscard]] bool isHighlighted() const noexcept { return highlighted_; }
-    virtual void setHighlighted(bool highlighted);
     /// Sends the action if the button is enabled.
     void performClick();
 
@@ -55,12 +53,16 @@ class KX_EXPORT NSButton : public Subclass<NSButton, NSControl> {
     std::shared_ptr<NSView> hitTestPlainly(NSPoint point);
 
   private:
+    struct Content;
+    [[nodiscard]] Content content(double mostHeight) const;
+    [[nodiscard]] double contentStart(const Content& shown, NSRect inside) const;
+    void drawBackground(GraphicsContext& context) const;
+    void drawContent(GraphicsContext& context) const;
     [[nodiscard]] bool isUnder(const NSEvent& event);
 
     std::string title_;
     std::shared_ptr<NSImage> image_;
     bool default_ = false;
-    bool highlighted_ = false;
     bool tracking_ = false;
 };
 

@@ -55,7 +55,8 @@ class KX_EXPORT NSCollectionViewFlowLayout : public Subclass<NSCollectionViewFlo
   private:
     struct Grid;
     [[nodiscard]] Grid grid(double width) const;
-    bool keepsOrder() { return false; }
+    [[nodiscard]] bool isMirrored();
+    bool flipsByDefault() { return false; }
 
     NSSize itemSize_{50, 50};
     double interitemSpacing_ = 10;

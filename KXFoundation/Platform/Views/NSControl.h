@@ -3,7 +3,7 @@
 #include <functional>
 #include <memory>
 
-#include <KXFoundation/Platform/Views/NSTextAlignment.h>
+#include <KXFoundation/Platform/Graphics/NSTextAlignment.h>
 #include <KXFoundation/Platform/Views/NSView.h>
 
 namespace kx {
@@ -15,10 +15,15 @@ class KX_EXPORT NSControl : public Subclass<NSControl, NSView> {
   public:
     bool init(NSRect frame = {});
     bool init(NSCoder& coder);
+    /// Adds "alignment" (the enumeration's number) and "enabled".
     void encodeWithCoder(NSCoder& coder) const override;
 
     [[nodiscard]] bool isEnabled() const noexcept { return enabled_; }
     virtual void setEnabled(bool enabled);
+
+    /// Whether it looks pressed or selected at the moment.
+    [[nodiscard]] bool isHighlighted() const noexcept { return highlighted_; }
+    virtual void setHighlighted(bool highlighted);
 
     /// Called on the main thread when the user has done what the control is for. It may remove the control
     /// and drop the last reference to it. Absent takes the action away.
@@ -41,6 +46,7 @@ class KX_EXPORT NSControl : public Subclass<NSControl, NSView> {
     std::shared_ptr<NSFont> font_;
     NSTextAlignment alignment_ = NSTextAlignment::Natural;
     bool enabled_ = true;
+    bool highlighted_ = false;
 };
 
 }  // namespace kx

@@ -23,8 +23,8 @@ struct NSEvent {
     NSEventType type = NSEventType::MouseMoved;
     NSPoint locationInWindow;  ///< in the content view's coordinates
     NSEventModifierFlags modifierFlags = NSEventModifierFlags::None;
-    int clickCount = 0;      ///< 1 for a click, 2 for a double click
-    std::string characters;  ///< what the key types; "\r", "\t" and " " for Enter, Tab and Space
+    int clickCount = 0;        ///< 1 for a click, 2 for a double click
+    std::string characters{};  ///< what the key types; "\r", "\t" and " " for Enter, Tab and Space
 };
 
 }  // namespace kx

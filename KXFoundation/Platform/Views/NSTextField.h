@@ -18,6 +18,7 @@ class KX_EXPORT NSTextField : public Subclass<NSTextField, NSControl> {
     bool init(NSRect frame = {});
     /// Runs the exchangeable "initWithCoder:".
     bool init(NSCoder& coder);
+    /// Adds "stringValue", "placeholderString" and "editable".
     void encodeWithCoder(NSCoder& coder) const override;
     static void defineOperations(Class& cls);
 
@@ -51,6 +52,8 @@ class KX_EXPORT NSTextField : public Subclass<NSTextField, NSControl> {
     bool initializeWithCoder(NSCoder& coder);
 
   private:
+    void drawString(GraphicsContext& context) const;
+
     std::string string_;
     std::optional<std::string> placeholder_;
     std::shared_ptr<NSColor> textColor_;

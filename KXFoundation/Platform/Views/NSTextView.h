@@ -1,11 +1,12 @@
 #pragma once
 
+#include <limits>
 #include <memory>
 #include <optional>
 #include <string>
 #include <string_view>
 
-#include <KXFoundation/Platform/Views/NSTextAlignment.h>
+#include <KXFoundation/Platform/Graphics/NSTextAlignment.h>
 #include <KXFoundation/Platform/Views/NSView.h>
 
 namespace kx {
@@ -20,6 +21,7 @@ class KX_EXPORT NSTextView : public Subclass<NSTextView, NSView> {
     bool init(NSRect frame = {});
     /// Runs the exchangeable "initWithCoder:".
     bool init(NSCoder& coder);
+    /// Adds "string" and "alignment" (the enumeration's number).
     void encodeWithCoder(NSCoder& coder) const override;
     static void defineOperations(Class& cls);
 
@@ -56,7 +58,7 @@ class KX_EXPORT NSTextView : public Subclass<NSTextView, NSView> {
     bool initializeWithCoder(NSCoder& coder);
 
   private:
-    static constexpr double kUnlimited = 1e7;
+    static constexpr double kUnlimited = std::numeric_limits<double>::infinity();
 
     std::string string_;
     std::shared_ptr<NSFont> font_;

@@ -29,6 +29,7 @@ class KX_EXPORT NSView : public Subclass<NSView, NSResponder> {
     bool init(NSRect frame = {});
     /// From an archive; what is missing or of a wrong type keeps its default.
     bool init(NSCoder& coder);
+    /// Writes "frame"; a subclass adds its own keys.
     virtual void encodeWithCoder(NSCoder& coder) const;
     ~NSView() override;
 
@@ -132,13 +133,20 @@ class KX_EXPORT NSView : public Subclass<NSView, NSResponder> {
     friend class NSWindow;
     friend class ViewDrawing;
 
-    void moveToWindow(NSWindow* window);
-    void detachFrom(NSView& superview);
+    [[nodiscard]] bool isSeen() const noexcept { return !hidden_ && alpha_ > 0; }
     [[nodiscard]] NSWindow* rootWindow() const noexcept;
-    [[nodiscard]] NSPoint originInRoot() const noexcept;
+    [[nodiscard]] NSPoint originInWindow() const noexcept;
     [[nodiscard]] NSRect drawnExtent() const;
+    void invalidate(NSRect rect);
+    template <class Change>
+    void redrawAround(Change change);
+
+    void takeOut();
+    void attachToWindow(NSWindow& window);
+    void detachFromWindow();
     void willChangeWindow(const std::shared_ptr<NSWindow>& window);
     void didChangeWindow();
+    void markLayoutUpwards() noexcept;
 
     NSRect frame_;
     NSView* superview_ = nullptr;  // cleared by the superview before it dies
@@ -149,6 +157,8 @@ class KX_EXPORT NSView : public Subclass<NSView, NSResponder> {
     bool hidden_ = false;
     bool clips_ = false;
     bool needsLayout_ = true;
+    bool subviewNeedsLayout_ = false;  // somewhere below
+    bool moving_ = false;              // inside a hook of its own removal or addition
     std::int64_t tag_ = 0;
     std::string identifier_;
 };

@@ -3,8 +3,8 @@
 #include <memory>
 
 #include <KXFoundation/Platform/Foundation/NSGeometry.h>
+#include <KXFoundation/Platform/Graphics/NSTextAlignment.h>
 #include <KXFoundation/Platform/Runtime/Operation.h>
-#include <KXFoundation/Platform/Views/NSTextAlignment.h>
 
 /// The operations of views that can be exchanged at run time, and the classes that implement them:
 ///
