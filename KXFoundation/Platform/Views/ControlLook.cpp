@@ -1,0 +1,22 @@
+#include <KXFoundation/Platform/Graphics/GraphicsContext.h>
+#include <KXFoundation/Platform/Graphics/NSColor.h>
+#include <KXFoundation/Platform/Graphics/TextLayout.h>
+#include <KXFoundation/Platform/Views/ControlLook.h>
+
+namespace kx::ControlLook {
+
+void drawFace(GraphicsContext& context, NSRect rect, const NSColor& fill, const NSColor& border) {
+    const NSRect face = context.pixelAligned(rect);
+    context.fill(face, kCornerRadius, fill);
+    context.stroke(face, kCornerRadius, 1 / context.scale(), border);
+}
+
+void drawLine(GraphicsContext& context, const TextLayout& line, NSRect inside, const NSColor& color) {
+    const TextMeasure plain = TextLayout("", line.font()).measure();
+    const double baseline =
+        inside.origin.y + (inside.size.height - plain.size.height) / 2 + plain.firstBaseline;
+    const double crisp = context.pixelAligned({0, baseline, 1, 1}).origin.y;
+    context.drawText(line, {inside.origin.x, crisp - line.measure().firstBaseline}, color);
+}
+
+}  // namespace kx::ControlLook

@@ -1,0 +1,39 @@
+#pragma once
+
+#include <KXFoundation/Platform/Foundation/NSGeometry.h>
+#include <KXFoundation/Platform/Graphics/GraphicsContext.h>
+
+namespace kx {
+
+class NSColor;
+class TextLayout;
+
+/// What all controls have in common to look at; their colours are NSColor's semantic ones. Private to Views.
+namespace ControlLook {
+
+// Points.
+inline constexpr double kCornerRadius = 6;
+inline constexpr double kHeight = 28;
+inline constexpr double kPadding = 10;     ///< between a control's side and its text
+inline constexpr double kImageGap = 6;     ///< between a picture and its title
+inline constexpr double kImageMargin = 4;  ///< above and below a picture in a button
+inline constexpr double kDisabledOpacity = 0.4;
+
+/// A rounded face with a border of one pixel.
+void drawFace(GraphicsContext& context, NSRect rect, const NSColor& fill, const NSColor& border);
+
+/// A text of one line in the middle of the rectangle's height. The middle is that of its font, so that texts
+/// of one font in different scripts stand on one baseline; that lies on a pixel edge.
+void drawLine(GraphicsContext& context, const TextLayout& line, NSRect inside, const NSColor& color);
+
+/// Runs `draw` in full strength or, for what is switched off, faded.
+template <class Draw>
+void drawEnabled(GraphicsContext& context, bool enabled, Draw draw) {
+    if (enabled) return draw();
+    context.beginLayer();
+    draw();
+    context.endLayer(kDisabledOpacity);
+}
+
+}  // namespace ControlLook
+}  // namespace kx

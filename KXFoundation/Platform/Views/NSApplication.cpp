@@ -1,0 +1,66 @@
+#include <algorithm>
+#include <atomic>
+#include <mutex>
+#include <thread>
+
+#include <KXFoundation/Platform/Runtime/ProcessState.h>
+#include <KXFoundation/Platform/Views/NSApplication.h>
+#include <KXFoundation/Platform/Views/NSWindow.h>
+
+namespace kx {
+
+namespace {
+
+struct ApplicationState {
+    std::once_flag once;
+    std::shared_ptr<NSApplication> application;
+    std::atomic<std::thread::id> mainThread;  // no thread's before there is an application
+};
+
+constinit ProcessState<ApplicationState> applicationState;
+
+}  // namespace
+
+std::shared_ptr<NSApplication> NSApplication::sharedApplication() {
+    ApplicationState& state = applicationState.get();
+    std::call_once(state.once, [&] {
+        state.mainThread = std::this_thread::get_id();
+        state.application = make<NSApplication>();
+    });
+    return state.application;
+}
+
+bool NSApplication::isMainThread() noexcept {
+    const std::thread::id main = applicationState.get().mainThread.load(std::memory_order_relaxed);
+    return main == std::thread::id() || main == std::this_thread::get_id();
+}
+
+void NSApplication::displayIfNeeded() {
+    const auto windows = windows_;
+    for (const auto& window : windows) window->displayIfNeeded();
+}
+
+void NSApplication::bringToFront(const std::shared_ptr<NSWindow>& window) {
+    std::erase(windows_, window);
+    windows_.push_back(window);
+}
+
+void NSApplication::makeKey(const std::shared_ptr<NSWindow>& window) {
+    if (!shows(*window)) return;
+    keyWindow_ = window;
+    mainWindow_ = window;
+}
+
+void NSApplication::takeAway(const NSWindow& window) {
+    std::erase_if(windows_, [&](const auto& shown) { return shown.get() == &window; });
+    const auto isLost = [&](const auto& role) { return role.get() == &window; };
+    const auto front = windows_.empty() ? nullptr : windows_.back();
+    if (isLost(keyWindow())) keyWindow_ = front;
+    if (isLost(mainWindow())) mainWindow_ = front;
+}
+
+bool NSApplication::shows(const NSWindow& window) const {
+    return std::ranges::any_of(windows_, [&](const auto& shown) { return shown.get() == &window; });
+}
+
+}  // namespace kx

@@ -1,0 +1,48 @@
+#pragma once
+
+#include <memory>
+#include <vector>
+
+#include <KXFoundation/Platform/Runtime/Export.h>
+#include <KXFoundation/Platform/Views/NSResponder.h>
+
+namespace kx {
+
+class NSWindow;
+
+/// The application: its windows and which of them the user works in. There is one; the thread that asks for
+/// it first is the main thread from then on. Main thread, but for isMainThread().
+class KX_EXPORT NSApplication : public Subclass<NSApplication, NSResponder> {
+  public:
+    [[nodiscard]] static std::shared_ptr<NSApplication> sharedApplication();
+
+    /// True on the main thread, and everywhere as long as there is no application. Any thread.
+    [[nodiscard]] static bool isMainThread() noexcept;
+
+    /// The windows on the screen, back to front. The application keeps these alive.
+    [[nodiscard]] const std::vector<std::shared_ptr<NSWindow>>& windows() const noexcept { return windows_; }
+    /// The window that the keys go to, none if there is none.
+    [[nodiscard]] std::shared_ptr<NSWindow> keyWindow() const { return keyWindow_.lock(); }
+    /// The window that the user works in, none if there is none.
+    [[nodiscard]] std::shared_ptr<NSWindow> mainWindow() const { return mainWindow_.lock(); }
+
+    /// Draws what is invalid in any window.
+    void displayIfNeeded();
+
+  protected:
+    NSApplication() = default;
+
+  private:
+    friend class NSWindow;
+
+    void bringToFront(const std::shared_ptr<NSWindow>& window);
+    void makeKey(const std::shared_ptr<NSWindow>& window);
+    void takeAway(const NSWindow& window);
+    [[nodiscard]] bool shows(const NSWindow& window) const;
+
+    std::vector<std::shared_ptr<NSWindow>> windows_;
+    std::weak_ptr<NSWindow> keyWindow_;
+    std::weak_ptr<NSWindow> mainWindow_;
+};
+
+}  // namespace kx

@@ -1,0 +1,7 @@
+#pragma once
+
+namespace kx {
+
+enum class NSUserInterfaceLayoutDirection { LeftToRight, RightToLeft };
+
+}  // namespace kx

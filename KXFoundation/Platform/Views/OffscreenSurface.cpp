@@ -1,0 +1,66 @@
+#include <algorithm>
+
+#include <KXFoundation/Platform/Graphics/NSImageRep.h>
+#include <KXFoundation/Platform/Graphics/PngCodec.h>
+#include <KXFoundation/Platform/Views/OffscreenSurface.h>
+
+namespace kx {
+
+OffscreenSurface::OffscreenSurface(NSRect frame, double scale, WindowSystem::Handler handler)
+    : frame_(frame), scale_(scale), handler_(std::move(handler)) {}
+
+void OffscreenSurface::present(const NSBitmapImageRep& bitmap, std::span<const PixelRect> changed) {
+    const std::uint32_t wide = bitmap.pixelsWide();
+    if (!bitmap_ || bitmap_->pixelsWide() != wide || bitmap_->pixelsHigh() != bitmap.pixelsHigh()) {
+        bitmap_ = NSBitmapImageRep::bitmapWithPixels(wide, bitmap.pixelsHigh());
+    }
+    lastChanged_.assign(changed.begin(), changed.end());
+    for (const PixelRect& rect :
+         changed) {  // not more than was announced, so that a wrong announcement shows
+        for (std::uint32_t y = rect.y; y < rect.y + rect.height; ++y) {
+            const std::size_t start = std::size_t{y} * wide + rect.x;
+            std::ranges::copy(bitmap.pixels().subspan(start, rect.width),
+                              bitmap_->pixels().begin() + std::ptrdiff_t(start));
+        }
+    }
+}
+
+void OffscreenSurface::setFrame(NSRect frame) {
+    const bool resized = frame.size != frame_.size;
+    frame_ = frame;
+    if (resized) handler_(SurfaceResized());
+}
+
+void OffscreenSurface::setScale(double scale) {
+    scale_ = scale;
+    handler_(SurfaceResized());
+}
+
+void OffscreenSurface::activate() {
+    handler_(SurfaceFocusChanged{true});
+}
+
+void OffscreenSurface::click(NSPoint point) {
+    send(NSEvent{.type = NSEventType::MouseDown, .locationInWindow = point, .clickCount = 1});
+    send(NSEvent{.type = NSEventType::MouseUp, .locationInWindow = point, .clickCount = 1});
+}
+
+Result<std::vector<std::byte>> OffscreenSurface::png() const {
+    if (!bitmap_) return Error{ErrorKind::Unsupported, 0, "OffscreenSurface::png"};
+    return encodePng(*bitmap_);
+}
+
+std::shared_ptr<WindowSurface> OffscreenWindowSystem::makeSurface(NSRect frame, Handler handler) {
+    return std::make_shared<OffscreenSurface>(frame, scale_, std::move(handler));
+}
+
+PortSlot<WindowSystem>& WindowSystem::slot() {
+    static constinit PortSlot<WindowSystem> slot;
+    return slot;
+}
+
+std::shared_ptr<WindowSystem> WindowSystem::makeDefault() {
+    return std::make_shared<OffscreenWindowSystem>();
+}
+
+}  // namespace kx

@@ -1,0 +1,70 @@
+#include <cmath>
+#include <vector>
+
+#include <KXFoundation/Platform/Graphics/GraphicsContext.h>
+#include <KXFoundation/Platform/Graphics/NSColor.h>
+#include <KXFoundation/Platform/Graphics/NSImageRep.h>
+#include <KXFoundation/Platform/Views/NSView.h>
+#include <KXFoundation/Platform/Views/NSWindow.h>
+#include <KXFoundation/Platform/Views/ViewDrawing.h>
+
+/// The window keeps all its pixels and draws the invalid ones among them again. The clip lies on pixel edges,
+/// so that the outcome is the same as if everything had been drawn.
+namespace kx {
+
+double NSWindow::backingScaleFactor() const {
+    return surface_ ? surface_->scale() : 1;
+}
+
+void NSWindow::setNeedsDisplay(NSRect rect) {
+    invalid_.add(rect.intersection(bounds()));
+}
+
+void NSWindow::setAppearance(NSAppearance appearance) {
+    if (appearance == appearance_) return;
+    appearance_ = appearance;
+    setNeedsDisplay(bounds());
+}
+
+void NSWindow::displayIfNeeded() {
+    if (!surface_) return;
+    const auto held = self();
+    const auto surface = surface_;  // drawing may close the window
+    if (const auto content = contentView_) content->layoutSubtreeIfNeeded();
+    if (invalid_.isEmpty() || !prepareBacking()) return;
+    const auto backing = backing_;
+    const std::vector<PixelRect> changed =
+        invalid_.pixels(surface->scale(), backing->pixelsWide(), backing->pixelsHigh());
+    invalid_.clear();
+    for (const PixelRect& rect : changed) redraw(rect);
+    surface->present(*backing, changed);
+}
+
+/// Pixels of the surface's size; false if there can be none.
+bool NSWindow::prepareBacking() {
+    const double scale = surface_->scale();
+    const auto pixels = [&](double points) {
+        return static_cast<std::uint32_t>(std::lround(points * scale));
+    };
+    const std::uint32_t wide = pixels(frame_.size.width);
+    const std::uint32_t high = pixels(frame_.size.height);
+    if (backing_ && backing_->pixelsWide() == wide && backing_->pixelsHigh() == high) return true;
+    backing_ = NSBitmapImageRep::bitmapWithPixels(wide, high);
+    setNeedsDisplay(bounds());
+    return backing_ != nullptr;
+}
+
+void NSWindow::redraw(const PixelRect& pixels) {
+    if (!backing_ || !surface_) return;
+    const double scale = surface_->scale();
+    const auto context = GraphicsContext::onBitmap(backing_, scale);
+    if (!context) return;
+    const NSRect dirty(pixels.x / scale, pixels.y / scale, pixels.width / scale, pixels.height / scale);
+    const ScopedAppearance look(appearance_);
+    const GraphicsContext::Current current(*context);
+    context->clip(context->pixelAligned(dirty));
+    context->fill(dirty, *NSColor::windowBackgroundColor());
+    if (const auto content = contentView_) ViewDrawing(*context).draw(*content, dirty);
+}
+
+}  // namespace kx
