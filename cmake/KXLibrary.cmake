@@ -37,7 +37,9 @@ function(kx_tests name library)
   add_executable(${name} ${arg_UNPARSED_ARGUMENTS})
   target_link_libraries(${name} PRIVATE KXFoundation::${library} kx_test_support_${library} kx_warnings)
   target_precompile_headers(${name} REUSE_FROM kx_test_support_Foundation)
-  set_target_properties(${name} PROPERTIES RUNTIME_OUTPUT_DIRECTORY ${PROJECT_BINARY_DIR}/tests)
+  set_target_properties(${name} PROPERTIES
+    RUNTIME_OUTPUT_DIRECTORY ${PROJECT_BINARY_DIR}/tests
+    POSITION_INDEPENDENT_CODE OFF)  # as the owner of the precompiled header has it
   gtest_discover_tests(${name} DISCOVERY_MODE PRE_TEST PROPERTIES TIMEOUT 120 LABELS "${arg_LABELS}")
 endfunction()
 
