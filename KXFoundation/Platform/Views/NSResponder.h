@@ -13,6 +13,9 @@ struct NSEvent;
 /// superview, from the content view to the window. Main thread.
 class KX_EXPORT NSResponder : public Subclass<NSResponder, NSObject> {
   public:
+    /// Views and windows are touched on the main thread only, and die there.
+    static constexpr bool kMainThreadOnly = true;
+
     virtual void mouseDown(const NSEvent& event);
     virtual void mouseDragged(const NSEvent& event);
     virtual void mouseUp(const NSEvent& event);

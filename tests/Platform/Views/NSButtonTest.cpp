@@ -1,0 +1,75 @@
+#include <gtest/gtest.h>
+
+#include <KXFoundation/Platform/Views/NSButton.h>
+
+#include "ViewFixture.h"
+
+namespace kx {
+namespace {
+
+struct Button : ::testing::Test {
+    Button() {
+        button->setAction([this](NSControl&) { ++clicks; });
+        shown.content().addSubview(button);
+    }
+    void mouse(NSEventType type, NSPoint at) {
+        shown.surface().send(NSEvent{.type = type, .locationInWindow = at});
+    }
+
+    testing::OffscreenWindow shown{{100, 100}};
+    std::shared_ptr<NSButton> button = make<NSButton>(NSRect(10, 10, 50, 20));
+    int clicks = 0;
+};
+
+TEST_F(Button, SendsItsActionWhenTheMouseIsReleasedOverIt) {
+    using enum NSEventType;
+    struct {
+        std::string what;
+        NSPoint down, dragged, up;
+        bool pressed;
+        int clicks;
+    } const rows[] = {
+        {"click", {20, 20}, {21, 20}, {22, 20}, true, 1},
+        {"slips off", {20, 20}, {80, 80}, {80, 80}, false, 0},
+        {"comes back", {20, 20}, {80, 80}, {20, 20}, false, 1},
+        {"begins elsewhere", {80, 80}, {20, 20}, {20, 20}, false, 0},
+    };
+    for (const auto& [what, down, dragged, up, pressed, want] : rows) {
+        clicks = 0;
+        mouse(MouseDown, down);
+        mouse(MouseDragged, dragged);
+        EXPECT_EQ(button->isHighlighted(), pressed) << what;
+        mouse(MouseUp, up);
+        EXPECT_EQ(clicks, want) << what;
+        EXPECT_FALSE(button->isHighlighted()) << what;
+    }
+}
+
+TEST_F(Button, TakesNoClicksWhileItIsOff) {
+    button->setEnabled(false);
+    shown.surface().click({20, 20});
+    button->performClick();
+    EXPECT_EQ(clicks, 0);
+}
+
+TEST_F(Button, MayGoAwayInItsOwnAction) {
+    const std::weak_ptr<NSButton> watched = button;
+    button->setAction([](NSControl& sender) {
+        sender.setAction(nullptr);
+        sender.removeFromSuperview();
+    });
+    button = nullptr;
+    shown.surface().click({20, 20});
+    EXPECT_TRUE(watched.expired());
+}
+
+TEST_F(Button, RemovedWhilePressedItSendsNothing) {
+    mouse(NSEventType::MouseDown, {20, 20});
+    button->removeFromSuperview();
+    mouse(NSEventType::MouseUp, {20, 20});
+    EXPECT_EQ(clicks, 0);
+    EXPECT_FALSE(button->isHighlighted());
+}
+
+}  // namespace
+}  // namespace kx

@@ -1,0 +1,124 @@
+#include <cmath>
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include <KXFoundation/Platform/Views/NSCollectionView.h>
+#include <KXFoundation/Platform/Views/NSCollectionViewFlowLayout.h>
+
+namespace kx {
+namespace {
+
+class FlippingLayout : public Subclass<FlippingLayout, NSCollectionViewFlowLayout> {
+  public:
+    bool flipsHorizontallyInOppositeLayoutDirection() override { return true; }
+};
+
+std::vector<NSRect> frames(NSCollectionViewFlowLayout& layout, std::size_t count, double width) {
+    std::vector<NSRect> found;
+    for (const auto& attributes : layout.layoutAttributes(count, width)) {
+        EXPECT_EQ(attributes.item, found.size());
+        found.push_back(attributes.frame);
+    }
+    return found;
+}
+
+std::vector<NSRect> mirrored(std::vector<NSRect> places, double width) {
+    for (NSRect& place : places) place.origin.x = width - place.maxX();
+    return places;
+}
+
+void arrange(NSCollectionViewFlowLayout& layout) {
+    layout.setItemSize({40, 20});
+    layout.setMinimumInteritemSpacing(10);
+    layout.setMinimumLineSpacing(5);
+    layout.setSectionInset({3, 6, 4, 8});
+}
+
+TEST(NSCollectionViewFlowLayout, Frames) {
+    struct {
+        std::string what;
+        std::size_t count;
+        double width;
+        std::vector<NSRect> want;
+        double height;
+    } const rows[] = {
+        {"nothing", 0, 200, {}, 7},
+        {"two just fit", 2, 104, {{6, 3, 40, 20}, {56, 3, 40, 20}}, 27},
+        {"gaps grow", 2, 114, {{6, 3, 40, 20}, {66, 3, 40, 20}}, 27},
+        {"wraps, the last row keeps the gaps",
+         5,
+         124,
+         {{6, 3, 40, 20}, {76, 3, 40, 20}, {6, 28, 40, 20}, {76, 28, 40, 20}, {6, 53, 40, 20}},
+         77},
+        {"one to a row", 2, 103, {{6, 3, 40, 20}, {6, 28, 40, 20}}, 52},
+        {"narrower than an item", 2, 20, {{6, 3, 40, 20}, {6, 28, 40, 20}}, 52},
+        {"no width", 1, 0, {{6, 3, 40, 20}}, 27},
+        {"no number", 1, std::nan(""), {{6, 3, 40, 20}}, 27},
+    };
+    const auto plain = make<NSCollectionViewFlowLayout>();
+    const auto flipping = make<FlippingLayout>();
+    arrange(*plain);
+    arrange(*flipping);
+    for (const auto& [what, count, width, want, height] : rows) {
+        EXPECT_EQ(frames(*plain, count, width), want) << what;
+        EXPECT_EQ(plain->contentHeight(count, width), height) << what;
+        if (width > 0)
+            EXPECT_EQ(frames(*flipping, count, width), mirrored(want, width)) << what << ", mirrored";
+    }
+}
+
+TEST(NSCollectionViewFlowLayout, WhenItIsMirrored) {
+    using enum NSUserInterfaceLayoutDirection;
+    struct {
+        bool flips;
+        std::optional<NSUserInterfaceLayoutDirection> set;
+        NSUserInterfaceLayoutDirection direction;
+        double firstX;
+    } const rows[] = {
+        {false, {}, LeftToRight, 0},          {true, {}, RightToLeft, 60},
+        {false, RightToLeft, RightToLeft, 0}, {true, RightToLeft, RightToLeft, 60},
+        {false, LeftToRight, LeftToRight, 0}, {true, LeftToRight, LeftToRight, 0},
+    };
+    for (const auto& [flips, set, direction, firstX] : rows) {
+        const auto layout = flips ? std::shared_ptr<NSCollectionViewFlowLayout>(make<FlippingLayout>())
+                                  : make<NSCollectionViewFlowLayout>();
+        layout->setItemSize({40, 20});
+        layout->setUserInterfaceLayoutDirection(set);
+        EXPECT_EQ(layout->userInterfaceLayoutDirection(), direction) << flips << firstX;
+        EXPECT_EQ(layout->layoutAttributes(1, 100)[0].frame.origin.x, firstX) << flips << firstX;
+    }
+}
+
+TEST(NSCollectionViewFlowLayout, UnusableMeasuresCountAsNothing) {
+    const auto layout = make<NSCollectionViewFlowLayout>();
+    layout->setItemSize({std::nan(""), -5});
+    layout->setMinimumInteritemSpacing(-10);
+    layout->setMinimumLineSpacing(std::numeric_limits<double>::infinity());
+    layout->setSectionInset({std::nan(""), -1, 0, std::numeric_limits<double>::infinity()});
+    for (const NSRect& frame : frames(*layout, 100, 50)) {
+        EXPECT_TRUE(frame.size == NSSize()) << frame.size.width;
+        EXPECT_TRUE(std::isfinite(frame.origin.x) && frame.origin.y == 0) << frame.origin.x;
+    }
+    EXPECT_EQ(layout->contentHeight(100, 50), 0);
+}
+
+TEST(NSCollectionView, PlacesItsItemsAgainWhenItsWidthChanges) {
+    const auto collection = make<NSCollectionView>(NSRect(0, 0, 100, 100));
+    const auto layout = make<NSCollectionViewFlowLayout>();
+    layout->setItemSize({40, 20});
+    collection->setCollectionViewLayout(layout);
+    const auto last = make<NSView>();
+    collection->setItemViews({make<NSView>(), nullptr, make<NSView>(), last});
+    collection->layoutSubtreeIfNeeded();
+    EXPECT_EQ(last->frame(), NSRect(0, 30, 40, 20));
+    EXPECT_EQ(collection->fittingSize(), (NSSize{100, 50}));
+    collection->setFrame({0, 0, 140, 100});
+    collection->layoutSubtreeIfNeeded();
+    EXPECT_EQ(last->frame(), NSRect(100, 0, 40, 20));
+    collection->setItemViews(collection->itemViews());
+    EXPECT_EQ(collection->itemViews().size(), 3U);
+}
+
+}  // namespace
+}  // namespace kx

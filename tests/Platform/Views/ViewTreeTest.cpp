@@ -1,0 +1,180 @@
+#include <functional>
+#include <map>
+#include <string>
+#include <vector>
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include "ViewFixture.h"
+#include "support/CapturedLog.h"
+
+namespace kx {
+namespace {
+
+using ::testing::ElementsAre;
+using ::testing::HasSubstr;
+using ::testing::IsEmpty;
+
+/// Writes its hooks down and runs what the test wants inside them.
+class HookedView : public Subclass<HookedView, NSView> {
+  public:
+    std::vector<std::string> calls;
+    std::map<std::string, std::function<void()>> inside;
+
+    void viewWillMoveToSuperview(const std::shared_ptr<NSView>& view) override {
+        note(view ? "will move in" : "will move out");
+    }
+    void viewDidMoveToSuperview() override { note(superview() ? "did move in" : "did move out"); }
+    void viewWillMoveToWindow(const std::shared_ptr<NSWindow>& window) override {
+        note(window ? "will enter window" : "will leave window");
+    }
+    void viewDidMoveToWindow() override { note(window() ? "did enter window" : "did leave window"); }
+    void didAddSubview(NSView&) override { note("did add"); }
+    void willRemoveSubview(NSView&) override { note("will remove"); }
+    void mouseDown(const NSEvent&) override { note("mouse down"); }
+    void mouseUp(const NSEvent&) override { note("mouse up"); }
+    void drawRect(GraphicsContext&, NSRect) override { note("draw"); }
+
+  private:
+    void note(const std::string& what) {
+        calls.push_back(what);
+        if (const auto found = inside.find(what); found != inside.end()) found->second();
+    }
+};
+
+struct ViewTree : ::testing::Test {
+    testing::OffscreenWindow shown{{100, 100}};
+    std::shared_ptr<HookedView> view = make<HookedView>(NSRect(0, 0, 50, 50));
+    std::shared_ptr<HookedView> other = make<HookedView>(NSRect(0, 0, 100, 100));
+};
+
+TEST_F(ViewTree, HooksInOrder) {
+    shown.content().addSubview(other);
+    other->calls.clear();
+    other->addSubview(view);
+    EXPECT_THAT(view->calls,
+                ElementsAre("will move in", "will enter window", "did move in", "did enter window"));
+    view->calls.clear();
+    view->removeFromSuperview();
+    EXPECT_THAT(view->calls,
+                ElementsAre("will move out", "will leave window", "did leave window", "did move out"));
+    EXPECT_THAT(other->calls, ElementsAre("did add", "will remove"));
+}
+
+TEST_F(ViewTree, AddingMovesToTheFrontAndAwayFromElsewhere) {
+    const auto root = make<NSView>();
+    root->addSubview(view);
+    root->addSubview(other);
+    root->addSubview(view);
+    EXPECT_THAT(root->subviews(), ElementsAre(other, view));
+    other->addSubview(root->subviews().back());
+    EXPECT_THAT(root->subviews(), ElementsAre(other));
+    EXPECT_EQ(view->superview(), other);
+    root->addSubview(nullptr);
+    EXPECT_THAT(root->subviews(), ElementsAre(other));
+}
+
+TEST_F(ViewTree, ACycleIsACallerError) {
+    const testing::CapturedLog log;
+    const testing::LenientMode lenient;
+    view->addSubview(other);
+    other->addSubview(view);
+    other->addSubview(other);
+    EXPECT_THAT(log.lines(), ElementsAre(HasSubstr("into itself"), HasSubstr("into itself")));
+    EXPECT_EQ(other->superview(), view);
+}
+
+TEST_F(ViewTree, ASuperviewThatDiesIsForgotten) {
+    auto root = make<NSView>();
+    root->addSubview(view);
+    root = nullptr;
+    EXPECT_EQ(view->superview(), nullptr);
+    EXPECT_EQ(view->nextResponder(), nullptr);
+}
+
+TEST_F(ViewTree, TheContentViewIsInTheWindowAndCanLeaveIt) {
+    shown.window->setContentView(view);
+    EXPECT_EQ(view->window(), shown.window);
+    EXPECT_EQ(view->frame(), NSRect(0, 0, 100, 100));
+    EXPECT_EQ(view->nextResponder(), shown.window);
+    view->removeFromSuperview();
+    EXPECT_EQ(view->window(), nullptr);
+    EXPECT_EQ(shown.window->contentView(), nullptr);
+    shown.window->displayIfNeeded();
+    shown.surface().click({10, 10});
+}
+
+TEST_F(ViewTree, AViewRemovedInsideItsOwnHooks) {
+    for (const std::string hook :
+         {"will move in", "will enter window", "did move in", "did enter window", "will move out",
+          "will leave window", "did leave window", "did move out"}) {
+        const auto moving = make<HookedView>();
+        moving->inside[hook] = [&] { moving->removeFromSuperview(); };
+        shown.content().addSubview(moving);
+        moving->removeFromSuperview();
+        EXPECT_EQ(moving->superview(), nullptr) << hook;
+        EXPECT_THAT(shown.content().subviews(), IsEmpty()) << hook;
+        EXPECT_LE(moving->calls.size(), 10U) << hook;
+        moving->inside.clear();
+    }
+}
+
+TEST_F(ViewTree, ATreeThatChangesInsideHooksStaysATree) {
+    for (const std::string hook : {"will move in", "will enter window", "did move in"}) {
+        const auto root = make<HookedView>();
+        const auto moving = make<HookedView>();
+        shown.content().addSubview(root);
+        moving->inside[hook] = [&] {
+            root->removeFromSuperview();
+            if (moving->superview() != root) moving->addSubview(root);
+        };
+        root->addSubview(moving);
+        EXPECT_FALSE(root->isDescendantOf(*moving) && moving->isDescendantOf(*root)) << hook;
+        moving->inside.clear();
+    }
+}
+
+TEST_F(ViewTree, AViewThatGoesInItsOwnEventOrDrawing) {
+    for (const std::string moment : {"mouse down", "mouse up", "draw"}) {
+        auto passing = make<HookedView>(NSRect(0, 0, 50, 50));
+        const std::weak_ptr<NSView> watched = passing;
+        shown.content().addSubview(passing);
+        passing->inside[moment] = [raw = passing.get()] { raw->removeFromSuperview(); };
+        passing = nullptr;
+        shown.surface().click({10, 10});
+        shown.window->displayIfNeeded();
+        EXPECT_TRUE(watched.expired()) << moment;
+    }
+}
+
+TEST_F(ViewTree, AWindowThatClosesInsideItsOwnEvent) {
+    shown.content().addSubview(view);
+    view->inside["mouse down"] = [&] {
+        shown.window->close();
+        shown.window = nullptr;
+    };
+    const auto surface = shown.window->surface();
+    static_cast<OffscreenSurface&>(*surface).click({10, 10});
+    EXPECT_EQ(view->window(), nullptr);
+    EXPECT_EQ(NSApplication::sharedApplication()->keyWindow(), nullptr);
+}
+
+TEST_F(ViewTree, KeyAndMainWindowFollowTheFront) {
+    const auto application = NSApplication::sharedApplication();
+    const auto second = make<NSWindow>();
+    EXPECT_FALSE(second->isVisible());
+    EXPECT_THAT(application->windows(), ElementsAre(shown.window));
+    second->makeKeyAndOrderFront();
+    EXPECT_TRUE(second->isKeyWindow());
+    EXPECT_TRUE(second->isMainWindow());
+    EXPECT_THAT(application->windows(), ElementsAre(shown.window, second));
+    shown.surface().activate();
+    EXPECT_EQ(application->keyWindow(), shown.window);
+    second->makeKeyAndOrderFront();
+    second->close();
+    EXPECT_EQ(application->keyWindow(), shown.window);
+}
+
+}  // namespace
+}  // namespace kx

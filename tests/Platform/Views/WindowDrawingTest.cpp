@@ -1,0 +1,289 @@
+#include <algorithm>
+#include <fstream>
+#include <functional>
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include <KXFoundation/Platform/Graphics/GraphicsContext.h>
+#include <KXFoundation/Platform/Graphics/NSColor.h>
+#include <KXFoundation/Platform/Graphics/NSFont.h>
+#include <KXFoundation/Platform/Graphics/NSImage.h>
+#include <KXFoundation/Platform/Views/NSButton.h>
+#include <KXFoundation/Platform/Views/NSCollectionView.h>
+#include <KXFoundation/Platform/Views/NSCollectionViewFlowLayout.h>
+#include <KXFoundation/Platform/Views/NSImageView.h>
+#include <KXFoundation/Platform/Views/NSTextField.h>
+#include <KXFoundation/Platform/Views/NSTextView.h>
+
+#include "ViewFixture.h"
+
+namespace kx {
+namespace {
+
+using ::testing::ElementsAre;
+
+class Swatch : public Subclass<Swatch, NSView> {
+  public:
+    void drawRect(GraphicsContext& context, NSRect dirty) override {
+        ++drawn;
+        lastDirty = dirty;
+        context.fill(bounds().insetBy(-5, -5), *NSColor::colorWithRed(1, 0, 0, 1));
+    }
+    int drawn = 0;
+    NSRect lastDirty;
+};
+
+std::ostream& operator<<(std::ostream& out, const PixelRect& r) {
+    return out << r.x << "," << r.y << " " << r.width << "x" << r.height;
+}
+
+/// Half of each red and blue, for buttons and picture views.
+std::shared_ptr<NSImage> flag(NSSize size) {
+    return NSImage::imageWithSize(size, [](NSRect rect) {
+        GraphicsContext& context = *GraphicsContext::current();
+        context.fill(rect, *NSColor::colorWithRed(0.85, 0.2, 0.25, 1));
+        context.fill({{0, 0}, {rect.size.width / 2, rect.size.height}},
+                     *NSColor::colorWithRed(0.1, 0.3, 0.8, 1));
+        return true;
+    });
+}
+
+struct Texts {
+    const char* title;
+    const char* cancel;
+    const char* placeholder;
+    const char* value;
+    const char* paragraph;
+    NSUserInterfaceLayoutDirection direction;
+};
+
+constexpr Texts kLatin{
+    "Create harbour",
+    "Cancel",
+    "Name of the harbour",
+    "Lisbon, the old port",
+    "A harbour gives ships a place to stay. Its walls keep the waves away, and its people know "
+    "every boat by name.",
+    NSUserInterfaceLayoutDirection::LeftToRight};
+constexpr Texts kArabic{"إنشاء ميناء",
+                        "إلغاء",
+                        "اسم الميناء",
+                        "لشبونة، الميناء القديم",
+                        "يمنح الميناء السفن مكانًا آمنًا. تحميه أسواره من الأمواج، ويعرف أهله كل قارب باسمه.",
+                        NSUserInterfaceLayoutDirection::RightToLeft};
+
+class FlippingLayout : public Subclass<FlippingLayout, NSCollectionViewFlowLayout> {
+  public:
+    bool flipsHorizontallyInOppositeLayoutDirection() override { return true; }
+};
+
+std::shared_ptr<NSButton> button(const char* title, NSRect frame) {
+    const auto made = make<NSButton>(frame);
+    made->setTitle(title);
+    return made;
+}
+
+void addControls(NSView& content, const Texts& texts) {
+    content.setUserInterfaceLayoutDirection(texts.direction);
+    const auto name = make<NSTextField>(NSRect(20, 20, 300, 28));
+    name->setPlaceholderString(texts.placeholder);
+    const auto value = make<NSTextField>(NSRect(20, 58, 300, 28));
+    value->setStringValue(texts.value);
+    const auto off = make<NSTextField>(NSRect(20, 96, 300, 28));
+    off->setStringValue(texts.value);
+    off->setEnabled(false);
+    const auto label = make<NSTextField>(NSRect(20, 134, 300, 20));
+    label->setEditable(false);
+    label->setFont(NSFont::boldSystemFontOfSize(13));
+    label->setStringValue(texts.title);
+    const auto paragraph = make<NSTextView>(NSRect(20, 160, 300, 60));
+    paragraph->setString(texts.paragraph);
+    const auto create = button(texts.title, {340, 20, 160, 28});
+    create->setDefaultButton(true);
+    const auto pressed = button(texts.cancel, {340, 58, 160, 28});
+    pressed->setHighlighted(true);
+    const auto disabled = button(texts.cancel, {340, 96, 160, 28});
+    disabled->setEnabled(false);
+    const auto pictured = button(texts.title, {340, 134, 160, 28});
+    pictured->setImage(flag({18, 12}));
+    const auto natural = button(texts.cancel, {340, 172, 160, 28});
+    natural->setAlignment(NSTextAlignment::Natural);
+    const auto picture = NSImageView::imageViewWithImage(flag({60, 40}));
+    picture->setFrame({340, 212, 160, 60});
+    const auto collection = make<NSCollectionView>(NSRect(20, 232, 300, 66));
+    const auto layout = make<FlippingLayout>();
+    layout->setItemSize({70, 28});
+    layout->setUserInterfaceLayoutDirection(texts.direction);
+    collection->setCollectionViewLayout(layout);
+    collection->setItemViews(
+        {button("1", {}), button("2", {}), button("3", {}), button("4", {}), button("5", {})});
+    for (const std::shared_ptr<NSView>& view :
+         std::initializer_list<std::shared_ptr<NSView>>{name, value, off, label, paragraph, create, pressed,
+                                                        disabled, pictured, natural, picture, collection}) {
+        content.addSubview(view);
+    }
+}
+
+std::vector<std::uint32_t> shownPixels(const testing::OffscreenWindow& shown) {
+    shown.window->displayIfNeeded();
+    const auto pixels = shown.surface().bitmap()->pixels();
+    return {pixels.begin(), pixels.end()};
+}
+
+TEST(WindowDrawing, OnlyWhatChangedIsDrawn) {
+    const testing::OffscreenWindow shown({200, 100}, 2);
+    const auto changing = make<Swatch>(NSRect(10, 10, 40, 20));
+    const auto still = make<Swatch>(NSRect(100, 10, 40, 20));
+    shown.content().addSubview(changing);
+    shown.content().addSubview(still);
+    shown.window->displayIfNeeded();
+    const struct {
+        std::string what;
+        std::function<void()> change;
+        std::vector<PixelRect> want;
+    } rows[] = {
+        {"nothing", [] {}, {}},
+        {"a part",
+         [&] {
+             changing->setNeedsDisplay({1, 2, 3, 4});
+         },
+         {{22, 24, 6, 8}}},
+        {"beyond the bounds",
+         [&] {
+             changing->setNeedsDisplay({30, 10, 100, 100});
+         },
+         {{80, 40, 20, 20}}},
+        {"outside",
+         [&] {
+             changing->setNeedsDisplay({50, 0, 10, 10});
+         },
+         {}},
+        {"a fraction of a pixel",
+         [&] {
+             changing->setNeedsDisplay({0.3, 0.3, 0.1, 0.1});
+         },
+         {{20, 20, 1, 1}}},
+        {"a move",
+         [&] {
+             changing->setFrame({10, 60, 40, 20});
+         },
+         {{20, 20, 80, 40}, {20, 120, 80, 40}}},
+        {"the same frame",
+         [&] {
+             changing->setFrame({10, 60, 40, 20});
+         },
+         {}},
+        {"hiding", [&] { changing->setHidden(true); }, {{20, 120, 80, 40}}},
+        {"what is hidden",
+         [&] {
+             changing->setFrame({10, 50, 40, 20});
+         },
+         {}},
+        {"showing", [&] { changing->setHidden(false); }, {{20, 100, 80, 40}}},
+        {"removing", [&] { changing->removeFromSuperview(); }, {{20, 100, 80, 40}}},
+        {"what is removed", [&] { changing->setNeedsDisplay(); }, {}},
+    };
+    const int before = still->drawn;
+    for (const auto& [what, change, want] : rows) {
+        const auto presented = shown.surface().lastChanged();
+        change();
+        EXPECT_EQ(shown.window->invalidRegion().isEmpty(), want.empty()) << what;
+        shown.window->displayIfNeeded();
+        EXPECT_EQ(shown.surface().lastChanged(), want.empty() ? presented : want) << what;
+    }
+    EXPECT_EQ(still->drawn, before) << "a neighbour is left alone";
+}
+
+TEST(WindowDrawing, AViewDrawsInsideItsBoundsAndIsToldWhatIsDirty) {
+    const testing::OffscreenWindow shown({60, 60});
+    const auto swatch = make<Swatch>(NSRect(10, 10, 20, 20));
+    shown.content().addSubview(swatch);
+    shown.window->displayIfNeeded();
+    const auto bitmap = shown.surface().bitmap();
+    constexpr std::uint32_t kRed = 0xFFFF0000;
+    EXPECT_EQ(bitmap->pixelAt(10, 10), kRed);
+    EXPECT_EQ(bitmap->pixelAt(29, 29), kRed);
+    EXPECT_NE(bitmap->pixelAt(9, 10), kRed);
+    EXPECT_NE(bitmap->pixelAt(30, 29), kRed);
+    shown.window->setNeedsDisplay({0, 0, 12, 15});
+    shown.window->displayIfNeeded();
+    EXPECT_EQ(swatch->lastDirty, NSRect(0, 0, 2, 5));
+}
+
+TEST(WindowDrawing, ClippingCutsSubviews) {
+    const testing::OffscreenWindow shown({60, 60});
+    const auto frame = make<NSView>(NSRect(10, 10, 20, 20));
+    frame->addSubview(make<Swatch>(NSRect(10, 10, 30, 30)));
+    shown.content().addSubview(frame);
+    const auto outside = [&] {
+        shown.window->displayIfNeeded();
+        return shown.surface().bitmap()->pixelAt(35, 35) == 0xFFFF0000;
+    };
+    EXPECT_TRUE(outside());
+    frame->setClipsToBounds(true);
+    EXPECT_FALSE(outside());
+    frame->setClipsToBounds(false);
+    frame->setAlphaValue(0.5);
+    EXPECT_FALSE(outside());
+    EXPECT_EQ(shown.surface().bitmap()->pixelAt(35, 35) >> 24, 255U) << "mixed with the window's background";
+}
+
+TEST(WindowDrawing, DrawnInPiecesItLooksAsDrawnWhole) {
+    for (const double scale : {1.0, 1.25, 2.0}) {
+        const testing::OffscreenWindow shown({520, 310}, scale);
+        addControls(shown.content(), kArabic);
+        shown.content().subviews()[3]->setAlphaValue(0.6);
+        shown.content().subviews()[5]->setFrame({340.3, 20.6, 160, 28});
+        const auto whole = shownPixels(shown);
+        for (const NSRect piece :
+             {NSRect(0, 0, 100.3, 33.3), NSRect(90, 30, 300, 120.7), NSRect(333, 17, 9, 200)}) {
+            shown.window->setNeedsDisplay(piece);
+        }
+        EXPECT_TRUE(shownPixels(shown) == whole) << "scale " << scale;
+    }
+}
+
+TEST(WindowDrawing, EveryControlLeavesItsMarks) {
+    for (const Texts& texts : {kLatin, kArabic}) {
+        const testing::OffscreenWindow shown({520, 310}, 2);
+        addControls(shown.content(), texts);
+        const auto all = shownPixels(shown);
+        for (const auto& view : shown.content().subviews()) {
+            view->setHidden(true);
+            EXPECT_FALSE(shownPixels(shown) == all) << view->description();
+            view->setHidden(false);
+        }
+        EXPECT_TRUE(shownPixels(shown) == all);
+    }
+}
+
+TEST(WindowDrawing, ASurfaceThatChangesIsFollowed) {
+    const testing::OffscreenWindow shown({100, 50});
+    shown.window->displayIfNeeded();
+    shown.surface().setFrame({0, 0, 120, 60});
+    EXPECT_EQ(shown.content().frame(), NSRect(0, 0, 120, 60));
+    shown.surface().setScale(2);
+    shown.window->displayIfNeeded();
+    EXPECT_EQ(shown.surface().bitmap()->pixelsWide(), 240U);
+    EXPECT_EQ(shown.surface().bitmap()->pixelsHigh(), 120U);
+    EXPECT_THAT(shown.surface().lastChanged(), ElementsAre(PixelRect{0, 0, 240, 120}));
+}
+
+TEST(InvalidRegion, StaysSmallAndCoversEverything) {
+    InvalidRegion region;
+    std::vector<NSRect> added;
+    for (int i = 0; i < 500; ++i) {
+        added.emplace_back((i * 37) % 400, (i * 91) % 300, 1 + i % 7, 1 + i % 5);
+        region.add(added.back());
+        ASSERT_LE(region.rects().size(), InvalidRegion::kMostRects);
+    }
+    for (const NSRect& rect : added) {
+        EXPECT_TRUE(std::ranges::any_of(region.rects(),
+                                        [&](const NSRect& r) { return r.intersection(rect) == rect; }))
+            << rect.origin.x << "," << rect.origin.y;
+    }
+}
+
+}  // namespace
+}  // namespace kx
