@@ -1,17 +1,69 @@
+set(target_Foundation KXFoundation)
+set(target_UI KXFoundationUI)
+
 # kx_sources(<Foundation|UI> file...): adds the current folder's sources to one of the two libraries.
 # A folder's CMakeLists.txt is a sorted list of sources and this call; headers need no mention.
 function(kx_sources library)
-  set(target_Foundation KXFoundation)
-  set(target_UI KXFoundationUI)
   list(TRANSFORM ARGN PREPEND ${CMAKE_CURRENT_SOURCE_DIR}/)
   target_sources(${target_${library}} PRIVATE ${ARGN})
 endfunction()
 
-# kx_tests(<name> <Foundation|UI> file...): one test program over the library, each test known to ctest.
+# kx_packages(<Foundation|UI> module...): links pkg-config modules into one of the two libraries. They are private to
+# it; a static build hands them on through the installed CMake package and pkg-config file.
+function(kx_packages library)
+  find_package(PkgConfig REQUIRED)
+  foreach(module IN LISTS ARGN)
+    if(NOT TARGET PkgConfig::${module})
+      pkg_check_modules(${module} REQUIRED QUIET IMPORTED_TARGET GLOBAL ${module})
+    endif()
+    target_link_libraries(${target_${library}} PRIVATE PkgConfig::${module})
+    set_property(GLOBAL APPEND PROPERTY KX_PACKAGES_${library} ${module})
+  endforeach()
+endfunction()
+
+# kx_keep_symbol(<Foundation|UI> symbol): programs that link the library statically keep the object file that defines
+# the extern "C" symbol, though nothing calls it: it holds code that runs when the program is loaded.
+function(kx_keep_symbol library symbol)
+  if(NOT BUILD_SHARED_LIBS)
+    target_link_options(${target_${library}} INTERFACE LINKER:-u,${symbol})
+    set_property(GLOBAL APPEND PROPERTY KX_KEPT_SYMBOLS_${library} ${symbol})
+  endif()
+endfunction()
+
+# kx_tests(<name> <Foundation|UI> file... [LABELS label...]): one test program over the library, each test known to
+# ctest. The label `threads` marks tests that run several threads: ./dev check repeats them under ThreadSanitizer.
 function(kx_tests name library)
-  add_executable(${name} ${ARGN})
+  cmake_parse_arguments(PARSE_ARGV 2 arg "" "" LABELS)
+  add_executable(${name} ${arg_UNPARSED_ARGUMENTS})
   target_link_libraries(${name} PRIVATE KXFoundation::${library} kx_test_support_${library} kx_warnings)
-  target_precompile_headers(${name} PRIVATE <gmock/gmock.h> <gtest/gtest.h>)
+  target_precompile_headers(${name} REUSE_FROM kx_test_support_Foundation)
   set_target_properties(${name} PROPERTIES RUNTIME_OUTPUT_DIRECTORY ${PROJECT_BINARY_DIR}/tests)
-  gtest_discover_tests(${name} DISCOVERY_MODE PRE_TEST PROPERTIES TIMEOUT 120)
+  gtest_discover_tests(${name} DISCOVERY_MODE PRE_TEST PROPERTIES TIMEOUT 120 LABELS "${arg_LABELS}")
+endfunction()
+
+# kx_fuzzer(<name> <Foundation|UI> file): a libFuzzer program in build/fuzz/fuzz/, its seeds in fuzz/corpus/<name>/.
+# In every other build the same file replays its seeds, as a test.
+function(kx_fuzzer name library file)
+  add_executable(fuzz_${name} ${file})
+  set(seeds ${PROJECT_SOURCE_DIR}/fuzz/corpus/${name})
+  target_link_libraries(fuzz_${name} PRIVATE KXFoundation::${library} kx_warnings)
+  set_target_properties(fuzz_${name} PROPERTIES
+    OUTPUT_NAME ${name} RUNTIME_OUTPUT_DIRECTORY ${PROJECT_BINARY_DIR}/fuzz)
+  if(KX_BUILD_FUZZERS)
+    target_link_options(fuzz_${name} PRIVATE -fsanitize=fuzzer)
+  else()
+    target_sources(fuzz_${name} PRIVATE ${PROJECT_SOURCE_DIR}/fuzz/ReplaySeeds.cpp)
+    add_test(NAME fuzz.${name}.seeds COMMAND fuzz_${name} ${seeds})
+    set_tests_properties(fuzz.${name}.seeds PROPERTIES TIMEOUT 120)
+  endif()
+endfunction()
+
+# kx_benchmarks(<name> <Foundation|UI> file... [PEERS library...]): one Google Benchmark program; PEERS are what its
+# contenders link. A benchmark is named <service>/<workload>/<who>; its bound is a line of benchmarks/bounds.txt.
+function(kx_benchmarks name library)
+  cmake_parse_arguments(PARSE_ARGV 2 arg "" "" PEERS)
+  add_executable(${name} ${arg_UNPARSED_ARGUMENTS})
+  target_link_libraries(${name} PRIVATE KXFoundation::${library} benchmark::benchmark_main ${arg_PEERS})
+  target_include_directories(${name} PRIVATE ${PROJECT_SOURCE_DIR})
+  set_target_properties(${name} PROPERTIES RUNTIME_OUTPUT_DIRECTORY ${PROJECT_BINARY_DIR}/benchmarks)
 endfunction()

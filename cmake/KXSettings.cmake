@@ -17,8 +17,11 @@ set(CMAKE_RUNTIME_OUTPUT_DIRECTORY ${PROJECT_BINARY_DIR}/bin)
 
 find_program(CCACHE ccache)
 if(CCACHE AND PROJECT_IS_TOP_LEVEL)
-  set(CMAKE_CXX_COMPILER_LAUNCHER ${CCACHE})
-  set(CMAKE_C_COMPILER_LAUNCHER ${CCACHE})
+  # The sloppiness is what ccache asks for before it keeps anything compiled with a precompiled header.
+  set(launcher env CCACHE_SLOPPINESS=pch_defines,time_macros ${CCACHE})
+  set(CMAKE_CXX_COMPILER_LAUNCHER ${launcher})
+  set(CMAKE_C_COMPILER_LAUNCHER ${launcher})
+  add_compile_options($<$<CXX_COMPILER_ID:GNU>:-fpch-preprocess>)
 endif()
 
 set(KX_SANITIZE "" CACHE STRING "Sanitizers for every target, e.g. address,undefined")

@@ -1,0 +1,107 @@
+// The user's choice: kept in the defaults, resolved through the tables, loaded again by every look-up.
+#include <cstdint>
+
+#include <KXFoundation/AppEnvironment/KXAppUtils.h>
+#include <KXFoundation/Localization/KXLocalizationUtils.h>
+#include <KXFoundation/Localization/LanguageSteps.h>
+#include <KXFoundation/Localization/LanguageTables.h>
+#include <KXFoundation/Platform/Foundation/NSLocale.h>
+#include <KXFoundation/Platform/Foundation/NSUserDefaults.h>
+#include <KXFoundation/Platform/Runtime/PortSlot.h>
+#include <KXFoundation/Platform/Runtime/ProcessState.h>
+
+namespace kx {
+
+namespace {
+
+using namespace languages;
+
+/// Everything that decides what a reload leaves behind. A reload that would find the same again is skipped:
+/// it would store what is stored already, in the variables and in the defaults. (Whether this is the Orvik
+/// application is decided by the main bundle, which stays the same while the ports do.)
+struct Reloaded {
+    std::uint64_t ports = 0;
+    std::uint64_t settings = 0;
+    std::uint64_t defaults = 0;  // versions begin at 1: equal to none before the first reload
+    std::optional<std::string> language;
+    std::optional<std::string> mode;
+    std::shared_ptr<NSBundle>
+        bundle;  // compared only while the system is followed: else a reload leaves it alone
+
+    [[nodiscard]] bool holds() const {
+        return defaults == NSUserDefaults::standardUserDefaults().version() &&
+               settings == NSLocale::settingsVersion() && ports == portGeneration() &&
+               language == kx::selectLanguage && mode == selectLog &&
+               (bundle == selectLanguageBundle || mode != kFollowSystem);
+    }
+
+    void note() {
+        ports = portGeneration();
+        settings = NSLocale::settingsVersion();
+        defaults = NSUserDefaults::standardUserDefaults().version();
+        language = kx::selectLanguage;
+        mode = selectLog;
+        bundle = selectLanguageBundle;
+    }
+};
+
+std::string systemSelection() {
+    const std::vector<std::string> preferred = NSLocale::preferredLanguages();
+    if (preferred.empty()) return std::string(kDefault);
+    const std::string& tag = preferred.front();
+    if (tag == kBrazilian) return tag;
+    return std::string(
+        languageFor(kSystemLanguages, &SystemLanguage::selectionPrefix, tag, KXAppUtils::isOrvikApp())
+            .value_or(kDefault));
+}
+
+std::string fixedSelection(std::string_view language) {
+    return std::string(
+        languageFor(kAliases, &Alias::prefix, language, KXAppUtils::isOrvikApp()).value_or(language));
+}
+
+Value stored(const std::optional<std::string>& text) {
+    return text ? Value(*text) : Value();
+}
+
+void keepSelection() {
+    NSUserDefaults& defaults = NSUserDefaults::standardUserDefaults();
+    defaults.setObject(kSelectLanguage, stored(kx::selectLanguage));
+    defaults.setObject(kSelectLog, stored(selectLog));
+    defaults.synchronize();
+}
+
+}  // namespace
+
+std::optional<std::string> KXLocalizationUtils::setSelectLanguage(std::optional<std::string_view> language) {
+    if (language == kAuto) {
+        selectLog = kFollowSystem;
+        kx::selectLanguage = systemSelection();
+    } else {
+        selectLog = kNotFollowSystem;
+        std::optional<std::string> fixed;
+        if (language) fixed = fixedSelection(*language);
+        kx::selectLanguage = std::move(fixed);
+    }
+    keepSelection();
+    selectLanguageBundle = kx::selectLanguage ? mainBundleFolder(*kx::selectLanguage) : nullptr;
+    return kx::selectLanguage;
+}
+
+std::string KXLocalizationUtils::selectLanguage() {
+    if (kx::selectLanguage && *kx::selectLanguage != kAuto) return *kx::selectLanguage;
+    return currentPreferredLanguage();
+}
+
+void languages::reloadSelection() {
+    static constinit ProcessState<Reloaded> last;
+    Reloaded& reloaded = last.get();
+    if (reloaded.holds()) return;
+    const NSUserDefaults& defaults = NSUserDefaults::standardUserDefaults();
+    kx::selectLanguage = defaults.stringForKey(kSelectLanguage);
+    selectLog = defaults.stringForKey(kSelectLog);
+    if (selectLog == kFollowSystem) KXLocalizationUtils::setSelectLanguage(kAuto);
+    reloaded.note();
+}
+
+}  // namespace kx

@@ -1,0 +1,84 @@
+// From a key to the text of the selected language, then of the default one.
+#include <KXFoundation/Localization/KXLocalizationUtils.h>
+#include <KXFoundation/Localization/LanguageSteps.h>
+#include <KXFoundation/Localization/LanguageTables.h>
+#include <KXFoundation/Platform/Foundation/NSBundle.h>
+#include <KXFoundation/Platform/Runtime/PortSlot.h>
+#include <KXFoundation/Platform/Runtime/ProcessState.h>
+
+namespace kx {
+
+namespace {
+
+using namespace languages;
+using TableName = std::optional<std::string_view>;
+
+/// The languages that the main bundle has no folder for, so that looking one up again costs no system call: a
+/// bundle's folders are read once in a process anyway.
+struct MissingFolders {
+    std::uint64_t ports = 0;
+    LanguageSet languages;
+};
+
+/// What a bundle's table answers: the text, or the key itself; nothing without a bundle.
+std::optional<std::string_view> ask(const NSBundle* bundle, std::string_view key, TableName table) {
+    if (!bundle) return std::nullopt;
+    return bundle->lookUp(key, table).value_or(key);
+}
+
+std::optional<std::string> answer(const NSBundle* chosen, const NSBundle* fallback, std::string_view key,
+                                  TableName table) {
+    std::optional<std::string_view> text = ask(chosen, key, table);
+    if (!text || *text == key) text = ask(fallback, key, table);
+    return std::optional<std::string>(text);
+}
+
+/// Makes a kept bundle where there is none, over the main bundle's folder for the language.
+const NSBundle* kept(std::shared_ptr<NSBundle>& bundle, std::string_view language) {
+    if (!bundle) bundle = mainBundleFolder(language);
+    return bundle.get();
+}
+
+const NSBundle* keptCurrent() {
+    return currentLanguageBundle ? currentLanguageBundle.get()
+                                 : kept(currentLanguageBundle, currentPreferred());
+}
+
+}  // namespace
+
+std::shared_ptr<NSBundle> languages::bundleFolder(const NSBundle& bundle, std::string_view language) {
+    return make<NSBundle>(bundle.pathForResource(language, "lproj"));
+}
+
+std::shared_ptr<NSBundle> languages::mainBundleFolder(std::string_view language) {
+    static constinit ProcessState<MissingFolders> state;
+    MissingFolders& missing = state.get();
+    if (missing.ports != portGeneration()) missing = {portGeneration(), {}};
+    if (missing.languages.contains(language)) return nullptr;
+    auto folder = bundleFolder(*NSBundle::mainBundle(), language);
+    if (!folder) missing.languages.emplace(language);
+    return folder;
+}
+
+std::optional<std::string> KXLocalizationUtils::localizedStringForKey(std::string_view key,
+                                                                      TableName tableName) {
+    return localizedStringInBundle(nullptr, key, tableName);
+}
+
+std::optional<std::string> KXLocalizationUtils::localizedStringInBundle(
+    const std::shared_ptr<NSBundle>& bundle, std::string_view key, TableName tableName) {
+    reloadSelection();
+    const auto& selection = kx::selectLanguage;
+    if (bundle) {
+        const auto fallback = bundleFolder(*bundle, kDefault);
+        const auto chosen =
+            bundleFolder(*bundle, selection ? std::string_view(*selection) : currentPreferred());
+        return answer(chosen.get(), fallback.get(), key, tableName);
+    }
+    const NSBundle* fallback = kept(defaultLanguageBundle, kDefault);
+    const NSBundle* current = keptCurrent();
+    const NSBundle* chosen = selection ? kept(selectLanguageBundle, *selection) : current;
+    return answer(chosen, fallback, key, tableName);
+}
+
+}  // namespace kx

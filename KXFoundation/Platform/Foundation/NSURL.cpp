@@ -1,0 +1,142 @@
+#include <algorithm>
+#include <filesystem>
+#include <system_error>
+#include <utility>
+
+#include <KXFoundation/Platform/Foundation/NSURL.h>
+
+namespace kx {
+
+namespace {
+
+constexpr std::string_view kLetters = "ABCDEFGHIJKLMNOPQRSTUVWXYZabcdefghijklmnopqrstuvwxyz";
+constexpr std::string_view kUnreservedMarks = "-._~";         // RFC 3986, 2.3
+constexpr std::string_view kReserved = ":/?#[]@!$&'()*+,;=";  // RFC 3986, 2.2
+constexpr std::string_view kHexDigits = "0123456789ABCDEF";
+
+bool isDigit(char c) {
+    return c >= '0' && c <= '9';
+}
+bool isLetter(char c) {
+    return kLetters.find(c) != kLetters.npos;
+}
+bool isUnreserved(char c) {
+    return isLetter(c) || isDigit(c) || kUnreservedMarks.find(c) != kUnreservedMarks.npos;
+}
+
+int hexValue(char c) {
+    if (isDigit(c)) return c - '0';
+    const char upper = static_cast<char>(c & ~0x20);
+    return upper >= 'A' && upper <= 'F' ? upper - 'A' + 10 : -1;
+}
+
+/// The byte that "%XY" at `at` stands for; -1 if it is none.
+int encodedByte(std::string_view text, std::size_t at) {
+    if (text[at] != '%' || at + 2 >= text.size()) return -1;
+    const int high = hexValue(text[at + 1]);
+    const int low = hexValue(text[at + 2]);
+    return high < 0 || low < 0 ? -1 : high * 16 + low;
+}
+
+bool isWellFormed(std::string_view text) {
+    for (std::size_t at = 0; at < text.size(); ++at) {
+        if (isUnreserved(text[at]) || kReserved.find(text[at]) != kReserved.npos) continue;
+        if (encodedByte(text, at) <= 0) return false;
+        at += 2;
+    }
+    return !text.empty();
+}
+
+std::string percentDecoded(std::string_view text) {
+    std::string decoded;
+    decoded.reserve(text.size());
+    for (std::size_t at = 0; at < text.size(); ++at) {
+        const int byte = encodedByte(text, at);
+        decoded += byte < 0 ? text[at] : static_cast<char>(byte);
+        if (byte >= 0) at += 2;
+    }
+    return decoded;
+}
+
+void appendPathEncoded(std::string& text, std::string_view path) {
+    for (const char c : path) {
+        if (isUnreserved(c) || c == '/') {
+            text += c;
+        } else {
+            const auto byte = static_cast<unsigned char>(c);
+            text.append({'%', kHexDigits[byte >> 4], kHexDigits[byte & 15]});
+        }
+    }
+}
+
+/// Where the scheme's ":" is; npos for a relative address.
+std::size_t schemeLength(std::string_view text) {
+    const auto end = std::ranges::find_if_not(
+        text, [](char c) { return isLetter(c) || isDigit(c) || c == '+' || c == '-' || c == '.'; });
+    const bool found = end != text.begin() && end != text.end() && *end == ':' && isLetter(text.front());
+    return found ? static_cast<std::size_t>(end - text.begin()) : text.npos;
+}
+
+}  // namespace
+
+NSURL::NSURL(std::string text) : text_(std::move(text)) {
+    const std::string_view all = text_;
+    const std::size_t colon = schemeLength(all);
+    if (colon != all.npos) schemeEnd_ = colon, pathStart_ = colon + 1;
+    fragmentStart_ = std::min(all.find('#', pathStart_), all.size());
+    queryStart_ = std::min(all.find('?', pathStart_), fragmentStart_);
+    authorityStart_ = pathStart_;
+    if (slice(pathStart_, queryStart_).starts_with("//")) {
+        authorityStart_ += 2;
+        pathStart_ = std::min(all.find('/', authorityStart_), queryStart_);
+    }
+}
+
+NSURL NSURL::fileURLWithPath(std::string_view path) {
+    std::string absolute(path.substr(0, path.find('\0')));
+    if (!absolute.starts_with('/')) {
+        std::error_code error;
+        absolute = std::filesystem::absolute(absolute.empty() ? "." : absolute, error).string();
+    }
+    std::string text = "file://";
+    appendPathEncoded(text, absolute);
+    return NSURL(std::move(text));
+}
+
+std::optional<NSURL> NSURL::URLWithString(std::optional<std::string_view> text) {
+    if (!text || !isWellFormed(*text)) return std::nullopt;
+    return NSURL(std::string(*text));
+}
+
+std::string_view NSURL::slice(std::size_t from, std::size_t to) const noexcept {
+    return std::string_view(text_).substr(from, to - from);
+}
+
+std::string_view NSURL::scheme() const noexcept {
+    return slice(0, schemeEnd_);
+}
+
+std::string_view NSURL::authority() const noexcept {
+    return slice(authorityStart_, pathStart_);
+}
+
+std::string NSURL::path() const {
+    return percentDecoded(slice(pathStart_, queryStart_));
+}
+
+std::optional<std::string_view> NSURL::query() const noexcept {
+    if (queryStart_ == fragmentStart_) return std::nullopt;
+    return slice(queryStart_ + 1, fragmentStart_);
+}
+
+std::optional<std::string_view> NSURL::fragment() const noexcept {
+    if (fragmentStart_ == text_.size()) return std::nullopt;
+    return slice(fragmentStart_ + 1, text_.size());
+}
+
+bool NSURL::isFileURL() const noexcept {
+    return std::ranges::equal(scheme(), std::string_view("file"),
+                              [](char a, char b) { return (a | 0x20) == b; });
+}
+
+}  // namespace kx

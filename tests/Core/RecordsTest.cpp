@@ -1,0 +1,72 @@
+#include <cstdint>
+#include <limits>
+#include <thread>
+
+#include <gtest/gtest.h>
+
+#include <KXFoundation/Core/KXAppInfo.h>
+#include <KXFoundation/Core/KXError.h>
+#include <KXFoundation/Core/KXObject.h>
+#include <KXFoundation/Core/KXPhotoFileInfo.h>
+
+namespace kx {
+namespace {
+
+class Harbour : public Subclass<Harbour, KXObject> {};
+
+TEST(KXObject, IdIsGivenOrTheNameOfTheClassBeingMade) {
+    EXPECT_EQ(make<KXObject>()->id(), "KXObject");
+    EXPECT_EQ(make<Harbour>()->id(), "Harbour");
+    EXPECT_EQ(KXObject::objectWithID("pier")->id(), "pier");
+    EXPECT_EQ(Harbour::objectWithID("pier")->className(), "KXObject") << "made through a derived class";
+    EXPECT_EQ(KXObject::objectWithID(std::nullopt)->id(), std::nullopt);
+    EXPECT_EQ(make<KXObject>()->name(), std::nullopt);
+}
+
+TEST(KXError, SignDecides) {
+    using Limits = std::numeric_limits<std::int32_t>;
+    struct {
+        std::int32_t code;
+        bool success;
+    } const rows[] = {{0, true},   {1, true},   {Limits::max(), true},
+                      {-1, false}, {-3, false}, {Limits::min(), false}};
+    for (const auto& [code, success] : rows) {
+        const auto error = KXError::errorWithCode(code);
+        EXPECT_EQ(error->code(), code);
+        EXPECT_EQ(error->message(), std::nullopt);
+        EXPECT_EQ(isSuccess(error.get()), success) << "code: " << code;
+    }
+    EXPECT_TRUE(isSuccess(nullptr)) << "no error is success";
+    EXPECT_EQ(make<KXError>()->code(), 0);
+}
+
+TEST(KXAppInfo, ConcurrentReadsAreNeverTorn) {
+    const auto info = make<KXAppInfo>();
+    EXPECT_EQ(info->releaseVersion(), std::nullopt);
+    const std::string small(40, 'a');
+    const std::string large(400, 'b');
+    info->setReleaseLog(small);
+    std::thread writer([&] {
+        for (int i = 0; i < 2000; ++i) info->setReleaseLog(i % 2 ? small : large);
+    });
+    bool whole = true;
+    for (int i = 0; i < 2000; ++i) {
+        const auto text = info->releaseLog();
+        whole = whole && (text == small || text == large);
+    }
+    writer.join();
+    EXPECT_TRUE(whole);
+}
+
+TEST(KXPhotoFileInfo, KeepsItsOwnAddress) {
+    const auto info = make<KXPhotoFileInfo>();
+    EXPECT_EQ(info->url(), std::nullopt);
+    EXPECT_EQ(info->type(), KXPhotoFileInfo::kImage);
+    NSURL address = NSURL::fileURLWithPath("/pictures/pier.jpg");
+    info->setUrl(address);
+    address = NSURL::fileURLWithPath("/pictures/other.jpg");
+    EXPECT_EQ(info->url()->path(), "/pictures/pier.jpg");
+}
+
+}  // namespace
+}  // namespace kx

@@ -1,0 +1,52 @@
+#!/usr/bin/env bash
+# check.sh BUILD COMPONENT CXX SCRATCH: installs BUILD's COMPONENT, moves the installed tree elsewhere, and builds and
+# runs the program beside this script against it: once through CMake, once through pkg-config and the plain compiler.
+set -euo pipefail
+build=$1 component=$2 cxx=$3 scratch=$4
+program=$(cd "$(dirname "$0")" && pwd)/program
+version=$(cat "$(dirname "$0")/../../VERSION")
+declare -A modules=([Foundation]=kxfoundation [UI]=kxfoundation-ui)
+
+installed() {
+    rm -rf "$scratch"
+    mkdir -p "$scratch"
+    local part
+    for part in Foundation ${component/Foundation/}; do
+        cmake --install "$build" --prefix "$scratch/installed-here" --component "$part" >"$scratch/install.log"
+    done
+    mv "$scratch/installed-here" "$scratch/moved-there"
+}
+
+through_cmake() {
+    cmake -S "$program" -B "$scratch/cmake" -G Ninja -DCMAKE_CXX_COMPILER="$cxx" -DCOMPONENT="$component" \
+        -DCMAKE_PREFIX_PATH="$scratch/moved-there" -DCMAKE_FIND_USE_PACKAGE_REGISTRY=OFF
+    cmake --build "$scratch/cmake"
+    says "$scratch/cmake/consumer"
+}
+
+through_pkg_config() {
+    local folder
+    folder=$(dirname "$(find "$scratch/moved-there" -name kxfoundation.pc)")
+    export PKG_CONFIG_PATH=$folder
+    local module=${modules[$component]}
+    # shellcheck disable=SC2046
+    "$cxx" -std=c++20 "$program/main.cpp" -o "$scratch/plain" $(pkg-config --cflags --libs "$module") \
+        -Wl,-rpath,"$(pkg-config --variable=libdir "$module")"
+    says "$scratch/plain"
+}
+
+says() {
+    local want="Harbour 15 $version" got
+    got=$("$1")
+    [ "$got" = "$want" ] || { echo "$1 says \"$got\", not \"$want\""; exit 1; }
+    ! ldd "$1" | grep -E 'libKXFoundation.*(not found|installed-here)' || exit 1
+}
+
+no_folder_is_named() {
+    ! grep -rIl -e "$scratch" -e "$build" "$scratch/moved-there" || { echo "these files name a build folder"; exit 1; }
+}
+
+installed
+no_folder_is_named
+through_cmake
+through_pkg_config
