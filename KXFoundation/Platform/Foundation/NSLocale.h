@@ -13,17 +13,19 @@
 
 namespace kx {
 
-/// The port of the user's language settings. The adapter reads LANGUAGE, LC_ALL, LC_MESSAGES, LANG (languages) and
-/// LC_ALL, LC_TIME, LANG (locale) through Environment once; a test injects its own list and may change it.
+/// The port of the user's language settings. The adapter reads LANGUAGE, LC_ALL, LC_MESSAGES, LANG
+/// (languages) and LC_ALL, LC_TIME, LANG (locale) through Environment once; a test injects its own list and
+/// may change it.
 class KX_EXPORT LocaleSettings {
- public:
+  public:
     virtual ~LocaleSettings() = default;
 
     /// Language tags, most preferred first ("zh-Hant-TW", "pt-BR"); may be empty.
     [[nodiscard]] virtual std::vector<std::string> preferredLanguages() const = 0;
-    /// The locale as language, underscore, region ("en_US", "zh_TW"); the region may be missing ("eo").
+    /// The locale as language, underscore, region ("en_US", "zh_TW"); the region may be missing ("eo"). A
+    /// script stands between them only where the user's settings name one ("sr_Latn_RS").
     [[nodiscard]] virtual std::string localeIdentifier() const = 0;
-    /// Another number after every change of either; asking costs one atomic load.
+    /// Another number below 2^32 after every change of either; asking costs one atomic load at most.
     [[nodiscard]] virtual std::uint64_t version() const noexcept = 0;
 
     static PortSlot<LocaleSettings>& slot();
@@ -32,13 +34,13 @@ class KX_EXPORT LocaleSettings {
 
 /// A language and region. Immutable; any thread.
 class KX_EXPORT NSLocale : public Subclass<NSLocale, NSObject> {
- public:
+  public:
     /// Makes the locale for an identifier, with underscores or hyphens: kx::make<NSLocale>("zh_Hant_TW").
     bool init(std::string_view identifier);
 
     /// The user's preferred languages now, as tags, most preferred first.
     [[nodiscard]] static std::vector<std::string> preferredLanguages();
-    /// Changes whenever preferredLanguages() or currentLocale() may answer differently; one atomic load.
+    /// Changes whenever preferredLanguages() or currentLocale() may answer differently; a few atomic loads.
     [[nodiscard]] static std::uint64_t settingsVersion() noexcept;
     [[nodiscard]] static std::shared_ptr<NSLocale> currentLocale();
 
@@ -49,12 +51,13 @@ class KX_EXPORT NSLocale : public Subclass<NSLocale, NSObject> {
     /// "TW"; absent if the identifier names no region.
     [[nodiscard]] std::optional<std::string> countryCode() const;
 
- private:
+  private:
     std::string identifier_;
 };
 
 /// Turns a POSIX locale name into a language tag as a desktop user expects: "zh_TW.UTF-8" gives "zh-Hant-TW",
-/// "sr_RS@latin" "sr-Latn-RS", "no_NO" "nb-NO", "pt_BR" "pt-BR". "C", "POSIX" and what is no locale name give none.
+/// "sr_RS@latin" "sr-Latn-RS", "no_NO" "nb-NO", "pt_BR" "pt-BR". "C", "POSIX" and what is no locale name give
+/// none. Only Chinese gets a script that its name does not give. Any thread.
 [[nodiscard]] KX_EXPORT std::optional<std::string> languageTagForPosixName(std::string_view name);
 
 }  // namespace kx

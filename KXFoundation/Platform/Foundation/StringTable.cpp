@@ -1,0 +1,79 @@
+#include <bit>
+#include <utility>
+
+#include <KXFoundation/Platform/Foundation/StringTable.h>
+
+#define XXH_INLINE_ALL
+#include <xxhash.h>
+
+#include <KXFoundation/Platform/Runtime/Log.h>
+
+namespace kx {
+
+namespace {
+
+std::string lineFor(const std::string& path, const StringTableFaults& faults) {
+    std::string line = path + ":" + std::to_string(faults.firstLine) + ": " + faults.firstReason;
+    if (faults.count == 1) return line + "; the entry is left out";
+    return line + "; " + std::to_string(faults.count) + " entries of the file are left out";
+}
+
+}  // namespace
+
+StringTable::StringTable(std::string contents) : text_(stringTableText(std::move(contents))) {
+    std::vector<StringTableEntry> entries;
+    entries.reserve(text_.size() / 48);
+    faults_ = readStringTable(text_, entries);
+    slots_.resize(std::bit_ceil(entries.size() + entries.size() / 2 + 1));
+    for (const StringTableEntry& entry : entries) insert(entry);
+}
+
+std::unique_ptr<const StringTable> StringTable::load(FileSystem& files, const std::string& path) {
+    auto contents = readFile(files, path, kLargestFile);
+    if (!contents) {
+        log(LogLevel::Warning, contents.error().message());
+        return std::make_unique<StringTable>("");
+    }
+    auto table = std::make_unique<StringTable>(*std::move(contents));
+    if (table->faults().count > 0) log(LogLevel::Warning, lineFor(path, table->faults()));
+    return table;
+}
+
+/// Seeded by the place of the text, which no author of a hostile file knows: he cannot make keys collide.
+std::uint64_t StringTable::hash(std::string_view key) const noexcept {
+    return XXH3_64bits_withSeed(key.data(), key.size(), reinterpret_cast<std::uintptr_t>(text_.data()));
+}
+
+/// The slot that holds the key, else the free one where it would go.
+std::size_t StringTable::slotOf(std::string_view key, std::uint64_t hashed) const noexcept {
+    const std::size_t mask = slots_.size() - 1;
+    for (std::size_t i = hashed & mask;; i = (i + 1) & mask) {
+        const Slot& slot = slots_[i];
+        if (slot.textOffset == 0) return i;
+        if (slot.tag != hashed >> 52) continue;
+        if (key == std::string_view(text_.data() + slot.keyOffset, slot.keyLength)) return i;
+    }
+}
+
+void StringTable::insert(const StringTableEntry& entry) noexcept {
+    constexpr std::uint64_t kReach = (1U << 26) - 1;
+    const auto offset = [this](std::string_view part) {
+        return static_cast<std::uint64_t>(part.data() - text_.data());
+    };
+    const std::uint64_t hashed = hash(entry.key);
+    Slot& slot = slots_[slotOf(entry.key, hashed)];
+    if (slot.textOffset == 0) ++size_;
+    slot.keyOffset = offset(entry.key) & kReach;
+    slot.keyLength = entry.key.size() & kReach;
+    slot.tag = static_cast<std::uint16_t>(hashed >> 52) & 0xFFF;
+    slot.textOffset = offset(entry.text) & kReach;
+    slot.textLength = entry.text.size() & kReach;
+}
+
+std::optional<std::string_view> StringTable::lookUp(std::string_view key) const noexcept {
+    const Slot& slot = slots_[slotOf(key, hash(key))];
+    if (slot.textOffset == 0) return std::nullopt;
+    return std::string_view(text_.data() + slot.textOffset, slot.textLength);
+}
+
+}  // namespace kx

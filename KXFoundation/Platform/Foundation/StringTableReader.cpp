@@ -1,0 +1,288 @@
+#include <algorithm>
+#include <array>
+#include <bit>
+#include <cstdint>
+#include <cstring>
+#include <optional>
+
+#include <KXFoundation/Platform/Foundation/StringTableReader.h>
+
+#ifdef __SSE2__
+#include <emmintrin.h>
+#endif
+
+#include <KXFoundation/Platform/Foundation/UnicodeText.h>
+
+namespace kx {
+
+namespace {
+
+constexpr std::string_view kMark = "\xEF\xBB\xBF";
+
+constexpr bool isSpace(char c) noexcept {
+    return c == ' ' || (c >= '\t' && c <= '\r');
+}
+
+constexpr bool isBare(char c) noexcept {
+    return (c >= 'a' && c <= 'z') || (c >= 'A' && c <= 'Z') || (c >= '0' && c <= '9') || c == '_' ||
+           c == '.' || c == '-' || c == ':' || c == '$';
+}
+
+constexpr bool isBeyondAscii(char c) noexcept {
+    return static_cast<unsigned char>(c) >= 0x80;
+}
+
+/// The first quote, backslash or zero byte, else the end; notes whether it passed a byte beyond ASCII.
+char* findSpecial(char* at, char* end, bool& beyondAscii) noexcept {
+#ifdef __SSE2__
+    const auto equal = [](__m128i block, char c) { return _mm_cmpeq_epi8(block, _mm_set1_epi8(c)); };
+    for (; end - at >= 16; at += 16) {
+        const __m128i block = _mm_loadu_si128(reinterpret_cast<const __m128i*>(at));
+        const __m128i special =
+            _mm_or_si128(_mm_or_si128(equal(block, '"'), equal(block, '\\')), equal(block, '\0'));
+        const auto found = static_cast<unsigned>(_mm_movemask_epi8(special));
+        const auto beyond = static_cast<unsigned>(_mm_movemask_epi8(block));
+        beyondAscii |= (beyond & (found - 1) & ~found) != 0;  // of those before the first one found
+        if (found != 0) return at + std::countr_zero(found);
+    }
+#endif
+    for (; at < end && *at != '"' && *at != '\\' && *at != '\0'; ++at) beyondAscii |= isBeyondAscii(*at);
+    return at;
+}
+
+bool isUtf8(std::string_view text) noexcept {
+    while (!text.empty()) {
+        const std::size_t before = text.size();
+        if (takeCodePoint(text) == kReplacementCharacter && before - text.size() == 1) return false;
+    }
+    return true;
+}
+
+std::optional<char32_t> hexUnit(const char* at, const char* end) noexcept {
+    if (end - at < 4) return std::nullopt;
+    char32_t unit = 0;
+    for (int i = 0; i < 4; ++i) {
+        const char c = at[i];
+        const int digit = c >= '0' && c <= '9'   ? c - '0'
+                          : c >= 'a' && c <= 'f' ? c - 'a' + 10
+                          : c >= 'A' && c <= 'F' ? c - 'A' + 10
+                                                 : -1;
+        if (digit < 0) return std::nullopt;
+        unit = unit << 4 | static_cast<char32_t>(digit);
+    }
+    return unit;
+}
+
+/// Takes what follows `\U` or `\u`: four hex digits, or two such escapes for a character beyond U+FFFF.
+/// Absent for half a pair and for U+0000.
+std::optional<char32_t> takeUnicodeEscape(const char*& at, const char* end) noexcept {
+    const auto first = hexUnit(at, end);
+    if (!first || *first == 0) return std::nullopt;
+    at += 4;
+    if ((*first & 0xF800) != 0xD800) return first;
+    if (*first >= 0xDC00 || end - at < 2 || at[0] != '\\' || (at[1] | 0x20) != 'u') return std::nullopt;
+    const auto second = hexUnit(at + 2, end);
+    if (!second || (*second & 0xFC00) != 0xDC00) return std::nullopt;
+    at += 6;
+    return 0x10000 + ((*first & 0x3FF) << 10) + (*second & 0x3FF);
+}
+
+std::optional<char> simpleEscape(char c) noexcept {
+    switch (c) {
+        case 'n':
+            return '\n';
+        case 't':
+            return '\t';
+        case 'r':
+            return '\r';
+        case '"':
+        case '\'':
+        case '\\':
+            return c;
+        default:
+            return std::nullopt;
+    }
+}
+
+/// Recovery: where a faulty entry ends is anybody's guess if a quote is missing, so reading goes on behind
+/// the first line end after its start. Time stays linear on hostile texts: a quoted text ends at the next
+/// quote, so it is read again at most once, and comments, which could be long, are never read again.
+class Reader {
+  public:
+    Reader(std::string& text, std::vector<StringTableEntry>& entries) noexcept
+        : begin_(text.data()), at_(begin_), end_(begin_ + text.size()), entries_(entries) {
+        if (text.starts_with(kMark)) at_ += kMark.size();
+    }
+
+    StringTableFaults read() {
+        while (skipSpace()) readEntry();
+        return faults_;
+    }
+
+  private:
+    struct Token {
+        char* begin;
+        char* end;
+        bool escapes = false;
+        bool beyondAscii = false;
+        bool zeroBytes = false;
+
+        [[nodiscard]] std::string_view view() const noexcept { return {begin, end}; }
+    };
+    using Fault = const char*;  // null for none
+
+    /// Passes space and comments; false at the end of the text.
+    bool skipSpace() noexcept {
+        for (;;) {
+            while (at_ < end_ && isSpace(*at_)) ++at_;
+            if (end_ - at_ < 2 || at_[0] != '/' || (at_[1] != '/' && at_[1] != '*')) return at_ < end_;
+            skipComment(at_[1] == '/' ? "\n" : "*/");
+            rereadFrom_ = at_;
+        }
+    }
+
+    void skipComment(std::string_view close) noexcept {
+        const std::string_view rest(at_ + 2, end_);
+        const std::size_t closed = rest.find(close);
+        if (closed != rest.npos) {
+            at_ += 2 + closed + close.size();
+        } else {
+            if (close == "*/") note(at_, "a comment without end");
+            at_ = end_;
+        }
+    }
+
+    void readEntry() {
+        char* const start = rereadFrom_ = at_;
+        const std::size_t linesBefore = linesMade_;
+        Token key{};
+        Token text{};
+        Fault fault = parse(key, text);
+        if (fault) {
+            recover(fault);
+        } else {
+            fault = resolve(key);
+            if (!fault) fault = resolve(text);
+        }
+        if (!fault) return entries_.push_back({key.view(), text.view()});
+        note(start, fault, linesBefore);
+    }
+
+    Fault parse(Token& key, Token& text) noexcept {
+        if (!parseToken(key)) return "expected a key";
+        if (!pass('=')) return "expected '=' after the key";
+        if (!skipSpace() || !parseToken(text)) return "expected a text";
+        return pass(';') ? nullptr : kNoSemicolon;
+    }
+
+    bool pass(char expected) noexcept {
+        if (!skipSpace() || *at_ != expected) return false;
+        ++at_;
+        return true;
+    }
+
+    bool parseToken(Token& token) noexcept {
+        if (*at_ == '"') return parseQuoted(token);
+        token.begin = at_;
+        at_ = std::find_if_not(at_, end_, isBare);
+        token.end = at_;
+        return token.begin != token.end;
+    }
+
+    /// False if the quote is not closed.
+    bool parseQuoted(Token& token) noexcept {
+        token.begin = ++at_;
+        for (;;) {
+            at_ = findSpecial(at_, end_, token.beyondAscii);
+            if (end_ - at_ < 1) return false;
+            if (*at_ == '"') break;
+            if (*at_ == '\\') {
+                if (end_ - at_ < 2) return false;
+                token.escapes = true;
+                ++at_;
+                token.beyondAscii |= isBeyondAscii(*at_);
+            }
+            token.zeroBytes |= *at_ == '\0';
+            ++at_;
+        }
+        token.end = at_++;
+        return true;
+    }
+
+    void recover(Fault fault) noexcept {
+        if (char* const line = std::find(rereadFrom_, at_, '\n'); line != at_) {
+            at_ = line + 1;
+        } else if (fault != kNoSemicolon) {
+            at_ = std::find_if(at_, end_, [](char c) { return c == '\n' || c == ';'; });
+            if (at_ < end_) ++at_;
+        }
+    }
+
+    Fault resolve(Token& token) {
+        if (token.zeroBytes) return "a zero byte";
+        if (token.beyondAscii && !isUtf8(token.view())) return "no UTF-8";
+        if (token.escapes && !resolveEscapes(token)) return "an unknown escape";
+        return nullptr;
+    }
+
+    bool resolveEscapes(Token& token) {
+        char* out = std::find(token.begin, token.end, '\\');
+        const char* in = out;
+        while (in < token.end) {
+            if (*in != '\\') {
+                *out++ = *in++;
+            } else if (!resolveEscape(in, token.end, out)) {
+                return false;
+            }
+        }
+        std::fill(out, token.end, ' ');  // no line end is left there, or lines would be counted twice
+        token.end = out;
+        return true;
+    }
+
+    /// An escape is always longer than what it stands for.
+    bool resolveEscape(const char*& in, const char* end, char*& out) {
+        const char kind = in[1];
+        in += 2;
+        if ((kind | 0x20) == 'u') {
+            const auto codePoint = takeUnicodeEscape(in, end);
+            if (!codePoint) return false;
+            std::string encoded;
+            appendCodePoint(encoded, *codePoint);
+            out = std::copy(encoded.begin(), encoded.end(), out);
+            linesMade_ += *codePoint == '\n';
+            return true;
+        }
+        const auto plain = simpleEscape(kind);
+        if (!plain) return false;
+        *out++ = *plain;
+        linesMade_ += *plain == '\n';
+        return true;
+    }
+
+    void note(const char* where, Fault reason) noexcept { note(where, reason, linesMade_); }
+    void note(const char* where, Fault reason, std::size_t linesMadeBefore) noexcept {
+        if (faults_.count++ > 0) return;
+        const auto lineEnds = static_cast<std::size_t>(std::count<const char*>(begin_, where, '\n'));
+        faults_.firstLine = 1 + lineEnds - linesMadeBefore;
+        faults_.firstReason = reason;
+    }
+
+    static constexpr Fault kNoSemicolon = "expected ';' after the text";
+
+    char* begin_;
+    char* at_;
+    char* end_;
+    char* rereadFrom_ = begin_;  // recovery never goes back before this
+    std::size_t linesMade_ = 0;  // line ends that escapes put where the file had none
+    StringTableFaults faults_;
+    std::vector<StringTableEntry>& entries_;
+};
+
+}  // namespace
+
+StringTableFaults readStringTable(std::string& text, std::vector<StringTableEntry>& entries) {
+    return Reader(text, entries).read();
+}
+
+}  // namespace kx

@@ -1,0 +1,33 @@
+#pragma once
+
+#include <cstddef>
+#include <string>
+#include <string_view>
+#include <vector>
+
+/// Reads the `.strings` format: `"key" = "text";`, with `/* */` and `//` comments. Private to Foundation.
+namespace kx {
+
+/// Both lie in the text that was read.
+struct StringTableEntry {
+    std::string_view key;
+    std::string_view text;
+};
+
+struct StringTableFaults {
+    std::size_t count = 0;
+    std::size_t firstLine = 0;  ///< counted from 1
+    const char* firstReason = "";
+};
+
+/// The bytes of a file as UTF-8: a byte order mark, else the place of zero bytes, tells UTF-16 of either
+/// order. What is no UTF-16 becomes a byte that is no UTF-8, so that it costs its entry alone. UTF-8 passes
+/// unchecked.
+[[nodiscard]] std::string stringTableText(std::string bytes);
+
+/// Appends the entries of the text, in its order, in one pass and with time linear in its length. Escapes are
+/// resolved in place. A faulty entry is left out and reading goes on at the next one: behind it if its end
+/// can be told, else on the line after the one that it begins on.
+[[nodiscard]] StringTableFaults readStringTable(std::string& text, std::vector<StringTableEntry>& entries);
+
+}  // namespace kx

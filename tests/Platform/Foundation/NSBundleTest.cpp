@@ -1,0 +1,216 @@
+#include <filesystem>
+#include <thread>
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+#include <unistd.h>
+
+#include <KXFoundation/Platform/Foundation/NSBundle.h>
+
+#include "support/CapturedLog.h"
+#include "support/ScopedPlatform.h"
+
+namespace kx {
+namespace {
+
+using namespace std::string_literals;
+using ::testing::ElementsAre;
+using ::testing::HasSubstr;
+using ::testing::IsEmpty;
+
+struct NSBundleTest : ::testing::Test {
+    std::string inMain(std::string_view name) { return platform.bundle().path() + '/' + std::string(name); }
+
+    testing::ScopedPlatform platform;
+    testing::CapturedLog log;
+};
+
+TEST_F(NSBundleTest, IsNoneWithoutADirectory) {
+    platform.bundle().addFile("file", "");
+    std::filesystem::create_directory_symlink("loop", inMain("loop"));
+    for (const std::optional<std::string>& path :
+         {std::optional<std::string>(), std::optional(""s), std::optional(inMain("missing")),
+          std::optional(inMain("file")), std::optional(inMain("loop")), std::optional(inMain("\0"s))}) {
+        EXPECT_EQ(make<NSBundle>(path), nullptr) << path.value_or("absent");
+    }
+    EXPECT_THAT(log.lines(), IsEmpty());
+}
+
+TEST_F(NSBundleTest, ListsLocalizations) {
+    auto& folder = platform.bundle();
+    folder.addLocalization("pt").addLocalization("pt-BR").addLocalization("en").addFile("fr.lproj", "a file");
+    folder.addFile(".lproj/x", "").addFile("de.lproj.bak/x", "");
+    std::filesystem::create_symlink("nowhere", inMain("it.lproj"));
+    std::filesystem::create_directory_symlink("en.lproj", inMain("en-GB.lproj"));
+    EXPECT_THAT(NSBundle::mainBundle()->localizations(), ElementsAre("en", "en-GB", "pt", "pt-BR"));
+}
+
+TEST_F(NSBundleTest, FindsResourcesInItselfAlone) {
+    platform.directory().write("outside.txt", "");
+    platform.bundle().addLocalization("fr").addFile("logo.png", "").addFile("README", "");
+    std::filesystem::create_symlink("nowhere", inMain("broken.txt"));
+    using Name = std::optional<std::string>;
+    const struct {
+        Name name, type, found;
+    } rows[] = {
+        {"fr", "lproj", "fr.lproj"},
+        {"logo", "png", "logo.png"},
+        {"logo.png", {}, "logo.png"},
+        {"README", "", "README"},
+        {"de", "lproj", {}},
+        {{}, "png", {}},
+        {"", "lproj", {}},
+        {"broken", "txt", {}},
+        {"../outside", "txt", {}},
+        {"..", {}, {}},
+        {".", {}, {}},
+        {"fr.lproj/..", {}, {}},
+        {"logo.png\0"s, {}, {}},
+    };
+    const auto bundle = NSBundle::mainBundle();
+    for (int round = 0; round < 2; ++round) {
+        for (const auto& row : rows) {
+            const Name expected = row.found ? Name(inMain(*row.found)) : std::nullopt;
+            EXPECT_EQ(bundle->pathForResource(row.name, row.type), expected) << row.name.value_or("absent");
+        }
+    }
+}
+
+TEST_F(NSBundleTest, LooksTextsUp) {
+    platform.bundle().addStrings("fr", {{"hello", "Bonjour"}, {"empty", ""}});
+    platform.bundle().addStrings("fr", {{"hello", "Salut"}}, "Other");
+    const auto french = make<NSBundle>(inMain("fr.lproj"));
+    ASSERT_TRUE(french);
+    using Text = std::optional<std::string>;
+    const struct {
+        std::string key;
+        Text value, table;
+        std::string text;
+    } rows[] = {
+        {"hello", "hello", {}, "Bonjour"},
+        {"hello", {}, "", "Bonjour"},
+        {"hello", {}, "Localizable", "Bonjour"},
+        {"hello", {}, "Other", "Salut"},
+        {"hello", {}, "Missing", "hello"},
+        {"hello", "value", "Missing", "value"},
+        {"hello", "", "../fr.lproj/Other", "hello"},
+        {"empty", "value", {}, ""},
+        {"missing", {}, {}, "missing"},
+        {"missing", "value", {}, "value"},
+    };
+    for (const auto& row : rows) {
+        EXPECT_EQ(french->localizedStringForKey(row.key, row.value, row.table), row.text)
+            << row.key << " in " << row.table.value_or("absent");
+    }
+    EXPECT_EQ(french->lookUp("missing"), std::nullopt);
+    EXPECT_EQ(french->lookUp("hello", "Missing"), std::nullopt);
+}
+
+TEST_F(NSBundleTest, BundlesOverOneFolderShareItsTables) {
+    platform.bundle().addStringsFile("fr", "hello = Bonjour;\nbad");
+    std::filesystem::create_directory_symlink("fr.lproj", inMain("link.lproj"));
+    std::optional<std::string_view> text = make<NSBundle>(inMain("fr.lproj"))->lookUp("hello");
+    for (const auto* path : {"fr.lproj", "link.lproj", "fr.lproj/../fr.lproj"}) {
+        const auto bundle = make<NSBundle>(inMain(path));
+        ASSERT_TRUE(bundle) << path;
+        EXPECT_EQ(bundle->lookUp("hello")->data(), text->data()) << path;
+    }
+    EXPECT_THAT(log.lines(), ElementsAre(HasSubstr("fr.lproj/Localizable.strings:2: ")));
+}
+
+TEST_F(NSBundleTest, ThreadsShareOneReading) {
+    platform.bundle().addStringsFile("fr", "hello = Bonjour;\nbad");
+    std::array<const char*, 4> found{};
+    {
+        std::vector<std::jthread> threads;
+        for (const char*& place : found) {
+            threads.emplace_back(
+                [&] { place = make<NSBundle>(inMain("fr.lproj"))->lookUp("hello").value_or("none").data(); });
+        }
+    }
+    EXPECT_THAT(found, ::testing::Each(found[0]));
+    EXPECT_STREQ(std::string(found[0], 7).c_str(), "Bonjour");
+    EXPECT_EQ(log.lines().size(), 1u);
+}
+
+TEST_F(NSBundleTest, ReadsItsInformation) {
+    platform.bundle().setInfo("CFBundleIdentifier", "org.example.app").setInfo("Name", "A & B");
+    const auto main = NSBundle::mainBundle();
+    EXPECT_EQ(main->infoDictionary()["Name"], Value("A & B"));
+    EXPECT_EQ(main->bundleIdentifier(), "org.example.app");
+}
+
+TEST_F(NSBundleTest, DamagedInformationIsNoneWithOneLine) {
+    for (const char* contents :
+         {"", "<plist><dict><key>a", "bplist00\xFF", "<plist version=\"1.0\"><array/></plist>"}) {
+        const auto folder = platform.directory().write(
+            "damaged/" + std::to_string(log.lines().size()) + "/Info.plist", contents);
+        const auto lines = log.lines().size();
+        const auto bundle = make<NSBundle>(std::filesystem::path(folder).parent_path().string());
+        for (int round = 0; round < 2; ++round) {
+            EXPECT_TRUE(bundle->infoDictionary().members().empty()) << contents;
+            EXPECT_EQ(bundle->infoDictionary().type(), Value::Type::Dictionary) << contents;
+            EXPECT_EQ(bundle->bundleIdentifier(), std::nullopt);
+        }
+        EXPECT_EQ(log.lines().size(), lines + 1) << contents;
+        EXPECT_THAT(log.lines().back(), HasSubstr("Info.plist"));
+    }
+}
+
+TEST_F(NSBundleTest, AnUnreadableFolderHoldsNothing) {
+    if (geteuid() == 0) GTEST_SKIP() << "root reads everything";
+    platform.bundle().addStrings("fr", {{"hello", "Bonjour"}});
+    std::filesystem::permissions(inMain("fr.lproj"), std::filesystem::perms::none);
+    const auto bundle = make<NSBundle>(inMain("fr.lproj"));
+    ASSERT_TRUE(bundle);
+    EXPECT_EQ(bundle->lookUp("hello"), std::nullopt);
+    std::filesystem::permissions(inMain("fr.lproj"), std::filesystem::perms::owner_all);
+}
+
+struct MainBundleTest : ::testing::Test {
+    MainBundleTest() {
+        environment->setProgramPath(directory / "prefix/bin/editor");
+        directory.makeDirectory("prefix/bin");
+    }
+    std::string mainPath() {
+        const ScopedProcessState fresh;
+        return NSBundle::mainBundle()->bundlePath();
+    }
+
+    testing::TemporaryDirectory directory;
+    std::shared_ptr<testing::FakeEnvironment> environment = std::make_shared<testing::FakeEnvironment>();
+    ScopedPort<Environment> scope{environment};
+};
+
+TEST_F(MainBundleTest, IsSoughtBesideTheProgramThenInShare) {
+    EXPECT_EQ(mainPath(), directory / "prefix/bin/Resources") << "missing, but named";
+    directory.makeDirectory("prefix/share/editor");
+    EXPECT_EQ(mainPath(), directory / "prefix/share/editor");
+    directory.makeDirectory("prefix/bin/Resources");
+    EXPECT_EQ(mainPath(), directory / "prefix/bin/Resources");
+    const ScopedProcessState fresh;
+    NSBundle::setMainBundlePath(directory / "prefix");
+    EXPECT_EQ(NSBundle::mainBundle()->bundlePath(), directory / "prefix");
+}
+
+TEST_F(MainBundleTest, IsThereWithoutAFolder) {
+    const ScopedProcessState fresh;
+    const auto bundle = NSBundle::mainBundle();
+    EXPECT_THAT(bundle->localizations(), IsEmpty());
+    EXPECT_EQ(bundle->pathForResource("en", "lproj"), std::nullopt);
+    EXPECT_EQ(bundle->localizedStringForKey("key", {}, {}), "key");
+    EXPECT_EQ(bundle->bundleIdentifier(), "editor") << "the program's name serves";
+}
+
+TEST_F(MainBundleTest, IsNamedBeforeItIsUsed) {
+    const ScopedProcessState fresh;
+    const testing::CapturedLog log;
+    const testing::LenientMode lenient;
+    const std::string before = NSBundle::mainBundle()->bundlePath();
+    NSBundle::setMainBundlePath(directory.path());
+    EXPECT_EQ(NSBundle::mainBundle()->bundlePath(), before);
+    EXPECT_THAT(log.lines(), ElementsAre("NSBundle: the main bundle is already in use"));
+}
+
+}  // namespace
+}  // namespace kx

@@ -1,0 +1,153 @@
+#include <map>
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include <KXFoundation/Platform/Foundation/NSLocale.h>
+
+#include "support/FakeEnvironment.h"
+#include "support/InjectedLocale.h"
+
+namespace kx {
+namespace {
+
+using namespace std::string_literals;
+
+TEST(NSLocale, MakesTagsOfPosixNames) {
+    const struct {
+        std::string name;
+        std::optional<std::string> tag;
+    } rows[] = {
+        {"zh_TW.UTF-8", "zh-Hant-TW"},
+        {"zh_CN", "zh-Hans-CN"},
+        {"zh_HK", "zh-Hant-HK"},
+        {"zh_SG.gb18030", "zh-Hans-SG"},
+        {"zh", "zh-Hans-CN"},
+        {"zh_Hant", "zh-Hant"},
+        {"zh-hant-hk", "zh-Hant-HK"},
+        {"cmn_TW", "zh-Hant-TW"},
+        {"yue_HK", "yue-Hant-HK"},
+        {"pt_BR", "pt-BR"},
+        {"PT_br", "pt-BR"},
+        {"de_DE@euro", "de-DE"},
+        {"fr", "fr"},
+        {"es_419", "es-419"},
+        {"sr_RS", "sr-RS"},
+        {"sr_RS@latin", "sr-Latn-RS"},
+        {"sr_RS.UTF-8@cyrillic", "sr-Cyrl-RS"},
+        {"sh_BA", "sr-Latn-BA"},
+        {"uz_UZ@cyrillic", "uz-Cyrl-UZ"},
+        {"no_NO", "nb-NO"},
+        {"nn_NO", "nn-NO"},
+        {"iw_IL", "he-IL"},
+        {"in_ID", "id-ID"},
+        {"tl_PH", "fil-PH"},
+        {"ca_ES@valencia", "ca-ES-valencia"},
+        {"C", std::nullopt},
+        {"C.UTF-8", std::nullopt},
+        {"POSIX", std::nullopt},
+        {"", std::nullopt},
+        {"_DE", std::nullopt},
+        {"de_DEUTSCH", std::nullopt},
+        {"de_DE_x", std::nullopt},
+        {"../../etc", std::nullopt},
+        {"de_DE.../../x", std::nullopt},
+        {"de_DE@a/b", std::nullopt},
+        {"de DE", std::nullopt},
+        {"de\0DE"s, std::nullopt},
+        {"d\xC3\xA9_DE", std::nullopt},
+        {"de_DE." + std::string(1000, 'x'), std::nullopt},
+    };
+    for (const auto& row : rows) EXPECT_EQ(languageTagForPosixName(row.name), row.tag) << row.name;
+}
+
+TEST(NSLocale, ReadsTheUsersVariables) {
+    using Strings = std::vector<std::string>;
+    const struct {
+        const char* what;
+        std::map<std::string, std::string> variables;
+        Strings languages;
+        std::string identifier;
+    } rows[] = {
+        {"nothing set", {}, {}, "en_US"},
+        {"plain", {{"LANG", "C"}}, {}, "en_US"},
+        {"plain with encoding", {{"LANG", "C.UTF-8"}}, {}, "en_US"},
+        {"LANG", {{"LANG", "zh_TW.UTF-8"}}, {"zh-Hant-TW"}, "zh_TW"},
+        {"LC_ALL first",
+         {{"LC_ALL", "de_AT"}, {"LC_MESSAGES", "fr_FR"}, {"LANG", "it_IT"}},
+         {"de-AT"},
+         "de_AT"},
+        {"categories apart",
+         {{"LC_MESSAGES", "fr_FR"}, {"LC_TIME", "en_GB"}, {"LANG", "it_IT"}},
+         {"fr-FR"},
+         "en_GB"},
+        {"LANGUAGE first",
+         {{"LANGUAGE", "pt_BR:pt:en"}, {"LANG", "de_DE"}},
+         {"pt-BR", "pt", "en", "de-DE"},
+         "de_DE"},
+        {"doubles", {{"LANGUAGE", "de_DE::fr:de_DE.UTF-8:fr"}, {"LANG", "fr"}}, {"de-DE", "fr"}, "fr_FR"},
+        {"LANGUAGE in a plain locale", {{"LANGUAGE", "fr"}, {"LANG", "C"}}, {}, "en_US"},
+        {"LANGUAGE and LC_ALL plain",
+         {{"LANGUAGE", "fr"}, {"LC_ALL", "POSIX"}, {"LANG", "de_DE"}},
+         {},
+         "en_US"},
+        {"hostile LANGUAGE",
+         {{"LANGUAGE", "../x:a b:fr:C:" + std::string(100, 'd')}, {"LANG", "de_DE"}},
+         {"fr", "de-DE"},
+         "de_DE"},
+        {"huge LANGUAGE",
+         {{"LANGUAGE", "fr" + std::string(1 << 20, ':')}, {"LANG", "de_DE"}},
+         {"de-DE"},
+         "de_DE"},
+        {"likely region", {{"LANG", "nl"}}, {"nl"}, "nl_NL"},
+        {"no likely country", {{"LANG", "eo"}}, {"eo"}, "eo"},
+        {"script by modifier", {{"LANG", "sr_RS@latin"}}, {"sr-Latn-RS"}, "sr_Latn_RS"},
+        {"old code", {{"LANG", "no_NO"}}, {"nb-NO"}, "nb_NO"},
+    };
+    for (const auto& row : rows) {
+        SCOPED_TRACE(row.what);
+        const auto environment = std::make_shared<testing::FakeEnvironment>();
+        for (const auto& [name, value] : row.variables) environment->set(name, value);
+        const ScopedPort<Environment> scope(environment);
+        const auto settings = LocaleSettings::makeDefault();
+        EXPECT_EQ(settings->preferredLanguages(), row.languages);
+        EXPECT_EQ(settings->localeIdentifier(), row.identifier);
+    }
+}
+
+TEST(NSLocale, TakesIdentifiersApart) {
+    const struct {
+        const char* identifier;
+        std::optional<std::string> language, country;
+    } rows[] = {
+        {"en_US", "en", "US"},          {"zh-Hant-TW", "zh", "TW"},
+        {"es_419", "es", "419"},        {"fil_PH", "fil", "PH"},
+        {"eo", "eo", std::nullopt},     {"zh_Hans", "zh", std::nullopt},
+        {"ca_ES_valencia", "ca", "ES"}, {"", std::nullopt, std::nullopt},
+        {"_US", std::nullopt, "US"},    {"123", std::nullopt, std::nullopt},
+    };
+    for (const auto& row : rows) {
+        const auto locale = make<NSLocale>(row.identifier);
+        EXPECT_EQ(locale->languageCode(), row.language) << row.identifier;
+        EXPECT_EQ(locale->countryCode(), row.country) << row.identifier;
+    }
+}
+
+TEST(NSLocale, FollowsChangesOfTheSettings) {
+    const auto settings = std::make_shared<testing::InjectedLocale>();
+    const ScopedPort<LocaleSettings> scope(settings);
+    auto version = NSLocale::settingsVersion();
+    const auto changed = [&] { return std::exchange(version, NSLocale::settingsVersion()) != version; };
+    EXPECT_FALSE(changed());
+    settings->setPreferredLanguages({"fr-FR"});
+    EXPECT_TRUE(changed());
+    EXPECT_THAT(NSLocale::preferredLanguages(), ::testing::ElementsAre("fr-FR"));
+    settings->setLocale("fr_CA");
+    EXPECT_TRUE(changed());
+    EXPECT_EQ(NSLocale::currentLocale()->countryCode(), "CA");
+    const ScopedPort<LocaleSettings> other(std::make_shared<testing::InjectedLocale>());
+    EXPECT_TRUE(changed());
+}
+
+}  // namespace
+}  // namespace kx

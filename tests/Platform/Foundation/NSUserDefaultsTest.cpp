@@ -1,0 +1,225 @@
+#include <atomic>
+#include <filesystem>
+#include <fstream>
+#include <thread>
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include <KXFoundation/Platform/Foundation/NSUserDefaults.h>
+#include <KXFoundation/Platform/Runtime/ProcessState.h>
+
+#include "support/CapturedLog.h"
+#include "support/FaultyFileSystem.h"
+#include "support/TemporaryFolder.h"
+
+namespace kx {
+namespace {
+
+using ::testing::ElementsAre;
+using testing::FaultyFileSystem;
+using ::testing::HasSubstr;
+using ::testing::UnorderedElementsAre;
+
+constexpr const char* kIdentifier = "org.example.app";
+
+struct NSUserDefaultsTest : ::testing::Test {
+    static std::shared_ptr<NSUserDefaults> defaults() { return make<NSUserDefaults>(kIdentifier); }
+    std::string place(std::string_view name = "defaults.plist") const {
+        return folder.path() + "/.config/" + kIdentifier + "/" + std::string(name);
+    }
+    void damage() const {
+        std::filesystem::create_directories(directoryOf(place()));
+        std::ofstream(place()) << "<plist><dict><key>half";
+    }
+
+    testing::TemporaryFolder folder;
+    testing::ScopedHome home{folder.path()};
+    std::shared_ptr<FaultyFileSystem> files = std::make_shared<FaultyFileSystem>();
+    ScopedPort<FileSystem> scope{files};
+    testing::CapturedLog log;
+};
+
+TEST_F(NSUserDefaultsTest, AFreshObjectReadsWhatWasFlushed) {
+    const Value rows[] = {
+        "de",
+        "",
+        "bell \a",
+        7,
+        2.5,
+        true,
+        Value::date(0.25),
+        ArrayBuilder().add(1).add("two").build(),
+        DictionaryBuilder().set("k", Value::data(std::vector<std::byte>(3))).build(),
+    };
+    for (const Value& row : rows) {
+        const auto writer = defaults();
+        writer->setObject("key", row);
+        EXPECT_TRUE(writer->synchronize());
+        EXPECT_EQ(defaults()->objectForKey("key"), row) << row.description();
+    }
+    const auto writer = defaults();
+    writer->removeObjectForKey("key");
+    EXPECT_TRUE(writer->synchronize());
+    EXPECT_TRUE(defaults()->objectForKey("key").isNull());
+    EXPECT_THAT(log.lines(), ElementsAre());
+}
+
+TEST_F(NSUserDefaultsTest, AnotherTypeThanTextCountsAsNotSet) {
+    const auto settings = defaults();
+    settings->setObject("text", "fr");
+    settings->setObject("number", 3);
+    EXPECT_EQ(settings->stringForKey("text"), "fr");
+    EXPECT_EQ(settings->stringForKey("number"), std::nullopt);
+    EXPECT_EQ(settings->stringForKey("missing"), std::nullopt);
+}
+
+TEST_F(NSUserDefaultsTest, AViewSurvivesChangesUntilTheNextRead) {
+    const auto settings = defaults();
+    settings->setObject("key", std::string(100, 'a'));
+    for (const char next : {'b', 'c', 'd', 'e'}) {  // before and after a snapshot was taken
+        const std::string_view view = *settings->stringViewForKey("key");
+        std::thread([&] {
+            settings->setObject("key", std::string(100, next));
+            for (int i = 0; i < 4; ++i) EXPECT_EQ(settings->stringViewForKey("key"), std::string(100, next));
+        }).join();
+        EXPECT_EQ(view, std::string(100, static_cast<char>(next - 1)));
+    }
+}
+
+TEST_F(NSUserDefaultsTest, WritesOnceAndOnlyWhatChanged) {
+    using Call = FaultyFileSystem::Call;
+    const auto settings = defaults();
+    for (const char* text : {"first", "second"}) {
+        settings->setObject("key", text);
+        files->resetCounts();
+        EXPECT_TRUE(settings->synchronize());
+        EXPECT_EQ(files->calls(Call::Write), 1u) << text;
+        EXPECT_EQ(files->calls(Call::Sync), 1u) << text;
+        EXPECT_EQ(files->calls(Call::SyncDirectory), 1u) << text;
+    }
+    files->resetCounts();
+    const auto version = settings->version();
+    settings->setObject("key", "second");
+    settings->removeObjectForKey("missing");
+    EXPECT_TRUE(settings->synchronize());
+    EXPECT_EQ(settings->objectForKey("key"), Value("second"));
+    EXPECT_EQ(settings->version(), version);
+    EXPECT_EQ(files->calls(), 0u);
+}
+
+TEST_F(NSUserDefaultsTest, EveryChangeHasItsVersion) {
+    const auto settings = defaults();
+    auto version = settings->version();
+    for (const Value& value : {Value("a"), Value("b"), Value()}) {
+        settings->setObject("key", value);
+        EXPECT_NE(std::exchange(version, settings->version()), settings->version()) << value.description();
+    }
+}
+
+TEST_F(NSUserDefaultsTest, DamagedFilesAreSetAsideOneByOne) {
+    for (const int number : {1, 2}) {
+        damage();
+        const auto settings = defaults();
+        EXPECT_TRUE(settings->objectForKey("half").isNull());
+        settings->setObject("key", number);
+        EXPECT_TRUE(settings->synchronize());
+        EXPECT_EQ(defaults()->objectForKey("key"), Value(number));
+    }
+    EXPECT_TRUE(std::filesystem::exists(place("defaults.plist.damaged-1")));
+    EXPECT_TRUE(std::filesystem::exists(place("defaults.plist.damaged-2")));
+    EXPECT_THAT(log.lines(),
+                ElementsAre(HasSubstr("defaults.plist.damaged-1"), HasSubstr("defaults.plist.damaged-2")));
+}
+
+TEST_F(NSUserDefaultsTest, ADamagedFileThatCannotBeSetAsideIsLeftAlone) {
+    damage();
+    files->failCall(1, EROFS, FaultyFileSystem::Then::StaysBroken);
+    const auto settings = defaults();
+    settings->setObject("key", 1);
+    EXPECT_FALSE(settings->synchronize());
+    EXPECT_FALSE(settings->synchronize());
+    EXPECT_EQ(settings->objectForKey("key"), Value(1));
+    EXPECT_THAT(log.lines(), ElementsAre(HasSubstr("denied")));
+    files->heal();
+    EXPECT_TRUE(settings->synchronize());
+    EXPECT_TRUE(std::filesystem::exists(place("defaults.plist.damaged-1")));
+}
+
+TEST_F(NSUserDefaultsTest, WorksInMemoryWithoutAPlace) {
+    const testing::ScopedHome nowhere("");
+    const auto settings = defaults();
+    settings->setObject("key", "kept");
+    EXPECT_FALSE(settings->synchronize());
+    EXPECT_FALSE(settings->synchronize());
+    EXPECT_EQ(settings->stringForKey("key"), "kept");
+    EXPECT_EQ(log.lines().size(), 1u);
+    EXPECT_EQ(files->calls(), 0u);
+}
+
+TEST_F(NSUserDefaultsTest, NoIdentifierLeavesTheFolder) {
+    for (const char* identifier :
+         {"..", ".", "../evil", "/etc/evil", "a/../../evil", ".hidden", "%2E%2E", "new\nline"}) {
+        const auto settings = make<NSUserDefaults>(identifier);
+        settings->setObject("key", identifier);
+        EXPECT_TRUE(settings->synchronize()) << identifier;
+        EXPECT_EQ(make<NSUserDefaults>(identifier)->stringForKey("key"), identifier);
+    }
+    std::vector<std::string> names;
+    for (const auto& entry : std::filesystem::directory_iterator(folder.path()))
+        names.push_back(entry.path().filename());
+    EXPECT_THAT(names, ElementsAre(".config"));
+    names.clear();
+    for (const auto& entry : std::filesystem::directory_iterator(folder.path() + "/.config")) {
+        names.push_back(entry.path().filename());
+    }
+    EXPECT_THAT(names, UnorderedElementsAre("%2E.", "%2E", "%2E.%2Fevil", "%2Fetc%2Fevil",
+                                            "a%2F..%2F..%2Fevil", "%2Ehidden", "%252E%252E", "new%0Aline"));
+}
+
+TEST_F(NSUserDefaultsTest, WhatNoPropertyListHoldsIsACallerError) {
+    const testing::LenientMode lenient;
+    const auto settings = defaults();
+    settings->setObject("object", Value(std::static_pointer_cast<NSObject>(settings)));
+    settings->setObject("nested", ArrayBuilder().add(nullptr).build());
+    EXPECT_TRUE(settings->objectForKey("object").isNull());
+    EXPECT_TRUE(settings->objectForKey("nested").isNull());
+    EXPECT_THAT(log.lines(), ElementsAre(HasSubstr("\"object\""), HasSubstr("\"nested\"")));
+}
+
+TEST_F(NSUserDefaultsTest, TheStandardObjectIsOneAndLastsThroughTheFile) {
+    {
+        const ScopedProcessState process;
+        NSUserDefaults::standardUserDefaults().setObject("key", "x");
+        EXPECT_EQ(NSUserDefaults::standardUserDefaults().stringForKey("key"), "x");
+        EXPECT_TRUE(NSUserDefaults::standardUserDefaults().synchronize());
+    }
+    const ScopedProcessState next;
+    EXPECT_EQ(NSUserDefaults::standardUserDefaults().stringForKey("key"), "x");
+}
+
+TEST_F(NSUserDefaultsTest, TwoThreadsSetReadAndFlush) {
+    const auto settings = defaults();
+    std::atomic<bool> wrong = false;
+    const auto work = [&](std::string own) {
+        for (int i = 0; i < 100; ++i) {
+            const std::string text = own + std::to_string(i);
+            settings->setObject(own, text);
+            if (settings->stringViewForKey(own) != text || settings->stringForKey(own) != text) wrong = true;
+            const Value shared = settings->objectForKey("shared");
+            if (!shared.isNull() && !shared.asString()->starts_with("thread")) wrong = true;
+            settings->setObject("shared", "thread " + text);
+            if (i % 10 == 0 && !settings->synchronize()) wrong = true;
+        }
+    };
+    std::thread other(work, "other");
+    work("own");
+    other.join();
+    EXPECT_FALSE(wrong);
+    EXPECT_TRUE(settings->synchronize());
+    EXPECT_EQ(defaults()->stringForKey("own"), "own99");
+    EXPECT_EQ(defaults()->stringForKey("other"), "other99");
+}
+
+}  // namespace
+}  // namespace kx

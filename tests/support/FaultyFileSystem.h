@@ -1,0 +1,73 @@
+#pragma once
+
+#include <cerrno>
+#include <cstdint>
+#include <memory>
+#include <optional>
+#include <string>
+#include <vector>
+
+#include <KXFoundation/Platform/Runtime/FileSystem.h>
+
+namespace kx::testing {
+
+/// A file system that counts its calls and fails as a test asks, over a real one. Any thread.
+///
+///     auto files = std::make_shared<FaultyFileSystem>();
+///     const ScopedPort<FileSystem> scope(files);
+///     files->failCall(3);
+class FaultyFileSystem final : public FileSystem {
+  public:
+    enum class Call : std::uint8_t {
+        Open,
+        Info,
+        List,
+        Rename,
+        Remove,
+        MakeDirectory,
+        SyncDirectory,  // of the file system
+        Read,
+        Write,
+        Size,
+        Truncate,
+        Sync,
+        Lock,  // of a file
+    };
+    enum class Then : std::uint8_t {
+        Recovers,     ///< the calls after the failing one work
+        StaysBroken,  ///< they fail too: what a kill at that call would leave on the disk
+    };
+
+    explicit FaultyFileSystem(std::shared_ptr<FileSystem> below = FileSystem::makeDefault());
+    ~FaultyFileSystem() override;
+
+    /// The calls since the last resetCounts(), failed ones included: of all kinds, or of one.
+    [[nodiscard]] std::size_t calls() const;
+    [[nodiscard]] std::size_t calls(Call call) const;
+    void resetCounts();
+
+    /// Makes the `number`th call from now on (1 is the next) fail. A write that fails is torn: the first half
+    /// of its bytes is there.
+    void failCall(std::size_t number, int systemError = EIO, Then then = Then::Recovers);
+    /// The disk has room for so many more bytes; a write beyond them fills it, then fails with ENOSPC.
+    void setRoom(std::uint64_t bytes);
+    /// Every call works again, with room without bound.
+    void heal();
+
+    Result<std::unique_ptr<File>> open(const std::string& path, Mode mode) override;
+    Result<Info> info(const std::string& path) override;
+    Result<std::vector<std::string>> list(const std::string& directory) override;
+    Result<void> rename(const std::string& from, const std::string& to) override;
+    Result<void> remove(const std::string& path) override;
+    Result<void> makeDirectory(const std::string& path) override;
+    Result<void> syncDirectory(const std::string& path) override;
+
+  private:
+    class Faults;
+    class FaultyFile;
+
+    std::shared_ptr<FileSystem> below_;
+    std::shared_ptr<Faults> faults_;
+};
+
+}  // namespace kx::testing

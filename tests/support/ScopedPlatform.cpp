@@ -1,0 +1,34 @@
+#include "support/ScopedPlatform.h"
+
+#include <KXFoundation/Platform/Foundation/NSBundle.h>
+
+namespace kx::testing {
+
+ScopedPlatform::ScopedPlatform()
+    : bundle_(directory_.makeDirectory("bundle")),
+      environment_(std::make_shared<FakeEnvironment>()),
+      locale_(std::make_shared<InjectedLocale>()),
+      environmentScope_(environment_),
+      localeScope_(locale_) {
+    const std::string home = directory_.makeDirectory("home");
+    environment_->set("HOME", home)
+        .set("XDG_CONFIG_HOME", home + "/config")
+        .set("XDG_DATA_HOME", home + "/data")
+        .set("XDG_CACHE_HOME", home + "/cache")
+        .set("XDG_STATE_HOME", home + "/state");
+    begin();
+}
+
+ScopedPlatform::~ScopedPlatform() = default;
+
+void ScopedPlatform::restart() {
+    state_.reset();
+    begin();
+}
+
+void ScopedPlatform::begin() {
+    state_ = std::make_unique<ScopedProcessState>();
+    NSBundle::setMainBundlePath(bundle_.path());
+}
+
+}  // namespace kx::testing
