@@ -85,7 +85,9 @@ TEST_F(ViewPlaces, Conversion) {
     for (const auto& [from, to, want] : rows) {
         const std::string row = from->identifier() + " to " + (to ? to->identifier() : "window");
         EXPECT_EQ(from->convertPointToView(point, to), want) << row;
-        if (to) EXPECT_EQ(to->convertPointFromView(point, from), want) << row;
+        if (to) {
+            EXPECT_EQ(to->convertPointFromView(point, from), want) << row;
+        }
         EXPECT_EQ(from->convertPointFromView(want, to), point) << row;
     }
 }

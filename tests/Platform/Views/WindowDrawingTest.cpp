@@ -34,10 +34,6 @@ class Swatch : public Subclass<Swatch, NSView> {
     NSRect lastDirty;
 };
 
-std::ostream& operator<<(std::ostream& out, const PixelRect& r) {
-    return out << r.x << "," << r.y << " " << r.width << "x" << r.height;
-}
-
 /// Half of each red and blue, for buttons and picture views.
 std::shared_ptr<NSImage> flag(NSSize size) {
     return NSImage::imageWithSize(size, [](NSRect rect) {
