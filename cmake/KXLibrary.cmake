@@ -37,7 +37,9 @@ function(kx_tests name library)
   add_executable(${name} ${arg_UNPARSED_ARGUMENTS})
   target_link_libraries(${name} PRIVATE KXFoundation::${library} kx_test_support_${library} kx_warnings)
   target_precompile_headers(${name} REUSE_FROM kx_test_support_Foundation)
-  set_target_properties(${name} PROPERTIES RUNTIME_OUTPUT_DIRECTORY ${PROJECT_BINARY_DIR}/tests)
+  set_target_properties(${name} PROPERTIES
+    RUNTIME_OUTPUT_DIRECTORY ${PROJECT_BINARY_DIR}/tests
+    POSITION_INDEPENDENT_CODE OFF)  # as the owner of the precompiled header has it
   gtest_discover_tests(${name} DISCOVERY_MODE PRE_TEST PROPERTIES TIMEOUT 120 LABELS "${arg_LABELS}")
 endfunction()
 
@@ -66,4 +68,15 @@ function(kx_benchmarks name library)
   target_link_libraries(${name} PRIVATE KXFoundation::${library} benchmark::benchmark_main ${arg_PEERS})
   target_include_directories(${name} PRIVATE ${PROJECT_SOURCE_DIR})
   set_target_properties(${name} PROPERTIES RUNTIME_OUTPUT_DIRECTORY ${PROJECT_BINARY_DIR}/benchmarks)
+endfunction()
+
+# kx_module(<name> <library> file...): a module kx-<name>.so over one heavy library, opened at first use. It lies in
+# KXFoundation/ beside our own libraries, in the build tree as after installation.
+function(kx_module name library)
+  add_library(kx-${name} MODULE ${ARGN})
+  target_include_directories(kx-${name} PRIVATE ${PROJECT_SOURCE_DIR})
+  target_link_libraries(kx-${name} PRIVATE ${library} kx_warnings)
+  set_target_properties(kx-${name} PROPERTIES
+    PREFIX "" LIBRARY_OUTPUT_DIRECTORY ${CMAKE_LIBRARY_OUTPUT_DIRECTORY}/KXFoundation)
+  install(TARGETS kx-${name} LIBRARY DESTINATION ${CMAKE_INSTALL_LIBDIR}/KXFoundation)
 endfunction()

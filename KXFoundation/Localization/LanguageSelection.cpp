@@ -7,7 +7,6 @@
 #include <KXFoundation/Localization/LanguageTables.h>
 #include <KXFoundation/Platform/Foundation/NSLocale.h>
 #include <KXFoundation/Platform/Foundation/NSUserDefaults.h>
-#include <KXFoundation/Platform/Runtime/PortSlot.h>
 #include <KXFoundation/Platform/Runtime/ProcessState.h>
 
 namespace kx {
@@ -18,9 +17,8 @@ using namespace languages;
 
 /// Everything that decides what a reload leaves behind. A reload that would find the same again is skipped:
 /// it would store what is stored already, in the variables and in the defaults. (Whether this is the Orvik
-/// application is decided by the main bundle, which stays the same while the ports do.)
+/// application is decided by the main bundle, which is read once in a process.)
 struct Reloaded {
-    std::uint64_t ports = 0;
     std::uint64_t settings = 0;
     std::uint64_t defaults = 0;  // versions begin at 1: equal to none before the first reload
     std::optional<std::string> language;
@@ -36,7 +34,6 @@ struct Reloaded {
     }
 
     void note() {
-        ports = portGeneration();
         settings = NSLocale::settingsVersion();
         defaults = NSUserDefaults::standardUserDefaults().version();
         language = kx::selectLanguage;

@@ -3,7 +3,6 @@
 #include <KXFoundation/Localization/LanguageSteps.h>
 #include <KXFoundation/Localization/LanguageTables.h>
 #include <KXFoundation/Platform/Foundation/NSBundle.h>
-#include <KXFoundation/Platform/Runtime/PortSlot.h>
 #include <KXFoundation/Platform/Runtime/ProcessState.h>
 
 namespace kx {
@@ -12,13 +11,6 @@ namespace {
 
 using namespace languages;
 using TableName = std::optional<std::string_view>;
-
-/// The languages that the main bundle has no folder for, so that looking one up again costs no system call: a
-/// bundle's folders are read once in a process anyway.
-struct MissingFolders {
-    std::uint64_t ports = 0;
-    LanguageSet languages;
-};
 
 /// What a bundle's table answers: the text, or the key itself; nothing without a bundle.
 std::optional<std::string_view> ask(const NSBundle* bundle, std::string_view key, TableName table) {
@@ -51,12 +43,12 @@ std::shared_ptr<NSBundle> languages::bundleFolder(const NSBundle& bundle, std::s
 }
 
 std::shared_ptr<NSBundle> languages::mainBundleFolder(std::string_view language) {
-    static constinit ProcessState<MissingFolders> state;
-    MissingFolders& missing = state.get();
-    if (missing.ports != portGeneration()) missing = {portGeneration(), {}};
-    if (missing.languages.contains(language)) return nullptr;
+    // The languages without one are remembered, so that a look-up allocates nothing to miss again: a bundle's
+    // folders are read once in a process anyway.
+    static constinit ProcessState<LanguageSet> missing;
+    if (missing.get().contains(language)) return nullptr;
     auto folder = bundleFolder(*NSBundle::mainBundle(), language);
-    if (!folder) missing.languages.emplace(language);
+    if (!folder) missing.get().emplace(language);
     return folder;
 }
 

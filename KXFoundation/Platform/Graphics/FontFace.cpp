@@ -19,6 +19,20 @@ constexpr struct {
 };
 constexpr std::string_view kSlants[] = {"italic", "oblique", "slanted"};
 
+/// The first word for the weight.
+std::string_view wordOf(int weight) {
+    for (const auto& row : kWeights) {
+        if (row.weight == weight) return row.word;
+    }
+    return "";
+}
+
+std::string capitalized(std::string_view word) {
+    std::string text(word);
+    if (!text.empty()) text[0] = static_cast<char>(text[0] - 'a' + 'A');
+    return text;
+}
+
 bool takeEnd(std::string& text, std::string_view end) {
     if (!text.ends_with(end)) return false;
     text.resize(text.size() - end.size());
@@ -68,6 +82,13 @@ FontFace parseFontName(std::string_view name) {
     while (takeStyleWord(face, ' ')) {
     }
     return face;
+}
+
+std::string fontNameOf(const FontFace& face) {
+    std::string style;
+    if (face.weight != 400) style = capitalized(wordOf(face.weight));
+    if (face.italic) style += capitalized(kSlants[0]);
+    return style.empty() ? face.family : face.family + "-" + style;
 }
 
 std::string squashedFamily(std::string_view family) {

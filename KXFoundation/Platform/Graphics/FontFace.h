@@ -19,6 +19,9 @@ struct FontFace {
 /// upright.
 [[nodiscard]] FontFace parseFontName(std::string_view name);
 
+/// A name that parseFontName reads as this face; the family alone where it is regular and upright.
+[[nodiscard]] std::string fontNameOf(const FontFace& face);
+
 /// The form in which family names are compared: letters and digits only, lower case, so that "PingFangSC"
 /// finds "PingFang SC". Bytes of other scripts are kept.
 [[nodiscard]] std::string squashedFamily(std::string_view family);

@@ -106,7 +106,7 @@ std::shared_ptr<NSColor> NSColor::separatorColor() {
     return shared([] {}, white(0, 0.14), white(1, 0.14));
 }
 std::shared_ptr<NSColor> NSColor::controlAccentColor() {
-    return shared([] {}, rgb(0x2463D4), rgb(0x3A73DE));
+    return shared([] {}, rgb(0x2463D4), rgb(0x3870DA));
 }
 std::shared_ptr<NSColor> NSColor::alternateSelectedControlTextColor() {
     return shared([] {}, white(1, 1), white(1, 1));

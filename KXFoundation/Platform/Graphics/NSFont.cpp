@@ -51,10 +51,9 @@ std::optional<FontFace> installedFace(std::string_view name) {
 
 }  // namespace
 
-bool NSFont::init(std::string_view name, FontFace face, double size) {
+bool NSFont::init(FontFace face, double size) {
     if (!Super::init()) return false;
     const InternedFace interned = intern(std::move(face));
-    name_ = name;
     face_ = interned.face;
     pointSize_ = usableSize(size);
     identity_ = interned.number << 32 | static_cast<std::uint64_t>(std::llround(pointSize_ * 1024));
@@ -64,22 +63,26 @@ bool NSFont::init(std::string_view name, FontFace face, double size) {
 std::shared_ptr<NSFont> NSFont::fontWithName(std::optional<std::string_view> name, double size) {
     if (!name || name->empty()) return nullptr;
     auto face = installedFace(*name);
-    return face ? make<NSFont>(*name, std::move(*face), size) : nullptr;
+    return face ? make<NSFont>(std::move(*face), size) : nullptr;
 }
 
 std::shared_ptr<NSFont> NSFont::fontWithNameOrFallback(std::optional<std::string_view> name, double size) {
     if (auto font = fontWithName(name, size)) return font;
     FontFace face = parseFontName(name.value_or(""));
     face.family = kSystemFamily;
-    return make<NSFont>(name.value_or(kSystemFamily), std::move(face), size);
+    return make<NSFont>(std::move(face), size);
 }
 
 std::shared_ptr<NSFont> NSFont::systemFontOfSize(double size) {
-    return make<NSFont>(kSystemFamily, FontFace{kSystemFamily}, size);
+    return make<NSFont>(FontFace{kSystemFamily}, size);
 }
 
 std::shared_ptr<NSFont> NSFont::boldSystemFontOfSize(double size) {
-    return make<NSFont>("sans-serif-Bold", FontFace{kSystemFamily, 700}, size);
+    return make<NSFont>(FontFace{kSystemFamily, 700}, size);
+}
+
+std::string NSFont::fontName() const {
+    return fontNameOf(*face_);
 }
 
 const std::string& NSFont::familyName() const noexcept {
@@ -89,7 +92,7 @@ const std::string& NSFont::familyName() const noexcept {
 std::string NSFont::description() const {
     char size[32];
     std::snprintf(size, sizeof size, " %g>", pointSize_);
-    return "<NSFont " + name_ + size;
+    return "<NSFont " + fontName() + size;
 }
 
 bool NSFont::isEqual(const NSObject& other) const {

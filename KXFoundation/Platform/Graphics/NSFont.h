@@ -29,8 +29,8 @@ class KX_EXPORT NSFont : public Subclass<NSFont, NSObject> {
     [[nodiscard]] static std::shared_ptr<NSFont> boldSystemFontOfSize(double size);
     [[nodiscard]] static constexpr double systemFontSize() noexcept { return 13; }
 
-    /// The name that fontWithName makes the same face from.
-    [[nodiscard]] const std::string& fontName() const noexcept { return name_; }
+    /// A name that fontWithName makes the same face from: the installed family and the style asked for.
+    [[nodiscard]] std::string fontName() const;
     [[nodiscard]] const std::string& familyName() const noexcept;
     [[nodiscard]] double pointSize() const noexcept { return pointSize_; }
     [[nodiscard]] const FontFace& face() const noexcept { return *face_; }
@@ -41,13 +41,12 @@ class KX_EXPORT NSFont : public Subclass<NSFont, NSObject> {
     [[nodiscard]] std::string description() const override;
     [[nodiscard]] bool isEqual(const NSObject& other) const override;
 
-    bool init(std::string_view name, FontFace face, double size);
+    bool init(FontFace face, double size);
 
   protected:
     NSFont() = default;
 
   private:
-    std::string name_;
     const FontFace* face_ = nullptr;  // interned, lives as long as the process
     double pointSize_ = 0;
     std::uint64_t identity_ = 0;

@@ -37,6 +37,11 @@ struct Extent {
     [[nodiscard]] int blurredIndex(int i) const { return i < middle ? i : std::max(middle, i - takenOut); }
 };
 
+/// From 0 to `most`; 0 also for what is no number.
+double held(double value, double most) {
+    return value > 0 ? std::min(value, most) : 0;
+}
+
 int strideFor(int width) {
     return cairo_format_stride_for_width(CAIRO_FORMAT_A8, width);
 }
@@ -70,9 +75,9 @@ Part partWithin(const Extent& extent, double low, double high) {
 }  // namespace
 
 ShadowMask shadowMask(NSRect shape, double cornerRadius, double sigma, NSRect bounds) {
-    sigma = std::clamp(sigma, 0.0, kLargestSigma);
-    const double corner = std::clamp(cornerRadius, 0.0,
-                                     std::min({shape.size.width / 2, shape.size.height / 2, kLargestRadius}));
+    sigma = held(sigma, kLargestSigma);
+    const double corner =
+        held(cornerRadius, std::min({shape.size.width / 2, shape.size.height / 2, kLargestRadius}));
     const int reach = boxBlurReach(sigma);
     const Extent across(shape.origin.x, shape.size.width, corner, reach);
     const Extent down(shape.origin.y, shape.size.height, corner, reach);

@@ -1,0 +1,59 @@
+#include <KXFoundation/Platform/Runtime/Module.h>
+
+#include <dlfcn.h>
+#include <unistd.h>
+
+
+#include <cerrno>
+#include <map>
+#include <mutex>
+#include <string>
+
+#include <KXFoundation/Platform/Runtime/FileSystem.h>
+#include <KXFoundation/Platform/Runtime/Log.h>
+
+namespace kx {
+
+namespace {
+
+constexpr ModuleHost kHost{.log = [](const char* line) { log(LogLevel::Warning, line); }};
+
+/// Modules are looked for beside our own library only: no variable and no working folder decides what code runs.
+std::string modulePath(const char* name) {
+    Dl_info self;
+    if (!::dladdr(reinterpret_cast<const void*>(&openModule), &self) || !self.dli_fname) return {};
+    const std::string beside = directoryOf(self.dli_fname) + "/KXFoundation/kx-" + name + ".so";
+#ifdef KX_MODULE_DIRECTORY
+    // A static library has no place of its own: then the installed modules serve.
+    if (::access(beside.c_str(), F_OK) != 0) return std::string(KX_MODULE_DIRECTORY "/kx-") + name + ".so";
+#endif
+    return beside;
+}
+
+Result<const void*> load(const char* name) {
+    const std::string path = modulePath(name);
+    if (::access(path.c_str(), R_OK) != 0) return Error::fromErrno(errno, path);
+    void* library = ::dlopen(path.c_str(), RTLD_NOW | RTLD_LOCAL);
+    if (!library) {
+        const char* why = ::dlerror();
+        return Error{ErrorKind::Unsupported, 0, why ? why : path};
+    }
+    const auto entry = reinterpret_cast<ModuleEntry>(::dlsym(library, "kxModule"));
+    const void* table = entry ? entry(&kHost) : nullptr;
+    if (!table) return Error{ErrorKind::Unsupported, 0, path};
+    return table;
+}
+
+}  // namespace
+
+Result<const void*> openModule(const char* name) {
+    static auto& mutex = *new std::mutex;
+    static auto& opened = *new std::map<std::string, Result<const void*>, std::less<>>;
+    const std::lock_guard lock(mutex);
+    if (const auto found = opened.find(name); found != opened.end()) return found->second;
+    auto result = load(name);
+    if (!result) logError("module", result.error());
+    return opened.emplace(name, std::move(result)).first->second;
+}
+
+}  // namespace kx

@@ -1,0 +1,224 @@
+// Windows, mouse and keyboard through SDL2. A module: it links SDL and no code of ours.
+
+#include <SDL2/SDL.h>
+#include <SDL2/SDL_syswm.h>
+#include <wayland-client-core.h>
+
+#include <cstring>
+#include <string>
+
+#include <KXFoundation/Platform/Runtime/Export.h>
+#include <KXFoundation/Platform/Runtime/Module.h>
+#include <KXFoundation/Platform/Views/WindowModule.h>
+
+namespace {
+
+using namespace kx;
+
+SDL_Window* find(std::uint32_t window) { return SDL_GetWindowFromID(window); }
+
+double scaleOf(SDL_Window* window) {
+    int points = 0;
+    int pixels = 0;
+    SDL_GetWindowSize(window, &points, nullptr);
+    SDL_GetWindowSizeInPixels(window, &pixels, nullptr);
+    return points > 0 && pixels > 0 ? static_cast<double>(pixels) / points : 1;
+}
+
+std::uint32_t modifiersOf(int mod) {
+    std::uint32_t bits = 0;
+    if (mod & KMOD_SHIFT) bits |= kWindowModifierShift;
+    if (mod & KMOD_CTRL) bits |= kWindowModifierControl;
+    if (mod & KMOD_ALT) bits |= kWindowModifierAlt;
+    if (mod & KMOD_GUI) bits |= kWindowModifierSuper;
+    return bits;
+}
+
+std::uint32_t keyOf(SDL_Keycode key) {
+    constexpr struct {
+        SDL_Keycode sdl;
+        WindowKey key;
+    } kKeys[] = {
+        {SDLK_LEFT, WindowKey::Left},       {SDLK_RIGHT, WindowKey::Right},       {SDLK_UP, WindowKey::Up},
+        {SDLK_DOWN, WindowKey::Down},       {SDLK_HOME, WindowKey::Home},         {SDLK_END, WindowKey::End},
+        {SDLK_PAGEUP, WindowKey::PageUp},   {SDLK_PAGEDOWN, WindowKey::PageDown}, {SDLK_KP_ENTER, WindowKey::Return},
+        {SDLK_DELETE, WindowKey::Delete},
+    };
+    for (const auto& row : kKeys) {
+        if (row.sdl == key) return static_cast<std::uint32_t>(row.key);
+    }
+    // SDL's other codes are code points, or scan codes with bit 30 set that mean nothing to a control.
+    return key > 0 && !(key & SDLK_SCANCODE_MASK) ? static_cast<std::uint32_t>(key) : 0;
+}
+
+std::uint32_t buttonOf(std::uint8_t button) {
+    switch (button) {
+        case SDL_BUTTON_LEFT: return 0;
+        case SDL_BUTTON_RIGHT: return 1;
+        case SDL_BUTTON_MIDDLE: return 2;
+        default: return button;
+    }
+}
+
+void translateWindowEvent(const SDL_WindowEvent& from, WindowModuleEvent& to) {
+    to.window = from.windowID;
+    switch (from.event) {
+        case SDL_WINDOWEVENT_SIZE_CHANGED:
+            to.type = WindowEventType::Resized;
+            to.width = from.data1;
+            to.height = from.data2;
+            break;
+        case SDL_WINDOWEVENT_EXPOSED: to.type = WindowEventType::Exposed; break;
+        case SDL_WINDOWEVENT_FOCUS_GAINED: to.type = WindowEventType::FocusGained; break;
+        case SDL_WINDOWEVENT_FOCUS_LOST: to.type = WindowEventType::FocusLost; break;
+        case SDL_WINDOWEVENT_LEAVE: to.type = WindowEventType::MouseLeft; break;
+        case SDL_WINDOWEVENT_CLOSE: to.type = WindowEventType::CloseRequested; break;
+        default: break;
+    }
+}
+
+void translateButton(const SDL_MouseButtonEvent& from, WindowModuleEvent& to) {
+    to.type = from.type == SDL_MOUSEBUTTONDOWN ? WindowEventType::MouseDown : WindowEventType::MouseUp;
+    to.window = from.windowID;
+    to.x = from.x;
+    to.y = from.y;
+    to.button = buttonOf(from.button);
+    to.clicks = from.clicks;
+    to.modifiers = modifiersOf(SDL_GetModState());
+}
+
+void translateKey(const SDL_KeyboardEvent& from, WindowModuleEvent& to) {
+    to.type = from.type == SDL_KEYDOWN ? WindowEventType::KeyDown : WindowEventType::KeyUp;
+    to.window = from.windowID;
+    to.key = keyOf(from.keysym.sym);
+    to.modifiers = modifiersOf(from.keysym.mod);
+    to.isRepeat = from.repeat != 0;
+}
+
+/// False for what no window of ours needs to hear.
+bool translate(const SDL_Event& from, WindowModuleEvent& to) {
+    to = {};
+    switch (from.type) {
+        case SDL_WINDOWEVENT: translateWindowEvent(from.window, to); break;
+        case SDL_MOUSEBUTTONDOWN:
+        case SDL_MOUSEBUTTONUP: translateButton(from.button, to); break;
+        case SDL_MOUSEMOTION:
+            to.type = WindowEventType::MouseMoved;
+            to.window = from.motion.windowID;
+            to.x = from.motion.x;
+            to.y = from.motion.y;
+            to.modifiers = modifiersOf(SDL_GetModState());
+            break;
+        case SDL_MOUSEWHEEL:
+            to.type = WindowEventType::Wheel;
+            to.window = from.wheel.windowID;
+            to.x = static_cast<double>(from.wheel.preciseX);
+            to.y = static_cast<double>(from.wheel.preciseY);
+            break;
+        case SDL_KEYDOWN:
+        case SDL_KEYUP: translateKey(from.key, to); break;
+        case SDL_TEXTINPUT:
+            to.type = WindowEventType::Text;
+            to.window = from.text.windowID;
+            std::strncpy(to.text, from.text.text, sizeof to.text - 1);
+            break;
+        case SDL_QUIT: to.type = WindowEventType::Quit; break;
+        default: break;
+    }
+    return to.type != WindowEventType::Nothing;
+}
+
+int displayDescriptor() {
+    // Any window of ours knows the display; a hidden one serves before the first is made.
+    static const int descriptor = [] {
+        SDL_Window* probe = SDL_CreateWindow("", 0, 0, 1, 1, SDL_WINDOW_HIDDEN);
+        SDL_SysWMinfo info;
+        SDL_VERSION(&info.version);
+        int found = -1;
+        if (probe && SDL_GetWindowWMInfo(probe, &info)) {
+            if (info.subsystem == SDL_SYSWM_X11) found = XConnectionNumber(info.info.x11.display);
+            if (info.subsystem == SDL_SYSWM_WAYLAND) found = wl_display_get_fd(info.info.wl.display);
+        }
+        if (probe) SDL_DestroyWindow(probe);
+        return found;
+    }();
+    return descriptor;
+}
+
+bool present(std::uint32_t id, const void* pixels, std::int32_t width, std::int32_t height, std::int32_t stride,
+             const WindowModulePixelRect* rects, std::int32_t count) {
+    SDL_Window* window = find(id);
+    SDL_Surface* surface = window ? SDL_GetWindowSurface(window) : nullptr;
+    if (!surface || surface->w != width || surface->h != height) return false;
+    for (std::int32_t i = 0; i < count; ++i) {
+        const SDL_Rect rect{rects[i].x, rects[i].y, rects[i].width, rects[i].height};
+        const auto* from = static_cast<const std::uint8_t*>(pixels) + rect.y * stride + rect.x * 4;
+        auto* to = static_cast<std::uint8_t*>(surface->pixels) + rect.y * surface->pitch +
+                   rect.x * surface->format->BytesPerPixel;
+        SDL_ConvertPixels(rect.w, rect.h, SDL_PIXELFORMAT_ARGB8888, from, stride, surface->format->format, to,
+                          surface->pitch);
+        SDL_UpdateWindowSurfaceRects(window, &rect, 1);
+    }
+    return true;
+}
+
+const WindowModule kTable{
+    .version = WindowModule::kVersion,
+    .driver = [] { return SDL_GetCurrentVideoDriver(); },
+    .createWindow = [](const char* title, double width, double height) -> std::uint32_t {
+        SDL_Window* window = SDL_CreateWindow(title, SDL_WINDOWPOS_CENTERED, SDL_WINDOWPOS_CENTERED,
+                                              static_cast<int>(width), static_cast<int>(height),
+                                              SDL_WINDOW_RESIZABLE | SDL_WINDOW_ALLOW_HIGHDPI);
+        return window ? SDL_GetWindowID(window) : 0;
+    },
+    .destroyWindow = [](std::uint32_t id) { SDL_DestroyWindow(find(id)); },
+    .setTitle = [](std::uint32_t id, const char* title) { SDL_SetWindowTitle(find(id), title); },
+    .setSize = [](std::uint32_t id, double width, double height) {
+        SDL_SetWindowSize(find(id), static_cast<int>(width), static_cast<int>(height));
+    },
+    .setVisible = [](std::uint32_t id, bool visible) {
+        visible ? SDL_ShowWindow(find(id)) : SDL_HideWindow(find(id));
+    },
+    .raise = [](std::uint32_t id) { SDL_RaiseWindow(find(id)); },
+    .scale = [](std::uint32_t id) { return scaleOf(find(id)); },
+    .present = present,
+    .descriptor = displayDescriptor,
+    .nextEvent = [](WindowModuleEvent* event) {
+        SDL_Event from;
+        while (SDL_PollEvent(&from)) {
+            if (translate(from, *event)) return true;
+        }
+        return false;
+    },
+    .screenSize = [](double* width, double* height) {
+        SDL_Rect bounds;
+        if (SDL_GetDisplayBounds(0, &bounds) != 0) return false;
+        *width = bounds.w;
+        *height = bounds.h;
+        return true;
+    },
+};
+
+bool start() {
+    SDL_SetMainReady();
+    // A window surface in plain memory: through a renderer it costs 300 ms and 100 MiB at the first frame.
+    SDL_SetHint(SDL_HINT_FRAMEBUFFER_ACCELERATION, "0");
+    SDL_SetHint(SDL_HINT_NO_SIGNAL_HANDLERS, "1");
+    SDL_SetHint(SDL_HINT_VIDEO_ALLOW_SCREENSAVER, "1");
+    SDL_SetHint(SDL_HINT_MOUSE_FOCUS_CLICKTHROUGH, "1");
+    if (SDL_InitSubSystem(SDL_INIT_VIDEO) != 0) return false;
+    const char* driver = SDL_GetCurrentVideoDriver();
+    if (driver && (std::strcmp(driver, "x11") == 0 || std::strcmp(driver, "wayland") == 0)) return true;
+    SDL_QuitSubSystem(SDL_INIT_VIDEO);  // its dummy drivers show nothing to anybody
+    SDL_SetError("no X11 or Wayland display");
+    return false;
+}
+
+}  // namespace
+
+extern "C" KX_EXPORT const void* kxModule(const ModuleHost* host) {
+    if (start()) return &kTable;
+    const std::string line = std::string("no window can be opened: ") + SDL_GetError();
+    host->log(line.c_str());
+    return nullptr;
+}

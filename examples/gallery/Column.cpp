@@ -1,0 +1,89 @@
+#include "Column.h"
+
+#include <KXFoundation/Localization/KXLocalizationUtils.h>
+#include <KXFoundation/Platform/Graphics/NSColor.h>
+#include <KXFoundation/Platform/Graphics/NSFont.h>
+
+namespace gallery {
+
+using namespace kx;
+
+std::string text(std::string_view key) {
+    return KXLocalizationUtils::localizedStringForKey(key, std::nullopt).value_or(std::string(key));
+}
+
+NSRect directed(NSRect frame, double width) {
+    if (KXLocalizationUtils::isRTL()) frame.origin.x = width - frame.maxX();
+    return frame;
+}
+
+std::shared_ptr<NSTextField> label(std::string_view text, double size, bool bold) {
+    auto field = make<NSTextField>();
+    field->setEditable(false);
+    field->setFont(bold ? NSFont::boldSystemFontOfSize(size) : NSFont::systemFontOfSize(size));
+    field->setStringValue(text);
+    field->sizeToFit();
+    return field;
+}
+
+Column::Column(NSView& view, double left, double top, double width)
+    : view_(view), left_(left), y_(top), width_(width), mirrored_(KXLocalizationUtils::isRTL()) {}
+
+void Column::place(const std::shared_ptr<NSView>& view, double x, double width, double height) {
+    const double fromLeft = mirrored_ ? width_ - x - width : x;
+    view->setFrame({left_ + fromLeft, y_, width, height});
+    view_.addSubview(view);
+}
+
+void Column::add(const std::shared_ptr<NSView>& view, double height) {
+    if (height == 0) {
+        view->setFrame({0, 0, width_, 0});
+        height = view->fittingSize().height;
+    }
+    place(view, 0, width_, height);
+    y_ += height + 8;
+}
+
+void Column::row(const std::vector<std::shared_ptr<NSView>>& views, double height) {
+    double x = 0;
+    for (const auto& view : views) {
+        const double width = view->frame().size.width;
+        place(view, x, width, height);
+        x += width + 10;
+    }
+    y_ += height + 8;
+}
+
+void Column::title(std::string_view words) {
+    const auto line = label(words, 24, true);
+    add(line, line->frame().size.height);
+}
+
+void Column::paragraph(std::string_view words) {
+    auto view = make<NSTextView>();
+    view->setString(words);
+    view->setTextColor(NSColor::secondaryLabelColor());
+    view->setMaxSize({width_, 10'000});
+    add(view, view->fittingSize().height);
+}
+
+void Column::caption(std::string_view words) {
+    space(10);
+    const auto line = label(words, 12, true);
+    line->setTextColor(NSColor::secondaryLabelColor());
+    add(line, line->frame().size.height);
+}
+
+std::shared_ptr<NSTextField> Column::pair(std::string_view captionWords, std::string_view value) {
+    constexpr double kCaptionWidth = 210;
+    const auto caption = label(captionWords);
+    caption->setTextColor(NSColor::secondaryLabelColor());
+    const auto field = label(value);
+    const double height = caption->frame().size.height;
+    place(caption, 0, kCaptionWidth, height);
+    place(field, kCaptionWidth + 10, width_ - kCaptionWidth - 10, height);
+    y_ += height + 6;
+    return field;
+}
+
+}  // namespace gallery

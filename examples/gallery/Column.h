@@ -1,0 +1,56 @@
+#pragma once
+
+#include <memory>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include <KXFoundation/Platform/Views/NSTextField.h>
+#include <KXFoundation/Platform/Views/NSTextView.h>
+#include <KXFoundation/Platform/Views/NSView.h>
+
+namespace gallery {
+
+/// The text of a key of the gallery's tables.
+[[nodiscard]] std::string text(std::string_view key);
+
+/// Places views below one another in a view, and side by side in rows that begin where the language's lines
+/// begin: on the right in a language written from right to left.
+class Column {
+ public:
+    /// Between `left` and `left + width` of the view, from `top` down.
+    Column(kx::NSView& view, double left, double top, double width);
+
+    // Ready-made texts.
+    void title(std::string_view text);
+    void paragraph(std::string_view text);
+    void caption(std::string_view text);
+    /// A caption and its value on one line.
+    std::shared_ptr<kx::NSTextField> pair(std::string_view caption, std::string_view value);
+
+    /// A view over the whole width; the height is its own where it is 0 here.
+    void add(const std::shared_ptr<kx::NSView>& view, double height = 0);
+    /// Views in one line, each in its present width.
+    void row(const std::vector<std::shared_ptr<kx::NSView>>& views, double height);
+    void space(double height) { y_ += height; }
+
+    [[nodiscard]] double y() const { return y_; }
+    [[nodiscard]] double width() const { return width_; }
+
+ private:
+    void place(const std::shared_ptr<kx::NSView>& view, double x, double width, double height);
+
+    kx::NSView& view_;
+    double left_;
+    double y_;
+    double width_;
+    bool mirrored_;
+};
+
+/// A line of text that cannot be edited.
+[[nodiscard]] std::shared_ptr<kx::NSTextField> label(std::string_view text, double size = 13, bool bold = false);
+
+/// The frame mirrored inside a view of that width while the selected language is written from right to left.
+[[nodiscard]] kx::NSRect directed(kx::NSRect frame, double width);
+
+}  // namespace gallery

@@ -1,0 +1,39 @@
+#pragma once
+
+#include <cstddef>
+#include <memory>
+#include <optional>
+#include <string_view>
+
+#include <KXFoundation/Platform/Views/NSView.h>
+#include <KXFoundation/Platform/Views/NSWindow.h>
+
+#include "Page.h"
+
+namespace gallery {
+
+/// The gallery's one window: a list of the pages at the side where lines begin, the chosen page beside it.
+class Gallery {
+ public:
+    static constexpr double kWidth = 980;
+    static constexpr double kHeight = 720;
+
+    Gallery();
+
+    [[nodiscard]] const std::shared_ptr<kx::NSWindow>& window() const { return window_; }
+
+    /// Shows the page of that name; false if there is none.
+    bool show(std::string_view page);
+    /// Makes side list and page anew, in the language of the moment.
+    void rebuild();
+
+ private:
+    void addSideList(kx::NSView& root);
+    void addPage(kx::NSView& root);
+
+    std::shared_ptr<kx::NSWindow> window_;
+    std::size_t chosen_ = 0;
+    std::unique_ptr<Page> page_;
+};
+
+}  // namespace gallery

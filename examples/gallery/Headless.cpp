@@ -1,0 +1,87 @@
+#include "Headless.h"
+
+#include <cstdio>
+#include <cstdlib>
+#include <filesystem>
+#include <fstream>
+
+#include <KXFoundation/Localization/KXLocalizationUtils.h>
+#include <KXFoundation/Platform/Views/OffscreenSurface.h>
+
+#include "Gallery.h"
+
+namespace gallery {
+
+using namespace kx;
+
+namespace {
+
+constexpr const char* kLanguages[] = {"en", "ar", "zh-Hans", "de"};
+
+/// A folder for the settings of this run, removed at its end.
+class TemporarySettings {
+ public:
+    TemporarySettings() {
+        std::string path = (std::filesystem::temp_directory_path() / "kx-gallery-XXXXXX").string();
+        if (mkdtemp(path.data())) path_ = path;
+        setenv("XDG_CONFIG_HOME", path_.c_str(), 1);
+    }
+    ~TemporarySettings() {
+        std::error_code ignored;
+        if (!path_.empty()) std::filesystem::remove_all(path_, ignored);
+    }
+    TemporarySettings(const TemporarySettings&) = delete;
+    TemporarySettings& operator=(const TemporarySettings&) = delete;
+
+ private:
+    std::string path_;
+};
+
+bool writePicture(NSWindow& window, const std::string& path) {
+    const auto surface = std::dynamic_pointer_cast<OffscreenSurface>(window.surface());
+    if (!surface) return false;
+    window.displayIfNeeded();
+    const auto png = surface->png();
+    if (!png) return false;
+    std::ofstream file(path, std::ios::binary);
+    file.write(reinterpret_cast<const char*>(png->data()), static_cast<std::streamsize>(png->size()));
+    return static_cast<bool>(file.flush());
+}
+
+bool drawPage(Gallery& gallery, std::string_view name, const std::string& directory) {
+    for (const char* language : kLanguages) {
+        KXLocalizationUtils::setSelectLanguage(language);
+        gallery.show(name);
+        const std::string path = directory + "/" + std::string(name) + "-" + language + ".png";
+        if (!writePicture(*gallery.window(), path)) {
+            std::fprintf(stderr, "gallery: cannot write %s\n", path.c_str());
+            return false;
+        }
+    }
+    return true;
+}
+
+}  // namespace
+
+int drawPages(const std::string& directory, const std::string& page) {
+    std::error_code error;
+    std::filesystem::create_directories(directory, error);
+    const TemporarySettings settings;
+    WindowSystem::slot().replace(std::make_shared<OffscreenWindowSystem>(2));
+    Gallery gallery;
+    gallery.window()->makeKeyAndOrderFront();
+    bool drawn = false;
+    for (const PageEntry& entry : pages()) {
+        if (!page.empty() && entry.name != page) continue;
+        if (!drawPage(gallery, entry.name, directory)) return 1;
+        drawn = true;
+    }
+    if (!drawn) {
+        std::fprintf(stderr, "gallery: there is no page \"%s\"\n", page.c_str());
+        return 1;
+    }
+    std::printf("The pages are in %s\n", directory.c_str());
+    return 0;
+}
+
+}  // namespace gallery

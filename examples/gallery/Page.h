@@ -1,0 +1,31 @@
+#pragma once
+
+#include <memory>
+#include <span>
+#include <string_view>
+
+#include "Column.h"
+
+namespace gallery {
+
+class Gallery;
+
+/// One page of the gallery. It is made anew whenever it is shown and after every change of language: what a page
+/// binds to a key is looked up once, when the control is made.
+class Page {
+ public:
+    virtual ~Page() = default;
+
+    /// Fills the page from the top down. `gallery` outlives the page.
+    virtual void build(Column& column, Gallery& gallery) = 0;
+};
+
+/// The table of pages, in the order of the side list.
+struct PageEntry {
+    std::string_view name;      ///< of files and of --page
+    std::string_view titleKey;  ///< in the string tables
+    std::unique_ptr<Page> (*make)();
+};
+std::span<const PageEntry> pages();
+
+}  // namespace gallery

@@ -1,0 +1,35 @@
+#pragma once
+
+#include <initializer_list>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "support/ScopedLanguageState.h"
+#include "support/ScopedPlatform.h"
+
+namespace kx::testing {
+
+/// One application, as if just started, whose user prefers these languages.
+struct ApplicationRun {
+    explicit ApplicationRun(std::vector<std::string> preferred = {"en-US"},
+                            std::string_view name = "Harbour") {
+        platform.locale().setPreferredLanguages(std::move(preferred));
+        platform.bundle().setInfo("CFBundleDisplayName", name);
+    }
+
+    ApplicationRun& localizedIn(std::initializer_list<std::string_view> languages) {
+        for (const std::string_view language : languages) platform.bundle().addLocalization(language);
+        return *this;
+    }
+
+    void restart() {
+        platform.restart();
+        language.restart();
+    }
+
+    ScopedPlatform platform;
+    ScopedLanguageState language;
+};
+
+}  // namespace kx::testing

@@ -1,0 +1,105 @@
+#include <gtest/gtest.h>
+
+#include <KXFoundation/Localization/KXLocalizationUtils.h>
+#include <KXFoundation/Localization/Localized.h>
+#include <KXFoundation/Platform/Foundation/NSBundle.h>
+
+#include "Localization/ApplicationRun.h"
+
+namespace kx {
+namespace {
+
+using testing::ApplicationRun;
+using Utils = KXLocalizationUtils;
+
+void addTexts(testing::BundleFolder& bundle) {
+    bundle.addStrings("en", {{"pier", "Pier"}, {"tide", "Tide"}, {"same", "Same in English"}})
+        .addStrings("fr", {{"pier", "Jetée"}, {"same", "same"}})
+        .addStrings("de", {{"pier", "Anleger"}})
+        .addStrings("fr", {{"pier", "Embarcadère"}}, "Signs");
+}
+
+TEST(StringLookup, SelectedLanguageThenEnglishThenTheKey) {
+    struct {
+        std::optional<std::string_view> selected;
+        std::string_view key;
+        std::optional<std::string_view> table;
+        std::string_view want;
+    } const rows[] = {
+        {"fr", "pier", {}, "Jetée"},
+        {"fr", "tide", {}, "Tide"},
+        {"fr", "mole", {}, "mole"},
+        {"fr", "same", {}, "Same in English"},
+        {"fr", "pier", "Signs", "Embarcadère"},
+        {"fr", "tide", "Signs", "tide"},
+        {"fr", "", {}, ""},
+        {"ja", "pier", {}, "Pier"},
+        {"../fr", "pier", {}, "Pier"},
+        {{}, "pier", {}, "Anleger"},
+        {{}, "tide", {}, "Tide"},
+        {"auto", "pier", {}, "Anleger"},
+    };
+    for (const auto& row : rows) {
+        ApplicationRun run({"de-AT"});
+        addTexts(run.platform.bundle());
+        if (row.selected) Utils::setSelectLanguage(row.selected);
+        EXPECT_EQ(Utils::localizedStringForKey(row.key, row.table), row.want)
+            << row.selected.value_or("(none)") << ": " << row.key;
+    }
+}
+
+TEST(StringLookup, WithoutEnglishAMissingKeyIsAbsentAndShownItself) {
+    ApplicationRun run({"fr-FR"});
+    run.platform.bundle().addStrings("fr", {{"pier", "Jetée"}});
+    Utils::setSelectLanguage("fr");
+    EXPECT_EQ(Utils::localizedStringForKey("pier"), "Jetée");
+    EXPECT_EQ(Utils::localizedStringForKey("tide"), std::nullopt);
+    EXPECT_EQ(localized("tide"), "tide");
+}
+
+TEST(StringLookup, FollowsAChangeOfTheSystemsLanguage) {
+    ApplicationRun run({"fr-FR"});
+    addTexts(run.platform.bundle());
+    Utils::setSelectLanguage("auto");
+    EXPECT_EQ(Utils::localizedStringForKey("pier"), "Jetée");
+    run.platform.locale().setPreferredLanguages({"de-DE"});
+    EXPECT_EQ(Utils::localizedStringForKey("pier"), "Anleger");
+    run.platform.locale().setPreferredLanguages({"ja-JP"});
+    EXPECT_EQ(Utils::localizedStringForKey("pier"), "Pier") << "no such folder";
+}
+
+TEST(StringLookup, AStoredChoiceIsReadAfterARestart) {
+    ApplicationRun run({"de-AT"});
+    addTexts(run.platform.bundle());
+    Utils::setSelectLanguage("fr");
+    run.restart();
+    EXPECT_EQ(Utils::localizedStringForKey("pier"), "Jetée");
+}
+
+TEST(StringLookup, AnExplicitBundleLeavesTheKeptOnesAlone) {
+    ApplicationRun run({"de-AT"});
+    addTexts(run.platform.bundle());
+    testing::BundleFolder other(run.platform.directory().makeDirectory("plug-in"));
+    other.addStrings("fr", {{"pier", "Quai"}}).addStrings("en", {{"mole", "Mole"}});
+    const auto bundle = make<NSBundle>(other.path());
+    Utils::setSelectLanguage("fr");
+    const auto selectedBundle = selectLanguageBundle;
+    EXPECT_EQ(Utils::localizedStringInBundle(bundle, "pier"), "Quai");
+    EXPECT_EQ(Utils::localizedStringInBundle(bundle, "mole"), "Mole");
+    EXPECT_EQ(Utils::localizedStringInBundle(bundle, "tide"), "tide") << "the main bundle is not asked";
+    EXPECT_EQ(selectLanguageBundle, selectedBundle);
+    EXPECT_FALSE(defaultLanguageBundle || currentLanguageBundle);
+    EXPECT_EQ(Utils::localizedStringForKey("pier"), "Jetée");
+    EXPECT_EQ(Utils::localizedStringInBundle(nullptr, "pier"), "Jetée");
+}
+
+TEST(StringLookup, TheCurrentBundleStaysOnItsFirstLanguage) {
+    ApplicationRun run({"de-AT"});
+    addTexts(run.platform.bundle());
+    EXPECT_EQ(Utils::localizedStringForKey("pier"), "Anleger");
+    lCurrentUseLanguage = "fr";
+    EXPECT_EQ(Utils::localizedStringForKey("pier"), "Anleger");
+}
+
+}  // namespace
+}  // namespace kx

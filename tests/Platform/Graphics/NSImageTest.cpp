@@ -1,0 +1,187 @@
+#include <cstring>
+#include <limits>
+#include <string>
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include <KXFoundation/Platform/Graphics/GraphicsContext.h>
+#include <KXFoundation/Platform/Graphics/ImageDecoder.h>
+#include <KXFoundation/Platform/Graphics/NSColor.h>
+#include <KXFoundation/Platform/Graphics/NSImage.h>
+#include <KXFoundation/Platform/Graphics/PngCodec.h>
+
+#include "support/CapturedLog.h"
+
+namespace kx {
+
+namespace {
+
+/// Every alpha with every colour that can stand under it, in three channels that differ.
+std::shared_ptr<NSBitmapImageRep> everyPixel() {
+    auto bitmap = NSBitmapImageRep::bitmapWithPixels(256, 256);
+    for (std::uint32_t alpha = 0; alpha < 256; ++alpha) {
+        for (std::uint32_t c = 0; c < 256; ++c) {
+            const std::uint32_t held = std::min(c, alpha);
+            bitmap->pixels()[alpha * 256 + c] = alpha << 24 | held << 16 | (alpha - held) << 8 | held / 2;
+        }
+    }
+    return bitmap;
+}
+
+class ScopedPixelLimit {
+  public:
+    explicit ScopedPixelLimit(std::uint64_t limit) { NSBitmapImageRep::setPixelLimit(limit); }
+    ~ScopedPixelLimit() { NSBitmapImageRep::setPixelLimit(former_); }
+    ScopedPixelLimit(const ScopedPixelLimit&) = delete;
+    ScopedPixelLimit& operator=(const ScopedPixelLimit&) = delete;
+
+  private:
+    std::uint64_t former_ = NSBitmapImageRep::pixelLimit();
+};
+
+std::shared_ptr<NSBitmapImageRep> filled(std::uint32_t side, std::uint32_t pixel) {
+    auto bitmap = NSBitmapImageRep::bitmapWithPixels(side, side);
+    std::ranges::fill(bitmap->pixels(), pixel);
+    return bitmap;
+}
+
+}  // namespace
+
+TEST(Png, WrittenAndReadAgainGivesTheSamePremultipliedPixels) {
+    const auto bitmap = everyPixel();
+    const auto encoded = encodePng(*bitmap);
+    ASSERT_TRUE(encoded.ok());
+    const auto decoded = decodeImage(*encoded);
+    ASSERT_TRUE(decoded.ok());
+    EXPECT_EQ((*decoded)->pixelsWide(), 256u);
+    for (std::size_t i = 0; i < 65'536; ++i) {
+        ASSERT_EQ((*decoded)->pixels()[i], bitmap->pixels()[i])
+            << "alpha " << i / 256 << ", colour " << i % 256;
+    }
+}
+
+TEST(Png, TruncatedAndDamagedFilesGiveAnErrorOrAPicture) {
+    const auto encoded = encodePng(*everyPixel());
+    ASSERT_TRUE(encoded.ok());
+    for (std::size_t size = 0; size + 12 < encoded->size(); size += size < 200 ? 1 : 997) {
+        EXPECT_FALSE(decodeImage(std::span(*encoded).first(size)).ok()) << "first " << size << " bytes";
+    }
+    for (std::size_t at = 0; at < 200; ++at) {
+        auto damaged = *encoded;
+        damaged[at] ^= std::byte{0xA5};
+        (void)decodeImage(damaged);  // under the sanitizers: no crash, no bad access
+    }
+}
+
+TEST(Png, ClaimedSizeIsCheckedFirst) {
+    // The header of a picture of 30,000 x 30,000 pixels, and no pixels.
+    static constexpr char kHuge[] =
+        "\x89\x50\x4E\x47\x0D\x0A\x1A\x0A\x00\x00\x00\x0D\x49\x48\x44\x52\x00\x00\x75\x30\x00\x00\x75\x30\x08"
+        "\x06\x00\x00\x00\x66\x27\xF8\xBA\x00\x00\x00\x00\x49\x44\x41\x54\x35\xAF\x06\x1E";
+    const auto bytes = std::as_bytes(std::span(kHuge, sizeof kHuge - 1));
+    const auto huge = decodeImage(bytes);
+    ASSERT_FALSE(huge.ok());
+    EXPECT_EQ(huge.error().kind, ErrorKind::TooLarge);
+
+    const auto small = encodePng(*filled(10, 0xFF112233));
+    const ScopedPixelLimit limit(99);
+    EXPECT_EQ(decodeImage(*small).error().kind, ErrorKind::TooLarge);
+    EXPECT_EQ(NSImage::initWithData(*small), nullptr);
+}
+
+TEST(ImageDecoder, UnknownBytesAreUnsupported) {
+    for (const std::string text : {"", "x", "\x89PNG", "GIF", "hello, world; this is no picture"}) {
+        const auto decoded = decodeImage(std::as_bytes(std::span(text)));
+        ASSERT_FALSE(decoded.ok()) << text;
+        EXPECT_EQ(decoded.error().kind, ErrorKind::Unsupported) << text;
+    }
+}
+
+TEST(NSBitmapImageRep, RefusesImpossibleSizes) {
+    EXPECT_EQ(NSBitmapImageRep::bitmapWithPixels(0, 5), nullptr);
+    EXPECT_EQ(NSBitmapImageRep::bitmapWithPixels(5, 0), nullptr);
+    EXPECT_EQ(NSBitmapImageRep::bitmapWithPixels(32'768, 1), nullptr);
+    EXPECT_EQ(NSBitmapImageRep::bitmapWithPixels(32'767, 32'767), nullptr);
+    EXPECT_EQ(NSBitmapImageRep::bitmapWithPixels(0xFFFFFFFF, 0xFFFFFFFF), nullptr);
+    EXPECT_NE(NSBitmapImageRep::bitmapWithPixels(32'767, 1), nullptr);
+}
+
+TEST(NSImage, ChoosesTheRepresentationThatFitsTheScale) {
+    const auto once = filled(10, 0xFF0000FF), twice = filled(20, 0xFF00FF00);
+    const auto callback = make<NSCustomImageRep>(NSSize{10, 10}, [](NSRect) { return true; });
+    const struct {
+        const char* what;
+        std::vector<std::shared_ptr<NSImageRep>> representations;
+        double scale;
+        std::shared_ptr<NSImageRep> want;
+    } rows[] = {
+        {"exact", {twice, once}, 1, once},
+        {"exact, doubled", {once, twice}, 2, twice},
+        {"between", {once, twice}, 1.25, twice},
+        {"beyond", {once, twice}, 3, twice},
+        {"drawn rather than enlarged", {once, callback}, 2, callback},
+        {"bitmap where it suffices", {callback, once}, 1, once},
+        {"empty", {}, 1, nullptr},
+    };
+    for (const auto& row : rows) {
+        const auto image = NSImage::initWithSize({10, 10});
+        for (const auto& representation : row.representations) image->addRepresentation(representation);
+        EXPECT_EQ(image->bestRepresentation(row.scale), row.want) << row.what;
+    }
+}
+
+TEST(NSImage, DrawsIntoTheCurrentContextByItsScale) {
+    const auto image = NSImage::initWithBitmap(filled(10, 0xFF0000FF));
+    image->addRepresentation(filled(20, 0xFF00FF00));
+    image->drawInRect({0, 0, 10, 10});  // no context: nothing
+
+    const auto bitmap = NSBitmapImageRep::bitmapWithPixels(40, 40);
+    const auto context = GraphicsContext::onBitmap(bitmap, 2);
+    const GraphicsContext::Current scope(*context);
+    image->drawInRect({5, 5, 10, 10});
+    EXPECT_EQ(bitmap->pixelAt(10, 10), 0xFF00FF00);
+    EXPECT_EQ(bitmap->pixelAt(29, 29), 0xFF00FF00);
+    EXPECT_EQ(bitmap->pixelAt(30, 30), 0u);
+}
+
+TEST(NSImage, CallbackDrawsAtTheResolutionOfThePlace) {
+    const auto image = NSImage::imageWithSize({10, 10}, [](NSRect rect) {
+        GraphicsContext::current()->fill({0, 0, rect.size.width / 2, rect.size.height},
+                                         *NSColor::blackColor());
+        return true;
+    });
+    const auto bitmap = image->bitmapAtScale(3);
+    ASSERT_NE(bitmap, nullptr);
+    EXPECT_EQ(bitmap->pixelsWide(), 30u);
+    EXPECT_EQ(bitmap->pixelAt(14, 29), 0xFF000000);
+    EXPECT_EQ(bitmap->pixelAt(15, 29), 0u);
+
+    const auto failing = NSImage::imageWithSize({10, 10}, [](NSRect rect) {
+        GraphicsContext::current()->fill(rect, *NSColor::blackColor());
+        return false;
+    });
+    EXPECT_EQ(failing->bitmapAtScale(1)->pixelAt(5, 5), 0u);
+}
+
+TEST(NSImage, FlattensToABitmap) {
+    const auto bitmap = filled(20, 0xFF00FF00);
+    const auto image = NSImage::initWithBitmap(bitmap, 2);
+    EXPECT_EQ(image->size(), (NSSize{10, 10}));
+    EXPECT_EQ(image->bitmapAtScale(2), bitmap);
+    EXPECT_EQ(image->bitmapAtScale(1)->pixelsWide(), 10u);
+    for (const double scale : {0.0, -1.0, 1e300, std::numeric_limits<double>::quiet_NaN()}) {
+        EXPECT_EQ(image->bitmapAtScale(scale), nullptr) << scale;
+    }
+    EXPECT_EQ(NSImage::initWithSize({10, 10})->bitmapAtScale(1), nullptr);
+    EXPECT_EQ(NSImage::initWithBitmap(nullptr), nullptr);
+}
+
+TEST(NSImage, MissingFileIsOneLogLine) {
+    const testing::CapturedLog log;
+    EXPECT_EQ(NSImage::initWithContentsOfFile("/nowhere/picture.png"), nullptr);
+    EXPECT_EQ(NSImage::initWithContentsOfFile(std::nullopt), nullptr);
+    EXPECT_THAT(log.lines(), ::testing::ElementsAre(::testing::HasSubstr("/nowhere/picture.png")));
+}
+
+}  // namespace kx
