@@ -4,6 +4,7 @@
 #include <vector>
 
 #include <KXFoundation/Platform/Foundation/NSGeometry.h>
+#include <KXFoundation/Platform/Runtime/Export.h>
 
 namespace kx {
 
@@ -17,8 +18,8 @@ struct PixelRect {
 };
 
 /// Gathers what has to be drawn again: a handful of rectangles that do not overlap. Where there would be
-/// more, the nearest ones are joined. Private to Views.
-class InvalidRegion {
+/// more, the nearest ones are joined.
+class KX_EXPORT InvalidRegion {
   public:
     static constexpr std::size_t kMostRects = 8;
 
