@@ -1,6 +1,7 @@
 #include <algorithm>
 #include <utility>
 
+#include <KXFoundation/Platform/Runtime/Executor.h>
 #include <KXFoundation/Platform/Runtime/ManualClock.h>
 
 namespace kx {
@@ -24,7 +25,11 @@ void ManualClock::runAt(std::chrono::nanoseconds deadline, TimerThread, std::fun
 
 void ManualClock::advance(std::chrono::nanoseconds step) {
     const std::chrono::nanoseconds until = now() + step;
-    while (const auto action = takeDue(until)) action();
+    drainQueues();  // what runs already may set timers
+    while (const auto action = takeDue(until)) {
+        action();
+        drainQueues();
+    }
     const MutexLock lock(mutex_);
     now_ = std::max(now_, until);
 }

@@ -1,5 +1,6 @@
 #include <utility>
 
+#include <KXFoundation/Platform/Runtime/EventLoop.h>
 #include <KXFoundation/Platform/Runtime/SystemClock.h>
 
 namespace kx {
@@ -25,7 +26,8 @@ Clock::WallTime SystemClock::wallTime() const noexcept {
     return std::chrono::system_clock::now();
 }
 
-void SystemClock::runAt(std::chrono::nanoseconds deadline, TimerThread, std::function<void()> action) {
+void SystemClock::runAt(std::chrono::nanoseconds deadline, TimerThread thread, std::function<void()> action) {
+    if (thread == TimerThread::Main) return EventLoop::main().runAt(deadline, std::move(action));
     const MutexLock lock(mutex_);
     const auto placed = timers_.emplace(deadline, std::move(action));
     if (!thread_.joinable()) thread_ = std::thread([this] { serveTimers(); });
