@@ -100,7 +100,7 @@ class SimulatedWorld::Scheduler final : public Executor, public Clock {
     const bool interleavesFiles_;
     std::mt19937_64 random_;
     std::deque<Job> main_;
-    std::vector<Job> background_;
+    std::deque<Job> background_;
     std::multimap<nanoseconds, std::pair<TimerThread, std::function<void()>>> timers_;
     nanoseconds now_ = std::chrono::hours(1);
     std::uint64_t steps_ = 0;
