@@ -54,6 +54,7 @@ bool Gallery::show(std::string_view page) {
     const auto found = std::ranges::find(pages(), page, &PageEntry::name);
     if (found == pages().end()) return false;
     chosen_ = static_cast<std::size_t>(found - pages().begin());
+    page_ = nullptr;
     rebuild();
     return true;
 }
@@ -91,7 +92,7 @@ void Gallery::addPage(NSView& root) {
     const NSSize size = root.frame().size;
     auto content = make<NSView>(directed({kSideWidth, 0, size.width - kSideWidth, size.height}, size.width));
     root.addSubview(content);
-    page_ = pages()[chosen_].make();
+    if (!page_) page_ = pages()[chosen_].make();
     Column column(*content, kMargin, 24, content->frame().size.width - 2 * kMargin);
     page_->build(column, *this);
 }
