@@ -245,17 +245,6 @@ TEST(WindowDrawing, EveryControlLeavesItsMarks) {
         const testing::OffscreenWindow shown({520, 310}, 2);
         addControls(shown.content(), texts);
         const auto all = shownPixels(shown);
-        {
-            const auto png = shown.surface().png();
-            std::ofstream("/tmp/views-" + std::string(texts.title == kLatin.title ? "latin" : "arabic") + ".png", std::ios::binary)
-                .write(reinterpret_cast<const char*>(png->data()), static_cast<std::streamsize>(png->size()));
-            shown.window->setAppearance(NSAppearance::Dark);
-            shownPixels(shown);
-            const auto dark = shown.surface().png();
-            std::ofstream("/tmp/views-" + std::string(texts.title == kLatin.title ? "latin" : "arabic") + "-dark.png", std::ios::binary)
-                .write(reinterpret_cast<const char*>(dark->data()), static_cast<std::streamsize>(dark->size()));
-            shown.window->setAppearance(NSAppearance::Light);
-        }
         for (const auto& view : shown.content().subviews()) {
             view->setHidden(true);
             EXPECT_FALSE(shownPixels(shown) == all) << view->description();
