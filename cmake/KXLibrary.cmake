@@ -43,12 +43,29 @@ function(kx_tests name library)
   gtest_discover_tests(${name} DISCOVERY_MODE PRE_TEST PROPERTIES TIMEOUT 120 LABELS "${arg_LABELS}")
 endfunction()
 
+# kx_fuzzer(<name> <Foundation|UI> file): a libFuzzer program in build/fuzz/fuzz/, its seeds in fuzz/corpus/<name>/.
+# In every other build the same file replays its seeds, as a test.
+function(kx_fuzzer name library file)
+  add_executable(fuzz_${name} ${file})
+  set(seeds ${PROJECT_SOURCE_DIR}/fuzz/corpus/${name})
+  target_link_libraries(fuzz_${name} PRIVATE KXFoundation::${library} kx_warnings)
+  set_target_properties(fuzz_${name} PROPERTIES
+    OUTPUT_NAME ${name} RUNTIME_OUTPUT_DIRECTORY ${PROJECT_BINARY_DIR}/fuzz)
+  if(KX_BUILD_FUZZERS)
+    target_link_options(fuzz_${name} PRIVATE -fsanitize=fuzzer)
+  else()
+    target_sources(fuzz_${name} PRIVATE ${PROJECT_SOURCE_DIR}/fuzz/ReplaySeeds.cpp)
+    add_test(NAME fuzz.${name}.seeds COMMAND fuzz_${name} ${seeds})
+    set_tests_properties(fuzz.${name}.seeds PROPERTIES TIMEOUT 120)
+  endif()
+endfunction()
+
 # kx_benchmarks(<name> <Foundation|UI> file... [PEERS library...]): one Google Benchmark program; PEERS are what its
 # contenders link. A benchmark is named <service>/<workload>/<who>; its bound is a line of benchmarks/bounds.txt.
 function(kx_benchmarks name library)
   cmake_parse_arguments(PARSE_ARGV 2 arg "" "" PEERS)
   add_executable(${name} ${arg_UNPARSED_ARGUMENTS})
-  target_link_libraries(${name} PRIVATE KXFoundation::${library} benchmark::benchmark_main ${arg_PEERS})
+  target_link_libraries(${name} PRIVATE KXFoundation::${library} benchmark::benchmark_main kx_warnings ${arg_PEERS})
   target_include_directories(${name} PRIVATE ${PROJECT_SOURCE_DIR})
   set_target_properties(${name} PROPERTIES RUNTIME_OUTPUT_DIRECTORY ${PROJECT_BINARY_DIR}/benchmarks)
 endfunction()

@@ -50,8 +50,32 @@ char* findSpecial(char* at, char* end, bool& beyondAscii) noexcept {
     return at;
 }
 
+constexpr bool isContinuation(char c) noexcept {
+    return (static_cast<unsigned char>(c) & 0xC0) == 0x80;
+}
+
+/// The length of a character of one or two bytes, or of three with a first byte that allows every second one:
+/// most of the world's texts. 0 for others, which takeCodePoint judges.
+std::size_t usualLength(const char* at, std::ptrdiff_t left) noexcept {
+    const auto first = static_cast<unsigned char>(*at);
+    if (first < 0x80) return 1;
+    if (left < 3 || first < 0xC2 || !isContinuation(at[1])) return 0;
+    if (first < 0xE0) return 2;
+    if (first == 0xE0 || first == 0xED || first > 0xEF || !isContinuation(at[2])) return 0;
+    return 3;
+}
+
 bool isUtf8(std::string_view text) noexcept {
     while (!text.empty()) {
+        const char* at = text.data();
+        const char* const end = at + text.size();
+        while (at < end) {
+            const std::size_t length = usualLength(at, end - at);
+            if (length == 0) break;
+            at += length;
+        }
+        text = {at, end};
+        if (text.empty()) return true;
         const std::size_t before = text.size();
         if (takeCodePoint(text) == kReplacementCharacter && before - text.size() == 1) return false;
     }
