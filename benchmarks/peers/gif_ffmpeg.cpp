@@ -19,7 +19,8 @@ struct Source {
 
     static int read(void* self, std::uint8_t* to, int wanted) {
         auto* source = static_cast<Source*>(self);
-        const std::size_t given = std::min(static_cast<std::size_t>(wanted), source->file.size() - source->at);
+        const std::size_t given =
+            std::min(static_cast<std::size_t>(wanted), source->file.size() - source->at);
         if (given == 0) return AVERROR_EOF;
         std::memcpy(to, source->file.data() + source->at, given);
         source->at += given;
@@ -55,8 +56,8 @@ using Codec = std::unique_ptr<AVCodecContext, Closer>;
 Format openFormat(Source& source) {
     constexpr int kBuffer = 65536;
     AVFormatContext* format = avformat_alloc_context();
-    format->pb = avio_alloc_context(static_cast<unsigned char*>(av_malloc(kBuffer)), kBuffer, 0, &source, Source::read,
-                                    nullptr, Source::seek);
+    format->pb = avio_alloc_context(static_cast<unsigned char*>(av_malloc(kBuffer)), kBuffer, 0, &source,
+                                    Source::read, nullptr, Source::seek);
     AVIOContext* io = format->pb;
     AVDictionary* options = nullptr;
     av_dict_set(&options, "ignore_loop", "1", 0);
@@ -87,7 +88,8 @@ GIFPicture copyOut(const AVFrame& frame, std::vector<std::uint8_t>& scratch) {
 
 }  // namespace
 
-int gifWithFFmpeg(std::span<const std::uint8_t> file, std::vector<std::uint8_t>& scratch, const GIFSink& sink) {
+int gifWithFFmpeg(std::span<const std::uint8_t> file, std::vector<std::uint8_t>& scratch,
+                  const GIFSink& sink) {
     av_log_set_level(AV_LOG_QUIET);
     Source source{file};
     const Format format = openFormat(source);

@@ -23,7 +23,7 @@ int readSome(GifFileType* gif, GifByteType* to, int wanted) {
 }
 
 class Compositor {
- public:
+  public:
     Compositor(GifFileType* gif, std::vector<std::uint8_t>& scratch)
         : gif_(gif), canvas_(scratch), width_(gif->SWidth), height_(gif->SHeight), line_(65536) {
         canvas_.assign(static_cast<std::size_t>(width_) * static_cast<std::size_t>(height_) * 4, 0);
@@ -40,14 +40,15 @@ class Compositor {
             if (control_.DisposalMode == DISPOSE_PREVIOUS) saved_ = canvas_;
             paintFrame();
             ++frames;
-            if (!sink({static_cast<std::uint32_t>(width_), static_cast<std::uint32_t>(height_), canvas_})) break;
+            if (!sink({static_cast<std::uint32_t>(width_), static_cast<std::uint32_t>(height_), canvas_}))
+                break;
             dispose();
             control_ = kNoControl;
         }
         return frames;
     }
 
- private:
+  private:
     static constexpr GraphicsControlBlock kNoControl{DISPOSAL_UNSPECIFIED, false, 0, NO_TRANSPARENT_COLOR};
 
     bool readExtension() {
@@ -76,7 +77,8 @@ class Compositor {
         if (frame.Width == 0 || frame.Height == 0) return;
         loadColours();
         for (int pass = 0; pass < (frame.Interlace ? 4 : 1); ++pass)
-            for (int y = frame.Interlace ? kStart[pass] : 0; y < frame.Height; y += frame.Interlace ? kStep[pass] : 1) {
+            for (int y = frame.Interlace ? kStart[pass] : 0; y < frame.Height;
+                 y += frame.Interlace ? kStep[pass] : 1) {
                 if (DGifGetLine(gif_, line_.data(), frame.Width) != GIF_OK) return;
                 if (frame.Top + y < height_) paintLine(frame.Left, frame.Top + y, frame.Width);
             }
@@ -114,7 +116,8 @@ class Compositor {
 
 }  // namespace
 
-int gifWithGiflib(std::span<const std::uint8_t> file, std::vector<std::uint8_t>& scratch, const GIFSink& sink) {
+int gifWithGiflib(std::span<const std::uint8_t> file, std::vector<std::uint8_t>& scratch,
+                  const GIFSink& sink) {
     Source source{file};
     int error = 0;
     GifFileType* gif = DGifOpen(&source, readSome, &error);

@@ -26,7 +26,7 @@ std::vector<std::uint8_t> inFileOrder(const GIFWriterFrame& frame) {
 
 // The encoder's side of LZW: it may use an entry one code earlier than the decoder has it.
 class Dictionary {
- public:
+  public:
     explicit Dictionary(unsigned depth) : depth_(depth) { clear(); }
 
     [[nodiscard]] unsigned clearCode() const { return 1U << depth_; }
@@ -52,7 +52,7 @@ class Dictionary {
         if (!full() && next_ == 1U << size_) ++size_;
     }
 
- private:
+  private:
     unsigned depth_, next_ = 0, size_ = 0;
     std::map<std::pair<unsigned, std::uint8_t>, unsigned> strings_;
 };
@@ -61,7 +61,8 @@ class Dictionary {
 
 void GIFCodeWriter::code(unsigned code, unsigned size) {
     bits_ |= code << count_;
-    for (count_ += size; count_ >= 8; count_ -= 8, bits_ >>= 8) bytes_.push_back(static_cast<std::uint8_t>(bits_));
+    for (count_ += size; count_ >= 8; count_ -= 8, bits_ >>= 8)
+        bytes_.push_back(static_cast<std::uint8_t>(bits_));
 }
 
 std::vector<std::uint8_t> GIFCodeWriter::take() {
@@ -97,9 +98,11 @@ std::vector<std::uint8_t> packGIF(const std::vector<std::uint8_t>& indices, unsi
             continue;
         }
         emit();
-        if (packing == GIFWriter::Packing::Literals && sinceClear == dictionary.clearCode() - 1) clear();
-        else if (packing == GIFWriter::Packing::Strings && dictionary.full()) clear();
-        else dictionary.add(*prefix, index);
+        dictionary.add(*prefix, index);
+        const bool literals =
+            packing == GIFWriter::Packing::Literals && sinceClear == dictionary.clearCode() - 1;
+        const bool strings = packing == GIFWriter::Packing::Strings && dictionary.full();
+        if (literals || strings) clear();
         prefix = index;
     }
     if (prefix) emit();
@@ -195,7 +198,9 @@ void GIFWriter::word(unsigned value) {
     byte(value >> 8);
 }
 
-void GIFWriter::text(std::string_view text) { bytes_.insert(bytes_.end(), text.begin(), text.end()); }
+void GIFWriter::text(std::string_view text) {
+    bytes_.insert(bytes_.end(), text.begin(), text.end());
+}
 
 void GIFWriter::append(const std::vector<std::uint8_t>& bytes) {
     bytes_.insert(bytes_.end(), bytes.begin(), bytes.end());

@@ -98,21 +98,24 @@ struct Contender {
     Decode decode;
 };
 
-void add(const std::string& workload, const Contender& contender, const Bytes& file, bool firstOnly, bool wallTime) {
-    auto* const run = benchmark::RegisterBenchmark((workload + "/" + contender.name).c_str(), [=, &file](benchmark::State& state) {
-        Bytes scratch;
-        const GIFSink sink = [firstOnly](const GIFPicture& picture) {
-            benchmark::DoNotOptimize(picture.bytes.data());
-            return !firstOnly;
-        };
-        contender.decode(file, scratch, sink);
-        for (auto _ : state) contender.decode(file, scratch, sink);
-    });
+void add(const std::string& workload, const Contender& contender, const Bytes& file, bool firstOnly,
+         bool wallTime) {
+    auto* const run = benchmark::RegisterBenchmark(
+        (workload + "/" + contender.name).c_str(), [=, &file](benchmark::State& state) {
+            Bytes scratch;
+            const GIFSink sink = [firstOnly](const GIFPicture& picture) {
+                benchmark::DoNotOptimize(picture.bytes.data());
+                return !firstOnly;
+            };
+            contender.decode(file, scratch, sink);
+            for (auto _ : state) contender.decode(file, scratch, sink);
+        });
     run->Unit(benchmark::kMicrosecond);
     if (wallTime) run->UseRealTime();
 }
 
-void requireEqualFrames(const std::string& name, const Contender& contender, const Bytes& file, std::uint64_t wanted) {
+void requireEqualFrames(const std::string& name, const Contender& contender, const Bytes& file,
+                        std::uint64_t wanted) {
     if (digest(contender.decode, file) == wanted) return;
     std::fprintf(stderr, "%s: %s has other pixels\n", name.c_str(), contender.name);
     std::exit(1);

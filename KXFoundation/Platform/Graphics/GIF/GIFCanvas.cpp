@@ -1,7 +1,7 @@
-#include <KXFoundation/Platform/Graphics/GIF/GIFCanvas.h>
-
 #include <algorithm>
 #include <cstring>
+
+#include <KXFoundation/Platform/Graphics/GIF/GIFCanvas.h>
 
 namespace kx {
 
@@ -13,9 +13,7 @@ std::uint32_t cutOff(std::uint32_t start, std::uint32_t length, std::uint32_t bo
 
 // The n-th row in the file: those at multiples of 8, then the ones between at every 4th, 2nd and next row.
 std::uint32_t interlacedRow(std::uint32_t n, std::uint32_t height) noexcept {
-    constexpr struct {
-        std::uint32_t start, step;
-    } kPasses[] = {{0, 8}, {4, 8}, {2, 4}, {1, 2}};
+    constexpr struct { std::uint32_t start, step; } kPasses[] = {{0, 8}, {4, 8}, {2, 4}, {1, 2}};
     for (const auto& [start, step] : kPasses) {
         const std::uint32_t rows = height > start ? (height - start + step - 1) / step : 0;
         if (n < rows) return start + n * step;
@@ -52,9 +50,12 @@ void GIFCanvas::restart() noexcept {
 
 void GIFCanvas::paint(const GIFFrame& frame, std::span<const std::uint8_t> indices, GIFPixels pixels) {
     const bool hidesAll = frame.hidesCanvas(width_, height_) && indices.size() == frame.rect.area();
-    if (hidesAll && frame.disposal != GIFDisposal::Previous) disposal_ = GIFDisposal::Keep;
-    else if (first_) clearAll(pixels);
-    else dispose(pixels);
+    if (hidesAll && frame.disposal != GIFDisposal::Previous)
+        disposal_ = GIFDisposal::Keep;
+    else if (first_)
+        clearAll(pixels);
+    else
+        dispose(pixels);
     paintRows(frame, indices, pixels);
 }
 
@@ -90,7 +91,8 @@ void GIFCanvas::dispose(GIFPixels pixels) {
     const std::size_t length = std::size_t{last_.visible} * 4;
     const std::uint8_t* back = covered_.data();
     switch (disposal_) {
-        case GIFDisposal::Keep: return;
+        case GIFDisposal::Keep:
+            return;
         case GIFDisposal::Background:
             forEachRow(last_, [&](std::uint32_t x, std::uint32_t y, std::size_t) {
                 std::memset(pixels.at(x, y), 0, length);

@@ -10,8 +10,8 @@
 
 namespace kx {
 
-/// Pixels of the caller's, as large as the canvas: premultiplied 0xAARRGGBB in the machine's byte order (what Cairo
-/// calls ARGB32), alpha 255 or 0. Rows begin `stride` bytes apart, at any alignment.
+/// Pixels of the caller's, as large as the canvas: premultiplied 0xAARRGGBB in the machine's byte order (what
+/// Cairo calls ARGB32), alpha 255 or 0. Rows begin `stride` bytes apart, at any alignment.
 struct GIFPixels {
     std::uint8_t* bytes = nullptr;
     std::size_t stride = 0;
@@ -21,13 +21,14 @@ struct GIFPixels {
     }
 };
 
-/// The second half of decoding: paints the frames of one animation, in order, over each other. What no frame painted
-/// is transparent. Holds no picture of its own, but for what a frame covers that asks to have it back.
+/// The second half of decoding: paints the frames of one animation, in order, over each other. What no frame
+/// painted is transparent. Holds no picture of its own, but for what a frame covers that asks to have it
+/// back.
 ///
-/// A frame has the rows that its data reach: a broken one paints, hides and disposes of no others. So what a file
-/// makes the canvas do is in proportion to its data, whatever sizes it claims.
+/// A frame has the rows that its data reach: a broken one paints, hides and disposes of no others. So what a
+/// file makes the canvas do is in proportion to its data, whatever sizes it claims.
 class KX_EXPORT GIFCanvas {
- public:
+  public:
     GIFCanvas(std::uint32_t width, std::uint32_t height,
               GIFPalette::Speed speed = GIFPalette::Speed::Best) noexcept;
 
@@ -35,15 +36,16 @@ class KX_EXPORT GIFCanvas {
     void paint(const GIFFrame& frame, std::span<const std::uint8_t> indices, GIFPixels pixels);
 
     /// Paints the next frame elsewhere; `previous` holds the one before and is only read.
-    void paint(const GIFFrame& frame, std::span<const std::uint8_t> indices, GIFPixels pixels, GIFPixels previous);
+    void paint(const GIFFrame& frame, std::span<const std::uint8_t> indices, GIFPixels pixels,
+               GIFPixels previous);
 
     /// The next frame is a first one again.
     void restart() noexcept;
 
- private:
+  private:
     /// Where a frame's rows go; what lies outside the canvas is cut off.
     struct Rows {
-        GIFRect rect;  // as stated
+        GIFRect rect;               // as stated
         std::uint32_t visible = 0;  // pixels of each row
         bool interlaced = false;
         std::size_t reached = 0;

@@ -1,8 +1,7 @@
-#include <KXFoundation/Platform/Graphics/GIF/GIFDecoder.h>
-
 #include <string>
 #include <utility>
 
+#include <KXFoundation/Platform/Graphics/GIF/GIFDecoder.h>
 #include <KXFoundation/Platform/Runtime/CallerError.h>
 
 namespace kx {
@@ -37,36 +36,22 @@ void GIFDecoder::unpack(const GIFFrame& frame) {
     if (Result<void> unpacked = plane_.unpack(frame); !unpacked) damage_ = std::move(unpacked).error();
 }
 
-bool GIFDecoder::isComplete(const GIFFrame& frame) {
-    unpack(frame);
-    return !damage_;
-}
-
 void GIFDecoder::rewind() noexcept {
     reader_.rewind();
     canvas_.restart();
     damage_.reset();
 }
 
-// A key frame counts only if its data are whole: where they are not, older pixels show.
-std::size_t GIFDecoder::firstNeeded(const GIFContents& contents, std::size_t index) {
-    const auto wholeKey = [&](std::size_t key) {
-        return contents.frames[key].hidesCanvas(width(), height()) ? isComplete(contents.frames[key])
-                                                                   : isComplete(contents.frames[key - 1]);
-    };
-    std::size_t key = contents.keyFrame(index, width(), height());
-    while (key > 0 && !wholeKey(key)) key = contents.keyFrame(key - 1, width(), height());
-    return key;
-}
-
 void GIFDecoder::composite(const GIFContents& contents, std::size_t index, GIFPixels pixels) {
     GIFCanvas canvas(width(), height());
     if (index >= contents.frames.size()) {
-        callerError("GIFDecoder: frame " + std::to_string(index) + " of " + std::to_string(contents.frames.size()));
+        callerError("GIFDecoder: frame " + std::to_string(index) + " of " +
+                    std::to_string(contents.frames.size()));
         canvas.paint({}, {}, pixels);
         return;
     }
-    for (std::size_t i = firstNeeded(contents, index); i <= index; ++i) {
+    const auto isComplete = [this](const GIFFrame& frame) { return unpack(frame), !damage_; };
+    for (std::size_t i = contents.keyFrame(index, width(), height(), isComplete); i <= index; ++i) {
         unpack(contents.frames[i]);
         canvas.paint(contents.frames[i], plane_.indices(), pixels);
     }

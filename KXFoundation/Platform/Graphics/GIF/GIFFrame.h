@@ -29,8 +29,8 @@ struct GIFRect {
     [[nodiscard]] bool operator==(const GIFRect&) const = default;
 };
 
-/// One frame as the file describes it, its pixels still packed. Points into the file's bytes, which must outlive
-/// it; needs nothing else, so any thread may decode it.
+/// One frame as the file describes it, its pixels still packed. Points into the file's bytes, which must
+/// outlive it; needs nothing else, so any thread may decode it.
 struct KX_EXPORT GIFFrame {
     GIFRect rect;  ///< as the file says: may lie partly or wholly outside the canvas, or have no area
     GIFDisposal disposal = GIFDisposal::Keep;
@@ -39,9 +39,10 @@ struct KX_EXPORT GIFFrame {
     std::optional<std::uint8_t> transparentIndex;
     std::optional<std::uint16_t> delayHundredths;  ///< the raw delay; none if the file gives the frame none
     std::span<const std::uint8_t> palette;         ///< red, green, blue; the local one, else the global one
-    std::span<const std::uint8_t> packed;          ///< sub-blocks, up to the end of the file or beyond their own
+    std::span<const std::uint8_t> packed;  ///< sub-blocks, up to the end of the file or beyond their own
 
-    /// How long the frame is shown, in seconds: the raw delay, but 0.1 where there is none or it is below 0.011.
+    /// How long the frame is shown, in seconds: the raw delay, but 0.1 where there is none or it is below
+    /// 0.011.
     [[nodiscard]] float duration() const noexcept;
 
     /// Whether a complete frame leaves nothing to be seen of what was on a canvas of that size.

@@ -1,7 +1,6 @@
-#include <KXFoundation/Platform/Graphics/GIF/GIFIndexPlane.h>
-
 #include <numeric>
 
+#include <KXFoundation/Platform/Graphics/GIF/GIFIndexPlane.h>
 #include <KXFoundation/Platform/Graphics/GIF/GIFLZW.h>
 
 namespace kx {
@@ -13,7 +12,8 @@ struct GIFIndexPlane::Plane {
     std::size_t reached = 0;
 };
 
-GIFIndexPlane::GIFIndexPlane(GIFLimits limits) : maxPixels_(limits.pixels), plane_(std::make_unique<Plane>()) {}
+GIFIndexPlane::GIFIndexPlane(GIFLimits limits)
+    : maxPixels_(limits.pixels), plane_(std::make_unique<Plane>()) {}
 GIFIndexPlane::GIFIndexPlane(GIFIndexPlane&&) noexcept = default;
 GIFIndexPlane& GIFIndexPlane::operator=(GIFIndexPlane&&) noexcept = default;
 GIFIndexPlane::~GIFIndexPlane() = default;
@@ -27,10 +27,14 @@ Result<void> GIFIndexPlane::unpack(const GIFFrame& frame) {
         return Error{ErrorKind::Corrupt, 0, "GIF code size"};
     reserve(count);
 
-    switch (plane_->lzw.unpack(frame.packed, frame.minimumCodeSize, plane_->bytes.get(), count, plane_->reached)) {
-        case GIFLZW::Outcome::Complete: return {};
-        case GIFLZW::Outcome::Ended: return Error{ErrorKind::Ended, 0, "GIF frame data"};
-        case GIFLZW::Outcome::Corrupt: break;
+    switch (plane_->lzw.unpack(frame.packed, frame.minimumCodeSize, plane_->bytes.get(), count,
+                               plane_->reached)) {
+        case GIFLZW::Outcome::Complete:
+            return {};
+        case GIFLZW::Outcome::Ended:
+            return Error{ErrorKind::Ended, 0, "GIF frame data"};
+        case GIFLZW::Outcome::Corrupt:
+            break;
     }
     return Error{ErrorKind::Corrupt, 0, "GIF frame data"};
 }
@@ -42,7 +46,8 @@ std::span<const std::uint8_t> GIFIndexPlane::indices() const noexcept {
 void GIFIndexPlane::reserve(std::size_t count) {
     if (count <= plane_->room) return;
     plane_->bytes.reset();  // before the larger one is taken
-    plane_->bytes = std::make_unique_for_overwrite<std::uint8_t[]>(GIFLZW::kLiterals + count + GIFLZW::kSlack);
+    plane_->bytes =
+        std::make_unique_for_overwrite<std::uint8_t[]>(GIFLZW::kLiterals + count + GIFLZW::kSlack);
     plane_->room = count;
     std::iota(plane_->bytes.get(), plane_->bytes.get() + GIFLZW::kLiterals, std::uint8_t{0});
 }

@@ -1,8 +1,7 @@
-#include <KXFoundation/Platform/Graphics/GIF/GIFLZW.h>
-
 #include <algorithm>
 #include <cstring>
 
+#include <KXFoundation/Platform/Graphics/GIF/GIFLZW.h>
 #include <KXFoundation/Platform/Graphics/GIF/GIFSubBlocks.h>
 
 namespace kx {
@@ -12,7 +11,9 @@ namespace {
 constexpr unsigned kMaxCodeSize = 12;
 constexpr std::uint32_t kReserved = 0x4000'0000;  // a length no string has: the codes that clear and end
 
-void move16(std::uint8_t* to, const std::uint8_t* from) noexcept { std::memcpy(to, from, 16); }
+void move16(std::uint8_t* to, const std::uint8_t* from) noexcept {
+    std::memcpy(to, from, 16);
+}
 
 // The part of a string that the first move left.
 void moveRest(std::uint8_t* to, const std::uint8_t* from, std::size_t length) noexcept {
@@ -20,10 +21,6 @@ void moveRest(std::uint8_t* to, const std::uint8_t* from, std::size_t length) no
 }
 
 }  // namespace
-
-GIFLZW::GIFLZW() noexcept {
-    for (std::size_t code = 0; code < table_.size(); ++code) table_[code] = kOneLonger | (code & 0xFF);
-}
 
 void GIFLZW::useCodeSize(unsigned minimumCodeSize) noexcept {
     if (minimumCodeSize == minimumCodeSize_) return;
@@ -38,8 +35,8 @@ void GIFLZW::clear() noexcept {
     codeSize_ = minimumCodeSize_ + 1;
 }
 
-GIFLZW::Outcome GIFLZW::unpack(std::span<const std::uint8_t> packed, unsigned minimumCodeSize, std::uint8_t* plane,
-                               std::size_t count, std::size_t& reached) noexcept {
+GIFLZW::Outcome GIFLZW::unpack(std::span<const std::uint8_t> packed, unsigned minimumCodeSize,
+                               std::uint8_t* plane, std::size_t count, std::size_t& reached) noexcept {
     plane_ = plane;
     out_ = kLiterals;
     end_ = kLiterals + count;
@@ -55,13 +52,18 @@ GIFLZW::Outcome GIFLZW::unpack(std::span<const std::uint8_t> packed, unsigned mi
             if (!input.refill()) break;
             continue;
         }
-        if (fresh) stop = firstString(input);
-        else if (next_ == kMaxCodes) stop = strings<false>(input, codes);
-        else stop = strings<true>(input, std::min<std::size_t>(codes, (1U << codeSize_) - next_));
+        if (fresh)
+            stop = firstString(input);
+        else if (next_ == kMaxCodes)
+            stop = strings<false>(input, codes);
+        else
+            stop = strings<true>(input, std::min<std::size_t>(codes, (1U << codeSize_) - next_));
 
         fresh = stop == Stop::ClearCode;
-        if (fresh) clear();
-        else if (next_ == 1U << codeSize_ && codeSize_ < kMaxCodeSize) ++codeSize_;
+        if (fresh)
+            clear();
+        else if (next_ == 1U << codeSize_ && codeSize_ < kMaxCodeSize)
+            ++codeSize_;
     }
     reached = std::min(out_, end_) - kLiterals;
     if (out_ >= end_) return Outcome::Complete;
@@ -80,7 +82,8 @@ GIFLZW::Stop GIFLZW::firstString(GIFSubBlocks& input) noexcept {
     return Stop::CountDone;
 }
 
-// `count` codes of one size. While the dictionary grows each adds an entry, and there is room for all of them.
+// `count` codes of one size. While the dictionary grows each adds an entry, and there is room for all of
+// them.
 template <bool growing>
 GIFLZW::Stop GIFLZW::strings(GIFSubBlocks& input, std::size_t count) noexcept {
     std::uint8_t* const plane = plane_;

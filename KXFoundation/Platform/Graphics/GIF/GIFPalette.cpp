@@ -1,8 +1,7 @@
-#include <KXFoundation/Platform/Graphics/GIF/GIFPalette.h>
-
 #include <algorithm>
 #include <cstring>
 
+#include <KXFoundation/Platform/Graphics/GIF/GIFPalette.h>
 #include <KXFoundation/Platform/Graphics/GIF/GIFWidePalette.h>
 
 namespace kx {
@@ -29,7 +28,8 @@ struct GIFPalette::Plain {
         std::size_t i = 0;
         for (; i + kStep <= indices.size(); i += kStep) {
             std::uint64_t eight = load8(&indices[i]);
-            for (std::size_t k = 0; k < kStep; ++k, eight >>= 8) store(pixels, i + k, palette.colours_[eight & 0xFF]);
+            for (std::size_t k = 0; k < kStep; ++k, eight >>= 8)
+                store(pixels, i + k, palette.colours_[eight & 0xFF]);
         }
         for (; i < indices.size(); ++i) store(pixels, i, palette.colours_[indices[i]]);
     }
@@ -80,7 +80,8 @@ void GIFPalette::use(std::span<const std::uint8_t> rgb) noexcept {
         channels_[2][i] = red;
     }
     std::fill(colours_.begin() + static_cast<std::ptrdiff_t>(size), colours_.end(), 0xFF000000);
-    for (auto& channel : channels_) std::fill(channel.begin() + static_cast<std::ptrdiff_t>(size), channel.end(), std::uint8_t{0});
+    for (auto& channel : channels_)
+        std::fill(channel.begin() + static_cast<std::ptrdiff_t>(size), channel.end(), std::uint8_t{0});
 }
 
 }  // namespace kx

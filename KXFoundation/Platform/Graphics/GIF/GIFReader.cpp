@@ -1,8 +1,8 @@
-#include <KXFoundation/Platform/Graphics/GIF/GIFReader.h>
-
 #include <algorithm>
 #include <string_view>
 #include <utility>
+
+#include <KXFoundation/Platform/Graphics/GIF/GIFReader.h>
 
 /// The grammar, in the format's own order ("Graphics Interchange Format, Version 89a", 1990):
 ///
@@ -34,13 +34,18 @@ bool saysHowOftenToLoop(std::span<const std::uint8_t> identifier) noexcept {
 
 GIFDisposal disposalOf(std::uint8_t flags) noexcept {
     switch (flags >> 2 & 7) {
-        case 2: return GIFDisposal::Background;
-        case 3: return GIFDisposal::Previous;
-        default: return GIFDisposal::Keep;  // 0: unspecified, 1: keep, the rest: reserved
+        case 2:
+            return GIFDisposal::Background;
+        case 3:
+            return GIFDisposal::Previous;
+        default:
+            return GIFDisposal::Keep;  // 0: unspecified, 1: keep, the rest: reserved
     }
 }
 
-Error failure(ErrorKind kind, const char* where) { return {kind, 0, where}; }
+Error failure(ErrorKind kind, const char* where) {
+    return {kind, 0, where};
+}
 
 }  // namespace
 
@@ -85,11 +90,18 @@ Result<std::optional<GIFFrame>> GIFReader::next() {
     if (std::exchange(insideFrame_, false)) skipSubBlocks();
     while (left() > 0) {
         switch (bytes_[at_]) {
-            case kExtension: readExtension(); break;
-            case kFrame: return readFrame();
-            case kTrailer: return std::optional<GIFFrame>();
-            case 0: ++at_; break;  // a surplus terminator; some writers leave one
-            default: return failure(ErrorKind::Corrupt, "GIF block");
+            case kExtension:
+                readExtension();
+                break;
+            case kFrame:
+                return readFrame();
+            case kTrailer:
+                return std::optional<GIFFrame>();
+            case 0:
+                ++at_;
+                break;  // a surplus terminator; some writers leave one
+            default:
+                return failure(ErrorKind::Corrupt, "GIF block");
         }
     }
     return std::optional<GIFFrame>();
@@ -150,7 +162,8 @@ std::optional<std::span<const std::uint8_t>> GIFReader::subBlock() noexcept {
 }
 
 void GIFReader::skipSubBlocks() noexcept {
-    while (subBlock()) {}
+    while (subBlock()) {
+    }
     at_ = std::min(at_ + 1, bytes_.size());
 }
 
@@ -182,13 +195,16 @@ GIFContents GIFReader::contents() const {
     return contents;
 }
 
-std::size_t GIFContents::keyFrame(std::size_t index, std::uint32_t canvasWidth,
-                                  std::uint32_t canvasHeight) const noexcept {
+std::size_t GIFContents::keyFrame(std::size_t index, std::uint32_t canvasWidth, std::uint32_t canvasHeight,
+                                  const std::function<bool(const GIFFrame&)>& isComplete) const {
+    const auto whole = [&](const GIFFrame& frame) { return !isComplete || isComplete(frame); };
     for (std::size_t i = index; i > 0; --i) {
-        const GIFFrame& before = frames[i - 1];
-        const bool startsEmpty = before.disposal == GIFDisposal::Background &&
-                                 before.coversCanvas(canvasWidth, canvasHeight);
-        if (startsEmpty || frames[i].hidesCanvas(canvasWidth, canvasHeight)) return i;
+        const GIFFrame &frame = frames[i], &before = frames[i - 1];
+        const bool givesBack = i < index && frame.disposal == GIFDisposal::Previous;
+        if (frame.hidesCanvas(canvasWidth, canvasHeight) && !givesBack && whole(frame)) return i;
+        const bool cleared =
+            before.disposal == GIFDisposal::Background && before.coversCanvas(canvasWidth, canvasHeight);
+        if (cleared && whole(before)) return i;
     }
     return 0;
 }

@@ -2,6 +2,7 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <functional>
 #include <optional>
 #include <span>
 #include <vector>
@@ -14,20 +15,25 @@ namespace kx {
 /// All frames of a file and what it says about playing them, found without unpacking a pixel.
 struct GIFContents {
     std::vector<GIFFrame> frames;
-    std::uint16_t loopCount = 0;   ///< how often the animation plays; 0 is for ever
-    std::optional<Error> problem;  ///< why there may have been more frames; none at a proper or missing trailer
+    std::uint16_t loopCount = 0;  ///< how often the animation plays; 0 is for ever
+    std::optional<Error>
+        problem;  ///< why there may have been more frames; none at a proper or missing trailer
 
-    /// The latest frame, not after `index`, that a canvas may be built up from, given that frame and the one before
-    /// it are complete. Frame 0 always is one.
-    [[nodiscard]] KX_EXPORT std::size_t keyFrame(std::size_t index, std::uint32_t canvasWidth,
-                                                 std::uint32_t canvasHeight) const noexcept;
+    /// The latest frame, not after `index`, that `index` may be built up from on an empty canvas; frame 0 if
+    /// no other. Where data are broken older pixels stay to be seen, so `isComplete` is asked whether those
+    /// of a frame are whole; without it all count as whole.
+    [[nodiscard]] KX_EXPORT std::size_t keyFrame(
+        std::size_t index, std::uint32_t canvasWidth, std::uint32_t canvasHeight,
+        const std::function<bool(const GIFFrame&)>& isComplete = {}) const;
 };
 
-/// Reads the structure of a GIF, one frame at a time: header, screen, palettes, extensions. Unpacks nothing and
-/// allocates nothing (but for contents). The bytes stay the caller's and must outlive the reader and its frames.
+/// Reads the structure of a GIF, one frame at a time: header, screen, palettes, extensions. Unpacks nothing
+/// and allocates nothing (but for contents). The bytes stay the caller's and must outlive the reader and its
+/// frames.
 class KX_EXPORT GIFReader {
- public:
-    /// Reads up to the first block. Corrupt: no GIF. Ended: stops inside the header. TooLarge: canvas beyond limits.
+  public:
+    /// Reads up to the first block. Corrupt: no GIF. Ended: stops inside the header. TooLarge: canvas beyond
+    /// limits.
     static Result<GIFReader> open(std::span<const std::uint8_t> bytes, GIFLimits limits = {});
 
     [[nodiscard]] std::uint32_t width() const noexcept { return width_; }
@@ -37,8 +43,8 @@ class KX_EXPORT GIFReader {
     /// As far as the file was read: 0, for ever, until an extension says otherwise.
     [[nodiscard]] std::uint16_t loopCount() const noexcept { return loopCount_.value_or(0); }
 
-    /// The next frame, or why there is none: none left (a value of std::nullopt; a missing trailer is one too),
-    /// Ended inside a frame's description, Corrupt at a block that the format does not know.
+    /// The next frame, or why there is none: none left (a value of std::nullopt; a missing trailer is one
+    /// too), Ended inside a frame's description, Corrupt at a block that the format does not know.
     Result<std::optional<GIFFrame>> next();
 
     /// Starts over at the first frame.
@@ -47,8 +53,9 @@ class KX_EXPORT GIFReader {
     /// Every frame of the file, wherever this reader stands. Takes a step for each 255 bytes.
     [[nodiscard]] GIFContents contents() const;
 
- private:
-    GIFReader(std::span<const std::uint8_t> bytes, GIFLimits limits) noexcept : bytes_(bytes), limits_(limits) {}
+  private:
+    GIFReader(std::span<const std::uint8_t> bytes, GIFLimits limits) noexcept
+        : bytes_(bytes), limits_(limits) {}
 
     [[nodiscard]] std::size_t left() const noexcept { return bytes_.size() - at_; }
     [[nodiscard]] std::uint32_t word(std::size_t offset) const noexcept;
@@ -67,8 +74,8 @@ class KX_EXPORT GIFReader {
     std::uint32_t width_ = 0, height_ = 0;
     std::span<const std::uint8_t> globalPalette_;
     std::optional<std::uint16_t> loopCount_;
-    GIFFrame control_;            // what a graphic control extension said about the frame to come
-    bool insideFrame_ = false;    // the sub-blocks of the frame given last are still ahead
+    GIFFrame control_;          // what a graphic control extension said about the frame to come
+    bool insideFrame_ = false;  // the sub-blocks of the frame given last are still ahead
 };
 
 }  // namespace kx

@@ -9,11 +9,11 @@
 
 namespace kx {
 
-/// The codes of a frame: bits, least significant first, out of sub-blocks of up to 255 bytes. Blocks are joined in
-/// a small buffer so that the loop over the codes sees no block ends, and 8 bytes may be loaded wherever a code
-/// begins.
+/// The codes of a frame: bits, least significant first, out of sub-blocks of up to 255 bytes. Blocks are
+/// joined in a small buffer so that the loop over the codes sees no block ends, and 8 bytes may be loaded
+/// wherever a code begins.
 class GIFSubBlocks {
- public:
+  public:
     explicit GIFSubBlocks(std::span<const std::uint8_t> packed) noexcept
         : at_(packed.data()), end_(packed.data() + packed.size()) {}
 
@@ -43,7 +43,7 @@ class GIFSubBlocks {
         return filled > kept;
     }
 
- private:
+  private:
     static constexpr std::size_t kRoom = 4096, kPadding = 8;
 
     std::size_t appendBlock(std::size_t filled) noexcept {

@@ -33,8 +33,8 @@ KX_WIDE inline __m512i lookUp(const Channel& channel, __m512i indices, __mmask64
     return _mm512_mask_blend_epi8(upperHalf, lower, upper);
 }
 
-// Unpacking interleaves inside 128-bit lanes, so the groups of four indices change places first: then pixels[k]
-// holds the pixels 16k to 16k + 15.
+// Unpacking interleaves inside 128-bit lanes, so the groups of four indices change places first: then
+// pixels[k] holds the pixels 16k to 16k + 15.
 KX_WIDE inline Block colour(const Channel (&channels)[3], __m512i indices) noexcept {
     const __m512i order = _mm512_setr_epi32(0, 4, 8, 12, 1, 5, 9, 13, 2, 6, 10, 14, 3, 7, 11, 15);
     indices = _mm512_maskz_permutexvar_epi32(0xFFFF, order, indices);
@@ -43,7 +43,8 @@ KX_WIDE inline Block colour(const Channel (&channels)[3], __m512i indices) noexc
     const __m512i green = lookUp(channels[1], indices, upperHalf);
     const __m512i red = lookUp(channels[2], indices, upperHalf);
     const __m512i alpha = _mm512_set1_epi8(-1);
-    const __m512i blueGreen0 = _mm512_unpacklo_epi8(blue, green), blueGreen1 = _mm512_unpackhi_epi8(blue, green);
+    const __m512i blueGreen0 = _mm512_unpacklo_epi8(blue, green),
+                  blueGreen1 = _mm512_unpackhi_epi8(blue, green);
     const __m512i redAlpha0 = _mm512_unpacklo_epi8(red, alpha), redAlpha1 = _mm512_unpackhi_epi8(red, alpha);
     return {{_mm512_unpacklo_epi16(blueGreen0, redAlpha0), _mm512_unpackhi_epi16(blueGreen0, redAlpha0),
              _mm512_unpacklo_epi16(blueGreen1, redAlpha1), _mm512_unpackhi_epi16(blueGreen1, redAlpha1)}};
@@ -52,14 +53,17 @@ KX_WIDE inline Block colour(const Channel (&channels)[3], __m512i indices) noexc
 // Writes the pixels whose bit is set.
 KX_WIDE inline void store(std::uint8_t* pixels, const Block& block, __mmask64 wanted) noexcept {
     for (std::size_t k = 0; k < 4; ++k)
-        _mm512_mask_storeu_epi32(pixels + 64 * k, static_cast<__mmask16>(wanted >> (kGroup * k)), block.pixels[k]);
+        _mm512_mask_storeu_epi32(pixels + 64 * k, static_cast<__mmask16>(wanted >> (kGroup * k)),
+                                 block.pixels[k]);
 }
 
 KX_WIDE inline void storeAll(std::uint8_t* pixels, const Block& block) noexcept {
     for (std::size_t k = 0; k < 4; ++k) _mm512_storeu_si512(pixels + 64 * k, block.pixels[k]);
 }
 
-inline __mmask64 firstOf(std::size_t count) noexcept { return ~std::uint64_t{0} >> (kStep - count); }
+inline __mmask64 firstOf(std::size_t count) noexcept {
+    return ~std::uint64_t{0} >> (kStep - count);
+}
 
 }  // namespace
 
@@ -80,7 +84,8 @@ KX_WIDE void GIFWidePalette::paint(const Channels& channels, std::uint8_t* pixel
 }
 
 KX_WIDE void GIFWidePalette::paintOver(const Channels& channels, std::uint8_t* pixels,
-                                       std::span<const std::uint8_t> indices, std::uint8_t transparent) noexcept {
+                                       std::span<const std::uint8_t> indices,
+                                       std::uint8_t transparent) noexcept {
     const Channel loaded[3] = {load(channels[0]), load(channels[1]), load(channels[2])};
     const __m512i nothing = _mm512_set1_epi8(static_cast<char>(transparent));
     for (std::size_t i = 0; i < indices.size(); i += kStep) {
@@ -97,7 +102,9 @@ KX_WIDE void GIFWidePalette::paintOver(const Channels& channels, std::uint8_t* p
 
 namespace kx {
 
-bool GIFWidePalette::available() noexcept { return false; }
+bool GIFWidePalette::available() noexcept {
+    return false;
+}
 void GIFWidePalette::paint(const Channels&, std::uint8_t*, std::span<const std::uint8_t>) noexcept {}
 void GIFWidePalette::paintOver(const Channels&, std::uint8_t*, std::span<const std::uint8_t>,
                                std::uint8_t) noexcept {}
