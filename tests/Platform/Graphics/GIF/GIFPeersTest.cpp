@@ -1,0 +1,57 @@
+#include <cstring>
+
+#include <gtest/gtest.h>
+
+#include <KXFoundation/Platform/Graphics/GIF/GIFDecoder.h>
+
+#include "GIFCases.h"
+#include "gif_peers.h"
+
+// Independent decoders, pixel by pixel. What no frame painted has no colour, whatever a decoder writes there.
+namespace kx {
+namespace {
+
+using Bytes = std::vector<std::uint8_t>;
+using Canvas = std::vector<std::uint32_t>;
+using Peer = int (*)(std::span<const std::uint8_t>, Bytes&, const peers::GIFSink&);
+
+std::vector<Canvas> decodeWith(Peer peer, const Bytes& file) {
+    std::vector<Canvas> shown;
+    Bytes scratch;
+    peer(file, scratch, [&](const peers::GIFPicture& picture) {
+        Canvas& canvas = shown.emplace_back(picture.bytes.size() / 4);
+        std::memcpy(canvas.data(), picture.bytes.data(), picture.bytes.size());
+        for (std::uint32_t& pixel : canvas)
+            if (pixel >> 24 == 0) pixel = 0;
+        return true;
+    });
+    return shown;
+}
+
+std::vector<Canvas> decode(const Bytes& file) {
+    std::vector<Canvas> shown;
+    auto decoder = GIFDecoder::open(file);
+    Canvas canvas(std::size_t{decoder->width()} * decoder->height());
+    const GIFPixels pixels{reinterpret_cast<std::uint8_t*>(canvas.data()), std::size_t{decoder->width()} * 4};
+    while (true) {
+        const auto frame = decoder->next(pixels);
+        if (!frame || !*frame) return shown;
+        shown.push_back(canvas);
+    }
+}
+
+TEST(GIFPeers, GiveTheSamePixels) {
+    std::size_t compared = 0;
+    testing::forEachGIFCase([&](const testing::GIFCase& gif) {
+        const std::vector<Canvas> frames = decode(gif.file.bytes());
+        EXPECT_TRUE(decodeWith(peers::gifWithGiflib, gif.file.bytes()) == frames) << "giflib, " << gif.name;
+        // FFmpeg moves frames without area, or wholly outside, into the canvas.
+        if (!gif.everyFrameShows) return;
+        ++compared;
+        EXPECT_TRUE(decodeWith(peers::gifWithFFmpeg, gif.file.bytes()) == frames) << "FFmpeg, " << gif.name;
+    });
+    EXPECT_GT(compared, 50u);
+}
+
+}  // namespace
+}  // namespace kx
