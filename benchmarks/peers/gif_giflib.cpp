@@ -61,6 +61,14 @@ class Compositor {
         return true;
     }
 
+    void skipData() {
+        int size = 0;
+        GifByteType* block = nullptr;
+        if (DGifGetCode(gif_, &size, &block) != GIF_OK) return;
+        while (block)
+            if (DGifGetCodeNext(gif_, &block) != GIF_OK) return;
+    }
+
     void loadColours() {
         const GifImageDesc& frame = gif_->Image;
         const ColorMapObject* map = frame.ColorMap ? frame.ColorMap : gif_->SColorMap;
@@ -74,7 +82,7 @@ class Compositor {
     void paintFrame() {
         static constexpr int kStart[] = {0, 4, 2, 1}, kStep[] = {8, 8, 4, 2};
         const GifImageDesc& frame = gif_->Image;
-        if (frame.Width == 0 || frame.Height == 0) return;
+        if (frame.Width == 0 || frame.Height == 0) return skipData();
         loadColours();
         for (int pass = 0; pass < (frame.Interlace ? 4 : 1); ++pass)
             for (int y = frame.Interlace ? kStart[pass] : 0; y < frame.Height;

@@ -18,7 +18,7 @@
 
 #include <KXFoundation/Platform/Graphics/GIF/GIFDecoder.h>
 
-#include "../../peers/gif_peers.h"
+#include "benchmarks/peers/gif_peers.h"
 
 namespace {
 

@@ -109,7 +109,9 @@ void GIFCanvas::dispose(GIFPixels pixels) {
 
 void GIFCanvas::keepForLater(GIFPixels pixels) {
     const std::size_t length = std::size_t{last_.visible} * 4;
+    const std::size_t rows = last_.reached / std::max<std::uint32_t>(1, last_.rect.width) + 1;
     covered_.clear();
+    covered_.reserve(length * std::min<std::size_t>(rows, height_));
     forEachRow(last_, [&](std::uint32_t x, std::uint32_t y, std::size_t) {
         covered_.insert(covered_.end(), pixels.at(x, y), pixels.at(x, y) + length);
     });

@@ -11,8 +11,11 @@ namespace {
 constexpr unsigned kMaxCodeSize = 12;
 constexpr std::uint32_t kReserved = 0x4000'0000;  // a length no string has: the codes that clear and end
 
+// One load, one store: the places may overlap.
 void move16(std::uint8_t* to, const std::uint8_t* from) noexcept {
-    std::memcpy(to, from, 16);
+    std::array<std::uint8_t, 16> bytes;
+    std::memcpy(bytes.data(), from, bytes.size());
+    std::memcpy(to, bytes.data(), bytes.size());
 }
 
 // The part of a string that the first move left.

@@ -42,20 +42,40 @@ std::vector<std::uint8_t> someIndices(Random& random, std::size_t count, unsigne
     return indices;
 }
 
-GIFWriterFrame someFrame(Random& random, const GIFCase& gif, unsigned depth, bool wholeCanvas) {
+enum class Place { WholeCanvas, Inside, Anywhere };
+
+GIFWriterFrame someFrame(Random& random, const GIFCase& gif, unsigned depth, Place place) {
     GIFWriterFrame frame;
-    const auto upTo = [&](unsigned bound) { return static_cast<std::uint16_t>(random() % (bound + 1)); };
-    if (!wholeCanvas) frame.left = upTo(gif.width), frame.top = upTo(gif.height);
-    frame.width = wholeCanvas ? gif.width : upTo(gif.width);
-    frame.height = wholeCanvas ? gif.height : upTo(gif.height);
+    const auto upTo = [&](int bound) {
+        return static_cast<std::uint16_t>(random() % (static_cast<unsigned>(bound) + 1));
+    };
+    frame.width = gif.width;
+    frame.height = gif.height;
+    if (place == Place::Inside) {
+        frame.left = upTo(gif.width - 1);
+        frame.top = upTo(gif.height - 1);
+        frame.width = static_cast<std::uint16_t>(1 + upTo(gif.width - frame.left - 1));
+        frame.height = static_cast<std::uint16_t>(1 + upTo(gif.height - frame.top - 1));
+    } else if (place == Place::Anywhere) {
+        frame.left = upTo(gif.width);
+        frame.top = upTo(gif.height);
+        frame.width = upTo(gif.width);
+        frame.height = upTo(gif.height);
+    }
     frame.indices = someIndices(random, std::size_t{frame.width} * frame.height, depth);
     frame.delayHundredths = upTo(20);
     if (random() % 3 == 0) frame.palette = somePalette(random, depth);
     return frame;
 }
 
-GIFCase makeCase(const Shape& shape, unsigned disposal, bool interlaced, bool transparent,
-                 GIFWriter::Packing packing, unsigned seed) {
+struct Kind {
+    unsigned disposal;
+    bool interlaced, transparent;
+    GIFWriter::Packing packing;
+    Place place;
+};
+
+GIFCase makeCase(const Shape& shape, const Kind& kind, unsigned seed) {
     Random random(seed);
     const auto palette = somePalette(random, shape.depth);
     GIFCase gif{"case " + std::to_string(seed),
@@ -63,14 +83,14 @@ GIFCase makeCase(const Shape& shape, unsigned disposal, bool interlaced, bool tr
                 shape.height,
                 palette,
                 {},
-                GIFWriter(shape.width, shape.height, palette, shape.depth, packing)};
+                GIFWriter(shape.width, shape.height, palette, shape.depth, kind.packing)};
     for (unsigned i = 0; i < 5; ++i) {
-        GIFWriterFrame frame = someFrame(random, gif, shape.depth, i == 0 || random() % 4 == 0);
-        frame.disposal = static_cast<std::uint8_t>(i % 2 == 0 ? disposal : random() % 4);
-        frame.interlaced = interlaced;
-        if (transparent) frame.transparentIndex = frame.indices.empty() ? std::uint8_t{0} : frame.indices[0];
-        gif.everyFrameShows &=
-            frame.width > 0 && frame.height > 0 && frame.left < gif.width && frame.top < gif.height;
+        const Place place = i == 0 || random() % 4 == 0 ? Place::WholeCanvas : kind.place;
+        GIFWriterFrame frame = someFrame(random, gif, shape.depth, place);
+        frame.disposal = static_cast<std::uint8_t>(i % 2 == 0 ? kind.disposal : random() % 4);
+        frame.interlaced = kind.interlaced;
+        if (kind.transparent)
+            frame.transparentIndex = frame.indices.empty() ? std::uint8_t{0} : frame.indices[0];
         gif.file.frame(frame);
         gif.frames.push_back(frame);
     }
@@ -91,14 +111,16 @@ void paint(const GIFCase& gif, const GIFWriterFrame& frame, std::vector<std::uin
 }  // namespace
 
 void forEachGIFCase(const std::function<void(const GIFCase&)>& test) {
+    using enum GIFWriter::Packing;
     unsigned seed = 0;
     for (const Shape& shape : kShapes)
         for (unsigned disposal = 0; disposal < 4; ++disposal)
             for (const bool interlaced : {false, true})
                 for (const bool transparent : {false, true})
-                    for (const auto packing : {GIFWriter::Packing::Literals, GIFWriter::Packing::Strings,
-                                               GIFWriter::Packing::DeferredClear})
-                        test(makeCase(shape, disposal, interlaced, transparent, packing, seed++));
+                    for (const auto packing : {Literals, Strings, DeferredClear})
+                        for (const Place place : {Place::Inside, Place::Anywhere})
+                            test(
+                                makeCase(shape, {disposal, interlaced, transparent, packing, place}, seed++));
 }
 
 std::vector<std::vector<std::uint32_t>> expectedCanvases(const GIFCase& gif) {

@@ -17,7 +17,6 @@ struct GIFCase {
     std::vector<std::uint8_t> palette;
     std::vector<GIFWriterFrame> frames;
     GIFWriter file;
-    bool everyFrameShows = true;  // each has area, and some of it on the canvas
 };
 
 void forEachGIFCase(const std::function<void(const GIFCase&)>& test);
