@@ -1,3 +1,5 @@
+#include <algorithm>
+
 #include <gtest/gtest.h>
 
 #include <KXFoundation/AppEnvironment/CloudLocales.h>
