@@ -1,6 +1,7 @@
 #include "support/ScopedPlatform.h"
 
 #include <KXFoundation/Platform/Foundation/NSBundle.h>
+#include <KXFoundation/Platform/Runtime/Executor.h>
 
 namespace kx::testing {
 
@@ -10,6 +11,7 @@ ScopedPlatform::ScopedPlatform()
       locale_(std::make_shared<InjectedLocale>()),
       environmentScope_(environment_),
       localeScope_(locale_) {
+    drainQueues();
     const std::string home = directory_.makeDirectory("home");
     environment_->set("HOME", home)
         .set("XDG_CONFIG_HOME", home + "/config")
@@ -19,9 +21,10 @@ ScopedPlatform::ScopedPlatform()
     begin();
 }
 
-ScopedPlatform::~ScopedPlatform() = default;
+ScopedPlatform::~ScopedPlatform() { drainQueues(); }
 
 void ScopedPlatform::restart() {
+    drainQueues();  // blocks may use objects of the process that ends
     state_.reset();
     begin();
 }

@@ -32,14 +32,15 @@ class KX_EXPORT Executor {
     /// Runs the job soon on a background thread.
     virtual void runInBackground(Job job) = 0;
 
-    /// Gives the mutex up, waits until the point is woken, and takes it again; other work goes on meanwhile. Wakes
-    /// spuriously.
+    /// Gives the mutex up, waits until the point is woken, and takes it again; other work goes on meanwhile.
+    /// Wakes spuriously.
     virtual void wait(Mutex& mutex, WaitPoint& point) KX_REQUIRES(mutex) = 0;
     /// Wakes every thread that waits at the point. The caller holds the mutex that they wait under.
     virtual void wake(WaitPoint& point) = 0;
 
-    /// Returns once no job runs or waits. The main thread runs its own jobs meanwhile; to another thread's
-    /// call those do not count. A caller error from inside a background job.
+    /// Returns once no job is left to start and each that has begun has ended or waits at a wait point. The
+    /// main thread runs its own jobs meanwhile; to another thread's call those do not count. A caller error
+    /// from inside a background job.
     virtual void drain() = 0;
 
     static PortSlot<Executor>& slot();

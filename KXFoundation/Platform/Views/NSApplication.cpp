@@ -1,7 +1,6 @@
 #include <algorithm>
 #include <atomic>
 #include <mutex>
-#include <thread>
 
 #include <KXFoundation/Platform/Foundation/NSNotificationCenter.h>
 #include <KXFoundation/Platform/Foundation/NSNotificationNames.h>
@@ -18,7 +17,7 @@ namespace {
 struct ApplicationState {
     std::once_flag once;
     std::shared_ptr<NSApplication> application;
-    std::atomic<std::thread::id> mainThread;  // no thread's before there is an application
+    std::atomic<bool> isMade{false};
 };
 
 constinit ProcessState<ApplicationState> applicationState;
@@ -28,16 +27,15 @@ constinit ProcessState<ApplicationState> applicationState;
 std::shared_ptr<NSApplication> NSApplication::sharedApplication() {
     ApplicationState& state = applicationState.get();
     std::call_once(state.once, [&] {
-        state.mainThread = std::this_thread::get_id();
         adoptMainThread();
+        state.isMade = true;
         state.application = make<NSApplication>();
     });
     return state.application;
 }
 
 bool NSApplication::isMainThread() noexcept {
-    const std::thread::id main = applicationState.get().mainThread.load(std::memory_order_relaxed);
-    return main == std::thread::id() || main == std::this_thread::get_id();
+    return !applicationState.get().isMade.load(std::memory_order_relaxed) || kx::isMainThread();
 }
 
 bool NSApplication::init() {
@@ -45,7 +43,9 @@ bool NSApplication::init() {
     return Super::init();
 }
 
-NSApplication::~NSApplication() { EventLoop::main().removeBeforeWait(beforeWait_); }
+NSApplication::~NSApplication() {
+    EventLoop::main().removeBeforeWait(beforeWait_);
+}
 
 void NSApplication::run() {
     if (windows_.empty()) return;
@@ -54,12 +54,15 @@ void NSApplication::run() {
     running_ = false;
 }
 
-void NSApplication::stop() { EventLoop::main().stop(); }
+void NSApplication::stop() {
+    EventLoop::main().stop();
+}
 
 void NSApplication::focusChanged(bool focused) {
     active_ = focused;
     if (!focused) return;
-    NSNotificationCenter::defaultCenter().postNotificationName(NSApplicationWillBecomeActiveNotification, self());
+    NSNotificationCenter::defaultCenter().postNotificationName(NSApplicationWillBecomeActiveNotification,
+                                                               self());
 }
 
 void NSApplication::displayIfNeeded() {

@@ -8,6 +8,7 @@
 #include <malloc.h>
 
 #include <KXFoundation/Platform/Foundation/NSNotificationCenter.h>
+#include <KXFoundation/Platform/Foundation/NotificationName.h>
 
 namespace kx {
 namespace {
@@ -172,6 +173,21 @@ TEST_F(NSNotificationCenterTest, ATokenMayOutliveTheCentre) {
     }
     EXPECT_EQ(captured.use_count(), 1);
     token.remove();
+}
+
+TEST_F(NSNotificationCenterTest, ATypedNameCarriesItsPayload) {
+    static constinit const NotificationName<std::string> kSpoken{"test spoken"};
+    static constinit const NotificationName<std::shared_ptr<Harbour>> kBuilt{"test built"};
+    std::string heard;
+    const auto text = kSpoken.observe([&](std::string_view said) { heard += said; }, centre);
+    const auto object =
+        kBuilt.observe([&](const std::shared_ptr<Harbour>& made) { heard += made->className(); }, centre);
+    kSpoken.post("ahoy ", centre);
+    centre.postNotificationName("test spoken", nullptr, 7);  // of another type
+    centre.postNotificationName("test spoken", nullptr, "there ");
+    kBuilt.post(make<Harbour>(), centre);
+    centre.postNotificationName("test built", nullptr, make<NSObject>());
+    EXPECT_EQ(heard, "ahoy there Harbour");
 }
 
 TEST_F(NSNotificationCenterTest, ManyRegistrationsInTurnTakeNoMoreMemory) {
