@@ -225,6 +225,20 @@ TEST(WindowDrawing, ClippingCutsSubviews) {
     EXPECT_EQ(shown.surface().bitmap()->pixelAt(35, 35) >> 24, 255U) << "mixed with the window's background";
 }
 
+/// The greatest difference in any channel of any pixel.
+int difference(const std::vector<std::uint32_t>& a, const std::vector<std::uint32_t>& b) {
+    int greatest = a.size() == b.size() ? 0 : 256;
+    for (std::size_t i = 0; i < std::min(a.size(), b.size()); ++i) {
+        for (const unsigned shift : {0U, 8U, 16U, 24U}) {
+            const auto channel = [&](std::uint32_t pixel) { return static_cast<int>(pixel >> shift & 0xFF); };
+            greatest = std::max(greatest, std::abs(channel(a[i]) - channel(b[i])));
+        }
+    }
+    return greatest;
+}
+
+// A curve that the clip cuts is rasterised from another starting point: its edge may round another way by a level or
+// two. A missing or doubled edge differs by far more.
 TEST(WindowDrawing, DrawnInPiecesItLooksAsDrawnWhole) {
     for (const double scale : {1.0, 1.25, 2.0}) {
         const testing::OffscreenWindow shown({520, 310}, scale);
@@ -236,7 +250,7 @@ TEST(WindowDrawing, DrawnInPiecesItLooksAsDrawnWhole) {
              {NSRect(0, 0, 100.3, 33.3), NSRect(90, 30, 300, 120.7), NSRect(333, 17, 9, 200)}) {
             shown.window->setNeedsDisplay(piece);
         }
-        EXPECT_TRUE(shownPixels(shown) == whole) << "scale " << scale;
+        EXPECT_LE(difference(shownPixels(shown), whole), 4) << "scale " << scale;
     }
 }
 
