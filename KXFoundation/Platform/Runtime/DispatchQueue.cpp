@@ -193,8 +193,10 @@ void DispatchQueue::runNext() {
         executor().wake(changed_);
         return;
     }
-    Entry entry = std::move(pending_.front());
-    pending_.pop_front();
+    const std::size_t choices = std::min(pending_.size(), width_ - running_);
+    const auto chosen = pending_.begin() + static_cast<std::ptrdiff_t>(executor().choose(choices));
+    Entry entry = std::move(*chosen);
+    pending_.erase(chosen);
     ++running_;
     if (entry.turnOfWaiter) {
         *entry.turnOfWaiter = true;

@@ -61,6 +61,13 @@ struct EventLoop::State {
     std::atomic<bool> turned{false};
 
     void wake() const noexcept { static_cast<void>(eventfd_write(wakeUp, 1)); }
+    /// A wake that only ended run() must not cost the next wait a turn.
+    void forgetWake() {
+        const MutexLock lock(mutex);
+        if (!blocks.empty()) return;
+        eventfd_t ignored = 0;
+        static_cast<void>(eventfd_read(wakeUp, &ignored));
+    }
     bool watch(int operation, int descriptor) const noexcept {
         epoll_event event{EPOLLIN, {.fd = descriptor}};
         return epoll_ctl(poll, operation, descriptor, &event) == 0;
@@ -105,6 +112,7 @@ EventLoop::EventLoop() : state_(std::make_unique<State>()) {
 
 void EventLoop::run() {
     while (!state_->stopping.exchange(false)) turn(-1);
+    state_->forgetWake();
 }
 
 void EventLoop::stop() {
