@@ -17,7 +17,7 @@ namespace gallery {
 /// Places views below one another in a view, and side by side in rows that begin where the language's lines
 /// begin: on the right in a language written from right to left.
 class Column {
- public:
+  public:
     /// Between `left` and `left + width` of the view, from `top` down.
     Column(kx::NSView& view, double left, double top, double width);
 
@@ -37,7 +37,7 @@ class Column {
     [[nodiscard]] double y() const { return y_; }
     [[nodiscard]] double width() const { return width_; }
 
- private:
+  private:
     void place(const std::shared_ptr<kx::NSView>& view, double x, double width, double height);
 
     kx::NSView& view_;
@@ -48,7 +48,8 @@ class Column {
 };
 
 /// A line of text that cannot be edited.
-[[nodiscard]] std::shared_ptr<kx::NSTextField> label(std::string_view text, double size = 13, bool bold = false);
+[[nodiscard]] std::shared_ptr<kx::NSTextField> label(std::string_view text, double size = 13,
+                                                     bool bold = false);
 
 /// The frame mirrored inside a view of that width while the selected language is written from right to left.
 [[nodiscard]] kx::NSRect directed(kx::NSRect frame, double width);

@@ -19,29 +19,30 @@ constexpr double kMargin = 28;
 
 /// A plain area in one colour.
 class Area : public Subclass<Area, NSView> {
- public:
+  public:
     bool init(NSRect frame, std::shared_ptr<NSColor> color) {
         color_ = std::move(color);
         return Super::init(frame);
     }
     void drawRect(GraphicsContext& context, NSRect dirty) override { context.fill(dirty, *color_); }
 
- private:
+  private:
     std::shared_ptr<NSColor> color_;
 };
 
 }  // namespace
 
-/// The content view. What it holds is made by its layout, so that a new size, language or page take the same road.
+/// The content view. What it holds is made by its layout, so that a new size, language or page take the same
+/// road.
 class Gallery::Root : public Subclass<Root, Area> {
- public:
+  public:
     bool init(Gallery& gallery) {
         gallery_ = &gallery;
         return Super::init(NSRect(), NSColor::windowBackgroundColor());
     }
     void layout() override { gallery_->build(*this); }
 
- private:
+  private:
     Gallery* gallery_ = nullptr;
 };
 
@@ -73,7 +74,8 @@ void Gallery::build(NSView& root) {
 
 void Gallery::addSideList(NSView& root) {
     const NSSize size = root.frame().size;
-    auto side = make<Area>(directed({0, 0, kSideWidth, size.height}, size.width), NSColor::controlBackgroundColor());
+    auto side =
+        make<Area>(directed({0, 0, kSideWidth, size.height}, size.width), NSColor::controlBackgroundColor());
     Column column(*side, 16, 24, kSideWidth - 32);
     const auto title = label(text("app.title"), 15, true);
     column.add(title, title->frame().size.height);

@@ -13,7 +13,7 @@ namespace gallery {
 
 /// The gallery's one window: a list of the pages at the side where lines begin, the chosen page beside it.
 class Gallery {
- public:
+  public:
     static constexpr double kWidth = 980;
     static constexpr double kHeight = 720;
 
@@ -26,7 +26,7 @@ class Gallery {
     /// Makes side list and page anew before the next drawing, in the language of that moment.
     void rebuild();
 
- private:
+  private:
     class Root;
     void build(kx::NSView& root);
     void addSideList(kx::NSView& root);

@@ -20,7 +20,7 @@ constexpr const char* kLanguages[] = {"en", "ar", "zh-Hans", "de"};
 
 /// A folder for the settings of this run, removed at its end.
 class TemporarySettings {
- public:
+  public:
     TemporarySettings() {
         std::string path = (std::filesystem::temp_directory_path() / "kx-gallery-XXXXXX").string();
         if (mkdtemp(path.data())) path_ = path;
@@ -33,7 +33,7 @@ class TemporarySettings {
     TemporarySettings(const TemporarySettings&) = delete;
     TemporarySettings& operator=(const TemporarySettings&) = delete;
 
- private:
+  private:
     std::string path_;
 };
 

@@ -10,7 +10,8 @@ namespace gallery {
 using namespace kx;
 
 void InspectingWindow::sendEvent(const NSEvent& event) {
-    if (event.type == NSEventType::MouseDown && contains(event.modifierFlags, NSEventModifierFlags::Control)) {
+    if (event.type == NSEventType::MouseDown &&
+        contains(event.modifierFlags, NSEventModifierFlags::Control)) {
         inspect(event.locationInWindow);
     } else {
         Super::sendEvent(event);

@@ -21,6 +21,8 @@ constexpr PageEntry kPages[] = {
 
 }  // namespace
 
-std::span<const PageEntry> pages() { return kPages; }
+std::span<const PageEntry> pages() {
+    return kPages;
+}
 
 }  // namespace gallery

@@ -10,10 +10,10 @@ namespace gallery {
 
 class Gallery;
 
-/// One page of the gallery. It lives while it is shown; its controls are made anew after every change of language: what
-/// a page binds to a key is looked up once, when the control is made.
+/// One page of the gallery. It lives while it is shown; its controls are made anew after every change of
+/// language: what a page binds to a key is looked up once, when the control is made.
 class Page {
- public:
+  public:
     virtual ~Page() = default;
 
     /// Fills the page from the top down. `gallery` outlives the page.

@@ -22,7 +22,8 @@ int runInWindow(const std::string& page) {
     }
     gallery.window()->makeKeyAndOrderFront();
     if (!gallery.window()->surface()) {
-        std::fputs("gallery: there is no display; --headless DIRECTORY draws the pages into pictures\n", stderr);
+        std::fputs("gallery: there is no display; --headless DIRECTORY draws the pages into pictures\n",
+                   stderr);
         return 1;
     }
     kx::NSApplication::sharedApplication()->run();

@@ -8,7 +8,7 @@ using kx::KXLocalizationUtils;
 
 // An object of one's own: its id is the key of its name in the string tables of Resources/.
 class Harbour : public kx::Subclass<Harbour, kx::KXObject> {
- public:
+  public:
     bool init(const std::string& id) {
         if (!Super::init(id)) return false;
         setName(KXLocalizationUtils::localizedStringForKey(id, std::nullopt));

@@ -3,7 +3,7 @@
 namespace kx::testing {
 
 class CapturedLog::Sink final : public LogSink {
- public:
+  public:
     void write(LogLevel, std::string_view line) override {
         const std::lock_guard lock(mutex);
         lines.emplace_back(line);

@@ -12,11 +12,11 @@ namespace kx::testing {
 
 /// Takes the log for one scope and keeps its lines.
 class CapturedLog {
- public:
+  public:
     CapturedLog();
     [[nodiscard]] std::vector<std::string> lines() const;
 
- private:
+  private:
     class Sink;
     std::shared_ptr<Sink> sink_;
     ScopedPort<LogSink> scope_;
@@ -24,7 +24,7 @@ class CapturedLog {
 
 /// Turns strict mode off for one scope: for tests of the harmless answer to a caller error.
 class LenientMode {
- public:
+  public:
     LenientMode() { setStrictMode(false); }
     ~LenientMode() { setStrictMode(true); }
     LenientMode(const LenientMode&) = delete;

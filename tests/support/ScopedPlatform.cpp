@@ -21,7 +21,9 @@ ScopedPlatform::ScopedPlatform()
     begin();
 }
 
-ScopedPlatform::~ScopedPlatform() { drainQueues(); }
+ScopedPlatform::~ScopedPlatform() {
+    drainQueues();
+}
 
 void ScopedPlatform::restart() {
     drainQueues();  // blocks may use objects of the process that ends

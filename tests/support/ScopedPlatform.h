@@ -16,8 +16,8 @@
 namespace kx::testing {
 
 /// A process as if just started, for one scope: no process-wide object made yet, HOME and the XDG folders in
-/// a temporary directory, no other variable set, en-US preferred, an empty main bundle, and every queue idle at both
-/// ends.
+/// a temporary directory, no other variable set, en-US preferred, an empty main bundle, and every queue idle
+/// at both ends.
 ///
 ///     ScopedPlatform platform;
 ///     platform.bundle().addStrings("fr", {{"greeting", "Bonjour"}});

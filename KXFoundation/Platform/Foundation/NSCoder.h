@@ -11,11 +11,11 @@
 
 namespace kx {
 
-/// What an object is archived into and made from again: a dictionary of values by key. Decoding never fails: a
-/// missing key or a value of another type gives std::nullopt, and the object keeps its default.
-/// Not thread-safe.
+/// What an object is archived into and made from again: a dictionary of values by key. Decoding never fails:
+/// a missing key or a value of another type gives std::nullopt, and the object keeps its default. Not
+/// thread-safe.
 class KX_EXPORT NSCoder {
- public:
+  public:
     /// A coder to encode into.
     NSCoder() = default;
     /// A coder to decode from; anything but a dictionary holds no keys.
@@ -35,7 +35,7 @@ class KX_EXPORT NSCoder {
     /// Everything encoded so far, as a dictionary.
     [[nodiscard]] const Value& archive() const noexcept { return archive_; }
 
- private:
+  private:
     Value archive_;
 };
 

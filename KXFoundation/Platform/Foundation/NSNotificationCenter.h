@@ -73,7 +73,7 @@ class KX_EXPORT NSNotificationCenter {
     /// Calls the block until the token ends.
     template <std::invocable<const NSNotification&> Block>
     [[nodiscard]] NotificationToken addObserverForName(const NSNotificationName& name,
-                                         const std::shared_ptr<NSObject>& object, Block block) {
+                                                       const std::shared_ptr<NSObject>& object, Block block) {
         return add(std::make_unique<BlockObserver<Block>>(std::move(block)), name, nullptr, object);
     }
 

@@ -1,5 +1,4 @@
 #include <KXFoundation/Platform/Runtime/AssociatedValues.h>
-
 #include <KXFoundation/Platform/Runtime/SideRecord.h>
 
 namespace kx {

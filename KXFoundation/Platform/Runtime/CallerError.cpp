@@ -1,11 +1,10 @@
-#include <KXFoundation/Platform/Runtime/CallerError.h>
+#include <atomic>
+#include <cstdlib>
 
 #include <execinfo.h>
 #include <unistd.h>
 
-#include <atomic>
-#include <cstdlib>
-
+#include <KXFoundation/Platform/Runtime/CallerError.h>
 #include <KXFoundation/Platform/Runtime/Log.h>
 
 namespace kx {
@@ -14,9 +13,13 @@ namespace {
 constinit std::atomic<bool> strict{false};
 }
 
-void setStrictMode(bool on) noexcept { strict.store(on, std::memory_order_relaxed); }
+void setStrictMode(bool on) noexcept {
+    strict.store(on, std::memory_order_relaxed);
+}
 
-bool strictMode() noexcept { return strict.load(std::memory_order_relaxed); }
+bool strictMode() noexcept {
+    return strict.load(std::memory_order_relaxed);
+}
 
 void callerError(std::string_view what) {
     log(LogLevel::Fault, what);

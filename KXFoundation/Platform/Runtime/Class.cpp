@@ -1,5 +1,4 @@
 #include <KXFoundation/Platform/Runtime/Class.h>
-
 #include <KXFoundation/Platform/Runtime/ClassRegistry.h>
 #include <KXFoundation/Platform/Runtime/NSObject.h>
 
@@ -12,7 +11,9 @@ Class& Class::registered(const Description& description) {
     return ClassRegistry::shared().classFor(description);
 }
 
-Class* Class::named(std::string_view name) { return ClassRegistry::shared().named(name); }
+Class* Class::named(std::string_view name) {
+    return ClassRegistry::shared().named(name);
+}
 
 bool Class::isSubclassOf(const Class& other) const noexcept {
     for (const Class* cls = this; cls; cls = cls->superclass_) {
@@ -25,6 +26,8 @@ std::shared_ptr<NSObject> Class::allocate() const {
     return allocate_ ? allocate_(const_cast<Class&>(*this)) : nullptr;
 }
 
-std::string Class::describe() const { return ClassRegistry::shared().describe(*this); }
+std::string Class::describe() const {
+    return ClassRegistry::shared().describe(*this);
+}
 
 }  // namespace kx

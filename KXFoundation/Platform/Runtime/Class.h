@@ -18,7 +18,7 @@ class NSObject;
 /// What the runtime knows of a class: its name, its base and its two tables of exchangeable operations.
 /// Made once per class at first use, never destroyed, the same object in every library of the process.
 class KX_EXPORT Class {
- public:
+  public:
     [[nodiscard]] const std::string& name() const noexcept { return name_; }
     [[nodiscard]] Class* superclass() const noexcept { return superclass_; }
     [[nodiscard]] bool isSubclassOf(const Class& other) const noexcept;
@@ -49,10 +49,12 @@ class KX_EXPORT Class {
     };
     static Class& registered(const Description& description);
 
- private:
+  private:
     friend class ClassRegistry;
     explicit Class(const Description& description);
-    OperationTable& mutableTable(OperationKind kind) noexcept { return tables_[static_cast<std::size_t>(kind)]; }
+    OperationTable& mutableTable(OperationKind kind) noexcept {
+        return tables_[static_cast<std::size_t>(kind)];
+    }
 
     std::string name_;
     Class* superclass_;

@@ -1,6 +1,5 @@
-#include <KXFoundation/Platform/Runtime/ClassRegistry.h>
-
 #include <KXFoundation/Platform/Runtime/CallerError.h>
+#include <KXFoundation/Platform/Runtime/ClassRegistry.h>
 #include <KXFoundation/Platform/Runtime/Log.h>
 #include <KXFoundation/Platform/Runtime/OperationExchange.h>
 

@@ -12,21 +12,23 @@
 
 namespace kx {
 
-/// Every class and operation name of the process, and the one lock under which tables change. Private to Runtime.
+/// Every class and operation name of the process, and the one lock under which tables change. Private to
+/// Runtime.
 class ClassRegistry {
- public:
+  public:
     static ClassRegistry& shared();
 
     Class& classFor(const Class::Description& description);
     Class* named(std::string_view name);
 
-    std::uint32_t registerOperation(OperationKind kind, std::string_view name, const std::type_info& signature);
+    std::uint32_t registerOperation(OperationKind kind, std::string_view name,
+                                    const std::type_info& signature);
     void implement(Class& cls, OperationKind kind, std::uint32_t index, AnyFunction function,
                    OperationTable::Origin origin);
     void exchange(Class& cls, OperationKind kind, std::string_view target, std::string_view replacement);
     std::string describe(const Class& cls);
 
- private:
+  private:
     struct OperationName {
         std::string name;
         std::type_index signature;

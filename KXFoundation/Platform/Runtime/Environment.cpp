@@ -1,16 +1,15 @@
-#include <KXFoundation/Platform/Runtime/Environment.h>
-
-
 #include <cstdlib>
 #include <filesystem>
 #include <system_error>
+
+#include <KXFoundation/Platform/Runtime/Environment.h>
 
 namespace kx {
 
 namespace {
 
 class ProcessEnvironment final : public Environment {
- public:
+  public:
     std::optional<std::string> variable(const std::string& name) const override {
         const char* value = std::getenv(name.c_str());
         if (!value || !*value) return std::nullopt;
@@ -36,7 +35,9 @@ PortSlot<Environment>& Environment::slot() {
     return slot;
 }
 
-std::shared_ptr<Environment> Environment::makeDefault() { return std::make_shared<ProcessEnvironment>(); }
+std::shared_ptr<Environment> Environment::makeDefault() {
+    return std::make_shared<ProcessEnvironment>();
+}
 
 std::optional<std::string> baseDirectory(BaseDirectory which) {
     static constexpr struct {

@@ -12,7 +12,7 @@ namespace kx {
 /// The port of what the desktop tells a process at its start: variables and the program's own place.
 /// Only Platform asks it. Any thread.
 class KX_EXPORT Environment {
- public:
+  public:
     virtual ~Environment() = default;
 
     /// The variable's value; an unset and an empty one are both absent.

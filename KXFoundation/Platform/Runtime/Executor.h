@@ -32,8 +32,8 @@ class KX_EXPORT Executor {
     /// Runs the job soon on a background thread.
     virtual void runInBackground(Job job) = 0;
 
-    /// Which of `count` blocks of a concurrent queue, in the order of their coming, begins next: threads begin the
-    /// first, but nothing promises that it gets on first. A scheduler may answer any below `count`.
+    /// Which of `count` blocks of a concurrent queue, in the order of their coming, begins next: threads
+    /// begin the first, but nothing promises that it gets on first. A scheduler may answer any below `count`.
     [[nodiscard]] virtual std::size_t choose(std::size_t /*count*/) { return 0; }
 
     /// Gives the mutex up, waits until the point is woken, and takes it again; other work goes on meanwhile.

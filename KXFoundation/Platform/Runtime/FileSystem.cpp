@@ -1,8 +1,8 @@
-#include <KXFoundation/Platform/Runtime/FileSystem.h>
+#include <atomic>
 
 #include <unistd.h>
 
-#include <atomic>
+#include <KXFoundation/Platform/Runtime/FileSystem.h>
 
 namespace kx {
 

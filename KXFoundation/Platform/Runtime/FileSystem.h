@@ -16,7 +16,7 @@ namespace kx {
 
 /// An open file. Closed by its destructor. One thread at a time, but for readAt, which any may call.
 class KX_EXPORT File {
- public:
+  public:
     virtual ~File() = default;
 
     /// Reads up to `into.size()` bytes from `offset`; fewer only at the end of the file.
@@ -36,13 +36,13 @@ class KX_EXPORT File {
 /// The port of the file system: POSIX, or a double that fails, tears and forgets as a test asks.
 /// Paths are UTF-8; any thread.
 class KX_EXPORT FileSystem {
- public:
+  public:
     virtual ~FileSystem() = default;
 
     enum class Mode : std::uint8_t {
         Read,
-        ReadWrite,    ///< made (mode 0600) if missing
-        CreateNew,    ///< fails if it exists
+        ReadWrite,  ///< made (mode 0600) if missing
+        CreateNew,  ///< fails if it exists
     };
     struct Info {
         enum class Kind : std::uint8_t { File, Directory, Other } kind;

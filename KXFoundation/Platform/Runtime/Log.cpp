@@ -1,5 +1,3 @@
-#include <KXFoundation/Platform/Runtime/Log.h>
-
 #include <cerrno>
 #include <chrono>
 #include <cstdio>
@@ -8,13 +6,14 @@
 #include <string>
 
 #include <KXFoundation/Platform/Runtime/Clock.h>
+#include <KXFoundation/Platform/Runtime/Log.h>
 
 namespace kx {
 
 namespace {
 
 class StandardErrorSink final : public LogSink {
- public:
+  public:
     void write(LogLevel, std::string_view line) override {
         std::string text = program_invocation_short_name;
         text.append(": ").append(line).push_back('\n');
@@ -26,7 +25,8 @@ constexpr std::size_t kLongestLine = 4096;
 
 using ReportedAt = std::map<std::pair<std::string, ErrorKind>, std::chrono::nanoseconds>;
 
-/// Says whether this kind of error at this place was last reported a minute ago or more, and marks it reported.
+/// Says whether this kind of error at this place was last reported a minute ago or more, and marks it
+/// reported.
 bool claimReport(const char* place, ErrorKind kind) {
     static auto& mutex = *new std::mutex;
     static auto& reported = *new ReportedAt;
@@ -50,7 +50,9 @@ PortSlot<LogSink>& LogSink::slot() {
     return slot;
 }
 
-std::shared_ptr<LogSink> LogSink::makeDefault() { return std::make_shared<StandardErrorSink>(); }
+std::shared_ptr<LogSink> LogSink::makeDefault() {
+    return std::make_shared<StandardErrorSink>();
+}
 
 void log(LogLevel level, std::string_view line) {
     std::string clean(line.substr(0, kLongestLine));

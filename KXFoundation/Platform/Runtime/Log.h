@@ -14,7 +14,7 @@ enum class LogLevel : std::uint8_t { Info, Warning, Fault };
 
 /// Where log lines go: the port of the log. The adapter writes "<program>: <line>" to standard error.
 class KX_EXPORT LogSink {
- public:
+  public:
     virtual ~LogSink() = default;
 
     /// Takes one line without its line end. Called from any thread, one call at a time is not promised.
@@ -29,7 +29,8 @@ class KX_EXPORT LogSink {
 KX_EXPORT void log(LogLevel level, std::string_view line);
 
 /// The face of a subsystem reports an error here when it turns it into the harmless answer: at most one line
-/// a minute for each `place` (a string literal) and kind of error, so that a full disk does not flood the log.
+/// a minute for each `place` (a string literal) and kind of error, so that a full disk does not flood the
+/// log.
 KX_EXPORT void logError(const char* place, const Error& error);
 
 }  // namespace kx

@@ -1,16 +1,14 @@
-#include <KXFoundation/Platform/Runtime/Module.h>
-
-#include <dlfcn.h>
-#include <unistd.h>
-
-
 #include <cerrno>
 #include <map>
 #include <mutex>
 #include <string>
 
+#include <dlfcn.h>
+#include <unistd.h>
+
 #include <KXFoundation/Platform/Runtime/FileSystem.h>
 #include <KXFoundation/Platform/Runtime/Log.h>
+#include <KXFoundation/Platform/Runtime/Module.h>
 
 namespace kx {
 
@@ -18,7 +16,8 @@ namespace {
 
 constexpr ModuleHost kHost{.log = [](const char* line) { log(LogLevel::Warning, line); }};
 
-/// Modules are looked for beside our own library only: no variable and no working folder decides what code runs.
+/// Modules are looked for beside our own library only: no variable and no working folder decides what code
+/// runs.
 std::string modulePath(const char* name) {
     Dl_info self;
     if (!::dladdr(reinterpret_cast<const void*>(&openModule), &self) || !self.dli_fname) return {};

@@ -11,11 +11,11 @@ namespace kx {
 /// Holds an object's (or a class's) own recursive monitor for one scope: `const Monitor held(*view);`.
 /// The object must outlive the scope. Any thread.
 class KX_EXPORT Monitor {
- public:
+  public:
     explicit Monitor(NSObject& object);
     explicit Monitor(Class& cls) : lock_(cls.monitor()) {}
 
- private:
+  private:
     std::unique_lock<std::recursive_mutex> lock_;
 };
 

@@ -1,10 +1,11 @@
 #include <KXFoundation/Platform/Runtime/NSObject.h>
-
 #include <KXFoundation/Platform/Runtime/SideRecord.h>
 
 namespace kx {
 
-NSObject::~NSObject() { delete side_.load(std::memory_order_relaxed); }
+NSObject::~NSObject() {
+    delete side_.load(std::memory_order_relaxed);
+}
 
 Class& NSObject::classObject() {
     static Class& cls = Class::registered(
@@ -13,8 +14,12 @@ Class& NSObject::classObject() {
     return cls;
 }
 
-std::string NSObject::description() const { return "<" + className() + ">"; }
+std::string NSObject::description() const {
+    return "<" + className() + ">";
+}
 
-bool NSObject::isEqual(const NSObject& other) const { return this == &other; }
+bool NSObject::isEqual(const NSObject& other) const {
+    return this == &other;
+}
 
 }  // namespace kx

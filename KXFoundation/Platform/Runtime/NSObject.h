@@ -26,14 +26,15 @@
 ///     std::shared_ptr<MyList> list = kx::make<MyList>("Harbours");
 ///
 /// make() allocates, fixes the object's class, then runs the initialiser that fits its arguments. So an
-/// initialiser may register the object, hand it out (self()) and call virtual operations, and a base's initialiser
-/// already knows the class of what is being made. Constructors of object classes are protected and do nothing.
+/// initialiser may register the object, hand it out (self()) and call virtual operations, and a base's
+/// initialiser already knows the class of what is being made. Constructors of object classes are protected
+/// and do nothing.
 namespace kx {
 
 struct SideRecord;
 
 class KX_EXPORT NSObject : public std::enable_shared_from_this<NSObject> {
- public:
+  public:
     using ClassType = NSObject;
 
     virtual ~NSObject();
@@ -59,7 +60,7 @@ class KX_EXPORT NSObject : public std::enable_shared_from_this<NSObject> {
     /// A class's own operations are put into its tables here; see Operation.h.
     static void defineOperations(Class&) {}
 
- protected:
+  protected:
     NSObject() = default;
 
     /// The object itself, shared; from the initialiser on.
@@ -68,7 +69,7 @@ class KX_EXPORT NSObject : public std::enable_shared_from_this<NSObject> {
         return std::static_pointer_cast<T>(shared_from_this());
     }
 
- private:
+  private:
     template <class T>
     friend std::shared_ptr<T> allocateObject(Class& cls);
     friend SideRecord& sideRecord(NSObject& object);
@@ -94,7 +95,7 @@ std::shared_ptr<T> allocateObject(Class& cls) {
 
 /// Makes a T with the initialiser T::init(arguments...); nullptr when that answers false.
 template <class T, class... Arguments>
-    requires std::same_as<typename T::ClassType, T>  // derive through Subclass<T, Base>
+requires std::same_as<typename T::ClassType, T>  // derive through Subclass<T, Base>
 [[nodiscard]] std::shared_ptr<T> make(Arguments&&... arguments) {
     std::shared_ptr<T> object = allocateObject<T>(T::classObject());
     if (!object->init(std::forward<Arguments>(arguments)...)) return nullptr;
@@ -104,7 +105,8 @@ template <class T, class... Arguments>
 /// The unqualified name of a C++ type, as the compiler spells it.
 template <class T>
 [[nodiscard]] constexpr std::string_view typeName() noexcept {
-    std::string_view text = __PRETTY_FUNCTION__;  // "... [with T = kx::KXList; ...]" or "... [T = kx::KXList]"
+    std::string_view text =
+        __PRETTY_FUNCTION__;  // "... [with T = kx::KXList; ...]" or "... [T = kx::KXList]"
     text.remove_prefix(text.find("T = ") + 4);
     text = text.substr(0, text.find_first_of(";]"));
     const std::size_t scope = text.rfind("::");
@@ -114,22 +116,22 @@ template <class T>
 /// Ties a C++ type to its Class object: `class MyList : public Subclass<MyList, KXList>`.
 template <class Self, class Base>
 class Subclass : public Base {
- public:
+  public:
     using ClassType = Self;
     using Super = Base;
 
     static Class& classObject() {
-        static Class& cls = Class::registered({typeName<Self>(), typeid(Self), &Base::classObject(),
-                                               allocator(), operations()});
+        static Class& cls = Class::registered(
+            {typeName<Self>(), typeid(Self), &Base::classObject(), allocator(), operations()});
         return cls;
     }
 
- protected:
+  protected:
     Subclass() = default;
 
     [[nodiscard]] std::shared_ptr<Self> self() { return NSObject::self(static_cast<Self*>(this)); }
 
- private:
+  private:
     using Allocator = std::shared_ptr<NSObject> (*)(Class&);
     static constexpr Allocator allocator() {
         if constexpr (std::is_abstract_v<Self>) {
@@ -139,7 +141,8 @@ class Subclass : public Base {
         }
     }
     static constexpr void (*operations())(Class&) {
-        // A type without operations of its own inherits the name only; running it again would mark the base's own.
+        // A type without operations of its own inherits the name only; running it again would mark the base's
+        // own.
         return &Self::defineOperations == &Base::defineOperations ? nullptr : &Self::defineOperations;
     }
 };

@@ -11,8 +11,9 @@
 #include <KXFoundation/Platform/Runtime/NSObject.h>
 #include <KXFoundation/Platform/Runtime/OperationTable.h>
 
-/// An operation that can be exchanged at run time. Calling one looks its implementation up in the table of the
-/// receiver's class, at the cost of a virtual call; InstanceMethodSwizzling (OperationExchange.h) swaps entries.
+/// An operation that can be exchanged at run time. Calling one looks its implementation up in the table of
+/// the receiver's class, at the cost of a virtual call; InstanceMethodSwizzling (OperationExchange.h) swaps
+/// entries.
 ///
 ///     inline constinit Operation<void(NSTextAlignment)> setAlignmentOperation{"setAlignment:"};
 ///
@@ -21,10 +22,10 @@
 ///     }
 ///     void NSTextField::setAlignment(NSTextAlignment a) { setAlignmentOperation(*this, a); }
 ///
-/// The signature leaves the receiver out: it is NSObject& (Class& for class-level operations) behind a thunk, so
-/// a class may exchange what it inherits. One name has one signature; a second, different one is refused with a
-/// log line, and calls through it answer as an unknown operation does: a caller error, then R{}.
-/// Any thread may call; implementing and exchanging take one lock and may run while others call.
+/// The signature leaves the receiver out: it is NSObject& (Class& for class-level operations) behind a thunk,
+/// so a class may exchange what it inherits. One name has one signature; a second, different one is refused
+/// with a log line, and calls through it answer as an unknown operation does: a caller error, then R{}. Any
+/// thread may call; implementing and exchanging take one lock and may run while others call.
 namespace kx {
 
 template <class Receiver, class Signature>
@@ -32,7 +33,7 @@ class BasicOperation;
 
 template <class Receiver, class R, class... A>
 class BasicOperation<Receiver, R(A...)> {
- public:
+  public:
     using Function = R (*)(Receiver&, A...);
 
     constexpr explicit BasicOperation(const char* name) noexcept : name_(name) {}
@@ -68,7 +69,7 @@ class BasicOperation<Receiver, R(A...)> {
         });
     }
 
- private:
+  private:
     static constexpr OperationKind kind =
         std::is_same_v<Receiver, Class> ? OperationKind::ClassLevel : OperationKind::Instance;
 

@@ -1,12 +1,14 @@
-#include <KXFoundation/Platform/Runtime/OperationTable.h>
-
 #include <algorithm>
+
+#include <KXFoundation/Platform/Runtime/OperationTable.h>
 
 namespace kx {
 
 constinit const OperationTable::Slots OperationTable::kNone{0, nullptr};
 
-std::uint32_t OperationTable::size() const noexcept { return slots_.load(std::memory_order_relaxed)->size; }
+std::uint32_t OperationTable::size() const noexcept {
+    return slots_.load(std::memory_order_relaxed)->size;
+}
 
 void OperationTable::grow(std::uint32_t size) {
     const Slots& former = *slots_.load(std::memory_order_relaxed);

@@ -22,10 +22,11 @@ using AnyFunction = void (*)();
 /// Index 0 is no operation: every table answers nullptr for it.
 inline constexpr std::uint32_t kUnregistered = 0;
 
-/// One class's implementations, indexed densely by operation. A flat copy of the base's table, so that a look-up
-/// is one bounds check and two loads whatever the depth. Readers take no lock; writers hold the runtime's lock.
+/// One class's implementations, indexed densely by operation. A flat copy of the base's table, so that a
+/// look-up is one bounds check and two loads whatever the depth. Readers take no lock; writers hold the
+/// runtime's lock.
 class OperationTable {
- public:
+  public:
     OperationTable() = default;
     OperationTable(const OperationTable&) = delete;
     OperationTable& operator=(const OperationTable&) = delete;
@@ -47,7 +48,7 @@ class OperationTable {
     [[nodiscard]] std::uint32_t size() const noexcept;
     void copyFrom(const OperationTable& base);
 
- private:
+  private:
     struct Slots {
         std::uint32_t size;
         std::unique_ptr<std::atomic<AnyFunction>[]> functions;

@@ -17,7 +17,7 @@ KX_EXPORT void bumpPortGeneration() noexcept;
 
 template <class Port>
 class PortSlot {
- public:
+  public:
     /// The adapter in use, made by Port::makeDefault() at first need. Valid until the slot is replaced;
     /// an object that outlives a call keeps shared() instead.
     Port& current() { return *entry().port; }
@@ -32,7 +32,7 @@ class PortSlot {
         return answer;
     }
 
- private:
+  private:
     struct Entry {
         std::shared_ptr<Port> port;
     };
@@ -52,13 +52,13 @@ class PortSlot {
 /// Replaces a port for one scope: ScopedPort<FileSystem> scope(fake). No queue may be running work meanwhile.
 template <class Port>
 class ScopedPort {
- public:
+  public:
     explicit ScopedPort(std::shared_ptr<Port> port) : former_(Port::slot().replace(std::move(port))) {}
     ~ScopedPort() { Port::slot().replace(former_ ? std::move(former_) : Port::makeDefault()); }
     ScopedPort(const ScopedPort&) = delete;
     ScopedPort& operator=(const ScopedPort&) = delete;
 
- private:
+  private:
     std::shared_ptr<Port> former_;
 };
 

@@ -1,11 +1,11 @@
+#include <cerrno>
+#include <cstdio>
+
 #include <dirent.h>
 #include <fcntl.h>
 #include <sys/file.h>
 #include <sys/stat.h>
 #include <unistd.h>
-
-#include <cerrno>
-#include <cstdio>
 
 #include <KXFoundation/Platform/Runtime/FileSystem.h>
 
@@ -13,7 +13,9 @@ namespace kx {
 
 namespace {
 
-Error failed(const std::string& path) { return Error::fromErrno(errno, path); }
+Error failed(const std::string& path) {
+    return Error::fromErrno(errno, path);
+}
 
 Result<void> done(int answer, const std::string& path) {
     if (answer != 0) return failed(path);
@@ -28,7 +30,7 @@ auto untilUninterrupted(Call call) {
 }
 
 class PosixFile final : public File {
- public:
+  public:
     PosixFile(int descriptor, std::string path) : descriptor_(descriptor), path_(std::move(path)) {}
     ~PosixFile() override { ::close(descriptor_); }
 
@@ -48,8 +50,9 @@ class PosixFile final : public File {
 
     Result<void> writeAt(std::uint64_t offset, std::span<const std::byte> bytes) override {
         while (!bytes.empty()) {
-            const ssize_t put = untilUninterrupted(
-                [&] { return ::pwrite(descriptor_, bytes.data(), bytes.size(), static_cast<off_t>(offset)); });
+            const ssize_t put = untilUninterrupted([&] {
+                return ::pwrite(descriptor_, bytes.data(), bytes.size(), static_cast<off_t>(offset));
+            });
             if (put < 0) return failed(path_);
             offset += static_cast<std::uint64_t>(put);
             bytes = bytes.subspan(static_cast<std::size_t>(put));
@@ -74,19 +77,25 @@ class PosixFile final : public File {
         return done(untilUninterrupted([&] { return ::flock(descriptor_, operation); }), path_);
     }
 
- private:
+  private:
     int descriptor_;
     std::string path_;
 };
 
 class PosixFileSystem final : public FileSystem {
- public:
+  public:
     Result<std::unique_ptr<File>> open(const std::string& path, Mode mode) override {
         int flags = O_CLOEXEC;
         switch (mode) {
-            case Mode::Read: flags |= O_RDONLY | O_NONBLOCK; break;  // a pipe in a file's place must not block
-            case Mode::ReadWrite: flags |= O_RDWR | O_CREAT; break;
-            case Mode::CreateNew: flags |= O_RDWR | O_CREAT | O_EXCL; break;
+            case Mode::Read:
+                flags |= O_RDONLY | O_NONBLOCK;
+                break;  // a pipe in a file's place must not block
+            case Mode::ReadWrite:
+                flags |= O_RDWR | O_CREAT;
+                break;
+            case Mode::CreateNew:
+                flags |= O_RDWR | O_CREAT | O_EXCL;
+                break;
         }
         const int descriptor = untilUninterrupted([&] { return ::open(path.c_str(), flags, 0600); });
         if (descriptor < 0) return failed(path);
@@ -140,6 +149,8 @@ class PosixFileSystem final : public FileSystem {
 
 }  // namespace
 
-std::shared_ptr<FileSystem> FileSystem::makeDefault() { return std::make_shared<PosixFileSystem>(); }
+std::shared_ptr<FileSystem> FileSystem::makeDefault() {
+    return std::make_shared<PosixFileSystem>();
+}
 
 }  // namespace kx

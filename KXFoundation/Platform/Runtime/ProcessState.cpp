@@ -1,9 +1,8 @@
-#include <KXFoundation/Platform/Runtime/ProcessState.h>
-
 #include <mutex>
 #include <utility>
 
 #include <KXFoundation/Platform/Runtime/PortSlot.h>
+#include <KXFoundation/Platform/Runtime/ProcessState.h>
 
 namespace kx {
 

@@ -7,18 +7,19 @@
 #include <KXFoundation/Platform/Runtime/Export.h>
 
 /// Process-wide state (the standard defaults, the main bundle, the notification centre) that is made at first
-/// use and never destroyed. It is declared through ProcessState so that a test can set it all aside for a scope:
+/// use and never destroyed. It is declared through ProcessState so that a test can set it all aside for a
+/// scope:
 ///
 ///     static constinit ProcessState<MainBundle> state;
 ///     state.get().path = ...
 namespace kx {
 
 class KX_EXPORT ProcessStateBase {
- public:
+  public:
     ProcessStateBase(const ProcessStateBase&) = delete;
     ProcessStateBase& operator=(const ProcessStateBase&) = delete;
 
- protected:
+  protected:
     constexpr ProcessStateBase() noexcept = default;
     ~ProcessStateBase() = default;
 
@@ -26,20 +27,22 @@ class KX_EXPORT ProcessStateBase {
 
     std::atomic<void*> object_{nullptr};
 
- private:
+  private:
     friend class ScopedProcessState;
     std::atomic<bool> enlisted_{false};
     ProcessStateBase* next_ = nullptr;
     void (*destroy_)(void*) = nullptr;
 
- protected:
+  protected:
     constexpr void setDestroyer(void (*destroy)(void*)) noexcept { destroy_ = destroy; }
 };
 
 template <class T>
 class ProcessState : public ProcessStateBase {
- public:
-    constexpr ProcessState() noexcept { setDestroyer([](void* object) { delete static_cast<T*>(object); }); }
+  public:
+    constexpr ProcessState() noexcept {
+        setDestroyer([](void* object) { delete static_cast<T*>(object); });
+    }
 
     /// The one object, made with T() at first need. Any thread may ask; what T allows is T's affair.
     T& get() {
@@ -47,21 +50,22 @@ class ProcessState : public ProcessStateBase {
         enlist();
         auto made = std::make_unique<T>();
         void* expected = nullptr;
-        if (object_.compare_exchange_strong(expected, made.get(), std::memory_order_acq_rel)) return *made.release();
+        if (object_.compare_exchange_strong(expected, made.get(), std::memory_order_acq_rel))
+            return *made.release();
         return *static_cast<T*>(expected);
     }
 };
 
-/// Sets every process-wide object aside, so that this scope begins as a fresh process, and brings them back at
-/// its end. No other thread may be running library code at either moment.
+/// Sets every process-wide object aside, so that this scope begins as a fresh process, and brings them back
+/// at its end. No other thread may be running library code at either moment.
 class KX_EXPORT ScopedProcessState {
- public:
+  public:
     ScopedProcessState();
     ~ScopedProcessState();
     ScopedProcessState(const ScopedProcessState&) = delete;
     ScopedProcessState& operator=(const ScopedProcessState&) = delete;
 
- private:
+  private:
     struct Saved {
         ProcessStateBase* state;
         void* object;

@@ -1,7 +1,7 @@
-#include <KXFoundation/Platform/Runtime/Result.h>
-
 #include <cerrno>
 #include <system_error>
+
+#include <KXFoundation/Platform/Runtime/Result.h>
 
 namespace kx {
 
@@ -10,21 +10,29 @@ namespace {
 ErrorKind kindOf(int systemError) noexcept {
     switch (systemError) {
         case ENOENT:
-        case ENOTDIR: return ErrorKind::Missing;
+        case ENOTDIR:
+            return ErrorKind::Missing;
         case EACCES:
         case EPERM:
-        case EROFS: return ErrorKind::Denied;
+        case EROFS:
+            return ErrorKind::Denied;
         case ENOSPC:
-        case EDQUOT: return ErrorKind::Full;
+        case EDQUOT:
+            return ErrorKind::Full;
         case EFBIG:
         case EOVERFLOW:
-        case ENAMETOOLONG: return ErrorKind::TooLarge;
+        case ENAMETOOLONG:
+            return ErrorKind::TooLarge;
         case EBUSY:
-        case EAGAIN: return ErrorKind::Busy;
-        case ETIMEDOUT: return ErrorKind::TimedOut;
+        case EAGAIN:
+            return ErrorKind::Busy;
+        case ETIMEDOUT:
+            return ErrorKind::TimedOut;
         case ENOSYS:
-        case EOPNOTSUPP: return ErrorKind::Unsupported;
-        default: return ErrorKind::Failed;
+        case EOPNOTSUPP:
+            return ErrorKind::Unsupported;
+        default:
+            return ErrorKind::Failed;
     }
 }
 
@@ -32,16 +40,26 @@ ErrorKind kindOf(int systemError) noexcept {
 
 std::string_view errorKindName(ErrorKind kind) noexcept {
     switch (kind) {
-        case ErrorKind::Missing: return "missing";
-        case ErrorKind::Corrupt: return "corrupt";
-        case ErrorKind::Ended: return "ended early";
-        case ErrorKind::TooLarge: return "too large";
-        case ErrorKind::Denied: return "denied";
-        case ErrorKind::Full: return "no room left";
-        case ErrorKind::Busy: return "busy";
-        case ErrorKind::TimedOut: return "timed out";
-        case ErrorKind::Unsupported: return "unsupported";
-        case ErrorKind::Failed: break;
+        case ErrorKind::Missing:
+            return "missing";
+        case ErrorKind::Corrupt:
+            return "corrupt";
+        case ErrorKind::Ended:
+            return "ended early";
+        case ErrorKind::TooLarge:
+            return "too large";
+        case ErrorKind::Denied:
+            return "denied";
+        case ErrorKind::Full:
+            return "no room left";
+        case ErrorKind::Busy:
+            return "busy";
+        case ErrorKind::TimedOut:
+            return "timed out";
+        case ErrorKind::Unsupported:
+            return "unsupported";
+        case ErrorKind::Failed:
+            break;
     }
     return "failed";
 }

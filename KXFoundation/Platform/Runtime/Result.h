@@ -9,7 +9,8 @@
 #include <KXFoundation/Platform/Runtime/Export.h>
 
 /// What the world does to an operation: a Result holds either its value or the Error that kept it from having
-/// one. "Absent" is no error (nullptr, std::nullopt); a mistake of the caller is not one either (CallerError.h).
+/// one. "Absent" is no error (nullptr, std::nullopt); a mistake of the caller is not one either
+/// (CallerError.h).
 namespace kx {
 
 enum class ErrorKind : std::uint8_t {
@@ -41,7 +42,7 @@ struct KX_EXPORT Error {
 
 template <class T>
 class [[nodiscard]] Result {
- public:
+  public:
     Result(T value) : state_(std::in_place_index<0>, std::move(value)) {}
     Result(Error error) : state_(std::in_place_index<1>, std::move(error)) {}
 
@@ -62,13 +63,13 @@ class [[nodiscard]] Result {
     const Error& error() const& { return std::get<1>(state_); }
     Error&& error() && { return std::get<1>(std::move(state_)); }
 
- private:
+  private:
     std::variant<T, Error> state_;
 };
 
 template <>
 class [[nodiscard]] Result<void> {
- public:
+  public:
     Result() = default;
     Result(Error error) : state_(std::move(error)) {}
 
@@ -77,7 +78,7 @@ class [[nodiscard]] Result<void> {
     const Error& error() const& { return std::get<1>(state_); }
     Error&& error() && { return std::get<1>(std::move(state_)); }
 
- private:
+  private:
     std::variant<std::monostate, Error> state_;
 };
 

@@ -11,7 +11,8 @@
 
 namespace kx {
 
-/// What few objects need and none should pay for: made at first need, freed with its object. Private to Runtime.
+/// What few objects need and none should pay for: made at first need, freed with its object. Private to
+/// Runtime.
 struct SideRecord {
     std::recursive_mutex monitor;
 

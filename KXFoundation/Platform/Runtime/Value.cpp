@@ -1,10 +1,9 @@
-#include <KXFoundation/Platform/Runtime/Value.h>
-
 #include <algorithm>
 #include <array>
 #include <charconv>
 
 #include <KXFoundation/Platform/Runtime/NSObject.h>
+#include <KXFoundation/Platform/Runtime/Value.h>
 
 namespace kx {
 
@@ -53,7 +52,9 @@ Value Value::uid(std::uint32_t number) noexcept {
     return value;
 }
 
-Value Value::data(std::vector<std::byte> bytes) { return {Type::Data, new DataPayload(std::move(bytes))}; }
+Value Value::data(std::vector<std::byte> bytes) {
+    return {Type::Data, new DataPayload(std::move(bytes))};
+}
 
 Value Value::data(std::span<const std::byte> bytes) {
     return data(std::vector<std::byte>(bytes.begin(), bytes.end()));
@@ -71,12 +72,23 @@ void Value::retain() const noexcept {
 void Value::release() noexcept {
     if (bits_.payload->count.fetch_sub(1, std::memory_order_acq_rel) != 1) return;
     switch (type_) {
-        case Type::String: delete static_cast<StringPayload*>(bits_.payload); break;
-        case Type::Data: delete static_cast<DataPayload*>(bits_.payload); break;
-        case Type::Array: delete static_cast<ArrayPayload*>(bits_.payload); break;
-        case Type::Dictionary: delete static_cast<DictionaryPayload*>(bits_.payload); break;
-        case Type::Object: delete static_cast<ObjectPayload*>(bits_.payload); break;
-        default: break;
+        case Type::String:
+            delete static_cast<StringPayload*>(bits_.payload);
+            break;
+        case Type::Data:
+            delete static_cast<DataPayload*>(bits_.payload);
+            break;
+        case Type::Array:
+            delete static_cast<ArrayPayload*>(bits_.payload);
+            break;
+        case Type::Dictionary:
+            delete static_cast<DictionaryPayload*>(bits_.payload);
+            break;
+        case Type::Object:
+            delete static_cast<ObjectPayload*>(bits_.payload);
+            break;
+        default:
+            break;
     }
 }
 
@@ -132,17 +144,27 @@ bool Value::operator==(const Value& other) const {
     if (type_ != other.type_) return false;
     if (isShared() && bits_.payload == other.bits_.payload) return true;
     switch (type_) {
-        case Type::Null: return true;
-        case Type::Boolean: return bits_.boolean == other.bits_.boolean;
-        case Type::Integer: return bits_.integer == other.bits_.integer;
+        case Type::Null:
+            return true;
+        case Type::Boolean:
+            return bits_.boolean == other.bits_.boolean;
+        case Type::Integer:
+            return bits_.integer == other.bits_.integer;
         case Type::Real:
-        case Type::Date: return bits_.real == other.bits_.real;
-        case Type::Uid: return bits_.uid == other.bits_.uid;
-        case Type::String: return asString() == other.asString();
-        case Type::Data: return std::ranges::equal(*asData(), *other.asData());
-        case Type::Array: return std::ranges::equal(elements(), other.elements());
-        case Type::Dictionary: return std::ranges::equal(members(), other.members());
-        case Type::Object: return asObject()->isEqual(*other.asObject());
+        case Type::Date:
+            return bits_.real == other.bits_.real;
+        case Type::Uid:
+            return bits_.uid == other.bits_.uid;
+        case Type::String:
+            return asString() == other.asString();
+        case Type::Data:
+            return std::ranges::equal(*asData(), *other.asData());
+        case Type::Array:
+            return std::ranges::equal(elements(), other.elements());
+        case Type::Dictionary:
+            return std::ranges::equal(members(), other.members());
+        case Type::Object:
+            return asObject()->isEqual(*other.asObject());
     }
     return false;
 }
@@ -158,15 +180,33 @@ void Value::describe(std::string& text, std::size_t depth) const {
         text.append(digits.data(), std::to_chars(digits.data(), digits.data() + digits.size(), n).ptr);
     };
     switch (type_) {
-        case Type::Null: text += "null"; break;
-        case Type::Boolean: text += bits_.boolean ? "true" : "false"; break;
-        case Type::Integer: number(bits_.integer); break;
-        case Type::Real: number(bits_.real); break;
-        case Type::Date: number(bits_.real), text += " s since 2001"; break;
-        case Type::Uid: text += "uid ", number(bits_.uid); break;
-        case Type::String: text.append("\"").append(asString()->substr(0, kLongest)).append("\""); break;
-        case Type::Data: number(asData()->size()), text += " bytes"; break;
-        case Type::Object: text += asObject()->description(); break;
+        case Type::Null:
+            text += "null";
+            break;
+        case Type::Boolean:
+            text += bits_.boolean ? "true" : "false";
+            break;
+        case Type::Integer:
+            number(bits_.integer);
+            break;
+        case Type::Real:
+            number(bits_.real);
+            break;
+        case Type::Date:
+            number(bits_.real), text += " s since 2001";
+            break;
+        case Type::Uid:
+            text += "uid ", number(bits_.uid);
+            break;
+        case Type::String:
+            text.append("\"").append(asString()->substr(0, kLongest)).append("\"");
+            break;
+        case Type::Data:
+            number(asData()->size()), text += " bytes";
+            break;
+        case Type::Object:
+            text += asObject()->description();
+            break;
         case Type::Array: {
             const char* separator = "[";
             for (const Value& element : elements()) {
@@ -201,7 +241,9 @@ ArrayBuilder& ArrayBuilder::add(Value value) {
     return *this;
 }
 
-Value ArrayBuilder::build() { return {Value::Type::Array, new Value::ArrayPayload(std::move(elements_))}; }
+Value ArrayBuilder::build() {
+    return {Value::Type::Array, new Value::ArrayPayload(std::move(elements_))};
+}
 
 DictionaryBuilder::DictionaryBuilder(const Value& dictionary)
     : members_(dictionary.members().begin(), dictionary.members().end()) {}

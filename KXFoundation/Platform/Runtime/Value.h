@@ -19,11 +19,23 @@ namespace kx {
 class NSObject;
 
 /// One dynamic type for defaults, JSON, property lists, notification payloads, archives and cache entries.
-/// 16 bytes: a scalar, or a pointer to an immutable payload that copies share. Copying never allocates; a Value
-/// may be read from many threads at once. Arrays and dictionaries are made with the builders below.
+/// 16 bytes: a scalar, or a pointer to an immutable payload that copies share. Copying never allocates; a
+/// Value may be read from many threads at once. Arrays and dictionaries are made with the builders below.
 class KX_EXPORT Value {
- public:
-    enum class Type : std::uint8_t { Null, Boolean, Integer, Real, Date, Uid, String, Data, Array, Dictionary, Object };
+  public:
+    enum class Type : std::uint8_t {
+        Null,
+        Boolean,
+        Integer,
+        Real,
+        Date,
+        Uid,
+        String,
+        Data,
+        Array,
+        Dictionary,
+        Object
+    };
 
     /// Readers of outside bytes refuse deeper nesting with ErrorKind::TooLarge.
     static constexpr std::size_t kMaxDepth = 512;
@@ -33,8 +45,8 @@ class KX_EXPORT Value {
     template <std::same_as<bool> B>
     Value(B boolean) noexcept : type_(Type::Boolean), bits_{.boolean = boolean} {}
     template <std::integral I>
-        requires(!std::same_as<I, bool> && sizeof(I) <= 8)
-    Value(I integer) noexcept : type_(Type::Integer), bits_{.integer = static_cast<std::int64_t>(integer)} {}
+    requires(!std::same_as<I, bool> && sizeof(I) <= 8) Value(I integer)
+    noexcept : type_(Type::Integer), bits_{.integer = static_cast<std::int64_t>(integer)} {}
     Value(double real) noexcept : type_(Type::Real), bits_{.real = real} {}
     Value(std::string_view text);
     Value(const std::string& text) : Value(std::string_view(text)) {}
@@ -69,8 +81,8 @@ class KX_EXPORT Value {
     [[nodiscard]] Type type() const noexcept { return type_; }
     [[nodiscard]] bool isNull() const noexcept { return type_ == Type::Null; }
 
-    // The contents as the type asked for, std::nullopt if it is another type. Views and spans are valid as long
-    // as some copy of this Value lives. Real also answers for an integer; nothing else is converted.
+    // The contents as the type asked for, std::nullopt if it is another type. Views and spans are valid as
+    // long as some copy of this Value lives. Real also answers for an integer; nothing else is converted.
     [[nodiscard]] std::optional<bool> asBoolean() const noexcept {
         return type_ == Type::Boolean ? std::optional(bits_.boolean) : std::nullopt;
     }
@@ -98,7 +110,7 @@ class KX_EXPORT Value {
     /// One line for a person, JSON-like, cut after about 200 characters.
     [[nodiscard]] std::string description() const;
 
- private:
+  private:
     friend class ArrayBuilder;
     friend class DictionaryBuilder;
     struct Payload;
@@ -129,20 +141,20 @@ class KX_EXPORT Value {
 
 /// Collects elements, then gives them away as one Value.
 class KX_EXPORT ArrayBuilder {
- public:
+  public:
     ArrayBuilder& add(Value value);
     void reserve(std::size_t count) { elements_.reserve(count); }
     [[nodiscard]] std::size_t size() const noexcept { return elements_.size(); }
     /// Leaves the builder empty.
     [[nodiscard]] Value build();
 
- private:
+  private:
     std::vector<Value> elements_;
 };
 
 /// Collects members, then gives them away as one Value. Of two equal keys the later one stays.
 class KX_EXPORT DictionaryBuilder {
- public:
+  public:
     DictionaryBuilder() = default;
     /// Starts from an existing dictionary; from nothing if it is another type.
     explicit DictionaryBuilder(const Value& dictionary);
@@ -152,7 +164,7 @@ class KX_EXPORT DictionaryBuilder {
     /// Leaves the builder empty.
     [[nodiscard]] Value build();
 
- private:
+  private:
     std::vector<Value::Member> members_;  // in the order of arrival; sorted by build()
 };
 

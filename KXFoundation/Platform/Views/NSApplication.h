@@ -29,8 +29,8 @@ class KX_EXPORT NSApplication : public Subclass<NSApplication, NSResponder> {
     /// Draws what is invalid in any window. The main thread's loop does so before it waits.
     void displayIfNeeded();
 
-    /// Runs the main thread's loop until stop() is called or the last window has left the screen. An application with
-    /// a loop of its own drains EventLoop::main() instead.
+    /// Runs the main thread's loop until stop() is called or the last window has left the screen. An
+    /// application with a loop of its own drains EventLoop::main() instead.
     void run();
     void stop();
 

@@ -1,5 +1,3 @@
-#include <KXFoundation/Platform/Views/NativeWindowSystem.h>
-
 #include <algorithm>
 #include <string>
 #include <utility>
@@ -8,13 +6,19 @@
 #include <KXFoundation/Platform/Runtime/EventLoop.h>
 #include <KXFoundation/Platform/Runtime/Module.h>
 #include <KXFoundation/Platform/Views/NSApplication.h>
+#include <KXFoundation/Platform/Views/NativeWindowSystem.h>
 
 namespace kx {
 
 class NativeSurface final : public WindowSurface {
   public:
-    NativeSurface(NativeWindowSystem& system, std::uint32_t window, NSSize size, WindowSystem::Handler handler)
-        : system_(system), module_(*system.module_), window_(window), size_(size), handler_(std::move(handler)) {
+    NativeSurface(NativeWindowSystem& system, std::uint32_t window, NSSize size,
+                  WindowSystem::Handler handler)
+        : system_(system),
+          module_(*system.module_),
+          window_(window),
+          size_(size),
+          handler_(std::move(handler)) {
         system_.surfaces_.emplace(window_, this);
     }
     ~NativeSurface() override {
@@ -69,7 +73,8 @@ NSEventModifierFlags modifiersOf(const WindowModuleEvent& event) {
     return flags;
 }
 
-/// What a key types by itself; the characters of all others arrive as Text. Cursor keys and their like type nothing.
+/// What a key types by itself; the characters of all others arrive as Text. Cursor keys and their like type
+/// nothing.
 std::string charactersOf(std::uint32_t key) {
     switch (static_cast<WindowKey>(key)) {
         case WindowKey::Backspace:
@@ -77,8 +82,10 @@ std::string charactersOf(std::uint32_t key) {
         case WindowKey::Return:
         case WindowKey::Escape:
         case WindowKey::Space:
-        case WindowKey::Delete: return std::string(1, static_cast<char>(key));
-        default: return {};
+        case WindowKey::Delete:
+            return std::string(1, static_cast<char>(key));
+        default:
+            return {};
     }
 }
 
@@ -108,28 +115,36 @@ void NativeSurface::took(const WindowModuleEvent& event) {
             return tookMouse(NSEventType::MouseUp, event);
         case WindowEventType::MouseMoved:
             return tookMouse(isPressed_ ? NSEventType::MouseDragged : NSEventType::MouseMoved, event);
-        case WindowEventType::KeyDown: return tookKey(NSEventType::KeyDown, event);
-        case WindowEventType::KeyUp: return tookKey(NSEventType::KeyUp, event);
+        case WindowEventType::KeyDown:
+            return tookKey(NSEventType::KeyDown, event);
+        case WindowEventType::KeyUp:
+            return tookKey(NSEventType::KeyUp, event);
         case WindowEventType::Text:
             return handler_(NSEvent{.type = NSEventType::KeyDown, .characters = event.text});
         case WindowEventType::Resized:
             size_ = {event.width, event.height};
             return handler_(SurfaceResized());
-        case WindowEventType::Exposed: return handler_(SurfaceExposed());
-        case WindowEventType::FocusGained: return handler_(SurfaceFocusChanged{true});
-        case WindowEventType::FocusLost: return handler_(SurfaceFocusChanged{false});
-        case WindowEventType::CloseRequested: return handler_(SurfaceCloseRequested());
+        case WindowEventType::Exposed:
+            return handler_(SurfaceExposed());
+        case WindowEventType::FocusGained:
+            return handler_(SurfaceFocusChanged{true});
+        case WindowEventType::FocusLost:
+            return handler_(SurfaceFocusChanged{false});
+        case WindowEventType::CloseRequested:
+            return handler_(SurfaceCloseRequested());
         case WindowEventType::Nothing:
         case WindowEventType::MouseLeft:
         case WindowEventType::Wheel:
-        case WindowEventType::Quit: return;
+        case WindowEventType::Quit:
+            return;
     }
 }
 
 NativeWindowSystem::~NativeWindowSystem() {
     if (!module_) return;
     EventLoop::main().removeBeforeWait(beforeWait_);
-    if (const int descriptor = module_->descriptor(); descriptor >= 0) EventLoop::main().removeDescriptor(descriptor);
+    if (const int descriptor = module_->descriptor(); descriptor >= 0)
+        EventLoop::main().removeDescriptor(descriptor);
 }
 
 bool NativeWindowSystem::open() {

@@ -11,8 +11,8 @@ namespace kx {
 
 class NativeSurface;
 
-/// Windows on the desktop's display, X11 or Wayland, through the window module. The module is opened for the first
-/// window; events arrive through the main thread's EventLoop. Main thread.
+/// Windows on the desktop's display, X11 or Wayland, through the window module. The module is opened for the
+/// first window; events arrive through the main thread's EventLoop. Main thread.
 class KX_EXPORT NativeWindowSystem final : public WindowSystem {
   public:
     ~NativeWindowSystem() override;

@@ -18,7 +18,8 @@ void ViewDrawing::draw(NSView& view, NSRect dirty) {
     if (opacity < 1) context_.endLayer(opacity);
 }
 
-// A clip across pixels would blend a view's edge differently with every rectangle that is drawn: clips lie on pixel edges.
+// A clip across pixels would blend a view's edge differently with every rectangle that is drawn: clips lie on
+// pixel edges.
 void ViewDrawing::drawContent(NSView& view, NSRect dirty) {
     dirty = dirty.intersection(view.bounds());
     if (dirty.isEmpty()) return;

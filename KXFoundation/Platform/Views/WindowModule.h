@@ -2,26 +2,26 @@
 
 #include <cstdint>
 
-/// The table between the library and its window module (Modules/SDLWindowModule.cpp): plain data and C functions, as
-/// the module links no code of ours. All of it belongs to the main thread.
+/// The table between the library and its window module (Modules/SDLWindowModule.cpp): plain data and C
+/// functions, as the module links no code of ours. All of it belongs to the main thread.
 namespace kx {
 
 enum class WindowEventType : std::uint32_t {
     Nothing,
     MouseDown,
     MouseUp,
-    MouseMoved,   ///< also while a button is held
-    MouseLeft,    ///< the pointer left the window
+    MouseMoved,  ///< also while a button is held
+    MouseLeft,   ///< the pointer left the window
     Wheel,
     KeyDown,
     KeyUp,
-    Text,         ///< typed text, after composition
-    Resized,      ///< to width x height points
-    Exposed,      ///< the contents must be presented again
+    Text,     ///< typed text, after composition
+    Resized,  ///< to width x height points
+    Exposed,  ///< the contents must be presented again
     FocusGained,
     FocusLost,
     CloseRequested,
-    Quit,         ///< the display went away or the session ends
+    Quit,  ///< the display went away or the session ends
 };
 
 /// Keys that mean something to controls; every other key arrives as its Unicode code point in lower case.
@@ -82,14 +82,14 @@ struct WindowModule {
     void (*raise)(std::uint32_t window);
     /// Pixels to the point.
     double (*scale)(std::uint32_t window);
-    /// Shows these rectangles of a premultiplied, native-endian ARGB bitmap of the window's pixel size. False if
-    /// the window has another size by now: the Resized event is on its way.
+    /// Shows these rectangles of a premultiplied, native-endian ARGB bitmap of the window's pixel size. False
+    /// if the window has another size by now: the Resized event is on its way.
     bool (*present)(std::uint32_t window, const void* pixels, std::int32_t width, std::int32_t height,
                     std::int32_t stride, const WindowModulePixelRect* rects, std::int32_t count);
     /// The descriptor that becomes readable when the display has something to say; -1 if it has none.
     int (*descriptor)();
-    /// Takes the next event, without waiting; false if there is none. Call until it answers false before every
-    /// wait for the descriptor: events may have been read from it already.
+    /// Takes the next event, without waiting; false if there is none. Call until it answers false before
+    /// every wait for the descriptor: events may have been read from it already.
     bool (*nextEvent)(WindowModuleEvent* event);
     /// The main screen's size in points; false without one.
     bool (*screenSize)(double* width, double* height);

@@ -13,10 +13,13 @@ using namespace kx;
 namespace {
 
 constexpr const char* kSelectionKeys[] = {
-    "ar", "bg", "cs", "da", "de", "el",    "en", "es", "es_419", "fi", "fr", "he", "hu", "it", "ja",      "ko",      "ms",
-    "nb", "nl", "pl", "pt", "pt_BR", "ro", "ru", "sk", "sr",     "sv", "th", "tr", "uk", "vi", "zh_Hans", "zh_Hant", "auto"};
+    "ar", "bg", "cs", "da", "de", "el", "en", "es",      "es_419",  "fi",    "fr", "he",
+    "hu", "it", "ja", "ko", "ms", "nb", "nl", "pl",      "pt",      "pt_BR", "ro", "ru",
+    "sk", "sr", "sv", "th", "tr", "uk", "vi", "zh_Hans", "zh_Hant", "auto"};
 
-std::string orNone(const std::optional<std::string>& value) { return value.value_or(text("general.none")); }
+std::string orNone(const std::optional<std::string>& value) {
+    return value.value_or(text("general.none"));
+}
 
 std::string version() {
     const Value info = NSBundle::mainBundle()->infoDictionary();

@@ -4,9 +4,10 @@
 
 namespace gallery {
 
-/// Who the application is, the user's locale and cloud locale, and what each selection key of the cloud gives.
+/// Who the application is, the user's locale and cloud locale, and what each selection key of the cloud
+/// gives.
 class ApplicationPage final : public Page {
- public:
+  public:
     void build(Column& column, Gallery& gallery) override;
 };
 

@@ -20,13 +20,24 @@ constexpr struct {
     std::string_view code;
     std::string_view name;  // in the language itself
 } kLanguages[] = {
-    {"ar", "العربية"},      {"de", "Deutsch"},    {"en", "English"},   {"es", "Español"},
-    {"es-419", "Español (Latam.)"},        {"fr", "Français"},  {"it", "Italiano"},
-    {"ja", "日本語"},       {"ko", "한국어"},     {"pt", "Português"}, {"pt-BR", "Português (Brasil)"},
-    {"ru", "Русский"},      {"zh-Hans", "简体中文"}, {"zh-Hant", "繁體中文"},
+    {"ar", "العربية"},
+    {"de", "Deutsch"},
+    {"en", "English"},
+    {"es", "Español"},
+    {"es-419", "Español (Latam.)"},
+    {"fr", "Français"},
+    {"it", "Italiano"},
+    {"ja", "日本語"},
+    {"ko", "한국어"},
+    {"pt", "Português"},
+    {"pt-BR", "Português (Brasil)"},
+    {"ru", "Русский"},
+    {"zh-Hans", "简体中文"},
+    {"zh-Hant", "繁體中文"},
 };
 
-/// Choosing is one call. No notification follows, and what was bound is not bound for ever: the page is made anew.
+/// Choosing is one call. No notification follows, and what was bound is not bound for ever: the page is made
+/// anew.
 std::shared_ptr<NSButton> languageButton(std::string_view code, std::string_view title, Gallery& gallery) {
     auto button = make<NSButton>();
     button->setTitle(title);
@@ -34,8 +45,8 @@ std::shared_ptr<NSButton> languageButton(std::string_view code, std::string_view
         KXLocalizationUtils::setSelectLanguage(code);
         gallery.rebuild();
     });
-    const bool isChosen = code == kAuto ? selectLog == kFollowSystem
-                                        : selectLog != kFollowSystem && selectLanguage == code;
+    const bool isChosen =
+        code == kAuto ? selectLog == kFollowSystem : selectLog != kFollowSystem && selectLanguage == code;
     button->setDefaultButton(isChosen);
     return button;
 }
@@ -55,7 +66,8 @@ std::shared_ptr<NSCollectionView> flow(const std::vector<std::shared_ptr<NSView>
 
 void addPicker(Column& column, Gallery& gallery) {
     column.caption(text("language.label"));
-    std::vector<std::shared_ptr<NSView>> buttons{languageButton(kAuto, text("language.follow_system"), gallery)};
+    std::vector<std::shared_ptr<NSView>> buttons{
+        languageButton(kAuto, text("language.follow_system"), gallery)};
     for (const auto& [code, name] : kLanguages) buttons.push_back(languageButton(code, name, gallery));
     const auto picker = flow(buttons, {(column.width() - 32) / 5, 28}, column.width());
     column.add(picker, picker->frame().size.height);
@@ -97,7 +109,8 @@ void LanguagePage::build(Column& column, Gallery& gallery) {
     addPicker(column, gallery);
     column.space(6);
     column.pair(text("language.selected"), KXLocalizationUtils::selectLanguage());
-    column.pair(text("language.right_to_left"), text(KXLocalizationUtils::isRTL() ? "general.yes" : "general.no"));
+    column.pair(text("language.right_to_left"),
+                text(KXLocalizationUtils::isRTL() ? "general.yes" : "general.no"));
     addBoundControls(column);
     column.space(12);
     column.pair(text("language.caption.missing"), text("demo.missing"));

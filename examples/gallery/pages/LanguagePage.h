@@ -4,10 +4,10 @@
 
 namespace gallery {
 
-/// Picks the application's language and shows what follows from it: controls bound to keys, a missing key, the
-/// English fallback, and a layout that is mirrored.
+/// Picks the application's language and shows what follows from it: controls bound to keys, a missing key,
+/// the English fallback, and a layout that is mirrored.
 class LanguagePage final : public Page {
- public:
+  public:
     void build(Column& column, Gallery& gallery) override;
 };
 

@@ -32,7 +32,9 @@ std::uint64_t changeList(KXList& list, const std::string& who) {
 
 }  // namespace
 
-ObjectsPage::ObjectsPage() { changeFromTwoThreads(); }
+ObjectsPage::ObjectsPage() {
+    changeFromTwoThreads();
+}
 
 void ObjectsPage::changeFromTwoThreads() {
     Semaphore done;
@@ -56,7 +58,8 @@ void ObjectsPage::add() {
     list_->addObject(object);
 }
 
-std::shared_ptr<NSButton> ObjectsPage::button(std::string_view key, Gallery& gallery, void (ObjectsPage::*action)()) {
+std::shared_ptr<NSButton> ObjectsPage::button(std::string_view key, Gallery& gallery,
+                                              void (ObjectsPage::*action)()) {
     auto made = make<NSButton>();
     made->setTitle(text(key));
     made->sizeToFit();
@@ -75,7 +78,8 @@ void ObjectsPage::build(Column& column, Gallery& gallery) {
     column.pair(text("objects.changes_b"), std::to_string(changesByB_));
     column.pair(text("objects.elements"), std::to_string(list_->count()));
     column.space(8);
-    column.row({button("button.add", gallery, &ObjectsPage::add), button("button.remove", gallery, &ObjectsPage::remove),
+    column.row({button("button.add", gallery, &ObjectsPage::add),
+                button("button.remove", gallery, &ObjectsPage::remove),
                 button("button.clear", gallery, &ObjectsPage::clear)},
                28);
     column.space(12);

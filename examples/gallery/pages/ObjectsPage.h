@@ -13,14 +13,15 @@ namespace gallery {
 
 /// A locked list that two threads change while the main thread goes through it again and again.
 class ObjectsPage final : public Page {
- public:
+  public:
     ObjectsPage();
     void build(Column& column, Gallery& gallery) override;
 
- private:
+  private:
     void changeFromTwoThreads();
     void add();
-    std::shared_ptr<kx::NSButton> button(std::string_view key, Gallery& gallery, void (ObjectsPage::*action)());
+    std::shared_ptr<kx::NSButton> button(std::string_view key, Gallery& gallery,
+                                         void (ObjectsPage::*action)());
     void remove() {
         if (!list_->isEmpty()) list_->removeLastObject();
     }

@@ -1,6 +1,6 @@
-#include <KXFoundation/Platform/Foundation/NSURL.h>
-
 #include <gtest/gtest.h>
+
+#include <KXFoundation/Platform/Foundation/NSURL.h>
 
 namespace kx {
 namespace {

@@ -1,8 +1,7 @@
-#include <KXFoundation/Platform/Runtime/Operation.h>
-
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include <KXFoundation/Platform/Runtime/Operation.h>
 #include <KXFoundation/Platform/Runtime/OperationExchange.h>
 
 #include "support/CapturedLog.h"
@@ -20,7 +19,7 @@ constinit ClassOperation<int()> limitOperation{"test_limit"};
 constinit ClassOperation<int()> otherLimitOperation{"test_otherLimit"};
 
 class Shape : public Subclass<Shape, NSObject> {
- public:
+  public:
     int scale(int by) { return scaleOperation(*this, by); }
     static void defineOperations(Class& cls) {
         scaleOperation.implement<&Shape::plainScale>(cls);
@@ -30,9 +29,11 @@ class Shape : public Subclass<Shape, NSObject> {
         otherLimitOperation.implement(cls, [](Class&) { return 2; });
     }
 
- private:
+  private:
     int plainScale(int by) { return by; }
-    int doubled(int by) { return 2 * doubleScaleOperation(*this, by); }  // reaches the former one once exchanged
+    int doubled(int by) {
+        return 2 * doubleScaleOperation(*this, by);
+    }  // reaches the former one once exchanged
     void reset() {}
 };
 
@@ -60,7 +61,8 @@ TEST_F(OperationTest, ExchangingWhatIsInheritedLeavesTheBaseAlone) {
     EXPECT_EQ(circle->scale(5), 10);
     EXPECT_EQ(make<SmallCircle>()->scale(5), 10);
     EXPECT_EQ(shape->scale(5), 5);
-    EXPECT_THAT(Circle::classObject().describe(), HasSubstr("- test_scale: runs test_doubleScale: (exchanged)"));
+    EXPECT_THAT(Circle::classObject().describe(),
+                HasSubstr("- test_scale: runs test_doubleScale: (exchanged)"));
     exchange(Circle::classObject());
     EXPECT_EQ(circle->scale(5), 5);
 }

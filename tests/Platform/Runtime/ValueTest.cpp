@@ -1,13 +1,15 @@
-#include <KXFoundation/Platform/Runtime/Value.h>
-
 #include <gtest/gtest.h>
+
+#include <KXFoundation/Platform/Runtime/Value.h>
 
 namespace kx {
 namespace {
 
 TEST(Value, ComparesDeeplyAndByType) {
     const auto nested = [](Value last) {
-        return DictionaryBuilder().set("list", ArrayBuilder().add(1).add("two").add(std::move(last)).build()).build();
+        return DictionaryBuilder()
+            .set("list", ArrayBuilder().add(1).add("two").add(std::move(last)).build())
+            .build();
     };
     EXPECT_EQ(nested(3.5), nested(3.5));
     EXPECT_FALSE(nested(3.5) == nested(3));

@@ -237,8 +237,8 @@ int difference(const std::vector<std::uint32_t>& a, const std::vector<std::uint3
     return greatest;
 }
 
-// A curve that the clip cuts is rasterised from another starting point: its edge may round another way by a level or
-// two. A missing or doubled edge differs by far more.
+// A curve that the clip cuts is rasterised from another starting point: its edge may round another way by a
+// level or two. A missing or doubled edge differs by far more.
 TEST(WindowDrawing, DrawnInPiecesItLooksAsDrawnWhole) {
     for (const double scale : {1.0, 1.25, 2.0}) {
         const testing::OffscreenWindow shown({520, 310}, scale);

@@ -1,12 +1,12 @@
 // Windows, mouse and keyboard through SDL2. A module: it links SDL and no code of ours.
 
-#include <SDL2/SDL.h>
-#include <SDL2/SDL_syswm.h>
-#include <wayland-client-core.h>
-
 #include <cstdio>
 #include <cstring>
 #include <string>
+
+#include <SDL2/SDL.h>
+#include <SDL2/SDL_syswm.h>
+#include <wayland-client-core.h>
 
 #include <KXFoundation/Platform/Runtime/Export.h>
 #include <KXFoundation/Platform/Runtime/Module.h>
@@ -16,7 +16,9 @@ namespace {
 
 using namespace kx;
 
-SDL_Window* find(std::uint32_t window) { return SDL_GetWindowFromID(window); }
+SDL_Window* find(std::uint32_t window) {
+    return SDL_GetWindowFromID(window);
+}
 
 double scaleOf(SDL_Window* window) {
     int points = 0;
@@ -40,10 +42,11 @@ std::uint32_t keyOf(SDL_Keycode key) {
         SDL_Keycode sdl;
         WindowKey key;
     } kKeys[] = {
-        {SDLK_LEFT, WindowKey::Left},       {SDLK_RIGHT, WindowKey::Right},       {SDLK_UP, WindowKey::Up},
-        {SDLK_DOWN, WindowKey::Down},       {SDLK_HOME, WindowKey::Home},         {SDLK_END, WindowKey::End},
-        {SDLK_PAGEUP, WindowKey::PageUp},   {SDLK_PAGEDOWN, WindowKey::PageDown}, {SDLK_KP_ENTER, WindowKey::Return},
-        {SDLK_DELETE, WindowKey::Delete},
+        {SDLK_LEFT, WindowKey::Left},       {SDLK_RIGHT, WindowKey::Right},
+        {SDLK_UP, WindowKey::Up},           {SDLK_DOWN, WindowKey::Down},
+        {SDLK_HOME, WindowKey::Home},       {SDLK_END, WindowKey::End},
+        {SDLK_PAGEUP, WindowKey::PageUp},   {SDLK_PAGEDOWN, WindowKey::PageDown},
+        {SDLK_KP_ENTER, WindowKey::Return}, {SDLK_DELETE, WindowKey::Delete},
     };
     for (const auto& row : kKeys) {
         if (row.sdl == key) return static_cast<std::uint32_t>(row.key);
@@ -54,10 +57,14 @@ std::uint32_t keyOf(SDL_Keycode key) {
 
 std::uint32_t buttonOf(std::uint8_t button) {
     switch (button) {
-        case SDL_BUTTON_LEFT: return 0;
-        case SDL_BUTTON_RIGHT: return 1;
-        case SDL_BUTTON_MIDDLE: return 2;
-        default: return button;
+        case SDL_BUTTON_LEFT:
+            return 0;
+        case SDL_BUTTON_RIGHT:
+            return 1;
+        case SDL_BUTTON_MIDDLE:
+            return 2;
+        default:
+            return button;
     }
 }
 
@@ -69,12 +76,23 @@ void translateWindowEvent(const SDL_WindowEvent& from, WindowModuleEvent& to) {
             to.width = from.data1;
             to.height = from.data2;
             break;
-        case SDL_WINDOWEVENT_EXPOSED: to.type = WindowEventType::Exposed; break;
-        case SDL_WINDOWEVENT_FOCUS_GAINED: to.type = WindowEventType::FocusGained; break;
-        case SDL_WINDOWEVENT_FOCUS_LOST: to.type = WindowEventType::FocusLost; break;
-        case SDL_WINDOWEVENT_LEAVE: to.type = WindowEventType::MouseLeft; break;
-        case SDL_WINDOWEVENT_CLOSE: to.type = WindowEventType::CloseRequested; break;
-        default: break;
+        case SDL_WINDOWEVENT_EXPOSED:
+            to.type = WindowEventType::Exposed;
+            break;
+        case SDL_WINDOWEVENT_FOCUS_GAINED:
+            to.type = WindowEventType::FocusGained;
+            break;
+        case SDL_WINDOWEVENT_FOCUS_LOST:
+            to.type = WindowEventType::FocusLost;
+            break;
+        case SDL_WINDOWEVENT_LEAVE:
+            to.type = WindowEventType::MouseLeft;
+            break;
+        case SDL_WINDOWEVENT_CLOSE:
+            to.type = WindowEventType::CloseRequested;
+            break;
+        default:
+            break;
     }
 }
 
@@ -100,9 +118,13 @@ void translateKey(const SDL_KeyboardEvent& from, WindowModuleEvent& to) {
 bool translate(const SDL_Event& from, WindowModuleEvent& to) {
     to = {};
     switch (from.type) {
-        case SDL_WINDOWEVENT: translateWindowEvent(from.window, to); break;
+        case SDL_WINDOWEVENT:
+            translateWindowEvent(from.window, to);
+            break;
         case SDL_MOUSEBUTTONDOWN:
-        case SDL_MOUSEBUTTONUP: translateButton(from.button, to); break;
+        case SDL_MOUSEBUTTONUP:
+            translateButton(from.button, to);
+            break;
         case SDL_MOUSEMOTION:
             to.type = WindowEventType::MouseMoved;
             to.window = from.motion.windowID;
@@ -117,14 +139,19 @@ bool translate(const SDL_Event& from, WindowModuleEvent& to) {
             to.y = static_cast<double>(from.wheel.preciseY);
             break;
         case SDL_KEYDOWN:
-        case SDL_KEYUP: translateKey(from.key, to); break;
+        case SDL_KEYUP:
+            translateKey(from.key, to);
+            break;
         case SDL_TEXTINPUT:
             to.type = WindowEventType::Text;
             to.window = from.text.windowID;
             std::snprintf(to.text, sizeof to.text, "%s", from.text.text);
             break;
-        case SDL_QUIT: to.type = WindowEventType::Quit; break;
-        default: break;
+        case SDL_QUIT:
+            to.type = WindowEventType::Quit;
+            break;
+        default:
+            break;
     }
     return to.type != WindowEventType::Nothing;
 }
@@ -146,8 +173,8 @@ int displayDescriptor() {
     return descriptor;
 }
 
-bool present(std::uint32_t id, const void* pixels, std::int32_t width, std::int32_t height, std::int32_t stride,
-             const WindowModulePixelRect* rects, std::int32_t count) {
+bool present(std::uint32_t id, const void* pixels, std::int32_t width, std::int32_t height,
+             std::int32_t stride, const WindowModulePixelRect* rects, std::int32_t count) {
     SDL_Window* window = find(id);
     SDL_Surface* surface = window ? SDL_GetWindowSurface(window) : nullptr;
     if (!surface || surface->w != width || surface->h != height) return false;
@@ -167,37 +194,39 @@ const WindowModule kTable{
     .version = WindowModule::kVersion,
     .driver = [] { return SDL_GetCurrentVideoDriver(); },
     .createWindow = [](const char* title, double width, double height) -> std::uint32_t {
-        SDL_Window* window = SDL_CreateWindow(title, SDL_WINDOWPOS_CENTERED, SDL_WINDOWPOS_CENTERED,
-                                              static_cast<int>(width), static_cast<int>(height),
-                                              SDL_WINDOW_RESIZABLE | SDL_WINDOW_ALLOW_HIGHDPI);
+        SDL_Window* window =
+            SDL_CreateWindow(title, SDL_WINDOWPOS_CENTERED, SDL_WINDOWPOS_CENTERED, static_cast<int>(width),
+                             static_cast<int>(height), SDL_WINDOW_RESIZABLE | SDL_WINDOW_ALLOW_HIGHDPI);
         return window ? SDL_GetWindowID(window) : 0;
     },
     .destroyWindow = [](std::uint32_t id) { SDL_DestroyWindow(find(id)); },
     .setTitle = [](std::uint32_t id, const char* title) { SDL_SetWindowTitle(find(id), title); },
-    .setSize = [](std::uint32_t id, double width, double height) {
-        SDL_SetWindowSize(find(id), static_cast<int>(width), static_cast<int>(height));
-    },
-    .setVisible = [](std::uint32_t id, bool visible) {
-        visible ? SDL_ShowWindow(find(id)) : SDL_HideWindow(find(id));
-    },
+    .setSize =
+        [](std::uint32_t id, double width, double height) {
+            SDL_SetWindowSize(find(id), static_cast<int>(width), static_cast<int>(height));
+        },
+    .setVisible = [](std::uint32_t id,
+                     bool visible) { visible ? SDL_ShowWindow(find(id)) : SDL_HideWindow(find(id)); },
     .raise = [](std::uint32_t id) { SDL_RaiseWindow(find(id)); },
     .scale = [](std::uint32_t id) { return scaleOf(find(id)); },
     .present = present,
     .descriptor = displayDescriptor,
-    .nextEvent = [](WindowModuleEvent* event) {
-        SDL_Event from;
-        while (SDL_PollEvent(&from)) {
-            if (translate(from, *event)) return true;
-        }
-        return false;
-    },
-    .screenSize = [](double* width, double* height) {
-        SDL_Rect bounds;
-        if (SDL_GetDisplayBounds(0, &bounds) != 0) return false;
-        *width = bounds.w;
-        *height = bounds.h;
-        return true;
-    },
+    .nextEvent =
+        [](WindowModuleEvent* event) {
+            SDL_Event from;
+            while (SDL_PollEvent(&from)) {
+                if (translate(from, *event)) return true;
+            }
+            return false;
+        },
+    .screenSize =
+        [](double* width, double* height) {
+            SDL_Rect bounds;
+            if (SDL_GetDisplayBounds(0, &bounds) != 0) return false;
+            *width = bounds.w;
+            *height = bounds.h;
+            return true;
+        },
 };
 
 bool start() {
