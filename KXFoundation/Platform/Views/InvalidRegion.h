@@ -17,8 +17,8 @@ struct PixelRect {
     bool operator==(const PixelRect&) const = default;
 };
 
-/// Gathers what has to be drawn again: a handful of rectangles that do not overlap. Where there would be
-/// more, the nearest ones are joined.
+/// Gathers what has to be drawn again: a handful of rectangles, which may overlap a little. Rectangles are joined where
+/// that draws nothing in vain and, where there would be too many, where it draws least in vain.
 class KX_EXPORT InvalidRegion {
   public:
     static constexpr std::size_t kMostRects = 8;
