@@ -65,18 +65,19 @@ endfunction()
 function(kx_benchmarks name library)
   cmake_parse_arguments(PARSE_ARGV 2 arg "" "" PEERS)
   add_executable(${name} ${arg_UNPARSED_ARGUMENTS})
-  target_link_libraries(${name} PRIVATE KXFoundation::${library} benchmark::benchmark_main ${arg_PEERS})
+  target_link_libraries(${name} PRIVATE KXFoundation::${library} benchmark::benchmark_main kx_warnings ${arg_PEERS})
   target_include_directories(${name} PRIVATE ${PROJECT_SOURCE_DIR})
   set_target_properties(${name} PROPERTIES RUNTIME_OUTPUT_DIRECTORY ${PROJECT_BINARY_DIR}/benchmarks)
 endfunction()
 
-# kx_module(<name> <library> file...): a module kx-<name>.so over one heavy library, opened at first use. It lies in
-# KXFoundation/ beside our own libraries, in the build tree as after installation.
-function(kx_module name library)
+# kx_module(<name> <Foundation|UI> <package> file...): a module kx-<name>.so over one heavy package, opened at first use
+# by that library. It lies in KXFoundation/ beside our own libraries, in the build tree as after installation.
+function(kx_module name library package)
   add_library(kx-${name} MODULE ${ARGN})
   target_include_directories(kx-${name} PRIVATE ${PROJECT_SOURCE_DIR})
-  target_link_libraries(kx-${name} PRIVATE ${library} kx_warnings)
+  target_link_libraries(kx-${name} PRIVATE ${package} kx_warnings)
   set_target_properties(kx-${name} PROPERTIES
     PREFIX "" LIBRARY_OUTPUT_DIRECTORY ${CMAKE_LIBRARY_OUTPUT_DIRECTORY}/KXFoundation)
+  add_dependencies(${target_${library}} kx-${name})
   install(TARGETS kx-${name} LIBRARY DESTINATION ${CMAKE_INSTALL_LIBDIR}/KXFoundation)
 endfunction()

@@ -30,6 +30,10 @@ if(KX_SANITIZE)
   add_link_options(-fsanitize=${KX_SANITIZE})
 endif()
 
+if(KX_BUILD_FUZZERS)
+  add_compile_options(-fsanitize=fuzzer-no-link)  # so that the fuzzer sees which branches the libraries take
+endif()
+
 add_library(kx_warnings INTERFACE)
 target_compile_options(kx_warnings INTERFACE
   -Wall -Wextra -Wpedantic -Wconversion -Wshadow

@@ -28,9 +28,8 @@ struct Reloaded {
 
     [[nodiscard]] bool holds() const {
         return defaults == NSUserDefaults::standardUserDefaults().version() &&
-               settings == NSLocale::settingsVersion() && ports == portGeneration() &&
-               language == kx::selectLanguage && mode == selectLog &&
-               (bundle == selectLanguageBundle || mode != kFollowSystem);
+               settings == NSLocale::settingsVersion() && language == kx::selectLanguage &&
+               mode == selectLog && (bundle == selectLanguageBundle || mode != kFollowSystem);
     }
 
     void note() {

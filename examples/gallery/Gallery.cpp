@@ -6,6 +6,8 @@
 #include <KXFoundation/Platform/Graphics/NSColor.h>
 #include <KXFoundation/Platform/Views/NSButton.h>
 
+#include "InspectingWindow.h"
+
 namespace gallery {
 
 using namespace kx;
@@ -30,23 +32,43 @@ class Area : public Subclass<Area, NSView> {
 
 }  // namespace
 
-Gallery::Gallery() : window_(make<NSWindow>(NSRect(0, 0, kWidth, kHeight))) { rebuild(); }
+/// The content view. What it holds is made by its layout, so that a new size, language or page take the same road.
+class Gallery::Root : public Subclass<Root, Area> {
+ public:
+    bool init(Gallery& gallery) {
+        gallery_ = &gallery;
+        return Super::init(NSRect(), NSColor::windowBackgroundColor());
+    }
+    void layout() override { gallery_->build(*this); }
+
+ private:
+    Gallery* gallery_ = nullptr;
+};
+
+Gallery::Gallery()
+    : window_(make<InspectingWindow>(NSRect(0, 0, kWidth, kHeight))), root_(make<Root>(*this)) {
+    window_->setContentView(root_);
+}
 
 bool Gallery::show(std::string_view page) {
     const auto found = std::ranges::find(pages(), page, &PageEntry::name);
     if (found == pages().end()) return false;
     chosen_ = static_cast<std::size_t>(found - pages().begin());
+    page_ = nullptr;
     rebuild();
     return true;
 }
 
 void Gallery::rebuild() {
+    root_->setNeedsLayout();
+    root_->setNeedsDisplay();
+}
+
+void Gallery::build(NSView& root) {
     window_->setTitle(text("app.title"));
-    const NSSize size = window_->frame().size;
-    auto root = make<Area>(NSRect({}, size), NSColor::windowBackgroundColor());
-    addSideList(*root);
-    addPage(*root);
-    window_->setContentView(root);
+    while (!root.subviews().empty()) root.subviews().back()->removeFromSuperview();
+    addSideList(root);
+    addPage(root);
 }
 
 void Gallery::addSideList(NSView& root) {
@@ -70,7 +92,7 @@ void Gallery::addPage(NSView& root) {
     const NSSize size = root.frame().size;
     auto content = make<NSView>(directed({kSideWidth, 0, size.width - kSideWidth, size.height}, size.width));
     root.addSubview(content);
-    page_ = pages()[chosen_].make();
+    if (!page_) page_ = pages()[chosen_].make();
     Column column(*content, kMargin, 24, content->frame().size.width - 2 * kMargin);
     page_->build(column, *this);
 }

@@ -2,7 +2,6 @@
 
 #include <cstddef>
 #include <memory>
-#include <optional>
 #include <string_view>
 
 #include <KXFoundation/Platform/Views/NSView.h>
@@ -24,14 +23,17 @@ class Gallery {
 
     /// Shows the page of that name; false if there is none.
     bool show(std::string_view page);
-    /// Makes side list and page anew, in the language of the moment.
+    /// Makes side list and page anew before the next drawing, in the language of that moment.
     void rebuild();
 
  private:
+    class Root;
+    void build(kx::NSView& root);
     void addSideList(kx::NSView& root);
     void addPage(kx::NSView& root);
 
     std::shared_ptr<kx::NSWindow> window_;
+    std::shared_ptr<Root> root_;
     std::size_t chosen_ = 0;
     std::unique_ptr<Page> page_;
 };

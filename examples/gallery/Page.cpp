@@ -1,6 +1,8 @@
 #include "Page.h"
 
+#include "pages/ApplicationPage.h"
 #include "pages/LanguagePage.h"
+#include "pages/ObjectsPage.h"
 
 namespace gallery {
 
@@ -13,6 +15,8 @@ std::unique_ptr<Page> makePage() {
 
 constexpr PageEntry kPages[] = {
     {"language", "page.language", makePage<LanguagePage>},
+    {"objects", "page.objects", makePage<ObjectsPage>},
+    {"application", "page.application", makePage<ApplicationPage>},
 };
 
 }  // namespace

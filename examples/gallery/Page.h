@@ -10,8 +10,8 @@ namespace gallery {
 
 class Gallery;
 
-/// One page of the gallery. It is made anew whenever it is shown and after every change of language: what a page
-/// binds to a key is looked up once, when the control is made.
+/// One page of the gallery. It lives while it is shown; its controls are made anew after every change of language: what
+/// a page binds to a key is looked up once, when the control is made.
 class Page {
  public:
     virtual ~Page() = default;

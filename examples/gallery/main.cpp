@@ -2,6 +2,9 @@
 #include <string>
 #include <string_view>
 
+#include <KXFoundation/Platform/Views/NSApplication.h>
+
+#include "Gallery.h"
 #include "Headless.h"
 
 namespace {
@@ -11,10 +14,25 @@ int usage() {
     return 2;
 }
 
+int runInWindow(const std::string& page) {
+    gallery::Gallery gallery;
+    if (!page.empty() && !gallery.show(page)) {
+        std::fprintf(stderr, "gallery: there is no page \"%s\"\n", page.c_str());
+        return 1;
+    }
+    gallery.window()->makeKeyAndOrderFront();
+    if (!gallery.window()->surface()) {
+        std::fputs("gallery: there is no display; --headless DIRECTORY draws the pages into pictures\n", stderr);
+        return 1;
+    }
+    kx::NSApplication::sharedApplication()->run();
+    return 0;
+}
+
 }  // namespace
 
 int main(int argc, char** argv) {
-    std::string directory = "build/gallery";
+    std::string directory;
     std::string page;
     for (int i = 1; i < argc; ++i) {
         const std::string_view option = argv[i];
@@ -27,5 +45,5 @@ int main(int argc, char** argv) {
             return usage();
         }
     }
-    return gallery::drawPages(directory, page);
+    return directory.empty() ? runInWindow(page) : gallery::drawPages(directory, page);
 }

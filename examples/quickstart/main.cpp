@@ -22,7 +22,7 @@ int main(int argc, char** argv) {
     for (const char* id : {"harbour.nice", "harbour.genoa"}) harbours->addObject(kx::make<Harbour>(id));
 
     std::puts(KXLocalizationUtils::localizedStringForKey("greeting", std::nullopt).value_or("").c_str());
-    harbours->enumerateObjectsUsingBlock([](kx::KXObject& harbour, std::uint64_t, bool&) {
-        std::printf("  %s\n", harbour.name().value_or("?").c_str());
+    harbours->enumerateObjectsUsingBlock([](const auto& harbour, std::uint64_t, bool&) {
+        std::printf("  %s\n", harbour->name().value_or("?").c_str());
     });
 }

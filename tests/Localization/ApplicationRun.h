@@ -19,7 +19,7 @@ struct ApplicationRun {
     }
 
     ApplicationRun& localizedIn(std::initializer_list<std::string_view> languages) {
-        for (const std::string_view language : languages) platform.bundle().addLocalization(language);
+        for (const std::string_view code : languages) platform.bundle().addLocalization(code);
         return *this;
     }
 

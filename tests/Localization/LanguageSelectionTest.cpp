@@ -61,7 +61,7 @@ TEST(LanguageSelection, AutoResolvesTheFirstSystemLanguage) {
         expect(language, "Harbour", language);
         expect(std::string(language) + "-AT", "Harbour", language);
     }
-    const ApplicationRun nothingPreferred({});
+    const ApplicationRun nothingPreferred(std::vector<std::string>{});
     EXPECT_EQ(Utils::setSelectLanguage("auto"), "en");
 }
 

@@ -6,7 +6,7 @@
 #include <KXFoundation/Localization/KXLocalizationUtils.h>
 
 #include "Localization/ApplicationRun.h"
-#include "support/CountingFileSystem.h"
+#include "support/FaultyFileSystem.h"
 
 namespace {
 thread_local std::size_t allocations = 0;
@@ -35,7 +35,7 @@ struct Cost {
     bool operator==(const Cost&) const = default;
 };
 
-Cost costOf(testing::CountingFileSystem& files, std::string_view key) {
+Cost costOf(testing::FaultyFileSystem& files, std::string_view key) {
     for (int i = 0; i < 3; ++i) (void)KXLocalizationUtils::localizedStringForKey(key);
     const std::size_t callsBefore = files.calls();
     const std::size_t before = allocations;
@@ -55,7 +55,7 @@ TEST(LookupCost, AWarmLookupThatFollowsTheSystemCostsItsAnswer) {
         {"fr-FR", "missing", 0},
     };
     for (const auto& row : rows) {
-        const auto files = std::make_shared<testing::CountingFileSystem>();
+        const auto files = std::make_shared<testing::FaultyFileSystem>();
         const ScopedPort<FileSystem> scope(files);
         ApplicationRun run({std::string(row.systemLanguage)});
         run.platform.bundle()

@@ -6,6 +6,7 @@ build=$1 component=$2 cxx=$3 scratch=$4
 program=$(cd "$(dirname "$0")" && pwd)/program
 version=$(cat "$(dirname "$0")/../../VERSION")
 declare -A modules=([Foundation]=kxfoundation [UI]=kxfoundation-ui)
+declare -A answers=([Foundation]="Harbour 15 $version" [UI]="alignment is intercepted")
 
 installed() {
     rm -rf "$scratch"
@@ -30,13 +31,13 @@ through_pkg_config() {
     export PKG_CONFIG_PATH=$folder
     local module=${modules[$component]}
     # shellcheck disable=SC2046
-    "$cxx" -std=c++20 "$program/main.cpp" -o "$scratch/plain" $(pkg-config --cflags --libs "$module") \
+    "$cxx" -std=c++20 "$program/$component.cpp" -o "$scratch/plain" $(pkg-config --cflags --libs "$module") \
         -Wl,-rpath,"$(pkg-config --variable=libdir "$module")"
     says "$scratch/plain"
 }
 
 says() {
-    local want="Harbour 15 $version" got
+    local want=${answers[$component]} got
     got=$("$1")
     [ "$got" = "$want" ] || { echo "$1 says \"$got\", not \"$want\""; exit 1; }
     ! ldd "$1" | grep -E 'libKXFoundation.*(not found|installed-here)' || exit 1

@@ -11,8 +11,6 @@ namespace kx {
 
 namespace {
 
-constexpr std::string_view kDefaultTable = "Localizable";
-
 struct MainBundle {
     std::mutex mutex;
     std::string path;  // as named by the application; guarded by mutex
@@ -102,7 +100,8 @@ std::string NSBundle::localizedStringForKey(std::string_view key, std::optional<
 
 std::optional<std::string_view> NSBundle::lookUp(std::string_view key,
                                                  std::optional<std::string_view> table) const {
-    const StringTable* const texts = folder_->table(table && !table->empty() ? *table : kDefaultTable);
+    const StringTable* const texts =
+        table && !table->empty() ? folder_->table(*table) : folder_->defaultTable();
     return texts ? texts->lookUp(key) : std::nullopt;
 }
 

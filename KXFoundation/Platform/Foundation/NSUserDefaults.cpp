@@ -1,12 +1,12 @@
-#include <functional>
 #include <mutex>
-#include <unordered_map>
+#include <utility>
 
 #include <KXFoundation/Platform/Foundation/DefaultsFile.h>
+#include <KXFoundation/Platform/Foundation/DefaultsSnapshot.h>
+#include <KXFoundation/Platform/Foundation/NSBundle.h>
 #include <KXFoundation/Platform/Foundation/NSUserDefaults.h>
 #include <KXFoundation/Platform/Foundation/PropertyList.h>
 #include <KXFoundation/Platform/Runtime/CallerError.h>
-#include <KXFoundation/Platform/Runtime/Environment.h>
 #include <KXFoundation/Platform/Runtime/Log.h>
 #include <KXFoundation/Platform/Runtime/ProcessState.h>
 
@@ -20,15 +20,7 @@ namespace kx {
 
 namespace {
 
-struct TextHash {
-    using is_transparent = void;
-    std::size_t operator()(std::string_view text) const noexcept {
-        return std::hash<std::string_view>()(text);
-    }
-};
-using Table = std::unordered_map<std::string, Value, TextHash, std::equal_to<>>;
-
-const Value& valueIn(const Table& table, std::string_view key) {
+const Value& valueIn(const DefaultsTable& table, std::string_view key) {
     static const Value kNull;
     const auto found = table.find(key);
     return found == table.end() ? kNull : found->second;
@@ -36,20 +28,16 @@ const Value& valueIn(const Table& table, std::string_view key) {
 
 }  // namespace
 
-struct NSUserDefaults::Snapshot {
-    Table table;
-};
-
 struct NSUserDefaults::State {
     explicit State(std::string_view identifier) : file(identifier) {}
 
     std::mutex mutex;
-    Table table;  // guarded by mutex
+    DefaultsTable table;  // guarded by mutex
     std::map<std::string, std::uint64_t>
-        changes;                               // not flushed yet, with the version of each; guarded by mutex
-    std::shared_ptr<const Snapshot> snapshot;  // guarded by mutex
-    std::size_t staleReads = 0;                // since the snapshot became stale; guarded by mutex
-    std::atomic<bool> unflushed{false};        // whether there are changes
+        changes;  // not flushed yet, with the version of each; guarded by mutex
+    std::shared_ptr<const DefaultsSnapshot> snapshot;  // guarded by mutex
+    std::size_t staleReads = 0;                        // since the snapshot became stale; guarded by mutex
+    std::atomic<bool> unflushed{false};                // whether there are changes
 
     std::mutex flushing;                // taken before mutex
     DefaultsFile file;                  // guarded by flushing
@@ -99,8 +87,8 @@ bool NSUserDefaults::init(std::string_view identifier) {
 }
 
 /// The snapshot, kept alive for this thread; nullptr while there is none.
-const NSUserDefaults::Snapshot* NSUserDefaults::readableSnapshot() const {
-    const Snapshot* snapshot = published_.load(std::memory_order_acquire);
+const DefaultsSnapshot* NSUserDefaults::readableSnapshot() const {
+    const DefaultsSnapshot* snapshot = published_.load(std::memory_order_acquire);
     if (snapshot == lastSnapshot || !snapshot) [[likely]]
         return snapshot;
     LastRead& mine = lastReadOfThread();
@@ -113,14 +101,14 @@ const NSUserDefaults::Snapshot* NSUserDefaults::readableSnapshot() const {
 Value NSUserDefaults::valueUnderLock(std::string_view key) const {
     const std::lock_guard lock(state_->mutex);
     if (!state_->snapshot && ++state_->staleReads >= state_->table.size()) {
-        state_->snapshot = std::make_shared<const Snapshot>(Snapshot{state_->table});
+        state_->snapshot = std::make_shared<const DefaultsSnapshot>(state_->table);
         published_.store(state_->snapshot.get(), std::memory_order_release);
     }
     return valueIn(state_->table, key);
 }
 
 Value NSUserDefaults::objectForKey(std::string_view key) const {
-    if (const Snapshot* snapshot = readableSnapshot()) return valueIn(snapshot->table, key);
+    if (const DefaultsSnapshot* snapshot = readableSnapshot()) return snapshot->value(key);
     return valueUnderLock(key);
 }
 
@@ -131,7 +119,7 @@ std::optional<std::string> NSUserDefaults::stringForKey(std::string_view key) co
 }
 
 std::optional<std::string_view> NSUserDefaults::stringViewForKey(std::string_view key) const {
-    if (const Snapshot* snapshot = readableSnapshot()) return valueIn(snapshot->table, key).asString();
+    if (const DefaultsSnapshot* snapshot = readableSnapshot()) return snapshot->text(key);
     LastRead& mine = lastReadOfThread();
     mine.value = valueUnderLock(key);
     return mine.value.asString();
@@ -195,7 +183,7 @@ void NSUserDefaults::adoptFile(std::uint64_t upTo) {
     const std::lock_guard lock(state.mutex);
     std::erase_if(state.changes, [&](const auto& change) { return change.second <= upTo; });
     state.unflushed.store(!state.changes.empty(), std::memory_order_release);
-    Table adopted;
+    DefaultsTable adopted;
     for (const auto& [key, value] : state.file.contents().members()) {
         if (!state.changes.contains(key)) adopted.emplace(key, value);
     }
@@ -211,7 +199,8 @@ void NSUserDefaults::adoptFile(std::uint64_t upTo) {
 namespace {
 
 struct StandardDefaults {
-    std::shared_ptr<NSUserDefaults> object = make<NSUserDefaults>(programName());
+    std::shared_ptr<NSUserDefaults> object =
+        make<NSUserDefaults>(NSBundle::mainBundle()->bundleIdentifier().value_or(""));
 };
 
 }  // namespace

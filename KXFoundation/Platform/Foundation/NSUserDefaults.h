@@ -13,6 +13,8 @@
 
 namespace kx {
 
+class DefaultsSnapshot;
+
 /// The user's settings of one application: keys to property-list values, in memory, read from and flushed to
 /// one property-list file per application identifier under the XDG configuration folder. Any thread.
 ///
@@ -56,14 +58,14 @@ class KX_EXPORT NSUserDefaults : public Subclass<NSUserDefaults, NSObject> {
 
   private:
     struct State;
-    struct Snapshot;
 
-    [[nodiscard]] const Snapshot* readableSnapshot() const;
+    [[nodiscard]] const DefaultsSnapshot* readableSnapshot() const;
     [[nodiscard]] Value valueUnderLock(std::string_view key) const;
     void noteChange();
     void adoptFile(std::uint64_t upTo);
 
-    mutable std::atomic<const Snapshot*> published_{nullptr};  // owned by the state; null once it is stale
+    mutable std::atomic<const DefaultsSnapshot*> published_{
+        nullptr};  // owned by the state; null once it is stale
     std::atomic<std::uint64_t> version_{1};
     std::unique_ptr<State> state_;
 };

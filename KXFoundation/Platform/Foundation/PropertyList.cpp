@@ -9,7 +9,10 @@ namespace kx {
 namespace {
 
 bool fits(const Value& value, std::size_t depth) {
-    if (value.isNull() || value.type() == Value::Type::Object || depth > Value::kMaxDepth) return false;
+    const Value::Type type = value.type();
+    if (type == Value::Type::Null || type == Value::Type::Object) return false;
+    const bool isContainer = type == Value::Type::Array || type == Value::Type::Dictionary;
+    if (isContainer && depth > Value::kMaxDepth) return false;
     const auto fitsBelow = [&](const Value& below) { return fits(below, depth + 1); };
     return std::ranges::all_of(value.elements(), fitsBelow) &&
            std::ranges::all_of(value.members(), fitsBelow, &Value::Member::second);

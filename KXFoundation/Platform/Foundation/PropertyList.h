@@ -29,8 +29,8 @@ namespace kx {
 /// The value as "bplist00"; equal strings are written once. Bytes that are no UTF-8 become U+FFFD.
 [[nodiscard]] KX_EXPORT Result<std::string> writeBinaryPropertyList(const Value& value);
 
-/// Whether the writers take the value: no null and no object in it, no deeper than Value::kMaxDepth. They
-/// give Unsupported for any other.
+/// Whether the writers take the value: no null and no object in it, no container deeper than
+/// Value::kMaxDepth. They give Unsupported for any other.
 [[nodiscard]] KX_EXPORT bool isPropertyList(const Value& value);
 
 }  // namespace kx

@@ -164,4 +164,11 @@ const StringTable* ResourceFolder::table(std::string_view name) const {
     return loaded.release()->table.get();
 }
 
+const StringTable* ResourceFolder::defaultTable() const {
+    if (const StringTable* known = defaultTable_.load(std::memory_order_acquire)) return known;
+    const StringTable* const found = table("Localizable");
+    defaultTable_.store(found, std::memory_order_release);
+    return found;
+}
+
 }  // namespace kx

@@ -39,6 +39,8 @@ class ResourceFolder {
     [[nodiscard]] const Value& information() const;
     /// The table of `<name>.strings`; null if there is none.
     [[nodiscard]] const StringTable* table(std::string_view name) const;
+    /// The table of Localizable.strings, which nearly every look-up wants.
+    [[nodiscard]] const StringTable* defaultTable() const;
 
   private:
     enum class Kind : std::uint8_t { Unasked, File, Directory, Nothing };
@@ -60,6 +62,7 @@ class ResourceFolder {
     mutable Value information_;
     mutable std::mutex loading_;                               // one thread adds to tables_
     mutable std::atomic<const LoadedTable*> tables_{nullptr};  // a list that only grows
+    mutable std::atomic<const StringTable*> defaultTable_{nullptr};
 };
 
 }  // namespace kx

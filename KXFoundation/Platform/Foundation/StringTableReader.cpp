@@ -12,6 +12,7 @@
 #endif
 
 #include <KXFoundation/Platform/Foundation/UnicodeText.h>
+#include <KXFoundation/Platform/Foundation/Utf8Validation.h>
 
 namespace kx {
 
@@ -28,34 +29,20 @@ constexpr bool isBare(char c) noexcept {
            c == '.' || c == '-' || c == ':' || c == '$';
 }
 
-constexpr bool isBeyondAscii(char c) noexcept {
-    return static_cast<unsigned char>(c) >= 0x80;
-}
-
-/// The first quote, backslash or zero byte, else the end; notes whether it passed a byte beyond ASCII.
-char* findSpecial(char* at, char* end, bool& beyondAscii) noexcept {
+/// The first quote or backslash, else the end.
+char* findQuoteOrBackslash(char* at, char* end) noexcept {
 #ifdef __SSE2__
-    const auto equal = [](__m128i block, char c) { return _mm_cmpeq_epi8(block, _mm_set1_epi8(c)); };
+    const __m128i quotes = _mm_set1_epi8('"');
+    const __m128i backslashes = _mm_set1_epi8('\\');
     for (; end - at >= 16; at += 16) {
         const __m128i block = _mm_loadu_si128(reinterpret_cast<const __m128i*>(at));
-        const __m128i special =
-            _mm_or_si128(_mm_or_si128(equal(block, '"'), equal(block, '\\')), equal(block, '\0'));
-        const auto found = static_cast<unsigned>(_mm_movemask_epi8(special));
-        const auto beyond = static_cast<unsigned>(_mm_movemask_epi8(block));
-        beyondAscii |= (beyond & (found - 1) & ~found) != 0;  // of those before the first one found
-        if (found != 0) return at + std::countr_zero(found);
+        const __m128i either =
+            _mm_or_si128(_mm_cmpeq_epi8(block, quotes), _mm_cmpeq_epi8(block, backslashes));
+        if (const int found = _mm_movemask_epi8(either))
+            return at + std::countr_zero(static_cast<unsigned>(found));
     }
 #endif
-    for (; at < end && *at != '"' && *at != '\\' && *at != '\0'; ++at) beyondAscii |= isBeyondAscii(*at);
-    return at;
-}
-
-bool isUtf8(std::string_view text) noexcept {
-    while (!text.empty()) {
-        const std::size_t before = text.size();
-        if (takeCodePoint(text) == kReplacementCharacter && before - text.size() == 1) return false;
-    }
-    return true;
+    return std::find_if(at, end, [](char c) { return c == '"' || c == '\\'; });
 }
 
 std::optional<char32_t> hexUnit(const char* at, const char* end) noexcept {
@@ -112,6 +99,7 @@ class Reader {
     Reader(std::string& text, std::vector<StringTableEntry>& entries) noexcept
         : begin_(text.data()), at_(begin_), end_(begin_ + text.size()), entries_(entries) {
         if (text.starts_with(kMark)) at_ += kMark.size();
+        clean_ = text.find('\0') == text.npos && isUtf8(text);
     }
 
     StringTableFaults read() {
@@ -124,8 +112,6 @@ class Reader {
         char* begin;
         char* end;
         bool escapes = false;
-        bool beyondAscii = false;
-        bool zeroBytes = false;
 
         [[nodiscard]] std::string_view view() const noexcept { return {begin, end}; }
     };
@@ -193,17 +179,12 @@ class Reader {
     bool parseQuoted(Token& token) noexcept {
         token.begin = ++at_;
         for (;;) {
-            at_ = findSpecial(at_, end_, token.beyondAscii);
-            if (end_ - at_ < 1) return false;
+            at_ = findQuoteOrBackslash(at_, end_);
+            if (at_ == end_) return false;
             if (*at_ == '"') break;
-            if (*at_ == '\\') {
-                if (end_ - at_ < 2) return false;
-                token.escapes = true;
-                ++at_;
-                token.beyondAscii |= isBeyondAscii(*at_);
-            }
-            token.zeroBytes |= *at_ == '\0';
-            ++at_;
+            if (end_ - at_ < 2) return false;
+            token.escapes = true;
+            at_ += 2;
         }
         token.end = at_++;
         return true;
@@ -219,8 +200,8 @@ class Reader {
     }
 
     Fault resolve(Token& token) {
-        if (token.zeroBytes) return "a zero byte";
-        if (token.beyondAscii && !isUtf8(token.view())) return "no UTF-8";
+        if (!clean_ && token.view().find('\0') != std::string_view::npos) return "a zero byte";
+        if (!clean_ && !isUtf8(token.view())) return "no UTF-8";
         if (token.escapes && !resolveEscapes(token)) return "an unknown escape";
         return nullptr;
     }
@@ -273,6 +254,7 @@ class Reader {
     char* begin_;
     char* at_;
     char* end_;
+    bool clean_;                 // the whole text is UTF-8 without a zero byte: no entry needs to be asked
     char* rereadFrom_ = begin_;  // recovery never goes back before this
     std::size_t linesMade_ = 0;  // line ends that escapes put where the file had none
     StringTableFaults faults_;

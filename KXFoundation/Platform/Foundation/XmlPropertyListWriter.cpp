@@ -117,6 +117,7 @@ class Writer {
     }
 
     void addUid(std::uint32_t number) {
+        holdsAll_ = holdsAll_ && depth_ < Value::kMaxDepth;  // XML spells it as a dictionary
         line("<dict>");
         ++depth_;
         element("key", "CF$UID");

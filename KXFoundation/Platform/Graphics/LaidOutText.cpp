@@ -41,6 +41,31 @@ std::string usableText(const std::string& text, double pointSize) {
     return answer;
 }
 
+bool isBlank(gunichar letter) {
+    return letter == ' ' || letter == '\n' || letter == '\t';
+}
+
+/// The text with a zero-width space after every 256 letters that stand together without a blank. Pango's
+/// search for the end of a line is quadratic in the length of such a run: 64 KiB of one took 27 s without
+/// these, 0.6 s with them.
+std::string withBreaks(const std::string& text) {
+    constexpr int kLongestRun = 256;
+    std::string broken;
+    int run = 0;
+    const char* next = nullptr;
+    for (const char* at = text.c_str(); *at; at = next) {
+        next = g_utf8_next_char(at);
+        const gunichar letter = g_utf8_get_char(at);
+        if (run >= kLongestRun && !g_unichar_ismark(letter)) {
+            broken += "\u200B";
+            run = 0;
+        }
+        broken.append(at, next);
+        run = isBlank(letter) ? 0 : run + 1;
+    }
+    return broken;
+}
+
 void setFont(PangoLayout* layout, const NSFont& font) {
     const FontFace& face = font.face();
     PangoFontDescription* description = pango_font_description_new();
@@ -55,6 +80,9 @@ void setFont(PangoLayout* layout, const NSFont& font) {
 bool hasWidth(const TextFlow& flow) noexcept {
     return flow.width < kWidestLine;
 }
+bool breaksLines(const TextFlow& flow) noexcept {
+    return hasWidth(flow) && flow.lineBreak != LineBreakMode::Clip;
+}
 
 std::uint32_t lineLimit(const TextFlow& flow) noexcept {
     if (flow.maximumLines == 0 && flow.lineBreak == LineBreakMode::TruncateTail) return 1;
@@ -64,7 +92,7 @@ std::uint32_t lineLimit(const TextFlow& flow) noexcept {
 void setFlow(PangoLayout* layout, const TextFlow& flow) {
     pango_layout_set_auto_dir(layout, flow.direction == WritingDirection::Natural);
     pango_layout_set_justify(layout, flow.alignment == NSTextAlignment::Justified);
-    if (hasWidth(flow) && flow.lineBreak != LineBreakMode::Clip) {
+    if (breaksLines(flow)) {
         pango_layout_set_width(layout, units(std::max(flow.width, 0.0)));
         pango_layout_set_wrap(layout, PANGO_WRAP_WORD_CHAR);
     }
@@ -77,7 +105,8 @@ void setFlow(PangoLayout* layout, const TextFlow& flow) {
 PangoLayout* makeLayout(const TextContext& context, const TextLayout& text) {
     const bool rightToLeft = text.flow().direction == WritingDirection::RightToLeft;
     PangoLayout* layout = pango_layout_new(rightToLeft ? context.rightToLeft() : context.leftToRight());
-    const std::string usable = usableText(text.text(), text.font()->pointSize());
+    std::string usable = usableText(text.text(), text.font()->pointSize());
+    if (breaksLines(text.flow())) usable = withBreaks(usable);
     pango_layout_set_text(layout, usable.data(), static_cast<int>(usable.size()));
     setFont(layout, *text.font());
     setFlow(layout, text.flow());
@@ -160,10 +189,11 @@ struct TextKeyHash {
 struct ThreadTexts {
     TextContext context;
     RecentCache<TextKey, std::shared_ptr<const LaidOutText>, TextKeyHash> lines{128};
+    RecentCache<TextKey, std::shared_ptr<const LaidOutText>, TextKeyHash> longLines{1};
     RecentCache<TextKey, TextMeasure, TextKeyHash> measures{2048};
 };
 
-constexpr std::size_t kLongestRemembered = 4096;  // bytes
+constexpr std::size_t kLongText = 4096;  // bytes; of texts beyond that only the latest are remembered
 
 ThreadTexts& threadTexts() {
     thread_local std::unique_ptr<ThreadTexts> texts;
@@ -182,14 +212,14 @@ TextKey keyOf(const TextLayout& text) {
 
 std::shared_ptr<const LaidOutText> LaidOutText::of(const TextLayout& text) {
     ThreadTexts& texts = threadTexts();
-    if (text.text().size() > kLongestRemembered) return std::make_shared<LaidOutText>(texts.context, text);
+    auto& lines = text.text().size() > kLongText ? texts.longLines : texts.lines;
     TextKey key = keyOf(text);
-    if (auto* found = texts.lines.find(key)) return *found;
-    return texts.lines.add(std::move(key), std::make_shared<LaidOutText>(texts.context, text));
+    if (auto* found = lines.find(key)) return *found;
+    return lines.add(std::move(key), std::make_shared<LaidOutText>(texts.context, text));
 }
 
 TextMeasure LaidOutText::measureOf(const TextLayout& text) {
-    if (text.text().size() > kLongestRemembered) return of(text)->measure();
+    if (text.text().size() > kLongText) return of(text)->measure();
     ThreadTexts& texts = threadTexts();
     TextKey key = keyOf(text);
     if (const TextMeasure* found = texts.measures.find(key)) return *found;

@@ -7,6 +7,8 @@
 #include <mutex>
 #include <string>
 
+#include <KXFoundation/Platform/Runtime/Clock.h>
+
 namespace kx {
 
 namespace {
@@ -22,7 +24,7 @@ class StandardErrorSink final : public LogSink {
 
 constexpr std::size_t kLongestLine = 4096;
 
-using ReportedAt = std::map<std::pair<std::string, ErrorKind>, std::chrono::steady_clock::time_point>;
+using ReportedAt = std::map<std::pair<std::string, ErrorKind>, std::chrono::nanoseconds>;
 
 /// Says whether this kind of error at this place was last reported a minute ago or more, and marks it reported.
 bool claimReport(const char* place, ErrorKind kind) {
@@ -34,7 +36,7 @@ bool claimReport(const char* place, ErrorKind kind) {
         reported.clear();
         reportedUnder = portGeneration();
     }
-    const auto now = std::chrono::steady_clock::now();
+    const auto now = Clock::slot().current().now();
     const auto [entry, isNew] = reported.try_emplace({place, kind}, now);
     if (!isNew && now - entry->second < std::chrono::minutes(1)) return false;
     entry->second = now;

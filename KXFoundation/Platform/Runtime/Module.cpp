@@ -23,10 +23,8 @@ std::string modulePath(const char* name) {
     Dl_info self;
     if (!::dladdr(reinterpret_cast<const void*>(&openModule), &self) || !self.dli_fname) return {};
     const std::string beside = directoryOf(self.dli_fname) + "/KXFoundation/kx-" + name + ".so";
-#ifdef KX_MODULE_DIRECTORY
     // A static library has no place of its own: then the installed modules serve.
     if (::access(beside.c_str(), F_OK) != 0) return std::string(KX_MODULE_DIRECTORY "/kx-") + name + ".so";
-#endif
     return beside;
 }
 

@@ -11,6 +11,7 @@
 
 #include <KXFoundation/Platform/Runtime/Class.h>
 #include <KXFoundation/Platform/Runtime/Export.h>
+#include <KXFoundation/Platform/Runtime/MainThread.h>
 
 /// Objects are made in two steps behind one call and held by std::shared_ptr:
 ///
@@ -81,7 +82,12 @@ class KX_EXPORT NSObject : public std::enable_shared_from_this<NSObject> {
 template <class T>
 std::shared_ptr<T> allocateObject(Class& cls) {
     struct Allocation final : T {};
-    std::shared_ptr<T> object = std::make_shared<Allocation>();
+    std::shared_ptr<T> object;
+    if constexpr (MainThreadOnly<T>) {
+        object = std::shared_ptr<Allocation>(new Allocation, MainThreadDeleter());
+    } else {
+        object = std::make_shared<Allocation>();
+    }
     object->isa_ = &cls;
     return object;
 }

@@ -3,8 +3,10 @@
 #include <map>
 #include <memory>
 #include <mutex>
+#include <vector>
 
 #include <KXFoundation/Platform/Runtime/NSObject.h>
+#include <KXFoundation/Platform/Runtime/Observation.h>
 #include <KXFoundation/Platform/Runtime/Value.h>
 
 namespace kx {
@@ -15,6 +17,9 @@ struct SideRecord {
 
     std::mutex associatedMutex;
     std::map<const void*, Value> associated;  // guarded by associatedMutex
+
+    std::mutex observersMutex;
+    std::vector<std::shared_ptr<ObservationToken::Observer>> observers;  // guarded by observersMutex
 };
 
 [[nodiscard]] SideRecord& sideRecord(NSObject& object);

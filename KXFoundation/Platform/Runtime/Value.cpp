@@ -65,11 +65,11 @@ const P& Value::payload() const noexcept {
 }
 
 void Value::retain() const noexcept {
-    if (isShared()) bits_.payload->count.fetch_add(1, std::memory_order_relaxed);
+    bits_.payload->count.fetch_add(1, std::memory_order_relaxed);
 }
 
 void Value::release() noexcept {
-    if (!isShared() || bits_.payload->count.fetch_sub(1, std::memory_order_acq_rel) != 1) return;
+    if (bits_.payload->count.fetch_sub(1, std::memory_order_acq_rel) != 1) return;
     switch (type_) {
         case Type::String: delete static_cast<StringPayload*>(bits_.payload); break;
         case Type::Data: delete static_cast<DataPayload*>(bits_.payload); break;
@@ -78,16 +78,6 @@ void Value::release() noexcept {
         case Type::Object: delete static_cast<ObjectPayload*>(bits_.payload); break;
         default: break;
     }
-}
-
-std::optional<bool> Value::asBoolean() const noexcept {
-    if (type_ != Type::Boolean) return std::nullopt;
-    return bits_.boolean;
-}
-
-std::optional<std::int64_t> Value::asInteger() const noexcept {
-    if (type_ != Type::Integer) return std::nullopt;
-    return bits_.integer;
 }
 
 std::optional<double> Value::asReal() const noexcept {

@@ -50,13 +50,17 @@ class KX_EXPORT Value {
     [[nodiscard]] static Value data(std::vector<std::byte> bytes);
     [[nodiscard]] static Value data(std::span<const std::byte> bytes);
 
-    Value(const Value& other) noexcept : type_(other.type_), bits_(other.bits_) { retain(); }
+    Value(const Value& other) noexcept : type_(other.type_), bits_(other.bits_) {
+        if (isShared()) retain();
+    }
     Value(Value&& other) noexcept : type_(std::exchange(other.type_, Type::Null)), bits_(other.bits_) {}
     Value& operator=(Value other) noexcept {
         swap(other);
         return *this;
     }
-    ~Value() { release(); }
+    ~Value() {
+        if (isShared()) release();
+    }
     void swap(Value& other) noexcept {
         std::swap(type_, other.type_);
         std::swap(bits_, other.bits_);
@@ -67,8 +71,12 @@ class KX_EXPORT Value {
 
     // The contents as the type asked for, std::nullopt if it is another type. Views and spans are valid as long
     // as some copy of this Value lives. Real also answers for an integer; nothing else is converted.
-    [[nodiscard]] std::optional<bool> asBoolean() const noexcept;
-    [[nodiscard]] std::optional<std::int64_t> asInteger() const noexcept;
+    [[nodiscard]] std::optional<bool> asBoolean() const noexcept {
+        return type_ == Type::Boolean ? std::optional(bits_.boolean) : std::nullopt;
+    }
+    [[nodiscard]] std::optional<std::int64_t> asInteger() const noexcept {
+        return type_ == Type::Integer ? std::optional(bits_.integer) : std::nullopt;
+    }
     [[nodiscard]] std::optional<double> asReal() const noexcept;
     [[nodiscard]] std::optional<double> asDate() const noexcept;
     [[nodiscard]] std::optional<std::uint32_t> asUid() const noexcept;

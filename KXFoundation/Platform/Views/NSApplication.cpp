@@ -3,6 +3,10 @@
 #include <mutex>
 #include <thread>
 
+#include <KXFoundation/Platform/Foundation/NSNotificationCenter.h>
+#include <KXFoundation/Platform/Foundation/NSNotificationNames.h>
+#include <KXFoundation/Platform/Runtime/EventLoop.h>
+#include <KXFoundation/Platform/Runtime/MainThread.h>
 #include <KXFoundation/Platform/Runtime/ProcessState.h>
 #include <KXFoundation/Platform/Views/NSApplication.h>
 #include <KXFoundation/Platform/Views/NSWindow.h>
@@ -25,6 +29,7 @@ std::shared_ptr<NSApplication> NSApplication::sharedApplication() {
     ApplicationState& state = applicationState.get();
     std::call_once(state.once, [&] {
         state.mainThread = std::this_thread::get_id();
+        adoptMainThread();
         state.application = make<NSApplication>();
     });
     return state.application;
@@ -33,6 +38,28 @@ std::shared_ptr<NSApplication> NSApplication::sharedApplication() {
 bool NSApplication::isMainThread() noexcept {
     const std::thread::id main = applicationState.get().mainThread.load(std::memory_order_relaxed);
     return main == std::thread::id() || main == std::this_thread::get_id();
+}
+
+bool NSApplication::init() {
+    beforeWait_ = EventLoop::main().addBeforeWait([this] { displayIfNeeded(); });
+    return Super::init();
+}
+
+NSApplication::~NSApplication() { EventLoop::main().removeBeforeWait(beforeWait_); }
+
+void NSApplication::run() {
+    if (windows_.empty()) return;
+    running_ = true;
+    EventLoop::main().run();
+    running_ = false;
+}
+
+void NSApplication::stop() { EventLoop::main().stop(); }
+
+void NSApplication::focusChanged(bool focused) {
+    active_ = focused;
+    if (!focused) return;
+    NSNotificationCenter::defaultCenter().postNotificationName(NSApplicationWillBecomeActiveNotification, self());
 }
 
 void NSApplication::displayIfNeeded() {
@@ -57,6 +84,7 @@ void NSApplication::takeAway(const NSWindow& window) {
     const auto front = windows_.empty() ? nullptr : windows_.back();
     if (isLost(keyWindow())) keyWindow_ = front;
     if (isLost(mainWindow())) mainWindow_ = front;
+    if (windows_.empty() && running_) stop();
 }
 
 bool NSApplication::shows(const NSWindow& window) const {

@@ -26,8 +26,19 @@ class KX_EXPORT NSApplication : public Subclass<NSApplication, NSResponder> {
     /// The window that the user works in, none if there is none.
     [[nodiscard]] std::shared_ptr<NSWindow> mainWindow() const { return mainWindow_.lock(); }
 
-    /// Draws what is invalid in any window.
+    /// Draws what is invalid in any window. The main thread's loop does so before it waits.
     void displayIfNeeded();
+
+    /// Runs the main thread's loop until stop() is called or the last window has left the screen. An application with
+    /// a loop of its own drains EventLoop::main() instead.
+    void run();
+    void stop();
+
+    /// Whether a window of the application has the desktop's focus.
+    [[nodiscard]] bool isActive() const noexcept { return active_; }
+
+    bool init();
+    ~NSApplication() override;
 
   protected:
     NSApplication() = default;
@@ -39,10 +50,14 @@ class KX_EXPORT NSApplication : public Subclass<NSApplication, NSResponder> {
     void makeKey(const std::shared_ptr<NSWindow>& window);
     void takeAway(const NSWindow& window);
     [[nodiscard]] bool shows(const NSWindow& window) const;
+    void focusChanged(bool focused);
 
     std::vector<std::shared_ptr<NSWindow>> windows_;
     std::weak_ptr<NSWindow> keyWindow_;
     std::weak_ptr<NSWindow> mainWindow_;
+    int beforeWait_ = 0;
+    bool active_ = false;
+    bool running_ = false;
 };
 
 }  // namespace kx

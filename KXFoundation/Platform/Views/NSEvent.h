@@ -21,7 +21,7 @@ enum class NSEventModifierFlags : std::uint8_t { None = 0, Shift = 1, Control = 
 /// One thing that the user did in a window.
 struct NSEvent {
     NSEventType type = NSEventType::MouseMoved;
-    NSPoint locationInWindow;  ///< in the content view's coordinates
+    NSPoint locationInWindow{};  ///< in the content view's coordinates
     NSEventModifierFlags modifierFlags = NSEventModifierFlags::None;
     int clickCount = 0;        ///< 1 for a click, 2 for a double click
     std::string characters{};  ///< what the key types; "\r", "\t" and " " for Enter, Tab and Space

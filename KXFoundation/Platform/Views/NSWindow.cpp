@@ -112,7 +112,9 @@ void NSWindow::surfaceDid(const SurfaceEvent& event) {
                    [&](SurfaceExposed) { setNeedsDisplay(bounds()); },
                    [&](SurfaceCloseRequested) { close(); },
                    [&](SurfaceFocusChanged change) {
-                       if (change.focused) NSApplication::sharedApplication()->makeKey(self());
+                       const auto application = NSApplication::sharedApplication();
+                       if (change.focused) application->makeKey(self());
+                       application->focusChanged(change.focused);
                    },
                },
                event);

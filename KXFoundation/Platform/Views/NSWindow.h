@@ -61,7 +61,7 @@ class KX_EXPORT NSWindow : public Subclass<NSWindow, NSResponder> {
 
     /// Finds the view that the event is for and calls it. A drag and its end go to the view that got the
     /// mouse down.
-    void sendEvent(const NSEvent& event);
+    virtual void sendEvent(const NSEvent& event);
     /// Where keys go first; the window itself if there is none.
     [[nodiscard]] std::shared_ptr<NSResponder> firstResponder() const { return firstResponder_.lock(); }
     /// False, and nothing changed, if the present one or the new one refuses.

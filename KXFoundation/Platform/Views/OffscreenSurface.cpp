@@ -59,8 +59,4 @@ PortSlot<WindowSystem>& WindowSystem::slot() {
     return slot;
 }
 
-std::shared_ptr<WindowSystem> WindowSystem::makeDefault() {
-    return std::make_shared<OffscreenWindowSystem>();
-}
-
 }  // namespace kx

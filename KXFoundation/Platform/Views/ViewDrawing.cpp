@@ -18,11 +18,12 @@ void ViewDrawing::draw(NSView& view, NSRect dirty) {
     if (opacity < 1) context_.endLayer(opacity);
 }
 
+// A clip across pixels would blend a view's edge differently with every rectangle that is drawn: clips lie on pixel edges.
 void ViewDrawing::drawContent(NSView& view, NSRect dirty) {
     dirty = dirty.intersection(view.bounds());
     if (dirty.isEmpty()) return;
     const GraphicsContext::SavedState state(context_);
-    context_.clip(view.bounds());
+    context_.clip(context_.pixelAligned(view.bounds()));
     view.drawRect(context_, dirty);
 }
 
@@ -30,7 +31,7 @@ void ViewDrawing::drawSubviews(NSView& view, NSRect dirty) {
     if (view.clipsToBounds()) {
         dirty = dirty.intersection(view.bounds());
         if (dirty.isEmpty()) return;
-        context_.clip(view.bounds());
+        context_.clip(context_.pixelAligned(view.bounds()));
     }
     const auto subviews = view.subviews();  // drawing may run application code that changes the tree
     for (const auto& subview : subviews) draw(*subview, dirty);

@@ -44,7 +44,7 @@ class KX_EXPORT WindowSurface {
     virtual void activate() = 0;
 };
 
-/// The port that surfaces come from. The default adapter makes off-screen ones.
+/// The port that surfaces come from. The default adapter opens windows on the desktop's display.
 class KX_EXPORT WindowSystem {
   public:
     /// Called on the main thread, between two calls of the library.

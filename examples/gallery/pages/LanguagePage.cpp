@@ -21,7 +21,7 @@ constexpr struct {
     std::string_view name;  // in the language itself
 } kLanguages[] = {
     {"ar", "العربية"},      {"de", "Deutsch"},    {"en", "English"},   {"es", "Español"},
-    {"es-419", "Español (Latinoamérica)"},        {"fr", "Français"},  {"it", "Italiano"},
+    {"es-419", "Español (Latam.)"},        {"fr", "Français"},  {"it", "Italiano"},
     {"ja", "日本語"},       {"ko", "한국어"},     {"pt", "Português"}, {"pt-BR", "Português (Brasil)"},
     {"ru", "Русский"},      {"zh-Hans", "简体中文"}, {"zh-Hant", "繁體中文"},
 };
@@ -99,7 +99,7 @@ void LanguagePage::build(Column& column, Gallery& gallery) {
     column.pair(text("language.selected"), KXLocalizationUtils::selectLanguage());
     column.pair(text("language.right_to_left"), text(KXLocalizationUtils::isRTL() ? "general.yes" : "general.no"));
     addBoundControls(column);
-    column.caption("");
+    column.space(12);
     column.pair(text("language.caption.missing"), text("demo.missing"));
     column.pair(text("language.caption.only_english"), text("demo.only_english"));
     addTiles(column);

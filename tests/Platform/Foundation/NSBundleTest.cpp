@@ -1,13 +1,14 @@
+#include <array>
 #include <filesystem>
 #include <thread>
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
-#include <unistd.h>
 
 #include <KXFoundation/Platform/Foundation/NSBundle.h>
 
 #include "support/CapturedLog.h"
+#include "support/FaultyFileSystem.h"
 #include "support/ScopedPlatform.h"
 
 namespace kx {
@@ -157,14 +158,35 @@ TEST_F(NSBundleTest, DamagedInformationIsNoneWithOneLine) {
     }
 }
 
+TEST_F(NSBundleTest, AsksTheSystemOnceOnly) {
+    platform.bundle().addStrings("fr", {{"hello", "Bonjour"}}).addFile("logo.png", "");
+    const auto files = std::make_shared<testing::FaultyFileSystem>();
+    const ScopedPort<FileSystem> scope(files);
+    const auto askAll = [&] {
+        const auto main = NSBundle::mainBundle();
+        (void)main->infoDictionary();
+        (void)main->localizations();
+        (void)main->pathForResource("de", "lproj");
+        const auto french = make<NSBundle>(main->pathForResource("fr", "lproj"));
+        (void)french->lookUp("hello");
+        (void)french->lookUp("hello", "Missing");
+    };
+    askAll();
+    EXPECT_GT(files->calls(), 0u);
+    files->resetCounts();
+    askAll();
+    EXPECT_EQ(files->calls(), 0u);
+}
+
 TEST_F(NSBundleTest, AnUnreadableFolderHoldsNothing) {
-    if (geteuid() == 0) GTEST_SKIP() << "root reads everything";
     platform.bundle().addStrings("fr", {{"hello", "Bonjour"}});
-    std::filesystem::permissions(inMain("fr.lproj"), std::filesystem::perms::none);
-    const auto bundle = make<NSBundle>(inMain("fr.lproj"));
-    ASSERT_TRUE(bundle);
-    EXPECT_EQ(bundle->lookUp("hello"), std::nullopt);
-    std::filesystem::permissions(inMain("fr.lproj"), std::filesystem::perms::owner_all);
+    const auto files = std::make_shared<testing::FaultyFileSystem>();
+    const ScopedPort<FileSystem> scope(files);
+    const auto french = make<NSBundle>(inMain("fr.lproj"));
+    ASSERT_TRUE(french);
+    files->failCall(1, EACCES);
+    EXPECT_EQ(french->lookUp("hello"), std::nullopt);
+    EXPECT_EQ(french->pathForResource("Localizable", "strings"), std::nullopt);
 }
 
 struct MainBundleTest : ::testing::Test {

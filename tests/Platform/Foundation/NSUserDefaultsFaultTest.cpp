@@ -7,7 +7,7 @@
 
 #include "support/CapturedLog.h"
 #include "support/FaultyFileSystem.h"
-#include "support/TemporaryFolder.h"
+#include "support/ScopedPlatform.h"
 
 namespace kx {
 namespace {
@@ -19,14 +19,13 @@ struct NSUserDefaultsFaultTest : ::testing::TestWithParam<Then> {
     static std::shared_ptr<NSUserDefaults> defaults() { return make<NSUserDefaults>("org.example.app"); }
     std::size_t filesLeft() const {
         std::size_t count = 0;
-        for (const auto& entry : std::filesystem::recursive_directory_iterator(folder.path())) {
+        for (const auto& entry : std::filesystem::recursive_directory_iterator(platform.directory().path())) {
             count += entry.is_regular_file() ? 1 : 0;
         }
         return count;
     }
 
-    testing::TemporaryFolder folder;
-    testing::ScopedHome home{folder.path()};
+    testing::ScopedPlatform platform;
     std::shared_ptr<FaultyFileSystem> files = std::make_shared<FaultyFileSystem>();
     ScopedPort<FileSystem> scope{files};
     testing::CapturedLog log;

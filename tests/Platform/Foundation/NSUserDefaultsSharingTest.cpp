@@ -9,7 +9,7 @@
 #include <KXFoundation/Platform/Foundation/NSUserDefaults.h>
 
 #include "support/CapturedLog.h"
-#include "support/TemporaryFolder.h"
+#include "support/ScopedPlatform.h"
 
 // Two objects of one identifier stand for two processes; the last test has real ones.
 
@@ -19,8 +19,7 @@ namespace {
 struct NSUserDefaultsSharingTest : ::testing::Test {
     static std::shared_ptr<NSUserDefaults> defaults() { return make<NSUserDefaults>("org.example.app"); }
 
-    testing::TemporaryFolder folder;
-    testing::ScopedHome home{folder.path()};
+    testing::ScopedPlatform platform;
     testing::CapturedLog log;
 };
 
@@ -63,7 +62,7 @@ TEST_F(NSUserDefaultsSharingTest, ADeletedFileIsWrittenAgainWhole) {
     const auto settings = defaults();
     settings->setObject("a", 1);
     ASSERT_TRUE(settings->synchronize());
-    std::filesystem::remove_all(folder.path() + "/.config");
+    std::filesystem::remove_all(platform.directory() / "home/config");
     settings->setObject("b", 2);
     ASSERT_TRUE(settings->synchronize());
     EXPECT_EQ(defaults()->objectForKey("a"), Value(1));

@@ -1,17 +1,14 @@
-#include <atomic>
 #include <filesystem>
 #include <fstream>
-#include <thread>
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
 #include <KXFoundation/Platform/Foundation/NSUserDefaults.h>
-#include <KXFoundation/Platform/Runtime/ProcessState.h>
 
 #include "support/CapturedLog.h"
 #include "support/FaultyFileSystem.h"
-#include "support/TemporaryFolder.h"
+#include "support/ScopedPlatform.h"
 
 namespace kx {
 namespace {
@@ -23,18 +20,26 @@ using ::testing::UnorderedElementsAre;
 
 constexpr const char* kIdentifier = "org.example.app";
 
+std::vector<std::string> namesIn(const std::string& directory) {
+    std::vector<std::string> names;
+    for (const auto& entry : std::filesystem::directory_iterator(directory)) {
+        names.push_back(entry.path().filename());
+    }
+    return names;
+}
+
 struct NSUserDefaultsTest : ::testing::Test {
     static std::shared_ptr<NSUserDefaults> defaults() { return make<NSUserDefaults>(kIdentifier); }
+    std::string config() const { return platform.directory() / "home/config"; }
     std::string place(std::string_view name = "defaults.plist") const {
-        return folder.path() + "/.config/" + kIdentifier + "/" + std::string(name);
+        return config() + "/" + kIdentifier + "/" + std::string(name);
     }
     void damage() const {
         std::filesystem::create_directories(directoryOf(place()));
         std::ofstream(place()) << "<plist><dict><key>half";
     }
 
-    testing::TemporaryFolder folder;
-    testing::ScopedHome home{folder.path()};
+    testing::ScopedPlatform platform;
     std::shared_ptr<FaultyFileSystem> files = std::make_shared<FaultyFileSystem>();
     ScopedPort<FileSystem> scope{files};
     testing::CapturedLog log;
@@ -72,19 +77,6 @@ TEST_F(NSUserDefaultsTest, AnotherTypeThanTextCountsAsNotSet) {
     EXPECT_EQ(settings->stringForKey("text"), "fr");
     EXPECT_EQ(settings->stringForKey("number"), std::nullopt);
     EXPECT_EQ(settings->stringForKey("missing"), std::nullopt);
-}
-
-TEST_F(NSUserDefaultsTest, AViewSurvivesChangesUntilTheNextRead) {
-    const auto settings = defaults();
-    settings->setObject("key", std::string(100, 'a'));
-    for (const char next : {'b', 'c', 'd', 'e'}) {  // before and after a snapshot was taken
-        const std::string_view view = *settings->stringViewForKey("key");
-        std::thread([&] {
-            settings->setObject("key", std::string(100, next));
-            for (int i = 0; i < 4; ++i) EXPECT_EQ(settings->stringViewForKey("key"), std::string(100, next));
-        }).join();
-        EXPECT_EQ(view, std::string(100, static_cast<char>(next - 1)));
-    }
 }
 
 TEST_F(NSUserDefaultsTest, WritesOnceAndOnlyWhatChanged) {
@@ -147,7 +139,7 @@ TEST_F(NSUserDefaultsTest, ADamagedFileThatCannotBeSetAsideIsLeftAlone) {
 }
 
 TEST_F(NSUserDefaultsTest, WorksInMemoryWithoutAPlace) {
-    const testing::ScopedHome nowhere("");
+    platform.environment().set("HOME", "").set("XDG_CONFIG_HOME", "");
     const auto settings = defaults();
     settings->setObject("key", "kept");
     EXPECT_FALSE(settings->synchronize());
@@ -165,16 +157,10 @@ TEST_F(NSUserDefaultsTest, NoIdentifierLeavesTheFolder) {
         EXPECT_TRUE(settings->synchronize()) << identifier;
         EXPECT_EQ(make<NSUserDefaults>(identifier)->stringForKey("key"), identifier);
     }
-    std::vector<std::string> names;
-    for (const auto& entry : std::filesystem::directory_iterator(folder.path()))
-        names.push_back(entry.path().filename());
-    EXPECT_THAT(names, ElementsAre(".config"));
-    names.clear();
-    for (const auto& entry : std::filesystem::directory_iterator(folder.path() + "/.config")) {
-        names.push_back(entry.path().filename());
-    }
-    EXPECT_THAT(names, UnorderedElementsAre("%2E.", "%2E", "%2E.%2Fevil", "%2Fetc%2Fevil",
-                                            "a%2F..%2F..%2Fevil", "%2Ehidden", "%252E%252E", "new%0Aline"));
+    EXPECT_THAT(namesIn(platform.directory() / "home"), ElementsAre("config"));
+    EXPECT_THAT(namesIn(config()),
+                UnorderedElementsAre("%2E.", "%2E", "%2E.%2Fevil", "%2Fetc%2Fevil", "a%2F..%2F..%2Fevil",
+                                     "%2Ehidden", "%252E%252E", "new%0Aline"));
 }
 
 TEST_F(NSUserDefaultsTest, WhatNoPropertyListHoldsIsACallerError) {
@@ -187,38 +173,14 @@ TEST_F(NSUserDefaultsTest, WhatNoPropertyListHoldsIsACallerError) {
     EXPECT_THAT(log.lines(), ElementsAre(HasSubstr("\"object\""), HasSubstr("\"nested\"")));
 }
 
-TEST_F(NSUserDefaultsTest, TheStandardObjectIsOneAndLastsThroughTheFile) {
-    {
-        const ScopedProcessState process;
-        NSUserDefaults::standardUserDefaults().setObject("key", "x");
-        EXPECT_EQ(NSUserDefaults::standardUserDefaults().stringForKey("key"), "x");
-        EXPECT_TRUE(NSUserDefaults::standardUserDefaults().synchronize());
-    }
-    const ScopedProcessState next;
+TEST_F(NSUserDefaultsTest, TheStandardObjectBelongsToTheMainBundle) {
+    platform.bundle().setInfo("CFBundleIdentifier", kIdentifier);
+    NSUserDefaults::standardUserDefaults().setObject("key", "x");
     EXPECT_EQ(NSUserDefaults::standardUserDefaults().stringForKey("key"), "x");
-}
-
-TEST_F(NSUserDefaultsTest, TwoThreadsSetReadAndFlush) {
-    const auto settings = defaults();
-    std::atomic<bool> wrong = false;
-    const auto work = [&](std::string own) {
-        for (int i = 0; i < 100; ++i) {
-            const std::string text = own + std::to_string(i);
-            settings->setObject(own, text);
-            if (settings->stringViewForKey(own) != text || settings->stringForKey(own) != text) wrong = true;
-            const Value shared = settings->objectForKey("shared");
-            if (!shared.isNull() && !shared.asString()->starts_with("thread")) wrong = true;
-            settings->setObject("shared", "thread " + text);
-            if (i % 10 == 0 && !settings->synchronize()) wrong = true;
-        }
-    };
-    std::thread other(work, "other");
-    work("own");
-    other.join();
-    EXPECT_FALSE(wrong);
-    EXPECT_TRUE(settings->synchronize());
-    EXPECT_EQ(defaults()->stringForKey("own"), "own99");
-    EXPECT_EQ(defaults()->stringForKey("other"), "other99");
+    EXPECT_TRUE(NSUserDefaults::standardUserDefaults().synchronize());
+    EXPECT_EQ(defaults()->stringForKey("key"), "x");
+    platform.restart();
+    EXPECT_EQ(NSUserDefaults::standardUserDefaults().stringForKey("key"), "x");
 }
 
 }  // namespace

@@ -24,7 +24,7 @@ Value array(std::initializer_list<Value> items) {
 }
 
 Value nestedArrays(std::size_t depth) {
-    Value value = array({});
+    Value value = array({7});
     while (--depth > 0) value = array({value});
     return value;
 }

@@ -5,13 +5,18 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include <KXFoundation/Platform/Foundation/NSBundle.h>
 #include <KXFoundation/Platform/Graphics/GraphicsContext.h>
 #include <KXFoundation/Platform/Graphics/ImageDecoder.h>
 #include <KXFoundation/Platform/Graphics/NSColor.h>
 #include <KXFoundation/Platform/Graphics/NSImage.h>
 #include <KXFoundation/Platform/Graphics/PngCodec.h>
+#include <KXFoundation/Platform/Runtime/FileSystem.h>
+#include <KXFoundation/Platform/Runtime/ProcessState.h>
 
 #include "support/CapturedLog.h"
+#include "support/PictureComparison.h"
+#include "support/TemporaryDirectory.h"
 
 namespace kx {
 
@@ -175,6 +180,34 @@ TEST(NSImage, FlattensToABitmap) {
     }
     EXPECT_EQ(NSImage::initWithSize({10, 10})->bitmapAtScale(1), nullptr);
     EXPECT_EQ(NSImage::initWithBitmap(nullptr), nullptr);
+}
+
+TEST(NSImage, NamedPictureComesFromTheMainBundleWithItsDoubledOne) {
+    const testing::TemporaryDirectory folder;
+    const ScopedProcessState fresh;
+    NSBundle::setMainBundlePath(folder.path());
+    ASSERT_TRUE(testing::writePng(*filled(10, 0xFF0000FF), folder / "both.png"));
+    ASSERT_TRUE(testing::writePng(*filled(20, 0xFF00FF00), folder / "both@2x.png"));
+    ASSERT_TRUE(testing::writePng(*filled(30, 0xFFFF0000), folder / "doubled@2x.png"));
+    ASSERT_TRUE(replaceFile(FileSystem::slot().current(), folder / "broken.png", "no picture").ok());
+
+    const auto both = NSImage::imageNamed("both");
+    ASSERT_NE(both, nullptr);
+    EXPECT_EQ(both->size(), (NSSize{10, 10}));
+    EXPECT_EQ(both->representations().size(), 2u);
+    EXPECT_EQ(both->bitmapAtScale(2)->pixelAt(5, 5), 0xFF00FF00);
+    EXPECT_EQ(NSImage::imageNamed("both"), both);
+    EXPECT_EQ(NSImage::initWithContentsOfFile(folder / "both.png")->representations().size(), 2u);
+
+    EXPECT_EQ(NSImage::imageNamed("doubled")->size(), (NSSize{15, 15}));
+
+    const testing::CapturedLog log;
+    EXPECT_EQ(NSImage::imageNamed("missing"), nullptr);
+    EXPECT_EQ(NSImage::imageNamed(""), nullptr);
+    EXPECT_EQ(NSImage::imageNamed(std::nullopt), nullptr);
+    EXPECT_THAT(log.lines(), ::testing::IsEmpty());
+    EXPECT_EQ(NSImage::imageNamed("broken"), nullptr);
+    EXPECT_THAT(log.lines(), ::testing::ElementsAre(::testing::HasSubstr("broken.png")));
 }
 
 TEST(NSImage, MissingFileIsOneLogLine) {

@@ -4,6 +4,7 @@
 #include <SDL2/SDL_syswm.h>
 #include <wayland-client-core.h>
 
+#include <cstdio>
 #include <cstring>
 #include <string>
 
@@ -120,7 +121,7 @@ bool translate(const SDL_Event& from, WindowModuleEvent& to) {
         case SDL_TEXTINPUT:
             to.type = WindowEventType::Text;
             to.window = from.text.windowID;
-            std::strncpy(to.text, from.text.text, sizeof to.text - 1);
+            std::snprintf(to.text, sizeof to.text, "%s", from.text.text);
             break;
         case SDL_QUIT: to.type = WindowEventType::Quit; break;
         default: break;

@@ -1,4 +1,5 @@
-// An application of a newcomer: a class of its own over the library's, one exchangeable operation, the version.
+// An application of a newcomer: a class of its own over the library's, one exchangeable operation, the
+// version.
 #include <cstdio>
 
 #include <KXFoundation/Platform/Runtime/NSObject.h>
@@ -12,7 +13,7 @@ constinit kx::Operation<int()> depthOperation{"consumer_depth"};
 constinit kx::Operation<int()> tideOperation{"consumer_tide"};
 
 class Harbour : public kx::Subclass<Harbour, kx::NSObject> {
- public:
+  public:
     static void defineOperations(kx::Class& cls) {
         depthOperation.implement(cls, [](kx::NSObject&) { return 12; });
         tideOperation.implement(cls, [](kx::NSObject&) { return 15; });

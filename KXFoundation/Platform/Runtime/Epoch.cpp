@@ -1,0 +1,156 @@
+#include <limits>
+#include <memory>
+
+#include <linux/membarrier.h>
+#include <sys/syscall.h>
+#include <unistd.h>
+
+#include <KXFoundation/Platform/Runtime/Epoch.h>
+#include <KXFoundation/Platform/Runtime/Mutex.h>
+
+namespace kx {
+
+namespace {
+
+#if defined(__SANITIZE_THREAD__)
+constexpr bool kThreadSanitizer = true;
+#elif defined(__has_feature)
+constexpr bool kThreadSanitizer = __has_feature(thread_sanitizer);
+#else
+constexpr bool kThreadSanitizer = false;
+#endif
+
+long membarrier(int command) noexcept {
+    return syscall(SYS_membarrier, command, 0, 0);
+}
+
+/// ThreadSanitizer cannot see what the system call orders.
+bool systemOrdersReaders() noexcept {
+    return !kThreadSanitizer && membarrier(MEMBARRIER_CMD_REGISTER_PRIVATE_EXPEDITED) == 0;
+}
+
+}  // namespace
+
+constinit EpochState EpochReading::state_;
+constinit thread_local EpochReader* EpochReading::current_ = nullptr;
+
+/// The list of readers and the queue of the retired, oldest first.
+class EpochDomain {
+  public:
+    static EpochDomain& shared() {
+        static auto& domain = *new EpochDomain;
+        return domain;
+    }
+
+    EpochReader& add() {
+        const MutexLock lock(mutex_);
+        EpochReader* reader = readers_;
+        while (reader && reader->inUse) reader = reader->next;
+        if (!reader) {
+            reader = new EpochReader;
+            reader->next = readers_;
+            readers_ = reader;
+        }
+        reader->inUse = true;
+        return *reader;
+    }
+
+    void remove(EpochReader& reader) {
+        const MutexLock lock(mutex_);
+        reader.inUse = false;
+    }
+
+    void retire(Retirable* item) {
+        MutexLock lock(mutex_);
+        item->retiredIn_ = state().now.fetch_add(1, std::memory_order_seq_cst);
+        (last_ ? last_->nextRetired_ : first_) = item;
+        last_ = item;
+        state().waiting.fetch_add(1, std::memory_order_seq_cst);
+        if (!state().readersNeedFence.load(std::memory_order_relaxed) && hasOtherReaders()) {
+            membarrier(MEMBARRIER_CMD_PRIVATE_EXPEDITED);
+        }
+        Retirable* ready = takeReady();
+        lock.unlock();
+        destroy(ready);
+    }
+
+    void collect() {
+        MutexLock lock(mutex_);
+        Retirable* ready = takeReady();
+        lock.unlock();
+        destroy(ready);
+    }
+
+  private:
+    EpochDomain() { state().readersNeedFence.store(!systemOrdersReaders(), std::memory_order_relaxed); }
+
+    static EpochState& state() noexcept { return EpochReading::state_; }
+
+    bool hasOtherReaders() const KX_REQUIRES(mutex_) {
+        for (const EpochReader* reader = readers_; reader; reader = reader->next) {
+            if (reader->inUse && reader != EpochReading::current_) return true;
+        }
+        return false;
+    }
+
+    std::uint64_t oldestReading() const KX_REQUIRES(mutex_) {
+        std::uint64_t oldest = std::numeric_limits<std::uint64_t>::max();
+        for (const EpochReader* reader = readers_; reader; reader = reader->next) {
+            const std::uint64_t epoch = reader->epoch.load(std::memory_order_seq_cst);
+            if (epoch != 0 && epoch < oldest) oldest = epoch;
+        }
+        return oldest;
+    }
+
+    /// Unlinks what was retired before the oldest reader that is still inside came in.
+    Retirable* takeReady() KX_REQUIRES(mutex_) {
+        const std::uint64_t oldest = oldestReading();
+        Retirable* const ready = first_;
+        Retirable* lastReady = nullptr;
+        std::uint32_t count = 0;
+        for (; first_ && first_->retiredIn_ < oldest; first_ = first_->nextRetired_, ++count)
+            lastReady = first_;
+        if (!lastReady) return nullptr;
+        lastReady->nextRetired_ = nullptr;
+        if (!first_) last_ = nullptr;
+        state().waiting.fetch_sub(count, std::memory_order_relaxed);
+        return ready;
+    }
+
+    static void destroy(Retirable* ready) {
+        while (ready) {
+            Retirable* next = ready->nextRetired_;
+            delete ready;
+            ready = next;
+        }
+    }
+
+    Mutex mutex_;
+    EpochReader* readers_ KX_GUARDED_BY(mutex_) =
+        nullptr;  // grows to the highest number of threads at a time
+    Retirable* first_ KX_GUARDED_BY(mutex_) = nullptr;
+    Retirable* last_ KX_GUARDED_BY(mutex_) = nullptr;
+};
+
+void EpochReading::ThreadEnd::operator()(EpochReader* reader) const noexcept {
+    current_ = nullptr;
+    EpochDomain::shared().remove(*reader);
+}
+
+EpochReader& EpochReading::registerThread() {
+    // Another reading in a later destructor of the same thread registers it anew, then for good.
+    static thread_local std::unique_ptr<EpochReader, ThreadEnd> registration;
+    current_ = &EpochDomain::shared().add();
+    registration.reset(current_);
+    return *current_;
+}
+
+void EpochReading::destroyRetired() {
+    EpochDomain::shared().collect();
+}
+
+void retire(Retirable* unlinked) {
+    EpochDomain::shared().retire(unlinked);
+}
+
+}  // namespace kx

@@ -1,0 +1,192 @@
+#include <KXFoundation/Platform/Views/NativeWindowSystem.h>
+
+#include <algorithm>
+#include <string>
+#include <utility>
+
+#include <KXFoundation/Platform/Graphics/NSImageRep.h>
+#include <KXFoundation/Platform/Runtime/EventLoop.h>
+#include <KXFoundation/Platform/Runtime/Module.h>
+#include <KXFoundation/Platform/Views/NSApplication.h>
+
+namespace kx {
+
+class NativeSurface final : public WindowSurface {
+  public:
+    NativeSurface(NativeWindowSystem& system, std::uint32_t window, NSSize size, WindowSystem::Handler handler)
+        : system_(system), module_(*system.module_), window_(window), size_(size), handler_(std::move(handler)) {
+        system_.surfaces_.emplace(window_, this);
+    }
+    ~NativeSurface() override {
+        system_.surfaces_.erase(window_);
+        module_.destroyWindow(window_);
+    }
+
+    [[nodiscard]] NSSize size() const override { return size_; }
+    [[nodiscard]] double scale() const override { return module_.scale(window_); }
+
+    void present(const NSBitmapImageRep& bitmap, std::span<const PixelRect> changed) override {
+        std::vector<WindowModulePixelRect> rects;
+        for (const PixelRect& rect : changed) {
+            rects.push_back({static_cast<std::int32_t>(rect.x), static_cast<std::int32_t>(rect.y),
+                             static_cast<std::int32_t>(rect.width), static_cast<std::int32_t>(rect.height)});
+        }
+        const auto wide = static_cast<std::int32_t>(bitmap.pixelsWide());
+        module_.present(window_, bitmap.pixels().data(), wide, static_cast<std::int32_t>(bitmap.pixelsHigh()),
+                        wide * 4, rects.data(), static_cast<std::int32_t>(rects.size()));
+    }
+
+    void setFrame(NSRect frame) override {
+        if (frame.size == size_) return;
+        size_ = frame.size;
+        module_.setSize(window_, size_.width, size_.height);
+    }
+    void setTitle(std::string_view title) override { module_.setTitle(window_, std::string(title).c_str()); }
+    void activate() override { module_.raise(window_); }
+
+    void took(const WindowModuleEvent& event);
+
+  private:
+    void tookMouse(NSEventType type, const WindowModuleEvent& event);
+    void tookKey(NSEventType type, const WindowModuleEvent& event);
+
+    NativeWindowSystem& system_;
+    const WindowModule& module_;
+    const std::uint32_t window_;
+    NSSize size_;
+    WindowSystem::Handler handler_;
+    bool isPressed_ = false;
+};
+
+namespace {
+
+NSEventModifierFlags modifiersOf(const WindowModuleEvent& event) {
+    auto flags = NSEventModifierFlags::None;
+    if (event.modifiers & kWindowModifierShift) flags = flags | NSEventModifierFlags::Shift;
+    if (event.modifiers & kWindowModifierControl) flags = flags | NSEventModifierFlags::Control;
+    if (event.modifiers & kWindowModifierAlt) flags = flags | NSEventModifierFlags::Option;
+    if (event.modifiers & kWindowModifierSuper) flags = flags | NSEventModifierFlags::Command;
+    return flags;
+}
+
+/// What a key types by itself; the characters of all others arrive as Text. Cursor keys and their like type nothing.
+std::string charactersOf(std::uint32_t key) {
+    switch (static_cast<WindowKey>(key)) {
+        case WindowKey::Backspace:
+        case WindowKey::Tab:
+        case WindowKey::Return:
+        case WindowKey::Escape:
+        case WindowKey::Space:
+        case WindowKey::Delete: return std::string(1, static_cast<char>(key));
+        default: return {};
+    }
+}
+
+}  // namespace
+
+void NativeSurface::tookMouse(NSEventType type, const WindowModuleEvent& event) {
+    if (event.button != 0) return;  // controls answer the primary button
+    handler_(NSEvent{.type = type,
+                     .locationInWindow = {event.x, event.y},
+                     .modifierFlags = modifiersOf(event),
+                     .clickCount = static_cast<int>(event.clicks)});
+}
+
+void NativeSurface::tookKey(NSEventType type, const WindowModuleEvent& event) {
+    std::string characters = charactersOf(event.key);
+    if (characters.empty()) return;
+    handler_(NSEvent{.type = type, .modifierFlags = modifiersOf(event), .characters = std::move(characters)});
+}
+
+void NativeSurface::took(const WindowModuleEvent& event) {
+    switch (event.type) {
+        case WindowEventType::MouseDown:
+            isPressed_ = isPressed_ || event.button == 0;
+            return tookMouse(NSEventType::MouseDown, event);
+        case WindowEventType::MouseUp:
+            isPressed_ = isPressed_ && event.button != 0;
+            return tookMouse(NSEventType::MouseUp, event);
+        case WindowEventType::MouseMoved:
+            return tookMouse(isPressed_ ? NSEventType::MouseDragged : NSEventType::MouseMoved, event);
+        case WindowEventType::KeyDown: return tookKey(NSEventType::KeyDown, event);
+        case WindowEventType::KeyUp: return tookKey(NSEventType::KeyUp, event);
+        case WindowEventType::Text:
+            return handler_(NSEvent{.type = NSEventType::KeyDown, .characters = event.text});
+        case WindowEventType::Resized:
+            size_ = {event.width, event.height};
+            return handler_(SurfaceResized());
+        case WindowEventType::Exposed: return handler_(SurfaceExposed());
+        case WindowEventType::FocusGained: return handler_(SurfaceFocusChanged{true});
+        case WindowEventType::FocusLost: return handler_(SurfaceFocusChanged{false});
+        case WindowEventType::CloseRequested: return handler_(SurfaceCloseRequested());
+        case WindowEventType::Nothing:
+        case WindowEventType::MouseLeft:
+        case WindowEventType::Wheel:
+        case WindowEventType::Quit: return;
+    }
+}
+
+NativeWindowSystem::~NativeWindowSystem() {
+    if (!module_) return;
+    EventLoop::main().removeBeforeWait(beforeWait_);
+    if (const int descriptor = module_->descriptor(); descriptor >= 0) EventLoop::main().removeDescriptor(descriptor);
+}
+
+bool NativeWindowSystem::open() {
+    if (std::exchange(tried_, true)) return module_ != nullptr;
+    const auto table = openModule("sdl");
+    if (!table) return false;
+    module_ = static_cast<const WindowModule*>(*table);
+    if (module_->version != WindowModule::kVersion) {
+        module_ = nullptr;
+        return false;
+    }
+    // The display's connection reads ahead: what it has read makes its descriptor readable no more.
+    beforeWait_ = EventLoop::main().addBeforeWait([this] { takeEvents(); });
+    if (const int descriptor = module_->descriptor(); descriptor >= 0) {
+        EventLoop::main().addDescriptor(descriptor, [this] { takeEvents(); });
+    }
+    return true;
+}
+
+std::shared_ptr<WindowSurface> NativeWindowSystem::makeSurface(NSRect frame, Handler handler) {
+    if (!open()) return nullptr;
+    const std::uint32_t window = module_->createWindow("", frame.size.width, frame.size.height);
+    if (window == 0) return nullptr;
+    return std::make_shared<NativeSurface>(*this, window, frame.size, std::move(handler));
+}
+
+void NativeWindowSystem::takeEvents() {
+    if (std::exchange(takingEvents_, true)) return;  // an action ran a loop of its own
+    WindowModuleEvent event;
+    bool any = false;
+    while (module_->nextEvent(&event)) {
+        any = true;
+        dispatch(event);
+    }
+    takingEvents_ = false;
+    // The loop may be about to wait: what the events changed has to be seen before.
+    if (any) NSApplication::sharedApplication()->displayIfNeeded();
+}
+
+void NativeWindowSystem::dispatch(const WindowModuleEvent& event) {
+    if (event.type == WindowEventType::Quit) return closeAll();
+    const auto found = surfaces_.find(event.window);  // a window may be gone while its events still come
+    if (found != surfaces_.end()) found->second->took(event);
+}
+
+void NativeWindowSystem::closeAll() {
+    while (!surfaces_.empty()) {
+        WindowModuleEvent close{};
+        close.type = WindowEventType::CloseRequested;
+        const std::uint32_t window = surfaces_.begin()->first;
+        surfaces_.begin()->second->took(close);
+        if (surfaces_.contains(window)) return;  // it wants to stay
+    }
+}
+
+std::shared_ptr<WindowSystem> WindowSystem::makeDefault() {
+    return std::make_shared<NativeWindowSystem>();
+}
+
+}  // namespace kx

@@ -1,0 +1,38 @@
+#pragma once
+
+#include <cstdint>
+#include <map>
+#include <memory>
+
+#include <KXFoundation/Platform/Views/WindowModule.h>
+#include <KXFoundation/Platform/Views/WindowSurface.h>
+
+namespace kx {
+
+class NativeSurface;
+
+/// Windows on the desktop's display, X11 or Wayland, through the window module. The module is opened for the first
+/// window; events arrive through the main thread's EventLoop. Main thread.
+class KX_EXPORT NativeWindowSystem final : public WindowSystem {
+  public:
+    ~NativeWindowSystem() override;
+
+    /// None, and one log line from the module, if there is no display.
+    [[nodiscard]] std::shared_ptr<WindowSurface> makeSurface(NSRect frame, Handler handler) override;
+
+  private:
+    friend class NativeSurface;
+
+    [[nodiscard]] bool open();
+    void takeEvents();
+    void dispatch(const WindowModuleEvent& event);
+    void closeAll();
+
+    const WindowModule* module_ = nullptr;
+    bool tried_ = false;
+    int beforeWait_ = 0;
+    bool takingEvents_ = false;
+    std::map<std::uint32_t, NativeSurface*> surfaces_;  // each takes itself out when it dies
+};
+
+}  // namespace kx

@@ -1,0 +1,99 @@
+#include "pages/ObjectsPage.h"
+
+#include <string>
+
+#include <KXFoundation/Platform/Runtime/DispatchQueue.h>
+#include <KXFoundation/Platform/Runtime/Semaphore.h>
+#include <KXFoundation/Platform/Views/NSCollectionView.h>
+#include <KXFoundation/Platform/Views/NSCollectionViewFlowLayout.h>
+
+#include "Gallery.h"
+
+namespace gallery {
+
+using namespace kx;
+
+namespace {
+
+constexpr int kRounds = 200;
+
+/// Adds two objects and takes one of them away again, so that each round leaves one behind.
+std::uint64_t changeList(KXList& list, const std::string& who) {
+    std::uint64_t changes = 0;
+    for (int round = 0; round < kRounds; ++round) {
+        const std::string id = who + std::to_string(round);
+        list.addObject(KXObject::objectWithID(id));
+        list.addObject(KXObject::objectWithID(id + "*"));
+        list.removeObjectWithID(id + "*");
+        changes += 3;
+    }
+    return changes;
+}
+
+}  // namespace
+
+ObjectsPage::ObjectsPage() { changeFromTwoThreads(); }
+
+void ObjectsPage::changeFromTwoThreads() {
+    Semaphore done;
+    DispatchQueue::shared().async([&] {
+        changesByA_ = changeList(*list_, "A");
+        done.signal();
+    });
+    DispatchQueue::shared().async([&] {
+        changesByB_ = changeList(*list_, "B");
+        done.signal();
+    });
+    // Each time through, the list stands still for as long as it takes.
+    for (int finished = 0; finished < 2;) {
+        list_->enumerateObjectsUsingBlock([](const auto&, std::uint64_t, bool&) {});
+        if (done.waitFor(std::chrono::microseconds(50))) ++finished;
+    }
+}
+
+void ObjectsPage::add() {
+    auto object = KXObject::objectWithID(std::to_string(list_->count()));
+    list_->addObject(object);
+}
+
+std::shared_ptr<NSButton> ObjectsPage::button(std::string_view key, Gallery& gallery, void (ObjectsPage::*action)()) {
+    auto made = make<NSButton>();
+    made->setTitle(text(key));
+    made->sizeToFit();
+    made->setAction([this, &gallery, action](NSControl&) {
+        (this->*action)();
+        gallery.rebuild();
+    });
+    return made;
+}
+
+void ObjectsPage::build(Column& column, Gallery& gallery) {
+    column.title(text("objects.title"));
+    column.paragraph(text("objects.explanation"));
+    column.space(12);
+    column.pair(text("objects.changes_a"), std::to_string(changesByA_));
+    column.pair(text("objects.changes_b"), std::to_string(changesByB_));
+    column.pair(text("objects.elements"), std::to_string(list_->count()));
+    column.space(8);
+    column.row({button("button.add", gallery, &ObjectsPage::add), button("button.remove", gallery, &ObjectsPage::remove),
+                button("button.clear", gallery, &ObjectsPage::clear)},
+               28);
+    column.space(12);
+
+    constexpr std::int64_t kShown = 40;
+    std::vector<std::shared_ptr<NSView>> tiles;
+    list_->enumerateObjectsUsingBlock([&](const KXList::Element& object, std::uint64_t index, bool& stop) {
+        auto tile = make<NSButton>();
+        tile->setTitle(object->id());
+        tiles.push_back(tile);
+        stop = index + 1 == kShown;
+    });
+    auto layout = make<NSCollectionViewFlowLayout>();
+    layout->setItemSize({64, 28});
+    auto view = make<NSCollectionView>();
+    view->setCollectionViewLayout(layout);
+    view->setItemViews(tiles);
+    column.add(view, layout->contentHeight(tiles.size(), column.width()));
+}
+
+}  // namespace gallery

@@ -1,0 +1,62 @@
+#include <string>
+
+#include <gtest/gtest.h>
+
+#include <KXFoundation/Platform/Foundation/Utf8Validation.h>
+
+namespace kx {
+namespace {
+
+using namespace std::string_literals;
+
+TEST(Utf8Validation, KnowsWhatIsCutOrOverlong) {
+    const struct {
+        std::string text;
+        bool valid;
+    } rows[] = {
+        {"", true},
+        {"\0"s, true},
+        {"\xC2\x80\xDF\xBF", true},
+        {"\xE0\xA0\x80\xED\x9F\xBF\xEE\x80\x80\xEF\xBF\xBD\xEF\xBF\xBF", true},
+        {"\xF0\x90\x80\x80\xF4\x8F\xBF\xBF", true},
+        {"\x80", false},
+        {"\xC1\xBF", false},
+        {"\xE0\x9F\xBF", false},
+        {"\xED\xA0\x80", false},
+        {"\xF0\x8F\xBF\xBF", false},
+        {"\xF4\x90\x80\x80", false},
+        {"\xF5\x80\x80\x80", false},
+        {"\xC2", false},
+        {"\xE1\x80", false},
+        {"\xF1\x80\x80", false},
+        {"\xC2\x80\x80", false},
+    };
+    for (const auto& row : rows) {
+        for (std::size_t before = 0; before <= 33; ++before) {
+            const std::string text = std::string(before, 'a') + row.text;
+            EXPECT_EQ(isUtf8(text), row.valid)
+                << before << " bytes, then " << ::testing::PrintToString(row.text);
+            EXPECT_EQ(isUtf8ByCharacters(text), row.valid) << ::testing::PrintToString(row.text);
+        }
+    }
+}
+
+/// Every four bytes of those where a rule begins or ends, over the border of two blocks of 16.
+TEST(Utf8Validation, BothWaysAgree) {
+    const std::string edges =
+        "\x00\x7F\x80\x8F\x90\x9F\xA0\xBF\xC0\xC1\xC2\xDF\xE0\xE1\xEC\xED\xEE\xEF\xF0\xF1\xF3\xF4\xF5\xFF"s;
+    std::string text(40, 'a');
+    for (const char first : edges) {
+        for (const char second : edges) {
+            for (const char third : edges) {
+                for (const char fourth : edges) {
+                    text.replace(14, 4, {first, second, third, fourth});
+                    ASSERT_EQ(isUtf8(text), isUtf8ByCharacters(text)) << ::testing::PrintToString(text);
+                }
+            }
+        }
+    }
+}
+
+}  // namespace
+}  // namespace kx

@@ -1,0 +1,108 @@
+#include <algorithm>
+#include <cstdlib>
+#include <new>
+
+#include <gtest/gtest.h>
+
+#include <KXFoundation/Platform/Graphics/GIF/GIFDecoder.h>
+
+#include "GIFCases.h"
+
+// This program counts what it takes from the heap.
+namespace {
+
+constexpr std::size_t kHeader = alignof(std::max_align_t);
+std::size_t taken = 0, peak = 0;
+
+void* take(std::size_t size) {
+    auto* block = static_cast<unsigned char*>(std::malloc(size + kHeader));
+    if (!block) std::abort();
+    *reinterpret_cast<std::size_t*>(block) = size;
+    taken += size;
+    peak = std::max(peak, taken);
+    return block + kHeader;
+}
+
+void giveBack(void* at) noexcept {
+    if (!at) return;
+    auto* block = static_cast<unsigned char*>(at) - kHeader;
+    taken -= *reinterpret_cast<std::size_t*>(block);
+    std::free(block);
+}
+
+}  // namespace
+
+void* operator new(std::size_t size) {
+    return take(size);
+}
+void* operator new[](std::size_t size) {
+    return take(size);
+}
+void operator delete(void* at) noexcept {
+    giveBack(at);
+}
+void operator delete[](void* at) noexcept {
+    giveBack(at);
+}
+void operator delete(void* at, std::size_t) noexcept {
+    giveBack(at);
+}
+void operator delete[](void* at, std::size_t) noexcept {
+    giveBack(at);
+}
+
+namespace kx {
+namespace {
+
+constexpr std::size_t kTables = 100 << 10;  // dictionary, palettes, slack: the same for every file
+constexpr std::uint16_t kSide = 500;
+constexpr std::size_t kPlane = std::size_t{kSide} * kSide;
+
+struct Use {
+    std::size_t frames = 0, peak = 0;
+};
+
+Use decodeAll(const std::vector<std::uint8_t>& file, GIFLimits limits = {}) {
+    std::vector<std::uint8_t> canvas(kPlane * 4);
+    const std::size_t before = taken;
+    peak = taken;
+    Use use;
+    auto decoder = GIFDecoder::open(file, limits);
+    for (auto frame = decoder->next({canvas.data(), kSide * 4}); frame && *frame;
+         frame = decoder->next({canvas.data(), kSide * 4}))
+        ++use.frames;
+    use.peak = peak - before;
+    return use;
+}
+
+std::vector<std::uint8_t> fileOf(std::uint8_t disposal, std::uint16_t frameSide, int frames) {
+    testing::GIFWriter file(kSide, kSide, {0, 0, 0, 9, 9, 9}, 2);
+    testing::GIFWriterFrame frame;
+    frame.width = frame.height = frameSide;
+    frame.disposal = disposal;
+    frame.transparentIndex = 1;
+    if (frameSide <= kSide) frame.indices.resize(std::size_t{frameSide} * frameSide);
+    for (int i = 0; i < frames; ++i) file.frame(frame);
+    return file.trailer().bytes();
+}
+
+TEST(GIFMemory, IsOneIndexPlaneBesidesTheCallersFrame) {
+    for (const std::uint8_t disposal : {std::uint8_t{1}, std::uint8_t{2}}) {
+        const Use use = decodeAll(fileOf(disposal, kSide, 20));
+        EXPECT_EQ(use.frames, 20u);
+        EXPECT_LE(use.peak, kPlane + kTables) << "disposal " << unsigned{disposal};
+    }
+}
+
+TEST(GIFMemory, IsWhatAFrameCoversTooIfItAsksToHaveThatBack) {
+    EXPECT_LE(decodeAll(fileOf(3, kSide, 20)).peak, kPlane * 5 + kTables);
+}
+
+TEST(GIFMemory, IsNotTakenForFramesBeyondTheLimit) {
+    const Use use = decodeAll(fileOf(1, 60000, 3), {.pixels = kPlane});
+    EXPECT_EQ(use.frames, 3u);
+    EXPECT_LE(use.peak, kTables);
+}
+
+}  // namespace
+}  // namespace kx

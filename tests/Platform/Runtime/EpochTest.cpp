@@ -1,0 +1,81 @@
+#include <atomic>
+#include <optional>
+#include <thread>
+#include <vector>
+
+#include <gtest/gtest.h>
+
+#include <KXFoundation/Platform/Runtime/Epoch.h>
+
+namespace kx {
+namespace {
+
+struct Counted final : Retirable {
+    explicit Counted(std::atomic<int>& n) : living(n) { ++living; }
+    ~Counted() override { --living; }
+    std::atomic<int>& living;
+    int value = 7;
+};
+
+TEST(Epoch, DestroysWhenTheLastReaderLeaves) {
+    std::atomic<int> living = 0;
+    retire(new Counted(living));
+    EXPECT_EQ(living, 0) << "nobody reads";
+    {
+        const EpochReading outer;
+        {
+            const EpochReading inner;
+            retire(new Counted(living));
+        }
+        EXPECT_EQ(living, 1) << "the outer scope decides";
+    }
+    EXPECT_EQ(living, 0);
+}
+
+TEST(Epoch, WaitsForReadersOfOtherThreadsButNotForLaterOnes) {
+    std::atomic<int> living = 0, phase = 0;
+    const auto await = [&](int wanted) {
+        while (phase < wanted) std::this_thread::yield();
+    };
+    std::thread reader([&] {
+        std::optional<EpochReading> reading;
+        reading.emplace();
+        phase = 1;
+        await(2);
+        reading.reset();
+        phase = 3;
+    });
+    await(1);
+    retire(new Counted(living));
+    EXPECT_EQ(living, 1);
+    const EpochReading later;
+    phase = 2;
+    await(3);
+    reader.join();
+    EXPECT_EQ(living, 0) << "destroyed by the reader's leaving";
+}
+
+TEST(Epoch, ReadersNeverSeeWhatIsDestroyed) {  // a sanitizer sees it if they do
+    std::atomic<int> living = 0;
+    std::atomic<Counted*> shared = new Counted(living);
+    std::atomic<bool> ending = false;
+    std::atomic<long> sum = 0;
+    std::vector<std::thread> readers;
+    for (int i = 0; i < 3; ++i) {
+        readers.emplace_back([&] {
+            while (!ending) {
+                const EpochReading reading;
+                sum += shared.load(std::memory_order_acquire)->value;
+            }
+        });
+    }
+    for (int i = 0; i < 3000; ++i) retire(shared.exchange(new Counted(living)));
+    ending = true;
+    for (std::thread& thread : readers) thread.join();
+    retire(shared.load());
+    EXPECT_EQ(living, 0);
+    EXPECT_EQ(sum % 7, 0);
+}
+
+}  // namespace
+}  // namespace kx

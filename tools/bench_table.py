@@ -1,0 +1,83 @@
+#!/usr/bin/env python3
+"""bench_table.py BOUNDS [--json OUT] RESULT.json...: medians of Google Benchmark results and their ratios to the peers.
+
+Prints a row per workload and contender: the median, our time over the contender's, and where BOUNDS has a line for the
+pair, the bound and whether it holds. Exits 1 if one does not hold. --json writes all results as one file of Google
+Benchmark's own form. Work on one thread is judged by processor time, which leaves out what other programs took; work on
+several threads, in other processes or on the disk by wall time per operation.
+"""
+import argparse
+import json
+import pathlib
+import re
+import statistics
+import sys
+
+NANOSECONDS = {"ns": 1.0, "us": 1e3, "ms": 1e6, "s": 1e9}
+
+
+def read_bounds(text):
+    """{(workload, peer): ratio} from lines of `workload peer ratio`; # begins a comment."""
+    rows = (line.split("#")[0].split() for line in text.splitlines())
+    return {(row[0], row[1]): float(row[2]) for row in rows if row}
+
+
+def medians(benchmarks):
+    """{workload: {who: median in ns}} of the single repetitions."""
+    times = {}
+    for run in benchmarks:
+        if run.get("run_type") != "iteration" or run.get("error_occurred"):
+            continue
+        parts = run["run_name"].split("/")
+        wall = any(re.match(r"(real_time|manual_time|threads:)", part) for part in parts[3:])
+        time = run["real_time" if wall else "cpu_time"] * NANOSECONDS[run["time_unit"]]
+        times.setdefault("/".join(parts[:2]), {}).setdefault(parts[2], []).append(time)
+    return {workload: {who: statistics.median(runs) for who, runs in row.items()} for workload, row in times.items()}
+
+
+def readable(nanoseconds):
+    for unit, size in (("s", 1e9), ("ms", 1e6), ("us", 1e3)):
+        if nanoseconds >= size:
+            return f"{nanoseconds / size:.2f} {unit}"
+    return f"{nanoseconds:.2f} ns"
+
+
+def table(found, bounds):
+    """The rows to print, and whether every bound holds that could be looked at."""
+    rows, holds = [("workload", "who", "median", "kx / it", "bound", "")], True
+    for workload, row in found.items():
+        ours = row.get("kx")
+        for who, time in sorted(row.items(), key=lambda item: (item[0] != "kx", item[1])):
+            ratio = ours / time if ours and who != "kx" else None
+            bound = bounds.get((workload, who))
+            verdict = ""
+            if ratio is not None and bound is not None:
+                verdict = "holds" if ratio <= bound else "MISSED"
+                holds = holds and ratio <= bound
+            rows.append((workload, who, readable(time), f"{ratio:.2f}" if ratio is not None else "",
+                         f"{bound:.2f}" if bound is not None else "", verdict))
+    return rows, holds
+
+
+def main():
+    arguments = argparse.ArgumentParser(description=__doc__.splitlines()[0])
+    arguments.add_argument("bounds", type=pathlib.Path)
+    arguments.add_argument("results", type=pathlib.Path, nargs="+")
+    arguments.add_argument("--json", type=pathlib.Path)
+    given = arguments.parse_args()
+    results = [json.loads(path.read_text(encoding="utf-8")) for path in given.results]
+    benchmarks = [run for result in results for run in result["benchmarks"]]
+    if given.json:
+        whole = {"context": results[0]["context"], "benchmarks": benchmarks}
+        given.json.write_text(json.dumps(whole, indent=2), encoding="utf-8")
+    rows, holds = table(medians(benchmarks), read_bounds(given.bounds.read_text(encoding="utf-8")))
+    widths = [max(len(row[column]) for row in rows) for column in range(len(rows[0]))]
+    for row in rows:
+        cells = [cell.ljust(width) if column < 2 else cell.rjust(width)
+                 for column, (cell, width) in enumerate(zip(row, widths))]
+        print("  ".join(cells).rstrip())
+    return 0 if holds else 1
+
+
+if __name__ == "__main__":
+    sys.exit(main())
