@@ -23,7 +23,7 @@ class SimulatedWorld::Scheduler final : public Executor, public Clock {
     void runOnMain(Job job) override { main_.push_back(std::move(job)); }
     void runInBackground(Job job) override { background_.push_back(std::move(job)); }
     std::size_t choose(std::size_t count) override { return random_() % count; }
-    void wait(Mutex& mutex, WaitPoint&) override {
+    void wait(Mutex& mutex, WaitPoint&) KX_REQUIRES(mutex) override {
         mutex.unlock();
         const bool ran = step(kForEver);
         mutex.lock();

@@ -195,10 +195,12 @@ TEST(PropertyList, RefusesBinaryListsThatCheat) {
     using namespace std::string_literals;
     BinaryList bomb;  // each array holds the next one twice
     for (int i = 0; i < 100; ++i)
-        bomb.object("\xA2"s + BinaryList::number(i + 1u, 2) + BinaryList::number(i + 1u, 2));
+        bomb.object("\xA2"s + BinaryList::number(static_cast<unsigned>(i) + 1, 2) +
+                    BinaryList::number(static_cast<unsigned>(i) + 1, 2));
     bomb.object("\x09"s);
     BinaryList deep;
-    for (int i = 0; i < 60'000; ++i) deep.object("\xA1"s + BinaryList::number(i + 1u, 2));
+    for (int i = 0; i < 60'000; ++i)
+        deep.object("\xA1"s + BinaryList::number(static_cast<unsigned>(i) + 1, 2));
     deep.object("\x09"s);
     const struct {
         std::string what;

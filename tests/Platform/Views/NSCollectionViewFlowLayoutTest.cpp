@@ -63,8 +63,9 @@ TEST(NSCollectionViewFlowLayout, Frames) {
     for (const auto& [what, count, width, want, height] : rows) {
         EXPECT_EQ(frames(*plain, count, width), want) << what;
         EXPECT_EQ(plain->contentHeight(count, width), height) << what;
-        if (width > 0)
+        if (width > 0) {
             EXPECT_EQ(frames(*flipping, count, width), mirrored(want, width)) << what << ", mirrored";
+        }
     }
 }
 
