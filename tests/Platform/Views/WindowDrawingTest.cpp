@@ -1,5 +1,4 @@
 #include <algorithm>
-#include <fstream>
 #include <functional>
 
 #include <gmock/gmock.h>
