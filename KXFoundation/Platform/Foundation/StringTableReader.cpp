@@ -1,8 +1,5 @@
 #include <algorithm>
-#include <array>
 #include <bit>
-#include <cstdint>
-#include <cstring>
 #include <optional>
 
 #include <KXFoundation/Platform/Foundation/StringTableReader.h>
