@@ -108,7 +108,9 @@ TEST(TextLayout, AlignmentPlacesLines) {
 }
 
 TEST(TextLayout, EachParagraphFollowsItsOwnDirection) {
-    const auto both = drawn(std::string("Hello\n") + kArabic, {200});
+    std::string lines = "Hello\n";
+    lines += kArabic;
+    const auto both = drawn(lines, {200});
     EXPECT_LE(ink(*both).left, 2u);
     EXPECT_GE(ink(*both).right, 197u);
     EXPECT_FALSE(measured("Hello").isRightToLeft);
