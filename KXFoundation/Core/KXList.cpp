@@ -53,8 +53,8 @@ class KXList::Held {
         if (std::exchange(held_, false)) list_.listUnlock();
     }
 
-    /// The array's size if the index is below it; otherwise reports the caller's mistake with the lock given
-    /// back.
+    /// True if the index is below the array's size; otherwise reports the caller's mistake with the lock
+    /// given back.
     bool holds(Index index) { return fits(index, list_.list_->size()); }
     bool fits(Index index, std::size_t limit) {
         if (index < limit) return true;
@@ -107,6 +107,7 @@ void KXList::listUnlock() const {
 KXList::Array::const_iterator KXList::find(std::optional<std::string_view> id) const {
     if (!id) return list_->cend();
     return std::find_if(list_->cbegin(), list_->cend(), [wanted = *id](const Element& element) {
+        if (!element) return false;  // raw access can put one there
         const std::optional<std::string>& own = element->id();
         return own && *own == wanted;
     });
@@ -242,8 +243,11 @@ void KXList::replaceWithList(const std::shared_ptr<KXList>& other) {
     Array incoming;  // holds the former elements in the end, released after the lock
     const Held held(*this, Held::Mode::Write);
     if (!held) return;
-    other->enumerateObjectsUsingBlock(
-        [&](const Element& object, Index, bool&) { incoming.push_back(object); });
+    {
+        const Held source(*other, Held::Mode::Write);
+        if (!source) return;
+        incoming = *other->list_;
+    }
     list_->swap(incoming);
 }
 

@@ -94,7 +94,8 @@ class KX_EXPORT KXList : public Subclass<KXList, KXObject> {
     void enumerateObjectsUsingBlock(const Block& block);
 
     // The lock alone, for several steps under one; nothing in an unlocked list. False, without the lock, if
-    // this thread holds it already (a caller error).
+    // this thread holds it exclusively already (a caller error); a thread that holds it shared must not ask
+    // for it exclusively.
     bool listReadLock() const;
     bool listWriteLock() const;
     void listUnlock() const;

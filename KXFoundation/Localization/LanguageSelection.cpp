@@ -32,9 +32,10 @@ struct Reloaded {
                mode == selectLog && (bundle == selectLanguageBundle || mode != kFollowSystem);
     }
 
-    void note() {
-        settings = NSLocale::settingsVersion();
-        defaults = NSUserDefaults::standardUserDefaults().version();
+    /// The versions are those from before the values were read: a change that came between is seen next time.
+    void note(std::uint64_t settingsBefore, std::uint64_t defaultsBefore) {
+        settings = settingsBefore;
+        defaults = defaultsBefore;
         language = kx::selectLanguage;
         mode = selectLog;
         bundle = selectLanguageBundle;
@@ -93,11 +94,13 @@ void languages::reloadSelection() {
     static constinit ProcessState<Reloaded> last;
     Reloaded& reloaded = last.get();
     if (reloaded.holds()) return;
-    const NSUserDefaults& defaults = NSUserDefaults::standardUserDefaults();
+    NSUserDefaults& defaults = NSUserDefaults::standardUserDefaults();
+    const std::uint64_t settingsBefore = NSLocale::settingsVersion();
+    const std::uint64_t defaultsBefore = defaults.version();
     kx::selectLanguage = defaults.stringForKey(kSelectLanguage);
     selectLog = defaults.stringForKey(kSelectLog);
     if (selectLog == kFollowSystem) KXLocalizationUtils::setSelectLanguage(kAuto);
-    reloaded.note();
+    reloaded.note(settingsBefore, defaultsBefore);
 }
 
 }  // namespace kx

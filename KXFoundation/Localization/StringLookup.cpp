@@ -63,8 +63,8 @@ std::optional<std::string> KXLocalizationUtils::localizedStringInBundle(
     const auto& selection = kx::selectLanguage;
     if (bundle) {
         const auto fallback = bundleFolder(*bundle, kDefault);
-        const auto chosen =
-            bundleFolder(*bundle, selection ? std::string_view(*selection) : currentPreferred());
+        const std::string_view preferred = currentPreferred();  // computed with or without a selection
+        const auto chosen = bundleFolder(*bundle, selection ? std::string_view(*selection) : preferred);
         return answer(chosen.get(), fallback.get(), key, tableName);
     }
     const NSBundle* fallback = kept(defaultLanguageBundle, kDefault);

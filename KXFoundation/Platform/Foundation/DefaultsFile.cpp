@@ -140,6 +140,8 @@ Result<void> DefaultsFile::setAside(const Error& why) {
 Result<void> DefaultsFile::write(const Value& dictionary) {
     auto text = written(dictionary);
     if (!text) return std::move(text).error();
+    if (text->size() > kLargestFile)
+        return Error{ErrorKind::TooLarge, 0, path_};  // it could not be read again
     if (auto done = replaceFile(*files_, path_, *text); !done) return done;
     contents_ = dictionary;
     seen_.reset();

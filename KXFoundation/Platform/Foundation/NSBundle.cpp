@@ -5,6 +5,7 @@
 #include <KXFoundation/Platform/Foundation/ResourceFolder.h>
 #include <KXFoundation/Platform/Runtime/CallerError.h>
 #include <KXFoundation/Platform/Runtime/Environment.h>
+#include <KXFoundation/Platform/Runtime/Log.h>
 #include <KXFoundation/Platform/Runtime/ProcessState.h>
 
 namespace kx {
@@ -31,6 +32,7 @@ std::shared_ptr<const ResourceFolder> mainFolder(std::string named) {
     if (first == beside) {
         if (auto folder = ResourceFolder::over(shared)) return folder;
     }
+    if (first != beside) log(LogLevel::Warning, "there is no bundle at " + first);
     return std::make_shared<const ResourceFolder>(std::move(first));
 }
 
@@ -75,7 +77,8 @@ Value NSBundle::infoDictionary() const {
 }
 
 std::optional<std::string> NSBundle::bundleIdentifier() const {
-    if (const auto named = folder_->information()["CFBundleIdentifier"].asString())
+    const Value information = folder_->information();
+    if (const auto named = information["CFBundleIdentifier"].asString(); named && !named->empty())
         return std::string(*named);
     if (!isMain_) return std::nullopt;
     return programName();

@@ -134,7 +134,8 @@ void NSUserDefaults::noteChange() {
 }
 
 void NSUserDefaults::setObject(std::string_view key, Value value) {
-    if (!value.isNull() && !isPropertyList(value)) {
+    // As it will be kept, one level down in the file's dictionary.
+    if (!value.isNull() && !isPropertyList(DictionaryBuilder().set(key, value).build())) {
         callerError("NSUserDefaults: the value for \"" + std::string(key) + "\" is no property list");
         return;
     }

@@ -18,7 +18,7 @@ namespace kx {
 /// slices into them. Immutable; any thread.
 class KX_EXPORT StringTable {
   public:
-    /// Larger files are refused, which bounds what a hostile one can cost (about five times its size).
+    /// Larger files are refused, which bounds what a hostile one can cost (some 600 MiB while it is read).
     static constexpr std::size_t kLargestFile = std::size_t{32} << 20;
 
     /// Reads the contents of a file of at most kLargestFile bytes. Of two entries with one key the later one

@@ -126,13 +126,17 @@ class Reader {
 
     void skipComment(std::string_view close) noexcept {
         const std::string_view rest(at_ + 2, end_);
-        const std::size_t closed = rest.find(close);
+        const bool isBlock = close == "*/";
+        const std::size_t closed = isBlock && neverClosed_ ? rest.npos : rest.find(close);
         if (closed != rest.npos) {
             at_ += 2 + closed + close.size();
-        } else {
-            if (close == "*/") note(at_, "a comment without end");
-            at_ = end_;
+            return;
         }
+        // A comment without end costs its line, not the rest of the file; nor is the rest searched for every
+        // such line.
+        if (isBlock) note(at_, "a comment without end");
+        neverClosed_ = neverClosed_ || isBlock;
+        at_ = std::find(at_, end_, '\n');
     }
 
     void readEntry() {
@@ -250,6 +254,7 @@ class Reader {
 
     char* begin_;
     char* at_;
+    bool neverClosed_ = false;  // no comment ends in what is left
     char* end_;
     bool clean_;                 // the whole text is UTF-8 without a zero byte: no entry needs to be asked
     char* rereadFrom_ = begin_;  // recovery never goes back before this

@@ -135,6 +135,8 @@ class Writer {
     }
 
     void addDictionary(const Value& dictionary) {
+        // This shape is how XML spells a uid: only the binary form tells the two apart.
+        if (dictionary.members().size() == 1 && dictionary["CF$UID"].asInteger()) holdsAll_ = false;
         line("<dict>");
         ++depth_;
         for (const auto& [key, item] : dictionary.members()) {

@@ -19,7 +19,12 @@ class ProcessEnvironment final : public Environment {
     std::string programPath() const override {
         std::error_code error;
         const auto path = std::filesystem::read_symlink("/proc/self/exe", error);
-        return error ? std::string(program_invocation_name) : path.string();
+        if (error) return program_invocation_name;
+        // What the kernel adds once an upgrade has replaced the program's file.
+        constexpr std::string_view kDeleted = " (deleted)";
+        std::string text = path.string();
+        if (text.ends_with(kDeleted)) text.resize(text.size() - kDeleted.size());
+        return text;
     }
 };
 

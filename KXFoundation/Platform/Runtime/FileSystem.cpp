@@ -1,4 +1,5 @@
 #include <atomic>
+#include <cerrno>
 
 #include <unistd.h>
 
@@ -30,6 +31,10 @@ Result<void> replaceFile(FileSystem& files, const std::string& path, std::string
         path + ".new-" + std::to_string(getpid()) + "-" + std::to_string(counter.fetch_add(1));
     const auto write = [&]() -> Result<void> {
         auto file = files.open(temporary, FileSystem::Mode::CreateNew);
+        if (!file && file.error().systemError == EEXIST) {  // left by a process that died with this id
+            if (auto removed = files.remove(temporary); !removed) return removed;
+            file = files.open(temporary, FileSystem::Mode::CreateNew);
+        }
         if (!file) return std::move(file).error();
         if (auto done = (*file)->writeAt(0, std::as_bytes(std::span(contents))); !done) return done;
         if (auto done = (*file)->sync(); !done) return done;

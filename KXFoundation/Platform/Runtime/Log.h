@@ -17,7 +17,8 @@ class KX_EXPORT LogSink {
   public:
     virtual ~LogSink() = default;
 
-    /// Takes one line without its line end. Called from any thread, one call at a time is not promised.
+    /// Takes one line without its line end. Called from any thread, one call at a time is not promised; must
+    /// not call the library, which may hold a lock.
     virtual void write(LogLevel level, std::string_view line) = 0;
 
     static PortSlot<LogSink>& slot();

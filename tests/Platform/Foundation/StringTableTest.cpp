@@ -98,7 +98,7 @@ TEST(StringTable, ABadEntryCostsItselfAlone) {
          {{"a", "A"}, {"c", "C"}}},
         {"half a surrogate in UTF-16", utf16(u"\uFEFFx = \"\xD83D\"; a = A;", true), 1, {{"a", "A"}}},
         {"UTF-16 cut in a unit", utf16(u"\uFEFFa = A;\nb = \"B", true) + "\0"s, 2, {{"a", "A"}}},
-        {"comment without end", "a = A;\n/* b = B;", 2, {{"a", "A"}}},
+        {"comment without end", "a = A;\n/* b = B;\nc = C;", 2, {{"a", "A"}, {"c", "C"}}},
         {"escaped line ends are no lines", "\"a\" = \"1\\n2\\n\\U000A\";\nx\n", 2, {{"a", "1\n2\n\n"}}},
         {"escaped line ends of the bad entry", "\"x\\n\" = \"\\q\";\na = A;", 1, {{"a", "A"}}},
     };
