@@ -79,5 +79,5 @@ function(kx_module name library package)
   set_target_properties(kx-${name} PROPERTIES
     PREFIX "" LIBRARY_OUTPUT_DIRECTORY ${CMAKE_LIBRARY_OUTPUT_DIRECTORY}/KXFoundation)
   add_dependencies(${target_${library}} kx-${name})
-  install(TARGETS kx-${name} LIBRARY DESTINATION ${CMAKE_INSTALL_LIBDIR}/KXFoundation)
+  install(TARGETS kx-${name} LIBRARY DESTINATION ${CMAKE_INSTALL_LIBDIR}/KXFoundation COMPONENT ${library})
 endfunction()

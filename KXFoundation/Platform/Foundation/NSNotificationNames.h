@@ -4,8 +4,7 @@
 
 namespace kx {
 
-/// Posted on the main thread just before the application becomes active: when one of its windows gains focus
-/// while none had it.
+/// Posted on the main thread when one of the application's windows gains focus.
 inline constinit const NSNotificationName NSApplicationWillBecomeActiveNotification{
     "NSApplicationWillBecomeActiveNotification"};
 

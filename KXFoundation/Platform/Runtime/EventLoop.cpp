@@ -61,6 +61,10 @@ struct EventLoop::State {
     std::atomic<bool> turned{false};
 
     void wake() const noexcept { static_cast<void>(eventfd_write(wakeUp, 1)); }
+    bool hasBlocks() {
+        const MutexLock lock(mutex);
+        return !blocks.empty();
+    }
     /// A wake that only ended run() must not cost the next wait a turn.
     void forgetWake() {
         const MutexLock lock(mutex);
@@ -131,6 +135,8 @@ bool EventLoop::drain() {
 bool EventLoop::turn(int timeoutMilliseconds) {
     state_->turned.store(true, std::memory_order_relaxed);
     state_->prepareToWait();
+    if (state_->hasBlocks())
+        timeoutMilliseconds = 0;  // their wake may have been read by the turn this one is nested in
     std::array<epoll_event, 64> events;
     const int count =
         epoll_wait(state_->poll, events.data(), static_cast<int>(events.size()), timeoutMilliseconds);

@@ -21,6 +21,8 @@ constexpr ModuleHost kHost{.log = [](const char* line) { log(LogLevel::Warning, 
 std::string modulePath(const char* name) {
     Dl_info self;
     if (!::dladdr(reinterpret_cast<const void*>(&openModule), &self) || !self.dli_fname) return {};
+    // A program found through PATH knows only its name: then nothing beside it is looked at.
+    if (self.dli_fname[0] != '/') return std::string(KX_MODULE_DIRECTORY "/kx-") + name + ".so";
     const std::string beside = directoryOf(self.dli_fname) + "/KXFoundation/kx-" + name + ".so";
     // A static library has no place of its own: then the installed modules serve.
     if (::access(beside.c_str(), F_OK) != 0) return std::string(KX_MODULE_DIRECTORY "/kx-") + name + ".so";
@@ -33,11 +35,11 @@ Result<const void*> load(const char* name) {
     void* library = ::dlopen(path.c_str(), RTLD_NOW | RTLD_LOCAL);
     if (!library) {
         const char* why = ::dlerror();
-        return Error{ErrorKind::Unsupported, 0, why ? why : path};
+        return Error{ErrorKind::Failed, 0, why ? why : path};
     }
     const auto entry = reinterpret_cast<ModuleEntry>(::dlsym(library, "kxModule"));
     const void* table = entry ? entry(&kHost) : nullptr;
-    if (!table) return Error{ErrorKind::Unsupported, 0, path};
+    if (!table) return Error{ErrorKind::Unsupported, 0, path};  // the module itself has logged why
     return table;
 }
 
@@ -46,11 +48,12 @@ Result<const void*> load(const char* name) {
 Result<const void*> openModule(const char* name) {
     static auto& mutex = *new std::mutex;
     static auto& opened = *new std::map<std::string, Result<const void*>, std::less<>>;
-    const std::lock_guard lock(mutex);
+    std::unique_lock lock(mutex);
     if (const auto found = opened.find(name); found != opened.end()) return found->second;
-    auto result = load(name);
-    if (!result) logError("module", result.error());
-    return opened.emplace(name, std::move(result)).first->second;
+    const Result<const void*> result = opened.emplace(name, load(name)).first->second;
+    lock.unlock();
+    if (!result && result.error().kind != ErrorKind::Unsupported) logError("module", result.error());
+    return result;
 }
 
 }  // namespace kx

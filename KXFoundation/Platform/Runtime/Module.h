@@ -22,9 +22,9 @@ struct ModuleHost {
 using ModuleEntry = const void* (*)(const ModuleHost* host);
 
 /// Opens the module of that name ("sdl" is the file kx-sdl.so) and answers its table, the same one on every
-/// call. Missing if the file is not there, Unsupported if it cannot be loaded or has nothing to offer here;
-/// asking again answers the same without another attempt. Opening takes milliseconds: not on a path that is
-/// hot. Any thread. A module is never closed.
+/// call. Missing if the file is not there, Failed if it cannot be loaded, Unsupported if it has nothing to
+/// offer here; asking again answers the same without another attempt. Opening takes milliseconds: not on a
+/// path that is hot. Any thread. A module is never closed.
 KX_EXPORT Result<const void*> openModule(const char* name);
 
 }  // namespace kx

@@ -49,9 +49,10 @@ NSApplication::~NSApplication() {
 
 void NSApplication::run() {
     if (windows_.empty()) return;
-    running_ = true;
+    const bool isNested = std::exchange(running_, true);
     EventLoop::main().run();
-    running_ = false;
+    running_ = isNested;
+    if (isNested && windows_.empty()) stop();
 }
 
 void NSApplication::stop() {

@@ -70,8 +70,9 @@ void NSWindow::fitContentView() {
 // On the screen
 
 void NSWindow::orderFront() {
+    const auto application = NSApplication::sharedApplication();
     if (!surface_) openSurface();
-    NSApplication::sharedApplication()->bringToFront(self());
+    application->bringToFront(self());
 }
 
 void NSWindow::makeKeyAndOrderFront() {

@@ -12,14 +12,10 @@ namespace kx {
 
 class NativeSurface final : public WindowSurface {
   public:
-    NativeSurface(NativeWindowSystem& system, std::uint32_t window, NSSize size,
-                  WindowSystem::Handler handler)
-        : system_(system),
-          module_(*system.module_),
-          window_(window),
-          size_(size),
-          handler_(std::move(handler)) {
+    NativeSurface(NativeWindowSystem& system, std::uint32_t window, WindowSystem::Handler handler)
+        : system_(system), module_(*system.module_), window_(window), handler_(std::move(handler)) {
         system_.surfaces_.emplace(window_, this);
+        takeSize();
     }
     ~NativeSurface() override {
         system_.surfaces_.erase(window_);
@@ -42,8 +38,8 @@ class NativeSurface final : public WindowSurface {
 
     void setFrame(NSRect frame) override {
         if (frame.size == size_) return;
-        size_ = frame.size;
-        module_.setSize(window_, size_.width, size_.height);
+        module_.setSize(window_, frame.size.width, frame.size.height);
+        takeSize();
     }
     void setTitle(std::string_view title) override { module_.setTitle(window_, std::string(title).c_str()); }
     void activate() override { module_.raise(window_); }
@@ -51,6 +47,7 @@ class NativeSurface final : public WindowSurface {
     void took(const WindowModuleEvent& event);
 
   private:
+    void takeSize() { module_.size(window_, &size_.width, &size_.height); }
     void tookMouse(NSEventType type, const WindowModuleEvent& event);
     void tookKey(NSEventType type, const WindowModuleEvent& event);
 
@@ -81,7 +78,6 @@ std::string charactersOf(std::uint32_t key) {
         case WindowKey::Tab:
         case WindowKey::Return:
         case WindowKey::Escape:
-        case WindowKey::Space:
         case WindowKey::Delete:
             return std::string(1, static_cast<char>(key));
         default:
@@ -93,19 +89,22 @@ std::string charactersOf(std::uint32_t key) {
 
 void NativeSurface::tookMouse(NSEventType type, const WindowModuleEvent& event) {
     if (event.button != 0) return;  // controls answer the primary button
-    handler_(NSEvent{.type = type,
-                     .locationInWindow = {event.x, event.y},
-                     .modifierFlags = modifiersOf(event),
-                     .clickCount = static_cast<int>(event.clicks)});
+    const auto handler = handler_;
+    handler(NSEvent{.type = type,
+                    .locationInWindow = {event.x, event.y},
+                    .modifierFlags = modifiersOf(event),
+                    .clickCount = static_cast<int>(event.clicks)});
 }
 
 void NativeSurface::tookKey(NSEventType type, const WindowModuleEvent& event) {
     std::string characters = charactersOf(event.key);
     if (characters.empty()) return;
-    handler_(NSEvent{.type = type, .modifierFlags = modifiersOf(event), .characters = std::move(characters)});
+    const auto handler = handler_;
+    handler(NSEvent{.type = type, .modifierFlags = modifiersOf(event), .characters = std::move(characters)});
 }
 
 void NativeSurface::took(const WindowModuleEvent& event) {
+    const auto handler = handler_;  // a window closed by its own event takes this surface with it
     switch (event.type) {
         case WindowEventType::MouseDown:
             isPressed_ = isPressed_ || event.button == 0;
@@ -120,18 +119,18 @@ void NativeSurface::took(const WindowModuleEvent& event) {
         case WindowEventType::KeyUp:
             return tookKey(NSEventType::KeyUp, event);
         case WindowEventType::Text:
-            return handler_(NSEvent{.type = NSEventType::KeyDown, .characters = event.text});
+            return handler(NSEvent{.type = NSEventType::KeyDown, .characters = event.text});
         case WindowEventType::Resized:
             size_ = {event.width, event.height};
-            return handler_(SurfaceResized());
+            return handler(SurfaceResized());
         case WindowEventType::Exposed:
-            return handler_(SurfaceExposed());
+            return handler(SurfaceExposed());
         case WindowEventType::FocusGained:
-            return handler_(SurfaceFocusChanged{true});
+            return handler(SurfaceFocusChanged{true});
         case WindowEventType::FocusLost:
-            return handler_(SurfaceFocusChanged{false});
+            return handler(SurfaceFocusChanged{false});
         case WindowEventType::CloseRequested:
-            return handler_(SurfaceCloseRequested());
+            return handler(SurfaceCloseRequested());
         case WindowEventType::Nothing:
         case WindowEventType::MouseLeft:
         case WindowEventType::Wheel:
@@ -168,20 +167,21 @@ std::shared_ptr<WindowSurface> NativeWindowSystem::makeSurface(NSRect frame, Han
     if (!open()) return nullptr;
     const std::uint32_t window = module_->createWindow("", frame.size.width, frame.size.height);
     if (window == 0) return nullptr;
-    return std::make_shared<NativeSurface>(*this, window, frame.size, std::move(handler));
+    return std::make_shared<NativeSurface>(*this, window, std::move(handler));
 }
 
 void NativeWindowSystem::takeEvents() {
-    if (std::exchange(takingEvents_, true)) return;  // an action ran a loop of its own
     WindowModuleEvent event;
     bool any = false;
     while (module_->nextEvent(&event)) {
         any = true;
         dispatch(event);
     }
-    takingEvents_ = false;
-    // The loop may be about to wait: what the events changed has to be seen before.
-    if (any) NSApplication::sharedApplication()->displayIfNeeded();
+    if (!any) return;
+    // The loop may be about to wait: what the events changed has to be seen before. Showing it may read
+    // further events ahead, which the descriptor tells nobody about: hence one more turn.
+    NSApplication::sharedApplication()->displayIfNeeded();
+    EventLoop::main().perform([] {});
 }
 
 void NativeWindowSystem::dispatch(const WindowModuleEvent& event) {

@@ -31,7 +31,6 @@ class KX_EXPORT NativeWindowSystem final : public WindowSystem {
     const WindowModule* module_ = nullptr;
     bool tried_ = false;
     int beforeWait_ = 0;
-    bool takingEvents_ = false;
     std::map<std::uint32_t, NativeSurface*> surfaces_;  // each takes itself out when it dies
 };
 

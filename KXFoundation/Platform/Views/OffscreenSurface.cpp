@@ -41,8 +41,9 @@ void OffscreenSurface::activate() {
 }
 
 void OffscreenSurface::click(NSPoint point) {
-    send(NSEvent{.type = NSEventType::MouseDown, .locationInWindow = point, .clickCount = 1});
-    send(NSEvent{.type = NSEventType::MouseUp, .locationInWindow = point, .clickCount = 1});
+    const auto handler = handler_;  // the window may close, and take this surface with it
+    handler(NSEvent{.type = NSEventType::MouseDown, .locationInWindow = point, .clickCount = 1});
+    handler(NSEvent{.type = NSEventType::MouseUp, .locationInWindow = point, .clickCount = 1});
 }
 
 Result<std::vector<std::byte>> OffscreenSurface::png() const {

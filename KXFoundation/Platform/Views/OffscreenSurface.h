@@ -32,7 +32,10 @@ class KX_EXPORT OffscreenSurface final : public WindowSurface {
     [[nodiscard]] const std::string& title() const noexcept { return title_; }
 
     /// Gives the window an event, as a user would cause it.
-    void send(const SurfaceEvent& event) { handler_(event); }
+    void send(const SurfaceEvent& event) {
+        const auto handler = handler_;
+        handler(event);
+    }
     void click(NSPoint point);
     void setScale(double scale);
 

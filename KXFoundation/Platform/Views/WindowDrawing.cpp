@@ -4,6 +4,7 @@
 #include <KXFoundation/Platform/Graphics/GraphicsContext.h>
 #include <KXFoundation/Platform/Graphics/NSColor.h>
 #include <KXFoundation/Platform/Graphics/NSImageRep.h>
+#include <KXFoundation/Platform/Runtime/EventLoop.h>
 #include <KXFoundation/Platform/Views/NSView.h>
 #include <KXFoundation/Platform/Views/NSWindow.h>
 #include <KXFoundation/Platform/Views/ViewDrawing.h>
@@ -17,7 +18,10 @@ double NSWindow::backingScaleFactor() const {
 }
 
 void NSWindow::setNeedsDisplay(NSRect rect) {
+    const bool wasEmpty = invalid_.isEmpty();
     invalid_.add(rect.intersection(bounds()));
+    // A loop of the application's own learns from the descriptor that there is something to draw.
+    if (surface_ && wasEmpty && !invalid_.isEmpty()) EventLoop::main().perform([] {});
 }
 
 void NSWindow::setAppearance(NSAppearance appearance) {

@@ -78,6 +78,8 @@ struct WindowModule {
     void (*destroyWindow)(std::uint32_t window);
     void (*setTitle)(std::uint32_t window, const char* title);
     void (*setSize)(std::uint32_t window, double width, double height);
+    /// What it has got, in points, which may be another size than was asked for.
+    void (*size)(std::uint32_t window, double* width, double* height);
     void (*setVisible)(std::uint32_t window, bool visible);
     void (*raise)(std::uint32_t window);
     /// Pixels to the point.

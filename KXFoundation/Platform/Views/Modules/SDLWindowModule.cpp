@@ -3,6 +3,7 @@
 #include <cstdio>
 #include <cstring>
 #include <string>
+#include <vector>
 
 #include <SDL2/SDL.h>
 #include <SDL2/SDL_syswm.h>
@@ -178,15 +179,17 @@ bool present(std::uint32_t id, const void* pixels, std::int32_t width, std::int3
     SDL_Window* window = find(id);
     SDL_Surface* surface = window ? SDL_GetWindowSurface(window) : nullptr;
     if (!surface || surface->w != width || surface->h != height) return false;
+    std::vector<SDL_Rect> changed;
     for (std::int32_t i = 0; i < count; ++i) {
-        const SDL_Rect rect{rects[i].x, rects[i].y, rects[i].width, rects[i].height};
+        const SDL_Rect& rect =
+            changed.emplace_back(SDL_Rect{rects[i].x, rects[i].y, rects[i].width, rects[i].height});
         const auto* from = static_cast<const std::uint8_t*>(pixels) + rect.y * stride + rect.x * 4;
         auto* to = static_cast<std::uint8_t*>(surface->pixels) + rect.y * surface->pitch +
                    rect.x * surface->format->BytesPerPixel;
         SDL_ConvertPixels(rect.w, rect.h, SDL_PIXELFORMAT_ARGB8888, from, stride, surface->format->format, to,
                           surface->pitch);
-        SDL_UpdateWindowSurfaceRects(window, &rect, 1);
     }
+    SDL_UpdateWindowSurfaceRects(window, changed.data(), count);
     return true;
 }
 
@@ -204,6 +207,14 @@ const WindowModule kTable{
     .setSize =
         [](std::uint32_t id, double width, double height) {
             SDL_SetWindowSize(find(id), static_cast<int>(width), static_cast<int>(height));
+        },
+    .size =
+        [](std::uint32_t id, double* width, double* height) {
+            int wide = 0;
+            int high = 0;
+            SDL_GetWindowSize(find(id), &wide, &high);
+            *width = wide;
+            *height = high;
         },
     .setVisible = [](std::uint32_t id,
                      bool visible) { visible ? SDL_ShowWindow(find(id)) : SDL_HideWindow(find(id)); },
@@ -229,16 +240,30 @@ const WindowModule kTable{
         },
 };
 
+bool hasDisplay() {
+    for (const char* variable : {"DISPLAY", "WAYLAND_DISPLAY"}) {
+        const char* value = SDL_getenv(variable);
+        if (value && *value) return true;
+    }
+    SDL_SetError("no X11 or Wayland display");
+    return false;
+}
+
 bool start() {
+    if (!hasDisplay()) return false;  // asked first: the drivers would each write a line of their own
     SDL_SetMainReady();
-    // A window surface in plain memory: through a renderer it costs 300 ms and 100 MiB at the first frame.
-    SDL_SetHint(SDL_HINT_FRAMEBUFFER_ACCELERATION, "0");
     SDL_SetHint(SDL_HINT_NO_SIGNAL_HANDLERS, "1");
     SDL_SetHint(SDL_HINT_VIDEO_ALLOW_SCREENSAVER, "1");
     SDL_SetHint(SDL_HINT_MOUSE_FOCUS_CLICKTHROUGH, "1");
     if (SDL_InitSubSystem(SDL_INIT_VIDEO) != 0) return false;
     const char* driver = SDL_GetCurrentVideoDriver();
-    if (driver && (std::strcmp(driver, "x11") == 0 || std::strcmp(driver, "wayland") == 0)) return true;
+    if (driver && std::strcmp(driver, "x11") == 0) {
+        // A window surface in plain memory: through a renderer it costs 300 ms and 100 MiB at the first
+        // frame.
+        SDL_SetHint(SDL_HINT_FRAMEBUFFER_ACCELERATION, "0");
+        return true;
+    }
+    if (driver && std::strcmp(driver, "wayland") == 0) return true;  // SDL has no plain surface there
     SDL_QuitSubSystem(SDL_INIT_VIDEO);  // its dummy drivers show nothing to anybody
     SDL_SetError("no X11 or Wayland display");
     return false;
