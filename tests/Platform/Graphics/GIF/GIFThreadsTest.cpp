@@ -14,7 +14,9 @@ namespace {
 
 // Two threads unpack every second frame each, and paint it when its turn has come.
 TEST(GIFThreads, UnpackDifferentFramesAtOnce) {
-    testing::forEachGIFCase([](const testing::GIFCase& gif) {
+    std::size_t cases = 0;
+    testing::forEachGIFCase([&](const testing::GIFCase& gif) {
+        if (cases++ % 11 != 0) return;
         const auto reader = GIFReader::open(gif.file.bytes());
         const GIFContents contents = reader->contents();
         std::vector<std::uint32_t> pixels(std::size_t{gif.width} * gif.height);
