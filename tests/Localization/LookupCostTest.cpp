@@ -12,6 +12,10 @@ namespace {
 thread_local std::size_t allocations = 0;
 }
 
+// Libraries ask for memory this way too (std::stable_sort does); what deletes it is below.
+void* operator new(std::size_t size, const std::nothrow_t&) noexcept {
+    return std::malloc(size ? size : 1);
+}
 void* operator new(std::size_t size) {
     ++allocations;
     if (void* memory = std::malloc(size ? size : 1)) return memory;
