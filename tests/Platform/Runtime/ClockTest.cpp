@@ -87,11 +87,14 @@ TEST_F(ClockTest, ASemaphoresWaitEndsWithTheClock) {
 TEST(SystemClock, RunsBackgroundTimersInOrderOfTheirDeadlines) {
     const auto clock = Clock::makeDefault();
     std::string ran;
+    Semaphore given;
     Semaphore done;
     const auto at = clock->now() + 1ms;
+    clock->runAt(at - 1ms, TimerThread::Background, [&] { given.wait(); });  // holds the others up
     clock->runAt(at + 2ns, TimerThread::Background, [&] { ran += 'c', done.signal(); });
     clock->runAt(at, TimerThread::Background, [&] { ran += 'a'; });
     clock->runAt(at, TimerThread::Background, [&] { ran += 'b'; });
+    given.signal();
     done.wait();
     EXPECT_EQ(ran, "abc");
     EXPECT_GE(clock->now(), at);
