@@ -75,7 +75,7 @@ void Column::caption(std::string_view words) {
 }
 
 std::shared_ptr<NSTextField> Column::pair(std::string_view captionWords, std::string_view value) {
-    constexpr double kCaptionWidth = 210;
+    constexpr double kCaptionWidth = 260;
     const auto caption = label(captionWords);
     caption->setTextColor(NSColor::secondaryLabelColor());
     const auto field = label(value);
