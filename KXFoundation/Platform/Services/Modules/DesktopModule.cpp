@@ -1,0 +1,22 @@
+#include <KXFoundation/Platform/Runtime/Module.h>
+#include <KXFoundation/Platform/Services/DesktopModule.h>
+
+namespace kx {
+
+namespace {
+
+constexpr DesktopModule kModule{
+    .version = DesktopModule::kVersion,
+    .biometrics = nullptr,
+    .clockFormat = nullptr,
+    .opener = nullptr,
+    .secrets = nullptr,
+};
+
+}  // namespace
+
+}  // namespace kx
+
+extern "C" __attribute__((visibility("default"))) const void* kxModule(const kx::ModuleHost*) {
+    return &kx::kModule;
+}
