@@ -20,12 +20,22 @@ std::string lineFor(const std::string& path, const StringTableFaults& faults) {
 
 }  // namespace
 
+/// Entries go straight into the slots: a list of them beside would double the fresh pages that loading
+/// touches, and those cost more than the reading.
 StringTable::StringTable(std::string contents) : text_(stringTableText(std::move(contents))) {
-    std::vector<StringTableEntry> entries;
-    entries.reserve(text_.size() / 48);
-    faults_ = readStringTable(text_, entries);
-    slots_.resize(std::bit_ceil(entries.size() + entries.size() / 2 + 1));
-    for (const StringTableEntry& entry : entries) insert(entry);
+    constexpr std::size_t kUsualEntry = 64;  // bytes, of which a slot and a half is made
+    slots_.resize(std::bit_floor(text_.size() / kUsualEntry * 3 / 2 + 4));
+    // An entry waits while the next one is read and its slot comes into the cache.
+    StringTableEntry waiting;
+    std::uint64_t hashed = 0;
+    faults_ = readStringTable(text_, [&](const StringTableEntry& entry) {
+        const std::uint64_t next = hash(entry.key);
+        __builtin_prefetch(&slots_[next & (slots_.size() - 1)], 1);
+        if (waiting.key.data()) insert(waiting, hashed);
+        waiting = entry;
+        hashed = next;
+    });
+    if (waiting.key.data()) insert(waiting, hashed);
 }
 
 std::unique_ptr<const StringTable> StringTable::load(FileSystem& files, const std::string& path) {
@@ -55,19 +65,28 @@ std::size_t StringTable::slotOf(std::string_view key, std::uint64_t hashed) cons
     }
 }
 
-void StringTable::insert(const StringTableEntry& entry) noexcept {
+void StringTable::insert(const StringTableEntry& entry, std::uint64_t hashed) {
     constexpr std::uint64_t kReach = (1U << 26) - 1;
     const auto offset = [this](std::string_view part) {
         return static_cast<std::uint64_t>(part.data() - text_.data());
     };
-    const std::uint64_t hashed = hash(entry.key);
+    if (3 * (size_ + 1) > 2 * slots_.size()) grow();
     Slot& slot = slots_[slotOf(entry.key, hashed)];
     if (slot.textOffset == 0) ++size_;
-    slot.keyOffset = offset(entry.key) & kReach;
-    slot.keyLength = entry.key.size() & kReach;
-    slot.tag = static_cast<std::uint16_t>(hashed >> 52) & 0xFFF;
-    slot.textOffset = offset(entry.text) & kReach;
-    slot.textLength = entry.text.size() & kReach;
+    slot = {.keyOffset = offset(entry.key) & kReach,
+            .keyLength = entry.key.size() & kReach,
+            .tag = static_cast<std::uint16_t>(hashed >> 52) & 0xFFFU,
+            .textOffset = offset(entry.text) & kReach,
+            .textLength = entry.text.size() & kReach};
+}
+
+void StringTable::grow() {
+    const auto old = std::exchange(slots_, std::vector<Slot>(2 * slots_.size()));
+    for (const Slot& slot : old) {
+        if (slot.textOffset == 0) continue;
+        const std::string_view key(text_.data() + slot.keyOffset, slot.keyLength);
+        slots_[slotOf(key, hash(key))] = slot;
+    }
 }
 
 std::optional<std::string_view> StringTable::lookUp(std::string_view key) const noexcept {

@@ -50,10 +50,11 @@ class KX_EXPORT StringTable {
 
     [[nodiscard]] std::uint64_t hash(std::string_view key) const noexcept;
     [[nodiscard]] std::size_t slotOf(std::string_view key, std::uint64_t hashed) const noexcept;
-    void insert(const StringTableEntry& entry) noexcept;
+    void insert(const StringTableEntry& entry, std::uint64_t hashed);
+    void grow();
 
     std::string text_;
-    std::vector<Slot> slots_;  // open addressing, a power of two, never full
+    std::vector<Slot> slots_;  // open addressing, a power of two, two thirds full at most
     std::size_t size_ = 0;
     StringTableFaults faults_;
 };

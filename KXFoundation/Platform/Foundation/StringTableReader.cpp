@@ -26,17 +26,22 @@ constexpr bool isBare(char c) noexcept {
            c == '.' || c == '-' || c == ':' || c == '$';
 }
 
+#ifdef __SSE2__
+/// A bit for each of the 16 bytes that is a quote or a backslash.
+unsigned quotesAndBackslashes(const char* at) noexcept {
+    const __m128i block = _mm_loadu_si128(reinterpret_cast<const __m128i*>(at));
+    const __m128i either =
+        _mm_or_si128(_mm_cmpeq_epi8(block, _mm_set1_epi8('"')), _mm_cmpeq_epi8(block, _mm_set1_epi8('\\')));
+    return static_cast<unsigned>(_mm_movemask_epi8(either));
+}
+#endif
+
 /// The first quote or backslash, else the end.
 char* findQuoteOrBackslash(char* at, char* end) noexcept {
 #ifdef __SSE2__
-    const __m128i quotes = _mm_set1_epi8('"');
-    const __m128i backslashes = _mm_set1_epi8('\\');
-    for (; end - at >= 16; at += 16) {
-        const __m128i block = _mm_loadu_si128(reinterpret_cast<const __m128i*>(at));
-        const __m128i either =
-            _mm_or_si128(_mm_cmpeq_epi8(block, quotes), _mm_cmpeq_epi8(block, backslashes));
-        if (const int found = _mm_movemask_epi8(either))
-            return at + std::countr_zero(static_cast<unsigned>(found));
+    for (; end - at >= 32; at += 32) {
+        if (const unsigned found = quotesAndBackslashes(at) | quotesAndBackslashes(at + 16) << 16)
+            return at + std::countr_zero(found);
     }
 #endif
     return std::find_if(at, end, [](char c) { return c == '"' || c == '\\'; });
@@ -93,8 +98,8 @@ std::optional<char> simpleEscape(char c) noexcept {
 /// quote, so it is read again at most once, and comments, which could be long, are never read again.
 class Reader {
   public:
-    Reader(std::string& text, std::vector<StringTableEntry>& entries) noexcept
-        : begin_(text.data()), at_(begin_), end_(begin_ + text.size()), entries_(entries) {
+    Reader(std::string& text, const std::function<void(const StringTableEntry&)>& take) noexcept
+        : begin_(text.data()), at_(begin_), end_(begin_ + text.size()), take_(take) {
         if (text.starts_with(kMark)) at_ += kMark.size();
         clean_ = text.find('\0') == text.npos && isUtf8(text);
     }
@@ -151,7 +156,7 @@ class Reader {
             fault = resolve(key);
             if (!fault) fault = resolve(text);
         }
-        if (!fault) return entries_.push_back({key.view(), text.view()});
+        if (!fault) return take_({key.view(), text.view()});
         note(start, fault, linesBefore);
     }
 
@@ -163,6 +168,8 @@ class Reader {
     }
 
     bool pass(char expected) noexcept {
+        if (at_ < end_ && *at_ == ' ') ++at_;  // by far the most there is
+        if (at_ < end_ && *at_ == expected) return ++at_, true;
         if (!skipSpace() || *at_ != expected) return false;
         ++at_;
         return true;
@@ -260,13 +267,14 @@ class Reader {
     char* rereadFrom_ = begin_;  // recovery never goes back before this
     std::size_t linesMade_ = 0;  // line ends that escapes put where the file had none
     StringTableFaults faults_;
-    std::vector<StringTableEntry>& entries_;
+    const std::function<void(const StringTableEntry&)>& take_;
 };
 
 }  // namespace
 
-StringTableFaults readStringTable(std::string& text, std::vector<StringTableEntry>& entries) {
-    return Reader(text, entries).read();
+StringTableFaults readStringTable(std::string& text,
+                                  const std::function<void(const StringTableEntry&)>& take) {
+    return Reader(text, take).read();
 }
 
 }  // namespace kx

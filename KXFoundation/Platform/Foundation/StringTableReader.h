@@ -1,9 +1,9 @@
 #pragma once
 
 #include <cstddef>
+#include <functional>
 #include <string>
 #include <string_view>
-#include <vector>
 
 /// Reads the `.strings` format: `"key" = "text";`, with `/* */` and `//` comments. Private to Foundation.
 namespace kx {
@@ -25,9 +25,10 @@ struct StringTableFaults {
 /// unchecked.
 [[nodiscard]] std::string stringTableText(std::string bytes);
 
-/// Appends the entries of the text, in its order, in one pass and with time linear in its length. Escapes are
-/// resolved in place. A faulty entry is left out and reading goes on at the next one: behind it if its end
-/// can be told, else on the line after the one that it begins on.
-[[nodiscard]] StringTableFaults readStringTable(std::string& text, std::vector<StringTableEntry>& entries);
+/// Hands over the entries of the text, in its order, in one pass and with time linear in its length. Escapes
+/// are resolved in place. A faulty entry is left out and reading goes on at the next one: behind it if its
+/// end can be told, else on the line after the one that it begins on.
+[[nodiscard]] StringTableFaults readStringTable(std::string& text,
+                                                const std::function<void(const StringTableEntry&)>& take);
 
 }  // namespace kx
