@@ -40,7 +40,9 @@ std::uint32_t ClassRegistry::registerOperation(OperationKind kind, std::string_v
     Names& known = names(kind);
     if (const auto found = known.indexes.find(name); found != known.indexes.end()) {
         if (known.operations[found->second].signature == signature) return found->second;
-        log(LogLevel::Fault, "operation " + std::string(name) + " is known with another signature; refused");
+        if (!std::exchange(known.operations[found->second].refused, true))
+            log(LogLevel::Fault,
+                "operation " + std::string(name) + " is known with another signature; refused");
         return kUnregistered;
     }
     const auto index = static_cast<std::uint32_t>(known.operations.size());

@@ -32,6 +32,7 @@ class ClassRegistry {
     struct OperationName {
         std::string name;
         std::type_index signature;
+        bool refused = false;  // another signature, which was logged
     };
     struct Names {
         std::map<std::string, std::uint32_t, std::less<>> indexes;

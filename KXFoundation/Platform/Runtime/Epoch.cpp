@@ -1,7 +1,7 @@
 #include <limits>
-#include <memory>
 
 #include <linux/membarrier.h>
+#include <pthread.h>
 #include <sys/syscall.h>
 #include <unistd.h>
 
@@ -132,16 +132,21 @@ class EpochDomain {
     Retirable* last_ KX_GUARDED_BY(mutex_) = nullptr;
 };
 
-void EpochReading::ThreadEnd::operator()(EpochReader* reader) const noexcept {
+void EpochReading::threadEnds(void* reader) noexcept {
     current_ = nullptr;
-    EpochDomain::shared().remove(*reader);
+    EpochDomain::shared().remove(*static_cast<EpochReader*>(reader));
 }
 
+/// A thread key rather than a thread_local: its destructor runs after those of all thread_locals, which may
+/// still read, and runs again should a reading of another key's destructor register the thread anew.
 EpochReader& EpochReading::registerThread() {
-    // Another reading in a later destructor of the same thread registers it anew, then for good.
-    static thread_local std::unique_ptr<EpochReader, ThreadEnd> registration;
+    static const pthread_key_t key = [] {
+        pthread_key_t made{};
+        pthread_key_create(&made, &EpochReading::threadEnds);
+        return made;
+    }();
     current_ = &EpochDomain::shared().add();
-    registration.reset(current_);
+    pthread_setspecific(key, current_);
     return *current_;
 }
 

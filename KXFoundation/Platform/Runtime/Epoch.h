@@ -67,9 +67,7 @@ class EpochReading {
 
   private:
     friend class EpochDomain;
-    struct ThreadEnd {
-        void operator()(EpochReader* reader) const noexcept;
-    };
+    static void threadEnds(void* reader) noexcept;
     KX_EXPORT static EpochReader& registerThread();
     KX_EXPORT static void destroyRetired();
     KX_EXPORT static EpochState state_;

@@ -5,6 +5,7 @@
 #include <deque>
 #include <limits>
 #include <map>
+#include <span>
 #include <utility>
 
 #include <sys/epoll.h>
@@ -28,9 +29,9 @@ nanoseconds steadyNow() {
 }
 
 itimerspec absoluteTime(nanoseconds deadline) {
+    deadline = std::max(deadline, nanoseconds(1));  // zero would disarm the timer, less is refused
     const auto seconds = std::chrono::duration_cast<std::chrono::seconds>(deadline);
-    return {{},
-            {seconds.count(), std::max<long>((deadline - seconds).count(), 1)}};  // all zero would disarm it
+    return {{}, {seconds.count(), (deadline - seconds).count()}};
 }
 
 /// Whole milliseconds, rounded up so that a wait does not end before its time.
@@ -38,6 +39,17 @@ int milliseconds(std::optional<nanoseconds> timeout) {
     if (!timeout) return -1;
     const auto whole = std::chrono::ceil<std::chrono::milliseconds>(*timeout).count();
     return static_cast<int>(std::clamp<std::int64_t>(whole, 0, std::numeric_limits<int>::max()));
+}
+
+/// epoll_wait(), gone on with after a signal's handler.
+int waitFor(int poll, std::span<epoll_event> events, std::optional<nanoseconds> timeout) {
+    const nanoseconds start = steadyNow();
+    for (;;) {
+        const auto left = timeout ? std::optional(*timeout - (steadyNow() - start)) : std::nullopt;
+        const int count =
+            epoll_wait(poll, events.data(), static_cast<int>(events.size()), milliseconds(left));
+        if (count >= 0 || errno != EINTR) return count;
+    }
 }
 
 }  // namespace
@@ -103,6 +115,14 @@ struct EventLoop::State {
     }
 };
 
+/// Whoever polls the descriptor must learn of blocks that a turn leaves behind, also if one of them throws.
+struct EventLoop::WakeForRest {
+    ~WakeForRest() {
+        if (state.hasBlocks()) state.wake();
+    }
+    State& state;
+};
+
 EventLoop& EventLoop::main() {
     static auto& loop = *new EventLoop;
     return loop;
@@ -115,7 +135,7 @@ EventLoop::EventLoop() : state_(std::make_unique<State>()) {
 }
 
 void EventLoop::run() {
-    while (!state_->stopping.exchange(false)) turn(-1);
+    while (!state_->stopping.exchange(false)) turn(std::nullopt);
     state_->forgetWake();
 }
 
@@ -125,21 +145,19 @@ void EventLoop::stop() {
 }
 
 bool EventLoop::runOnce(std::optional<nanoseconds> timeout) {
-    return turn(milliseconds(timeout));
+    return turn(timeout);
 }
 
 bool EventLoop::drain() {
-    return turn(0);
+    return turn(nanoseconds(0));
 }
 
-bool EventLoop::turn(int timeoutMilliseconds) {
+bool EventLoop::turn(std::optional<nanoseconds> timeout) {
     state_->turned.store(true, std::memory_order_relaxed);
     state_->prepareToWait();
-    if (state_->hasBlocks())
-        timeoutMilliseconds = 0;  // their wake may have been read by the turn this one is nested in
+    if (state_->hasBlocks()) timeout = nanoseconds(0);  // their wake may have been read by an outer turn
     std::array<epoll_event, 64> events;
-    const int count =
-        epoll_wait(state_->poll, events.data(), static_cast<int>(events.size()), timeoutMilliseconds);
+    const int count = waitFor(state_->poll, events, timeout);
     for (int i = 0; i < count; ++i) {
         const int descriptor = events[static_cast<std::size_t>(i)].data.fd;
         if (descriptor == state_->wakeUp) {
@@ -188,6 +206,7 @@ void EventLoop::perform(Callback block) {
 }
 
 bool EventLoop::performPending() {
+    const WakeForRest wakeForRest{*state_};
     MutexLock lock(state_->mutex);
     const std::size_t count = state_->blocks.size();
     // One by one, so that a loop nested in a block goes on with the next one.
@@ -199,7 +218,6 @@ bool EventLoop::performPending() {
         block = nullptr;
         lock.lock();
     }
-    if (!state_->blocks.empty()) state_->wake();
     return count > 0;
 }
 

@@ -63,9 +63,10 @@ class KX_EXPORT EventLoop {
 
   private:
     EventLoop();
-    bool turn(int timeoutMilliseconds);
+    bool turn(std::optional<std::chrono::nanoseconds> timeout);
 
     struct State;
+    struct WakeForRest;
     const std::unique_ptr<State> state_;
 };
 

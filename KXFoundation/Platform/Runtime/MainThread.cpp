@@ -27,6 +27,14 @@ struct AfterReaders final : Retirable {
     NSObject* object;
 };
 
+void deleteAfterReaders(NSObject* object) {
+    if (EpochReading::isInside()) {
+        retire(new AfterReaders(object));
+    } else {
+        delete object;
+    }
+}
+
 }  // namespace
 
 bool isMainThread() noexcept {
@@ -46,12 +54,10 @@ bool mainQueueIsServed() noexcept {
 void MainThreadDeleter::operator()(NSObject* object) const {
     if (!isMainThread() && mainQueueIsServed()) {
         // Owned by the block, so that a block which never runs deletes all the same.
-        const std::shared_ptr<NSObject> last(object);
+        const std::shared_ptr<NSObject> last(object, deleteAfterReaders);
         DispatchQueue::main().async([last] {});
-    } else if (EpochReading::isInside()) {
-        retire(new AfterReaders(object));
     } else {
-        delete object;
+        deleteAfterReaders(object);
     }
 }
 

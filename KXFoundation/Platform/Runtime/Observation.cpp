@@ -37,6 +37,7 @@ void notify(NSObject& object, std::string_view key, ChangePhase phase) {
         std::ranges::copy_if(side->observers, std::back_inserter(told),
                              [&](const auto& observer) { return wants(*observer, key, phase); });
     }
+    const auto held = object.weak_from_this().lock();  // a callback may drop the last reference
     for (const auto& observer : told) {
         if (!observer->ended) observer->callback(object, key, phase);
     }

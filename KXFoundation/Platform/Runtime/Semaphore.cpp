@@ -36,7 +36,8 @@ void Semaphore::wait() {
 }
 
 bool Semaphore::waitFor(std::chrono::nanoseconds timeout) {
-    if (timeout <= std::chrono::nanoseconds(0)) return state_->take(true);
+    if (state_->take(true)) return true;  // most often, and then no timer is left behind
+    if (timeout <= std::chrono::nanoseconds(0)) return false;
     Clock& clock = Clock::slot().current();
     const auto now = clock.now();
     const auto expired = std::make_shared<bool>(false);  // guarded by the state's mutex

@@ -1,21 +1,55 @@
+#include <map>
+#include <thread>
 #include <utility>
 
 #include <KXFoundation/Platform/Runtime/EventLoop.h>
+#include <KXFoundation/Platform/Runtime/Mutex.h>
 #include <KXFoundation/Platform/Runtime/SystemClock.h>
 
 namespace kx {
 
-namespace {
 using Steady = std::chrono::steady_clock;
+
+struct SystemClock::Timers {
+    Mutex mutex;
+    Condition changed;
+    std::multimap<std::chrono::nanoseconds, std::function<void()>> actions KX_GUARDED_BY(mutex);
+    bool ending KX_GUARDED_BY(mutex) = false;
+    std::thread thread KX_GUARDED_BY(mutex);
+
+    void serve();
+};
+
+void SystemClock::Timers::serve() {
+    MutexLock lock(mutex);
+    while (!ending) {
+        if (actions.empty()) {
+            changed.wait(mutex);
+        } else if (const auto first = actions.begin(); first->first > Steady::now().time_since_epoch()) {
+            changed.waitUntil(mutex, Steady::time_point(first->first));
+        } else {
+            std::function<void()> action = std::move(actions.extract(first).mapped());
+            lock.unlock();
+            action();
+            action = nullptr;  // what it captured goes without the lock too
+            lock.lock();
+        }
+    }
 }
 
+SystemClock::SystemClock() : timers_(std::make_shared<Timers>()) {}
+
 SystemClock::~SystemClock() {
-    MutexLock lock(mutex_);
-    ending_ = true;
-    changed_.notifyOne();
-    std::thread ending = std::move(thread_);
+    MutexLock lock(timers_->mutex);
+    timers_->ending = true;
+    timers_->changed.notifyOne();
+    std::thread thread = std::move(timers_->thread);
     lock.unlock();
-    if (ending.joinable()) ending.join();
+    if (thread.get_id() == std::this_thread::get_id()) {
+        thread.detach();
+    } else if (thread.joinable()) {
+        thread.join();
+    }
 }
 
 std::chrono::nanoseconds SystemClock::now() const noexcept {
@@ -28,27 +62,10 @@ Clock::WallTime SystemClock::wallTime() const noexcept {
 
 void SystemClock::runAt(std::chrono::nanoseconds deadline, TimerThread thread, std::function<void()> action) {
     if (thread == TimerThread::Main) return EventLoop::main().runAt(deadline, std::move(action));
-    const MutexLock lock(mutex_);
-    const auto placed = timers_.emplace(deadline, std::move(action));
-    if (!thread_.joinable()) thread_ = std::thread([this] { serveTimers(); });
-    if (placed == timers_.begin()) changed_.notifyOne();
-}
-
-void SystemClock::serveTimers() {
-    MutexLock lock(mutex_);
-    while (!ending_) {
-        if (timers_.empty()) {
-            changed_.wait(mutex_);
-        } else if (const auto first = timers_.begin(); first->first > now()) {
-            changed_.waitUntil(mutex_, Steady::time_point(first->first));
-        } else {
-            std::function<void()> action = std::move(timers_.extract(first).mapped());
-            lock.unlock();
-            action();
-            action = nullptr;  // what it captured goes without the lock too
-            lock.lock();
-        }
-    }
+    const MutexLock lock(timers_->mutex);
+    const auto placed = timers_->actions.emplace(deadline, std::move(action));
+    if (!timers_->thread.joinable()) timers_->thread = std::thread([timers = timers_] { timers->serve(); });
+    if (placed == timers_->actions.begin()) timers_->changed.notifyOne();
 }
 
 }  // namespace kx

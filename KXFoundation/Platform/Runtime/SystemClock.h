@@ -1,19 +1,17 @@
 #pragma once
 
-#include <map>
-#include <thread>
+#include <memory>
 
 #include <KXFoundation/Platform/Runtime/Clock.h>
-#include <KXFoundation/Platform/Runtime/Mutex.h>
 
 namespace kx {
 
 /// The system's monotonic clock and time of day. Background timers run on one thread of its own, made with
 /// the first of them; the main thread's are the event loop's. What has not run when the clock is destroyed
-/// never runs.
+/// never runs; an action may drop the last reference to it.
 class SystemClock final : public Clock {
   public:
-    SystemClock() = default;
+    SystemClock();
     ~SystemClock() override;
 
     [[nodiscard]] std::chrono::nanoseconds now() const noexcept override;
@@ -21,13 +19,8 @@ class SystemClock final : public Clock {
     void runAt(std::chrono::nanoseconds deadline, TimerThread thread, std::function<void()> action) override;
 
   private:
-    void serveTimers();
-
-    Mutex mutex_;
-    Condition changed_;
-    std::multimap<std::chrono::nanoseconds, std::function<void()>> timers_ KX_GUARDED_BY(mutex_);
-    bool ending_ KX_GUARDED_BY(mutex_) = false;
-    std::thread thread_ KX_GUARDED_BY(mutex_);
+    struct Timers;
+    const std::shared_ptr<Timers> timers_;  // the thread's too
 };
 
 }  // namespace kx

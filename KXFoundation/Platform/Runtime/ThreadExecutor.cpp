@@ -1,10 +1,12 @@
 #include <algorithm>
 #include <cstdlib>
+#include <system_error>
 #include <thread>
 #include <utility>
 
 #include <KXFoundation/Platform/Runtime/CallerError.h>
 #include <KXFoundation/Platform/Runtime/EventLoop.h>
+#include <KXFoundation/Platform/Runtime/Log.h>
 #include <KXFoundation/Platform/Runtime/MainThread.h>
 #include <KXFoundation/Platform/Runtime/ThreadExecutor.h>
 
@@ -24,6 +26,7 @@ struct ThreadExecutor::State {
     [[nodiscard]] std::size_t working() const KX_REQUIRES(mutex) { return threads - idle - waiting; }
     void serve(const std::shared_ptr<State>& self);
     void ensureThread(const std::shared_ptr<State>& self) KX_REQUIRES(mutex);
+    void startThread(const std::shared_ptr<State>& self) KX_REQUIRES(mutex);
 };
 
 namespace {
@@ -67,13 +70,24 @@ void ThreadExecutor::State::serve(const std::shared_ptr<State>& self) {
     settled.notifyAll();
 }
 
+/// Where the system gives no more threads, the job waits for one of those that there are, else for the next
+/// attempt.
+void ThreadExecutor::State::startThread(const std::shared_ptr<State>& self) {
+    try {
+        ++threads;
+        std::thread([self] { self->serve(self); }).detach();
+    } catch (const std::system_error& error) {
+        --threads;
+        logError("ThreadExecutor", Error::fromErrno(error.code().value(), "a thread for background blocks"));
+    }
+}
+
 /// Sees to it that somebody takes the next job.
 void ThreadExecutor::State::ensureThread(const std::shared_ptr<State>& self) {
     if (idle >= jobs.size()) {
         workCame.notifyOne();
     } else if (threads - waiting < threadsWanted() && threads < kMostThreads) {
-        ++threads;
-        std::thread([self] { self->serve(self); }).detach();
+        startThread(self);
     }
 }
 

@@ -50,6 +50,7 @@ void NSButton::drawBackground(GraphicsContext& context) const {
         context.fill(context.pixelAligned(bounds()), ControlLook::kCornerRadius,
                      *NSColor::colorWithWhite(0, 0.15));
     }
+    if (showsFocus()) ControlLook::drawFocusRing(context, bounds(), default_);
 }
 
 double NSButton::contentStart(const Content& shown, NSRect inside) const {

@@ -11,6 +11,12 @@ void drawFace(GraphicsContext& context, NSRect rect, const NSColor& fill, const 
     context.stroke(face, kCornerRadius, 1 / context.scale(), border);
 }
 
+void drawFocusRing(GraphicsContext& context, NSRect rect, bool onAccent) {
+    const auto color =
+        onAccent ? NSColor::alternateSelectedControlTextColor() : NSColor::controlAccentColor();
+    context.stroke(context.pixelAligned(rect).insetBy(2, 2), kCornerRadius - 2, 2, *color);
+}
+
 void drawLine(GraphicsContext& context, const TextLayout& line, NSRect inside, const NSColor& color) {
     const TextMeasure plain = TextLayout("", line.font()).measure();
     const double baseline =

@@ -22,6 +22,10 @@ inline constexpr double kDisabledOpacity = 0.4;
 /// A rounded face with a border of one pixel.
 void drawFace(GraphicsContext& context, NSRect rect, const NSColor& fill, const NSColor& border);
 
+/// What tells that the control has the keys: a line inside its edge, in the accent colour or, on a face of
+/// that colour, in that of the text upon it.
+void drawFocusRing(GraphicsContext& context, NSRect rect, bool onAccent);
+
 /// A text of one line in the middle of the rectangle's height. The middle is that of its font, so that texts
 /// of one font in different scripts stand on one baseline; that lies on a pixel edge.
 void drawLine(GraphicsContext& context, const TextLayout& line, NSRect inside, const NSColor& color);

@@ -59,9 +59,14 @@ void NSApplication::stop() {
     EventLoop::main().stop();
 }
 
-void NSApplication::focusChanged(bool focused) {
-    active_ = focused;
-    if (!focused) return;
+/// Of two windows the desktop may tell the gain before the loss.
+void NSApplication::focusChanged(const std::shared_ptr<NSWindow>& window, bool focused) {
+    if (!focused) {
+        if (focusedWindow_.lock() == window) focusedWindow_.reset();
+        return;
+    }
+    focusedWindow_ = window;
+    makeKey(window);
     NSNotificationCenter::defaultCenter().postNotificationName(NSApplicationWillBecomeActiveNotification,
                                                                self());
 }
@@ -88,6 +93,7 @@ void NSApplication::takeAway(const NSWindow& window) {
     const auto front = windows_.empty() ? nullptr : windows_.back();
     if (isLost(keyWindow())) keyWindow_ = front;
     if (isLost(mainWindow())) mainWindow_ = front;
+    if (isLost(focusedWindow_.lock())) focusedWindow_.reset();
     if (windows_.empty() && running_) stop();
 }
 

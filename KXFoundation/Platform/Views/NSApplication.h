@@ -35,7 +35,7 @@ class KX_EXPORT NSApplication : public Subclass<NSApplication, NSResponder> {
     void stop();
 
     /// Whether a window of the application has the desktop's focus.
-    [[nodiscard]] bool isActive() const noexcept { return active_; }
+    [[nodiscard]] bool isActive() const { return !focusedWindow_.expired(); }
 
     bool init();
     ~NSApplication() override;
@@ -50,13 +50,13 @@ class KX_EXPORT NSApplication : public Subclass<NSApplication, NSResponder> {
     void makeKey(const std::shared_ptr<NSWindow>& window);
     void takeAway(const NSWindow& window);
     [[nodiscard]] bool shows(const NSWindow& window) const;
-    void focusChanged(bool focused);
+    void focusChanged(const std::shared_ptr<NSWindow>& window, bool focused);
 
     std::vector<std::shared_ptr<NSWindow>> windows_;
     std::weak_ptr<NSWindow> keyWindow_;
     std::weak_ptr<NSWindow> mainWindow_;
+    std::weak_ptr<NSWindow> focusedWindow_;  // the desktop's word
     int beforeWait_ = 0;
-    bool active_ = false;
     bool running_ = false;
 };
 

@@ -78,4 +78,40 @@ void NSButton::mouseUp(const NSEvent& event) {
     if (isUnder(event)) performClick();
 }
 
+namespace {
+
+bool pressesButtons(const NSEvent& event) {
+    return event.characters == " " || event.characters == "\r";
+}
+
+}  // namespace
+
+void NSButton::keyDown(const NSEvent& event) {
+    if (!pressesButtons(event) || !isEnabled()) return Super::keyDown(event);
+    pressedByKey_ = true;
+    setHighlighted(true);
+}
+
+void NSButton::keyUp(const NSEvent& event) {
+    if (!pressesButtons(event) || !std::exchange(pressedByKey_, false)) return Super::keyUp(event);
+    setHighlighted(false);
+    performClick();
+}
+
+bool NSButton::resignFirstResponder() {
+    if (std::exchange(pressedByKey_, false)) setHighlighted(false);
+    return Super::resignFirstResponder();
+}
+
+bool NSButton::performKeyEquivalent(const NSEvent& event) {
+    if (!default_ || event.characters != "\r" || !isEnabled()) return Super::performKeyEquivalent(event);
+    if (!event.isARepeat) performClick();
+    return true;
+}
+
+bool NSButton::showsFocus() const {
+    const auto in = window();
+    return in && in->showsFocus() && in->firstResponder().get() == this;
+}
+
 }  // namespace kx

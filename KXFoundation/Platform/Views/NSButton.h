@@ -12,7 +12,7 @@ namespace kx {
 class NSImage;
 
 /// A push button with a title, a picture before it, or both. A click that ends over the button sends its
-/// action.
+/// action; so does Space or Enter, when let go, while the button has the keys.
 class KX_EXPORT NSButton : public Subclass<NSButton, NSControl> {
   public:
     /// Runs the exchangeable "initWithFrame:".
@@ -41,6 +41,12 @@ class KX_EXPORT NSButton : public Subclass<NSButton, NSControl> {
     void mouseDown(const NSEvent& event) override;
     void mouseDragged(const NSEvent& event) override;
     void mouseUp(const NSEvent& event) override;
+    [[nodiscard]] bool acceptsFirstResponder() const override { return isEnabled(); }
+    bool resignFirstResponder() override;
+    void keyDown(const NSEvent& event) override;
+    void keyUp(const NSEvent& event) override;
+    /// Enter, for the default button.
+    bool performKeyEquivalent(const NSEvent& event) override;
     [[nodiscard]] NSSize intrinsicContentSize() const override;
     void drawRect(GraphicsContext& context, NSRect dirtyRect) override;
 
@@ -59,11 +65,13 @@ class KX_EXPORT NSButton : public Subclass<NSButton, NSControl> {
     void drawBackground(GraphicsContext& context) const;
     void drawContent(GraphicsContext& context) const;
     [[nodiscard]] bool isUnder(const NSEvent& event);
+    [[nodiscard]] bool showsFocus() const;
 
     std::string title_;
     std::shared_ptr<NSImage> image_;
     bool default_ = false;
-    bool tracking_ = false;
+    bool tracking_ = false;  // by the mouse
+    bool pressedByKey_ = false;
 };
 
 }  // namespace kx

@@ -24,6 +24,7 @@ struct NSEvent {
     NSPoint locationInWindow{};  ///< in the content view's coordinates
     NSEventModifierFlags modifierFlags = NSEventModifierFlags::None;
     int clickCount = 0;        ///< 1 for a click, 2 for a double click
+    bool isARepeat = false;    ///< of KeyDown: the key is held
     std::string characters{};  ///< what the key types; "\r", "\t" and " " for Enter, Tab and Space
 };
 

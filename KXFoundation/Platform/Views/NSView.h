@@ -73,6 +73,9 @@ class KX_EXPORT NSView : public Subclass<NSView, NSResponder> {
 
     /// The foremost visible view under the point, which is in the superview's coordinates; none if it misses.
     [[nodiscard]] virtual std::shared_ptr<NSView> hitTest(NSPoint point);
+    /// Offers a key that the first responder did not want to the view and, while they decline it, to its
+    /// subviews. True if one of them took it.
+    virtual bool performKeyEquivalent(const NSEvent& event);
     /// From the coordinates of `view` to the receiver's; absent stands for the window's.
     [[nodiscard]] NSPoint convertPointFromView(NSPoint point, const NSView* view) const noexcept;
     /// From the receiver's coordinates to those of `view`; absent stands for the window's.

@@ -115,9 +115,7 @@ void NSWindow::surfaceDid(const SurfaceEvent& event) {
                    [&](SurfaceExposed) { setNeedsDisplay(bounds()); },
                    [&](SurfaceCloseRequested) { close(); },
                    [&](SurfaceFocusChanged change) {
-                       const auto application = NSApplication::sharedApplication();
-                       if (change.focused) application->makeKey(self());
-                       application->focusChanged(change.focused);
+                       NSApplication::sharedApplication()->focusChanged(self(), change.focused);
                    },
                },
                event);
@@ -152,11 +150,9 @@ void NSWindow::sendEvent(const NSEvent& event) {
             }
             return;
         case NSEventType::KeyDown:
-            if (const auto responder = firstResponder()) responder->keyDown(event);
-            return;
+            return sendKey(&NSResponder::keyDown, event);
         case NSEventType::KeyUp:
-            if (const auto responder = firstResponder()) responder->keyUp(event);
-            return;
+            return sendKey(&NSResponder::keyUp, event);
     }
 }
 
@@ -165,18 +161,9 @@ std::shared_ptr<NSView> NSWindow::viewFor(const NSEvent& event) {
     const auto content = contentView_;
     auto view = content ? content->hitTest(event.locationInWindow) : nullptr;
     mouseTarget_ = view;
+    showFocus(false);
     if (view && view->acceptsFirstResponder()) makeFirstResponder(view);
     return view;
-}
-
-bool NSWindow::makeFirstResponder(const std::shared_ptr<NSResponder>& given) {
-    const auto responder = given;
-    const auto former = firstResponder();
-    if (responder == former) return true;
-    if (former && !former->resignFirstResponder()) return false;
-    if (responder && !responder->becomeFirstResponder()) return false;
-    firstResponder_ = responder;
-    return true;
 }
 
 std::string NSWindow::description() const {

@@ -62,10 +62,19 @@ class KX_EXPORT NSWindow : public Subclass<NSWindow, NSResponder> {
     /// Finds the view that the event is for and calls it. A drag and its end go to the view that got the
     /// mouse down.
     virtual void sendEvent(const NSEvent& event);
-    /// Where keys go first; the window itself if there is none.
-    [[nodiscard]] std::shared_ptr<NSResponder> firstResponder() const { return firstResponder_.lock(); }
+    /// Where keys go first; the window itself if there is none. A view that has left the window is none.
+    [[nodiscard]] std::shared_ptr<NSResponder> firstResponder() const;
     /// False, and nothing changed, if the present one or the new one refuses.
     bool makeFirstResponder(const std::shared_ptr<NSResponder>& responder);
+    /// Gives the keys to the next view in the tree's order that takes them, the first one after the last; Tab
+    /// and Shift-Tab do so.
+    void selectNextKeyView() { selectKeyView(1); }
+    void selectPreviousKeyView() { selectKeyView(-1); }
+    /// Whether the first responder shows that it has the keys: once the user has moved them there by
+    /// keyboard.
+    [[nodiscard]] bool showsFocus() const noexcept { return showsFocus_; }
+    /// Tab, Shift-Tab, then what the views take as their key equivalent.
+    void keyDown(const NSEvent& event) override;
 
     // Drawing
 
@@ -92,6 +101,9 @@ class KX_EXPORT NSWindow : public Subclass<NSWindow, NSResponder> {
     [[nodiscard]] bool prepareBacking();
     void redraw(const PixelRect& pixels);
     [[nodiscard]] std::shared_ptr<NSView> viewFor(const NSEvent& event);
+    void sendKey(void (NSResponder::*handler)(const NSEvent&), const NSEvent& event);
+    void selectKeyView(int step);
+    void showFocus(bool shown);
 
     NSRect frame_ = kDefaultFrame;
     std::string title_;
@@ -102,6 +114,7 @@ class KX_EXPORT NSWindow : public Subclass<NSWindow, NSResponder> {
     InvalidRegion invalid_;
     std::weak_ptr<NSView> mouseTarget_;
     std::weak_ptr<NSResponder> firstResponder_;
+    bool showsFocus_ = false;
 };
 
 }  // namespace kx

@@ -12,13 +12,17 @@ namespace kx {
 
 class NativeSurface final : public WindowSurface {
   public:
-    NativeSurface(NativeWindowSystem& system, std::uint32_t window, WindowSystem::Handler handler)
-        : system_(system), module_(*system.module_), window_(window), handler_(std::move(handler)) {
-        system_.surfaces_.emplace(window_, this);
+    NativeSurface(std::shared_ptr<NativeWindowSystem> system, std::uint32_t window,
+                  WindowSystem::Handler handler)
+        : system_(std::move(system)),
+          module_(*system_->module_),
+          window_(window),
+          handler_(std::move(handler)) {
+        system_->surfaces_.emplace(window_, this);
         takeSize();
     }
     ~NativeSurface() override {
-        system_.surfaces_.erase(window_);
+        system_->surfaces_.erase(window_);
         module_.destroyWindow(window_);
     }
 
@@ -51,7 +55,7 @@ class NativeSurface final : public WindowSurface {
     void tookMouse(NSEventType type, const WindowModuleEvent& event);
     void tookKey(NSEventType type, const WindowModuleEvent& event);
 
-    NativeWindowSystem& system_;
+    const std::shared_ptr<NativeWindowSystem> system_;
     const WindowModule& module_;
     const std::uint32_t window_;
     NSSize size_;
@@ -72,8 +76,10 @@ NSEventModifierFlags modifiersOf(const WindowModuleEvent& event) {
 
 /// What a key types by itself; the characters of all others arrive as Text. Cursor keys and their like type
 /// nothing.
-std::string charactersOf(std::uint32_t key) {
+std::string charactersOf(std::uint32_t key, NSEventType type) {
     switch (static_cast<WindowKey>(key)) {
+        case WindowKey::Space:  // going down it arrives as Text
+            return type == NSEventType::KeyUp ? " " : "";
         case WindowKey::Backspace:
         case WindowKey::Tab:
         case WindowKey::Return:
@@ -97,10 +103,13 @@ void NativeSurface::tookMouse(NSEventType type, const WindowModuleEvent& event) 
 }
 
 void NativeSurface::tookKey(NSEventType type, const WindowModuleEvent& event) {
-    std::string characters = charactersOf(event.key);
+    std::string characters = charactersOf(event.key, type);
     if (characters.empty()) return;
     const auto handler = handler_;
-    handler(NSEvent{.type = type, .modifierFlags = modifiersOf(event), .characters = std::move(characters)});
+    handler(NSEvent{.type = type,
+                    .modifierFlags = modifiersOf(event),
+                    .isARepeat = event.isRepeat,
+                    .characters = std::move(characters)});
 }
 
 void NativeSurface::took(const WindowModuleEvent& event) {
@@ -140,21 +149,21 @@ void NativeSurface::took(const WindowModuleEvent& event) {
 }
 
 NativeWindowSystem::~NativeWindowSystem() {
-    if (!module_) return;
+    if (!listens_) return;
     EventLoop::main().removeBeforeWait(beforeWait_);
     if (const int descriptor = module_->descriptor(); descriptor >= 0)
         EventLoop::main().removeDescriptor(descriptor);
 }
 
-bool NativeWindowSystem::open() {
-    if (std::exchange(tried_, true)) return module_ != nullptr;
+void NativeWindowSystem::find() {
     const auto table = openModule("sdl");
-    if (!table) return false;
-    module_ = static_cast<const WindowModule*>(*table);
-    if (module_->version != WindowModule::kVersion) {
-        module_ = nullptr;
-        return false;
-    }
+    if (table) module_ = static_cast<const WindowModule*>(*table);
+    if (module_ && module_->version != WindowModule::kVersion) module_ = nullptr;
+}
+
+bool NativeWindowSystem::open() {
+    if (!std::exchange(tried_, true) && !module_) find();
+    if (!module_ || std::exchange(listens_, true)) return module_ != nullptr;
     // The display's connection reads ahead: what it has read makes its descriptor readable no more.
     beforeWait_ = EventLoop::main().addBeforeWait([this] { takeEvents(); });
     if (const int descriptor = module_->descriptor(); descriptor >= 0) {
@@ -167,7 +176,7 @@ std::shared_ptr<WindowSurface> NativeWindowSystem::makeSurface(NSRect frame, Han
     if (!open()) return nullptr;
     const std::uint32_t window = module_->createWindow("", frame.size.width, frame.size.height);
     if (window == 0) return nullptr;
-    return std::make_shared<NativeSurface>(*this, window, std::move(handler));
+    return std::make_shared<NativeSurface>(shared_from_this(), window, std::move(handler));
 }
 
 void NativeWindowSystem::takeEvents() {
@@ -196,7 +205,7 @@ void NativeWindowSystem::closeAll() {
         close.type = WindowEventType::CloseRequested;
         const std::uint32_t window = surfaces_.begin()->first;
         surfaces_.begin()->second->took(close);
-        if (surfaces_.contains(window)) return;  // it wants to stay
+        if (surfaces_.contains(window)) return;  // its owner keeps it open
     }
 }
 

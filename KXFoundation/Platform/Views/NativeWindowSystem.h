@@ -13,8 +13,12 @@ class NativeSurface;
 
 /// Windows on the desktop's display, X11 or Wayland, through the window module. The module is opened for the
 /// first window; events arrive through the main thread's EventLoop. Main thread.
-class KX_EXPORT NativeWindowSystem final : public WindowSystem {
+class KX_EXPORT NativeWindowSystem final : public WindowSystem,
+                                           public std::enable_shared_from_this<NativeWindowSystem> {
   public:
+    NativeWindowSystem() = default;
+    /// Over that module instead of the one beside the library.
+    explicit NativeWindowSystem(const WindowModule& module) : module_(&module) {}
     ~NativeWindowSystem() override;
 
     /// None, and one log line from the module, if there is no display.
@@ -24,12 +28,14 @@ class KX_EXPORT NativeWindowSystem final : public WindowSystem {
     friend class NativeSurface;
 
     [[nodiscard]] bool open();
+    void find();
     void takeEvents();
     void dispatch(const WindowModuleEvent& event);
     void closeAll();
 
     const WindowModule* module_ = nullptr;
-    bool tried_ = false;
+    bool tried_ = false;  // to open the module
+    bool listens_ = false;
     int beforeWait_ = 0;
     std::map<std::uint32_t, NativeSurface*> surfaces_;  // each takes itself out when it dies
 };

@@ -1,0 +1,78 @@
+#include <algorithm>
+#include <vector>
+
+#include <KXFoundation/Platform/Views/NSEvent.h>
+#include <KXFoundation/Platform/Views/NSView.h>
+#include <KXFoundation/Platform/Views/NSWindow.h>
+
+/// Which view of a window has the keys, and how the keyboard moves them.
+namespace kx {
+
+namespace {
+
+/// A view that has or loses the keys may look different.
+void redrawFocus(NSResponder* responder) {
+    if (auto* view = dynamic_cast<NSView*>(responder)) view->setNeedsDisplay();
+}
+
+void collectKeyViews(const std::shared_ptr<NSView>& view, std::vector<std::shared_ptr<NSView>>& found) {
+    if (view->isHidden() || view->alphaValue() <= 0) return;
+    if (view->acceptsFirstResponder()) found.push_back(view);
+    for (const auto& subview : view->subviews()) collectKeyViews(subview, found);
+}
+
+}  // namespace
+
+std::shared_ptr<NSResponder> NSWindow::firstResponder() const {
+    const auto responder = firstResponder_.lock();
+    const auto* view = dynamic_cast<const NSView*>(responder.get());
+    return view && view->window().get() != this ? nullptr : responder;
+}
+
+bool NSWindow::makeFirstResponder(const std::shared_ptr<NSResponder>& given) {
+    const auto responder = given;
+    const auto former = firstResponder();
+    if (responder == former) return true;
+    if (former && !former->resignFirstResponder()) return false;
+    if (responder && !responder->becomeFirstResponder()) return false;
+    firstResponder_ = responder;
+    redrawFocus(former.get());
+    redrawFocus(responder.get());
+    return true;
+}
+
+void NSWindow::showFocus(bool shown) {
+    if (std::exchange(showsFocus_, shown) != shown) redrawFocus(firstResponder().get());
+}
+
+void NSWindow::selectKeyView(int step) {
+    if (!contentView_) return;
+    std::vector<std::shared_ptr<NSView>> views;
+    collectKeyViews(contentView_, views);
+    if (views.empty()) return;
+    const auto count = static_cast<std::ptrdiff_t>(views.size());
+    const auto present = std::ranges::find(views, firstResponder()) - views.begin();
+    const std::ptrdiff_t next =
+        present == count ? (step > 0 ? 0 : count - 1) : (present + step + count) % count;
+    makeFirstResponder(views[static_cast<std::size_t>(next)]);
+    showFocus(true);
+}
+
+void NSWindow::sendKey(void (NSResponder::*handler)(const NSEvent&), const NSEvent& event) {
+    const auto responder = firstResponder();
+    ((responder ? *responder : *this).*handler)(event);
+}
+
+void NSWindow::keyDown(const NSEvent& event) {
+    if (event.characters == "\t")
+        return selectKeyView(contains(event.modifierFlags, NSEventModifierFlags::Shift) ? -1 : 1);
+    if (const auto content = contentView_) content->performKeyEquivalent(event);
+}
+
+bool NSView::performKeyEquivalent(const NSEvent& event) {
+    const auto views = subviews_;
+    return std::ranges::any_of(
+        views, [&](const auto& view) { return view->isSeen() && view->performKeyEquivalent(event); });
+}
+
+}  // namespace kx
