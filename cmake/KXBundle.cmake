@@ -1,8 +1,8 @@
-# kx_bundle(<target> <directory>): the directory is the program's bundle (Info.plist, <code>.lproj/, pictures).
+# kx_bundle(<target> <directory> [NO_INSTALL]): the directory is the program's bundle (Info.plist, <code>.lproj/, pictures).
 #
 # In the build tree it is copied to where the program looks for it: `Resources/` beside the program or, where programs
 # share a `bin/` folder, `../share/<program>/` as after installation. The copy follows the directory: a changed, new or
-# removed file renews it. At installation it goes to <datadir>/<program>/.
+# removed file renews it. At installation it goes to <datadir>/<program>/, unless NO_INSTALL is given.
 function(kx_bundle target directory)
   include(GNUInstallDirs)
   get_filename_component(directory ${directory} ABSOLUTE)
@@ -28,5 +28,7 @@ function(kx_bundle target directory)
     COMMENT "Bundle of ${target}")
   add_custom_target(${target}_bundle DEPENDS ${stamp})
   add_dependencies(${target} ${target}_bundle)
-  install(DIRECTORY ${directory}/ DESTINATION ${CMAKE_INSTALL_DATADIR}/${target})
+  if(NOT "NO_INSTALL" IN_LIST ARGN)
+    install(DIRECTORY ${directory}/ DESTINATION ${CMAKE_INSTALL_DATADIR}/${target})
+  endif()
 endfunction()

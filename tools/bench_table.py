@@ -1,10 +1,10 @@
 #!/usr/bin/env python3
-"""bench_table.py BOUNDS [--json OUT] RESULT.json...: medians of Google Benchmark results and their ratios to the peers.
+"""bench_table.py BOUNDS [--json OUT] [--all] RESULT.json...: medians of Google Benchmark results, their ratios to peers.
 
 Prints a row per workload and contender: the median, our time over the contender's, and where BOUNDS has a line for the
-pair, the bound and whether it holds. Exits 1 if one does not hold. --json writes all results as one file of Google
-Benchmark's own form. Work on one thread is judged by processor time, which leaves out what other programs took; work on
-several threads, in other processes or on the disk by wall time per operation.
+pair, the bound and whether it holds. Exits 1 if one does not hold or, with --all, was not looked at. --json writes all
+results as one file of Google Benchmark's own form. Work on one thread is judged by processor time, which leaves out
+what other programs took; work on several threads, in other processes or on the disk by wall time per operation.
 """
 import argparse
 import json
@@ -59,24 +59,34 @@ def table(found, bounds):
     return rows, holds
 
 
+def not_run(found, bounds):
+    """The pairs that have a bound and no ratio."""
+    return sorted(pair for pair in bounds if not {"kx", pair[1]} <= set(found.get(pair[0], {})))
+
+
 def main():
     arguments = argparse.ArgumentParser(description=__doc__.splitlines()[0])
     arguments.add_argument("bounds", type=pathlib.Path)
     arguments.add_argument("results", type=pathlib.Path, nargs="+")
     arguments.add_argument("--json", type=pathlib.Path)
+    arguments.add_argument("--all", action="store_true", help="every bound must have been looked at")
     given = arguments.parse_args()
     results = [json.loads(path.read_text(encoding="utf-8")) for path in given.results]
     benchmarks = [run for result in results for run in result["benchmarks"]]
     if given.json:
         whole = {"context": results[0]["context"], "benchmarks": benchmarks}
         given.json.write_text(json.dumps(whole, indent=2), encoding="utf-8")
-    rows, holds = table(medians(benchmarks), read_bounds(given.bounds.read_text(encoding="utf-8")))
+    found, bounds = medians(benchmarks), read_bounds(given.bounds.read_text(encoding="utf-8"))
+    rows, holds = table(found, bounds)
     widths = [max(len(row[column]) for row in rows) for column in range(len(rows[0]))]
     for row in rows:
         cells = [cell.ljust(width) if column < 2 else cell.rjust(width)
                  for column, (cell, width) in enumerate(zip(row, widths))]
         print("  ".join(cells).rstrip())
-    return 0 if holds else 1
+    missing = not_run(found, bounds) if given.all else []
+    for workload, who in missing:
+        print(f"{workload} was not compared with {who}")
+    return 0 if holds and not missing else 1
 
 
 if __name__ == "__main__":

@@ -47,7 +47,19 @@ no_folder_is_named() {
     ! grep -rIl -e "$scratch" -e "$build" "$scratch/moved-there" || { echo "these files name a build folder"; exit 1; }
 }
 
+# Each shared library carries its major version, and the modules lie where it looks for them.
+names_are_right() {
+    local library name
+    find "$scratch/moved-there" -name 'libKXFoundation*.so' | while read -r library; do
+        name=$(readelf -d "$library" | sed -n 's/.*SONAME.*\[\(.*\)\]/\1/p')
+        [ "$name" = "$(basename "$library").${version%%.*}" ] || { echo "$library is named $name"; exit 1; }
+        [ -e "$(dirname "$library")/$name" ] || { echo "$name is not installed"; exit 1; }
+    done
+    [ -n "$(find "$scratch/moved-there" -path '*/KXFoundation/kx-desktop.so')" ] || { echo "a module is missing"; exit 1; }
+}
+
 installed
+names_are_right
 no_folder_is_named
 through_cmake
 through_pkg_config
