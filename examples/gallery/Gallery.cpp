@@ -30,6 +30,19 @@ class Area : public Subclass<Area, NSView> {
     std::shared_ptr<NSColor> color_;
 };
 
+void collectKeyViews(const NSView& view, std::vector<std::shared_ptr<NSView>>& found) {
+    for (const auto& subview : view.subviews()) {
+        if (subview->acceptsFirstResponder()) found.push_back(subview);
+        collectKeyViews(*subview, found);
+    }
+}
+
+std::vector<std::shared_ptr<NSView>> keyViews(const NSView& root) {
+    std::vector<std::shared_ptr<NSView>> found;
+    collectKeyViews(root, found);
+    return found;
+}
+
 }  // namespace
 
 /// The content view. What it holds is made by its layout, so that a new size, language or page take the same
@@ -65,11 +78,17 @@ void Gallery::rebuild() {
     root_->setNeedsDisplay();
 }
 
+/// The view that has the keys is one of those made anew: its successor in the tree's order gets them.
 void Gallery::build(NSView& root) {
     window_->setTitle(text("app.title"));
+    const auto before = keyViews(root);
+    const auto focused = std::ranges::find(before, window_->firstResponder()) - before.begin();
+    const bool hadFocus = focused != std::ssize(before);
     while (!root.subviews().empty()) root.subviews().back()->removeFromSuperview();
     addSideList(root);
     addPage(root);
+    const auto after = keyViews(root);
+    if (hadFocus && focused < std::ssize(after)) window_->makeFirstResponder(after[std::size_t(focused)]);
 }
 
 void Gallery::addSideList(NSView& root) {

@@ -63,11 +63,11 @@ bool drawPage(Gallery& gallery, std::string_view name, const std::string& direct
 
 }  // namespace
 
-int drawPages(const std::string& directory, const std::string& page) {
+int drawPages(const std::string& directory, const std::string& page, double scale) {
     std::error_code error;
     std::filesystem::create_directories(directory, error);
     const TemporarySettings settings;
-    WindowSystem::slot().replace(std::make_shared<OffscreenWindowSystem>(2));
+    WindowSystem::slot().replace(std::make_shared<OffscreenWindowSystem>(scale));
     Gallery gallery;
     gallery.window()->makeKeyAndOrderFront();
     bool drawn = false;

@@ -1,4 +1,6 @@
+#include <algorithm>
 #include <cstdio>
+#include <cstdlib>
 #include <string>
 #include <string_view>
 
@@ -10,7 +12,7 @@
 namespace {
 
 int usage() {
-    std::fputs("usage: gallery [--headless DIRECTORY] [--page NAME]\n", stderr);
+    std::fputs("usage: gallery [--headless DIRECTORY [--scale NUMBER]] [--page NAME]\n", stderr);
     return 2;
 }
 
@@ -35,6 +37,7 @@ int runInWindow(const std::string& page) {
 int main(int argc, char** argv) {
     std::string directory;
     std::string page;
+    double scale = 2;
     for (int i = 1; i < argc; ++i) {
         const std::string_view option = argv[i];
         if (i + 1 == argc) return usage();
@@ -42,9 +45,11 @@ int main(int argc, char** argv) {
             directory = argv[++i];
         } else if (option == "--page") {
             page = argv[++i];
+        } else if (option == "--scale") {
+            scale = std::clamp(std::atof(argv[++i]), 0.5, 4.0);
         } else {
             return usage();
         }
     }
-    return directory.empty() ? runInWindow(page) : gallery::drawPages(directory, page);
+    return directory.empty() ? runInWindow(page) : gallery::drawPages(directory, page, scale);
 }

@@ -23,17 +23,17 @@ constinit ProcessState<MainBundle> mainState;
 
 /// The folder named by the application, else the first place of the two that is there, else the first of
 /// them.
-std::shared_ptr<const ResourceFolder> mainFolder(std::string named) {
+std::shared_ptr<const ResourceFolder> mainFolder(const std::string& named) {
     const std::string program = Environment::slot().current().programPath();
     const std::string beside = directoryOf(program) + "/Resources";
     const std::string shared = directoryOf(program) + "/../share/" + programName();
-    std::string first = named.empty() ? beside : std::move(named);
+    const std::string& first = named.empty() ? beside : named;
     if (auto folder = ResourceFolder::over(first)) return folder;
     if (first == beside) {
         if (auto folder = ResourceFolder::over(shared)) return folder;
     }
     if (first != beside) log(LogLevel::Warning, "there is no bundle at " + first);
-    return std::make_shared<const ResourceFolder>(std::move(first));
+    return std::make_shared<const ResourceFolder>(first);
 }
 
 }  // namespace
@@ -44,8 +44,8 @@ bool NSBundle::init(std::optional<std::string_view> path) {
     return folder_ != nullptr;
 }
 
-bool NSBundle::initAsMain(std::string named) {
-    folder_ = mainFolder(std::move(named));
+bool NSBundle::initAsMain(const std::string& named) {
+    folder_ = mainFolder(named);
     isMain_ = true;
     return Super::init();
 }
@@ -55,7 +55,7 @@ std::shared_ptr<NSBundle> NSBundle::mainBundle() {
     std::call_once(state.made, [&state] {
         const std::lock_guard lock(state.mutex);
         auto bundle = allocateObject<NSBundle>(classObject());
-        bundle->initAsMain(std::move(state.path));
+        bundle->initAsMain(state.path);
         state.bundle = std::move(bundle);
     });
     return state.bundle;

@@ -54,7 +54,7 @@ class KX_EXPORT NSBundle : public Subclass<NSBundle, NSObject> {
                                                          std::optional<std::string_view> table = {}) const;
 
   private:
-    bool initAsMain(std::string named);
+    bool initAsMain(const std::string& named);
 
     std::shared_ptr<const ResourceFolder> folder_;
     bool isMain_ = false;

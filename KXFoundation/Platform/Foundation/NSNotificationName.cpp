@@ -40,7 +40,7 @@ class NameTable {
         if (const Interned* found = find(text, hash)) return *found;
         const MutexLock lock(mutex_);
         if (const Interned* found = find(text, hash)) return *found;
-        if (2 * (count_ + 1) > slots_.load(std::memory_order_relaxed)->mask + 1) grow();
+        if (2 * (std::size_t{count_} + 1) > slots_.load(std::memory_order_relaxed)->mask + 1) grow();
         const auto* record = new Interned{*new std::string(text), hash, count_++};
         insert(*slots_.load(std::memory_order_relaxed), record);
         return *record;

@@ -153,7 +153,7 @@ void ObserverTable::setList(std::uint32_t name, List& list, Garbage& garbage) {
     Directory* directory = directory_.load(std::memory_order_relaxed);
     if (!directory || name >= directory->size) {
         Directory* former = directory;
-        directory = new Directory(std::max<std::size_t>(16, 2 * (name + 1)));
+        directory = new Directory(std::max<std::size_t>(16, 2 * (std::size_t{name} + 1)));
         for (std::uint32_t i = 0; former && i < former->size; ++i) directory->lists[i] = former->list(i);
         directory_.store(directory, std::memory_order_release);
         if (former) garbage.push_back(former);

@@ -11,7 +11,8 @@ namespace {
 class ProcessEnvironment final : public Environment {
   public:
     std::optional<std::string> variable(const std::string& name) const override {
-        const char* value = std::getenv(name.c_str());
+        // Safe as long as nobody changes the environment meanwhile, which this library never does.
+        const char* value = std::getenv(name.c_str());  // NOLINT(concurrency-mt-unsafe)
         if (!value || !*value) return std::nullopt;
         return value;
     }

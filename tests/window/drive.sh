@@ -1,0 +1,87 @@
+#!/usr/bin/env bash
+# drive.sh GALLERY SCRATCH: uses the gallery's real window on an X server of its own, by mouse and keyboard, and compares
+# what stands on the screen with the off-screen drawing of the same page: every pixel must be the same.
+set -euo pipefail
+gallery=$1 scratch=$2
+rm -rf "$scratch"
+mkdir -p "$scratch/config"
+export XDG_CONFIG_HOME=$scratch/config LC_ALL=C.UTF-8
+unset WAYLAND_DISPLAY
+
+started() {
+    exec 3<>"$scratch/number" || exit 1
+    Xvfb -displayfd 3 -screen 0 1280x1024x24 -nolisten tcp 2>"$scratch/xvfb.log" &
+    server=$!
+    trap 'kill $program $server 2>/dev/null || true' EXIT
+    program=
+    local number
+    for _ in $(seq 100); do
+        number=$(cat "$scratch/number")
+        [ -z "$number" ] || break
+        sleep 0.1
+    done
+    export DISPLAY=:$number
+    "$gallery" --page language &
+    program=$!
+    window=$(timeout 20 xdotool search --sync --onlyvisible --pid $program | tail -1)
+    xdotool windowfocus --sync "$window"
+}
+
+click() { xdotool mousemove --window "$window" "$1" "$2" click 1; }
+keys() { xdotool key --window "$window" "$@"; }
+
+# differs PICTURE: the number of pixels in which the window is not the picture.
+differs() {
+    import -window "$window" "$scratch/seen.png"
+    compare -metric AE "$scratch/seen.png" "$1" null: 2>&1 || true
+}
+
+# looks_like WHAT PICTURE: waits for it, as drawing takes its time.
+looks_like() {
+    local count
+    for _ in $(seq 50); do
+        count=$(differs "$2")
+        if [ "$count" = 0 ]; then
+            echo "same pixels: $1"
+            return
+        fi
+        sleep 0.1
+    done
+    cp "$scratch/seen.png" "$scratch/failed.png"
+    echo "$1: $count pixels differ from $2 (seen: $scratch/failed.png)"
+    exit 1
+}
+
+is_still() {
+    local before after
+    before=$(switches)
+    sleep 3
+    after=$(switches)
+    [ "$before" = "$after" ] || { echo "a still window woke $((after - before)) times"; exit 1; }
+    echo "no turn in 3 seconds"
+}
+switches() { awk '/ctxt_switches/ {sum += $2} END {print sum}' /proc/$program/status; }
+
+"$gallery" --headless "$scratch/pictures" --scale 1 >/dev/null
+started
+click 736 145
+looks_like "English, by a click" "$scratch/pictures/language-en.png"
+click 443 145
+looks_like "Arabic, by a click" "$scratch/pictures/language-ar.png"
+click 390 130  # German, in the mirrored row
+looks_like "German, by a click" "$scratch/pictures/language-de.png"
+
+# The keys go on from what was clicked last, the third language behind the side list: back to the list's third page.
+pages=$(ls "$scratch"/pictures/*-de.png | wc -l)
+for _ in $(seq "$pages"); do keys shift+Tab; done
+[ "$(differs "$scratch/pictures/language-de.png")" != 0 ] || { echo "where the keys go does not show"; exit 1; }
+keys space
+click 190 700  # nothing stands there; the mark of the keys goes
+looks_like "the third page, by keys" "$scratch/pictures/application-de.png"
+is_still
+
+xdotool windowsize --sync "$window" 800 600
+[ "$(import -window "$window" png:- | identify -format %wx%h -)" = 800x600 ] || { echo "the window kept its size"; exit 1; }
+keys --clearmodifiers Tab
+kill -0 $program || { echo "the gallery ended"; exit 1; }
+echo "the window works as the pictures say"
