@@ -23,7 +23,7 @@ std::string modulePath(const char* name) {
     if (!::dladdr(reinterpret_cast<const void*>(&openModule), &self) || !self.dli_fname) return {};
     // A program found through PATH knows only its name: then nothing beside it is looked at.
     if (self.dli_fname[0] != '/') return std::string(KX_MODULE_DIRECTORY "/kx-") + name + ".so";
-    const std::string beside = directoryOf(self.dli_fname) + "/KXFoundation/kx-" + name + ".so";
+    std::string beside = directoryOf(self.dli_fname) + "/KXFoundation/kx-" + name + ".so";
     // A static library has no place of its own: then the installed modules serve.
     if (::access(beside.c_str(), F_OK) != 0) return std::string(KX_MODULE_DIRECTORY "/kx-") + name + ".so";
     return beside;
@@ -34,7 +34,7 @@ Result<const void*> load(const char* name) {
     if (::access(path.c_str(), R_OK) != 0) return Error::fromErrno(errno, path);
     void* library = ::dlopen(path.c_str(), RTLD_NOW | RTLD_LOCAL);
     if (!library) {
-        const char* why = ::dlerror();
+        const char* why = ::dlerror();  // NOLINT(concurrency-mt-unsafe): the thread's own in every libc
         return Error{ErrorKind::Failed, 0, why ? why : path};
     }
     const auto entry = reinterpret_cast<ModuleEntry>(::dlsym(library, "kxModule"));
@@ -50,7 +50,7 @@ Result<const void*> openModule(const char* name) {
     static auto& opened = *new std::map<std::string, Result<const void*>, std::less<>>;
     std::unique_lock lock(mutex);
     if (const auto found = opened.find(name); found != opened.end()) return found->second;
-    const Result<const void*> result = opened.emplace(name, load(name)).first->second;
+    Result<const void*> result = opened.emplace(name, load(name)).first->second;
     lock.unlock();
     if (!result && result.error().kind != ErrorKind::Unsupported) logError("module", result.error());
     return result;

@@ -36,7 +36,9 @@ static_assert(sizeof(Value) == 16);
 Value::Value(std::string_view text) : Value(Type::String, new StringPayload(std::string(text))) {}
 Value::Value(std::string&& text) : Value(Type::String, new StringPayload(std::move(text))) {}
 Value::Value(std::shared_ptr<NSObject> object) {
-    if (object) *this = Value(Type::Object, new ObjectPayload(std::move(object)));
+    if (!object) return;
+    type_ = Type::Object;
+    bits_.payload = new ObjectPayload(std::move(object));
 }
 
 Value Value::date(double secondsSince2001) noexcept {
