@@ -7,7 +7,7 @@
 namespace kx {
 
 /// Whether the text is UTF-8 from its first byte to its last: no overlong form, no surrogate, nothing beyond
-/// U+10FFFF, nothing cut off. Four bytes a nanosecond and more where the processor has SSSE3. Private to
+/// U+10FFFF, nothing cut off. Four bytes a nanosecond and more where the processor has AVX2. Private to
 /// Foundation.
 [[nodiscard]] KX_EXPORT bool isUtf8(std::string_view text) noexcept;
 
