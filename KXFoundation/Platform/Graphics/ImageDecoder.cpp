@@ -1,12 +1,17 @@
+#include <KXFoundation/Platform/Graphics/GIF/GIFImage.h>
 #include <KXFoundation/Platform/Graphics/ImageDecoder.h>
+#include <KXFoundation/Platform/Graphics/JpegCodec.h>
 #include <KXFoundation/Platform/Graphics/PngCodec.h>
+#include <KXFoundation/Platform/Graphics/TiffCodec.h>
+#include <KXFoundation/Platform/Graphics/WebpCodec.h>
 
 namespace kx {
 
 namespace {
 
 constexpr ImageFormat kFormats[] = {
-    {"PNG", sniffPng, decodePng},
+    {"GIF", sniffGif, decodeGif},    {"JPEG", sniffJpeg, decodeJpeg}, {"PNG", sniffPng, decodePng},
+    {"TIFF", sniffTiff, decodeTiff}, {"WebP", sniffWebp, decodeWebp},
 };
 
 }  // namespace

@@ -4,6 +4,7 @@
 
 #include <png.h>
 
+#include <KXFoundation/Platform/Graphics/PixelAlpha.h>
 #include <KXFoundation/Platform/Graphics/PngCodec.h>
 
 namespace kx {
@@ -21,25 +22,6 @@ struct PngImage : png_image {
     PngImage(const PngImage&) = delete;
     PngImage& operator=(const PngImage&) = delete;
 };
-
-constexpr std::uint32_t channel(std::uint32_t pixel, int shift) {
-    return pixel >> shift & 255;
-}
-
-std::uint32_t premultiplied(std::uint32_t pixel) {
-    const std::uint32_t alpha = channel(pixel, 24);
-    const auto times = [&](int shift) { return (channel(pixel, shift) * alpha + 127) / 255 << shift; };
-    return alpha == 255 ? pixel : alpha << 24 | times(16) | times(8) | times(0);
-}
-
-std::uint32_t straight(std::uint32_t pixel) {
-    const std::uint32_t alpha = channel(pixel, 24);
-    if (alpha == 0) return 0;
-    const auto over = [&](int shift) {
-        return std::min<std::uint32_t>((channel(pixel, shift) * 255 + alpha / 2) / alpha, 255) << shift;
-    };
-    return alpha == 255 ? pixel : alpha << 24 | over(16) | over(8) | over(0);
-}
 
 }  // namespace
 

@@ -22,8 +22,8 @@ struct NSCollectionViewFlowLayout::Grid {
 
     [[nodiscard]] NSRect frame(std::size_t index) const {
         const auto column = static_cast<double>(index % columns);
-        const auto row = static_cast<double>(index / columns);
-        return {{left + column * columnStep, top + row * rowStep}, item};
+        const std::size_t row = index / columns;
+        return {{left + column * columnStep, top + static_cast<double>(row) * rowStep}, item};
     }
 };
 

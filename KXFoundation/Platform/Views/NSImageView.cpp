@@ -33,7 +33,7 @@ NSSize shownSize(NSSize image, NSSize room, NSImageScaling scaling) {
 }  // namespace
 
 std::shared_ptr<NSImageView> NSImageView::imageViewWithImage(std::shared_ptr<NSImage> image) {
-    const auto view = make<NSImageView>(image ? NSRect({}, image->size()) : NSRect());
+    auto view = make<NSImageView>(image ? NSRect({}, image->size()) : NSRect());
     view->setImage(std::move(image));
     return view;
 }

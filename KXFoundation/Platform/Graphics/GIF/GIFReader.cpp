@@ -183,8 +183,11 @@ GIFContents GIFReader::contents() const {
     GIFContents contents;
     for (;;) {
         Result<std::optional<GIFFrame>> frame = reader.next();
-        if (!frame) contents.problem = std::move(frame).error();
-        if (!frame || !*frame) break;
+        if (!frame) {
+            contents.problem = std::move(frame).error();
+            break;
+        }
+        if (!*frame) break;
         if (contents.frames.size() == limits_.frames) {
             contents.problem = failure(ErrorKind::TooLarge, "GIF frame count");
             break;
