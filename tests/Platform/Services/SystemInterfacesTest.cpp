@@ -130,11 +130,11 @@ bool makeNetwork(const std::string& root) {
     if (::mount("sysfs", (root + "/sys").c_str(), "sysfs", 0, nullptr) != 0) return false;
     return std::system(
                "exec 2>/dev/null; set -e; PATH=$PATH:/usr/sbin:/sbin;"
-               "ip link add br0 type bridge; ip link add wired type dummy;"
-               "ip link add radio type dummy;"
+               "ip link add br0 type bridge; ip link add wired type veth peer name far1;"
+               "ip link add radio type veth peer name far2;"
                "ip addr add 10.9.0.1/16 dev br0; ip addr add 192.168.7.200/25 dev wired;"
                "ip addr add 172.20.3.4/12 dev radio;"
-               "for i in br0 wired radio; do ip link set $i up; done;"
+               "for i in br0 wired radio far1 far2; do ip link set $i up; done;"
                "ip route add default via 172.20.0.9 dev radio metric 50;"
                "ip route add default via 192.168.7.129 dev wired metric 20") == 0;
 }
