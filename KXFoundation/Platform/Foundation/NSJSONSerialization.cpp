@@ -84,6 +84,8 @@ class ValueBuilder final : public nlohmann::json_sax<Json> {
 
 Result<Value> NSJSONSerialization::JSONObjectWithData(std::string_view text) {
     ValueBuilder builder;
+    // The parser takes a zero byte for the end of the text.
+    if (text.find('\0') != text.npos) return Error{ErrorKind::Corrupt, 0, "JSON: a zero byte"};
     if (!Json::sax_parse(text, &builder)) return builder.error();
     return builder.take();
 }
