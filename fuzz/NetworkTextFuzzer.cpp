@@ -13,10 +13,6 @@ void require(bool holds) {
     if (!holds) std::abort();
 }
 
-std::int64_t numberOf(std::string_view mac) {
-    return KXNetworkUtils::macStringToInteger(mac);
-}
-
 /// "00:11:22:AA:BB:CC": six fields of two digits.
 bool isPlain(std::string_view mac) {
     for (std::size_t at = 0; at < mac.size(); ++at) {
@@ -33,7 +29,8 @@ void checkMac(std::string_view mac) {
     const std::string back = KXNetworkUtils::formatMACInteger(number, ":");
     require(back.size() == 17);
     require(KXNetworkUtils::macStringToInteger(back) == (number & 0xFFFF'FFFF'FFFF));
-    if (isPlain(text)) require(KXNetworkUtils::formatMACInteger(numberOf(text), ":") == text);
+    if (!isPlain(text)) return;
+    require(KXNetworkUtils::formatMACInteger(KXNetworkUtils::macStringToInteger(text), ":") == text);
 }
 
 void checkAddress(std::string_view text) {

@@ -4,7 +4,7 @@ namespace kx {
 
 namespace {
 
-using Probe = Capability (*)();
+using Probe = Capability (*)(Patience);
 
 constexpr Probe kProbes[] = {
     probeDisplay, probeFonts, probeBus, probePortal, probeCurl, probeTorch, probeBiometrics,
@@ -12,9 +12,9 @@ constexpr Probe kProbes[] = {
 
 }  // namespace
 
-std::vector<Capability> capabilities() {
+std::vector<Capability> capabilities(std::chrono::milliseconds patience) {
     std::vector<Capability> answers;
-    for (const Probe probe : kProbes) answers.push_back(probe());
+    for (const Probe probe : kProbes) answers.push_back(probe(patience));
     return answers;
 }
 

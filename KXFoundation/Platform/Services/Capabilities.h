@@ -1,5 +1,6 @@
 #pragma once
 
+#include <chrono>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -16,7 +17,9 @@ struct Capability {
 };
 
 /// Tries every service that the library stands on and tells of each, in a fixed order. Opens the modules,
-/// asks the message buses and waits for them up to some seconds: not on the main thread. Changes nothing.
-[[nodiscard]] KX_EXPORT std::vector<Capability> capabilities();
+/// asks the message buses and waits up to `patience` for each answer: not on the main thread. Changes
+/// nothing.
+[[nodiscard]] KX_EXPORT std::vector<Capability> capabilities(
+    std::chrono::milliseconds patience = std::chrono::seconds(2));
 
 }  // namespace kx

@@ -1,4 +1,7 @@
 // What the message buses and the services behind them answer.
+#include <algorithm>
+#include <cstdint>
+
 #include <KXFoundation/Platform/Services/Biometrics.h>
 #include <KXFoundation/Platform/Services/BusAddress.h>
 #include <KXFoundation/Platform/Services/CapabilityProbes.h>
@@ -10,7 +13,9 @@ namespace kx {
 
 namespace {
 
-constexpr std::uint32_t kTimeoutMilliseconds = 2000;
+std::uint32_t milliseconds(Patience patience) {
+    return static_cast<std::uint32_t>(std::clamp<std::int64_t>(patience.count(), 0, 60'000));
+}
 
 constexpr const char* reasonFor(DesktopReply reply) {
     switch (reply) {
@@ -54,24 +59,24 @@ std::string otherOpener() {
 
 }  // namespace
 
-Capability probeBus() {
+Capability probeBus(Patience patience) {
     const Opener opener;
     if (!opener.table) return {"bus", false, opener.lack};
-    const DesktopReply reply = opener.table->reachBus(opener.bus.c_str(), kTimeoutMilliseconds);
+    const DesktopReply reply = opener.table->reachBus(opener.bus.c_str(), milliseconds(patience));
     return {"bus", reply == DesktopReply::Answered, opener.bus + ": " + reasonFor(reply)};
 }
 
-Capability probePortal() {
+Capability probePortal(Patience patience) {
     const Opener opener;
     if (!opener.table) return {"portal", false, opener.lack + otherOpener()};
     std::uint32_t version = 0;
     const DesktopReply reply =
-        opener.table->portalVersion(opener.bus.c_str(), kTimeoutMilliseconds, &version);
+        opener.table->portalVersion(opener.bus.c_str(), milliseconds(patience), &version);
     if (reply != DesktopReply::Answered) return {"portal", false, reasonFor(reply) + otherOpener()};
     return {"portal", true, "opens addresses, version " + std::to_string(version)};
 }
 
-Capability probeBiometrics() {
+Capability probeBiometrics(Patience) {
     const auto type = Biometrics::slot().current().type();
     if (!type) return {"biometrics", false, type.error().message()};
     const bool isThere = *type != BiometryType::None;

@@ -48,7 +48,7 @@ Capability probeX11(const std::string& display) {
 
 }  // namespace
 
-Capability probeDisplay() {
+Capability probeDisplay(Patience) {
     const Environment& environment = Environment::slot().current();
     const auto wayland = environment.variable("WAYLAND_DISPLAY");
     const auto x11 = environment.variable("DISPLAY");

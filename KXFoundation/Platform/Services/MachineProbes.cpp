@@ -43,7 +43,7 @@ std::vector<std::string> fontFolders() {
 
 }  // namespace
 
-Capability probeFonts() {
+Capability probeFonts(Patience) {
     const auto files = FileSystem::slot().shared();
     for (const std::string& folder : fontFolders()) {
         if (const auto font = fontBelow(*files, folder)) return {"fonts", true, *font + " and others"};
@@ -51,13 +51,13 @@ Capability probeFonts() {
     return {"fonts", false, "no font file in the system's folders"};
 }
 
-Capability probeCurl() {
+Capability probeCurl(Patience) {
     const HTTPModule* module = httpModule();
     if (!module) return {"curl", false, "the module for HTTPS is not installed"};
     return {"curl", true, module->description()};
 }
 
-Capability probeTorch() {
+Capability probeTorch(Patience) {
     Torch& torch = Torch::slot().current();
     const auto name = torch.name();
     if (!name) return {"torch", false, "no light is named torch or flash"};

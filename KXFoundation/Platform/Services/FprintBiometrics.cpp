@@ -1,26 +1,14 @@
-#include <atomic>
-#include <chrono>
-
 #include <KXFoundation/Platform/Runtime/Clock.h>
-#include <KXFoundation/Platform/Services/Biometrics.h>
 #include <KXFoundation/Platform/Services/BusAddress.h>
 #include <KXFoundation/Platform/Services/DesktopBiometrics.h>
 #include <KXFoundation/Platform/Services/DesktopModule.h>
+#include <KXFoundation/Platform/Services/FprintBiometrics.h>
 
 namespace kx {
 
 namespace {
 
-constexpr std::uint32_t kTimeoutMilliseconds = 400;  // a service that must be started first takes 100 to 200
 constexpr std::chrono::nanoseconds kPauseAfterTimeout = std::chrono::minutes(1);
-
-class FprintBiometrics final : public Biometrics {
-  public:
-    Result<BiometryType> type() override;
-
-  private:
-    std::atomic<std::chrono::nanoseconds> silentUntil_{std::chrono::nanoseconds::min()};
-};
 
 Error failure(DesktopReply reply) {
     switch (reply) {
@@ -34,21 +22,23 @@ Error failure(DesktopReply reply) {
     }
 }
 
+}  // namespace
+
+FprintBiometrics::FprintBiometrics(std::chrono::milliseconds patience) : patience_(patience) {}
+
 Result<BiometryType> FprintBiometrics::type() {
     const Clock& clock = Clock::slot().current();
     if (clock.now() < silentUntil_.load(std::memory_order_relaxed)) return failure(DesktopReply::TimedOut);
     const DesktopModule* module = desktopModule();
     if (!module || !module->biometrics) return Error{ErrorKind::Unsupported, 0, "fingerprint service"};
     bool hasReader = false;
-    const DesktopReply reply = module->biometrics->hasFingerprintReader(systemBusAddress().c_str(),
-                                                                        kTimeoutMilliseconds, &hasReader);
+    const DesktopReply reply = module->biometrics->hasFingerprintReader(
+        systemBusAddress().c_str(), static_cast<std::uint32_t>(patience_.count()), &hasReader);
     if (reply == DesktopReply::TimedOut)
         silentUntil_.store(clock.now() + kPauseAfterTimeout, std::memory_order_relaxed);
     if (reply != DesktopReply::Answered) return failure(reply);
     return hasReader ? BiometryType::Fingerprint : BiometryType::None;
 }
-
-}  // namespace
 
 PortSlot<Biometrics>& Biometrics::slot() {
     static constinit PortSlot<Biometrics> slot;
