@@ -1,15 +1,17 @@
 #include <KXFoundation/Platform/Runtime/Module.h>
 #include <KXFoundation/Platform/Services/DesktopModule.h>
 
+#include "DesktopServices.h"
+
 namespace kx {
 
 namespace {
 
 constexpr DesktopModule kModule{
     .version = DesktopModule::kVersion,
-    .biometrics = nullptr,
+    .biometrics = &kDesktopBiometrics,
     .clockFormat = nullptr,
-    .opener = nullptr,
+    .opener = &kDesktopOpener,
     .secrets = nullptr,
 };
 

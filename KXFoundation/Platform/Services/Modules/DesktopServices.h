@@ -1,0 +1,11 @@
+#pragma once
+
+#include <KXFoundation/Platform/Services/DesktopModule.h>
+
+/// The tables that the module hands out, each made in the file of its name.
+namespace kx {
+
+extern const DesktopBiometrics kDesktopBiometrics;
+extern const DesktopOpener kDesktopOpener;
+
+}  // namespace kx

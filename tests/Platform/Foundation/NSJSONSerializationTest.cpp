@@ -1,0 +1,52 @@
+#include <gtest/gtest.h>
+
+#include <KXFoundation/Platform/Foundation/NSJSONSerialization.h>
+
+namespace kx {
+namespace {
+
+TEST(NSJSONSerialization, ReadsEveryType) {
+    const auto value = NSJSONSerialization::JSONObjectWithData(
+        R"( {"b":[true,false,null,-1,9223372036854775807,9223372036854775808,1.5,2e3,"\u00e9\u0000"], "a":{}, "b2":[],
+             "twice":1, "twice":2} )");
+    ASSERT_TRUE(value);
+    const auto list = (*value)["b"].elements();
+    ASSERT_EQ(list.size(), 9U);
+    const Value want[] = {
+        true, false, {}, -1, INT64_MAX, 9223372036854775808.0, 1.5, 2e3, std::string_view("\u00e9\0", 3)};
+    for (std::size_t i = 0; i < list.size(); ++i) EXPECT_EQ(list[i], want[i]) << i;
+    EXPECT_EQ((*value)["a"].type(), Value::Type::Dictionary);
+    EXPECT_EQ((*value)["b2"].type(), Value::Type::Array);
+    EXPECT_EQ((*value)["twice"], Value(2));
+    EXPECT_EQ(value->members().size(), 4U);
+}
+
+TEST(NSJSONSerialization, RefusesEverythingElse) {
+    const auto nested = [](std::size_t depth) { return std::string(depth, '[') + std::string(depth, ']'); };
+    ASSERT_TRUE(NSJSONSerialization::JSONObjectWithData(nested(Value::kMaxDepth)));
+    const std::pair<std::string, ErrorKind> rows[] = {
+        {"", ErrorKind::Corrupt},
+        {"7", ErrorKind::Corrupt},
+        {"\"text\"", ErrorKind::Corrupt},
+        {"{", ErrorKind::Corrupt},
+        {"[1,]", ErrorKind::Corrupt},
+        {"[1] x", ErrorKind::Corrupt},
+        {"[NaN]", ErrorKind::Corrupt},
+        {"[1e999]", ErrorKind::Corrupt},
+        {"[\"\xFF\"]", ErrorKind::Corrupt},
+        {"[\"\\ud800\"]", ErrorKind::Corrupt},
+        {"{1:2}", ErrorKind::Corrupt},
+        {"// x\n[]", ErrorKind::Corrupt},
+        {std::string("[]\0", 3), ErrorKind::Corrupt},
+        {nested(Value::kMaxDepth + 1), ErrorKind::TooLarge},
+        {std::string(1'000'000, '['), ErrorKind::TooLarge},
+    };
+    for (const auto& [text, want] : rows) {
+        const auto value = NSJSONSerialization::JSONObjectWithData(text);
+        ASSERT_FALSE(value) << text.substr(0, 40);
+        EXPECT_EQ(value.error().kind, want) << text.substr(0, 40);
+    }
+}
+
+}  // namespace
+}  // namespace kx

@@ -1,0 +1,69 @@
+"""desktop_bus.py [portal] [reader | no-reader]: a message bus of its own with the services named.
+
+Prints the bus's address ("" where this machine cannot have one), then a line per call. Ends when its input ends.
+"""
+import os
+import subprocess
+import sys
+import threading
+
+try:
+    import dbus
+    import dbus.service
+    from dbus.mainloop.glib import DBusGMainLoop
+    from gi.repository import GLib
+except ImportError:
+    sys.exit()
+
+OPENER = "org.freedesktop.portal.OpenURI"
+FINGERPRINTS = "net.reactivated.Fprint"
+
+
+class Portal(dbus.service.Object):
+    @dbus.service.method(OPENER, in_signature="ssa{sv}", out_signature="o")
+    def OpenURI(self, _parent, address, _options):
+        print(f"opened {address}")
+        return "/org/freedesktop/portal/desktop/request/1"
+
+    @dbus.service.method("org.freedesktop.DBus.Properties", in_signature="ss", out_signature="v")
+    def Get(self, interface, name):
+        return dbus.UInt32(4) if (interface, name) == (OPENER, "version") else dbus.String("none")
+
+
+class Fingerprints(dbus.service.Object):
+    def __init__(self, bus, has_reader):
+        super().__init__(bus, "/net/reactivated/Fprint/Manager")
+        self.has_reader = has_reader
+
+    @dbus.service.method(FINGERPRINTS + ".Manager", out_signature="o")
+    def GetDefaultDevice(self):
+        if not self.has_reader:
+            raise dbus.DBusException("No devices available", name=FINGERPRINTS + ".Error.NoSuchDevice")
+        return "/net/reactivated/Fprint/Device/0"
+
+
+def main():
+    try:
+        daemon = subprocess.Popen(["dbus-daemon", "--session", "--nofork", "--print-address"], stdout=subprocess.PIPE,
+                                  stdin=subprocess.DEVNULL, stderr=subprocess.DEVNULL, text=True)
+    except OSError:
+        return
+    address = daemon.stdout.readline().strip()
+    bus = dbus.bus.BusConnection(address, mainloop=DBusGMainLoop())
+    names, services = [], []
+    if "portal" in sys.argv:
+        names.append(dbus.service.BusName("org.freedesktop.portal.Desktop", bus))
+        services.append(Portal(bus, "/org/freedesktop/portal/desktop"))
+    if "reader" in sys.argv or "no-reader" in sys.argv:
+        names.append(dbus.service.BusName(FINGERPRINTS, bus))
+        services.append(Fingerprints(bus, "reader" in sys.argv))
+    print(address)
+    loop = GLib.MainLoop()
+    threading.Thread(target=lambda: (sys.stdin.read(), loop.quit()), daemon=True).start()
+    loop.run()
+    daemon.kill()
+    daemon.wait()
+    os._exit(0)  # the names are gone with the bus: nobody needs to give them back
+
+
+main()
