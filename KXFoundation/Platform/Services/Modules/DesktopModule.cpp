@@ -1,6 +1,8 @@
 #include <KXFoundation/Platform/Runtime/Module.h>
 #include <KXFoundation/Platform/Services/DesktopModule.h>
 
+#include "DesktopServices.h"
+
 namespace kx {
 
 namespace {
@@ -8,7 +10,7 @@ namespace {
 constexpr DesktopModule kModule{
     .version = DesktopModule::kVersion,
     .biometrics = nullptr,
-    .clockFormat = nullptr,
+    .clockFormat = &kDesktopClockFormat,
     .opener = nullptr,
     .secrets = nullptr,
 };
