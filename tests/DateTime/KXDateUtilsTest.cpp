@@ -23,11 +23,20 @@ struct Desk {
     ScopedPort<ClockFormatSetting> scope{clockFormat};
 };
 
+/// The text with plain spaces: which kind stands before a marker changes with the locale data's version.
+std::optional<std::string> plain(std::optional<std::string> text) {
+    for (const std::string_view space : {"\u202F", "\u00A0"}) {
+        const std::size_t at = text ? text->find(space) : std::string::npos;
+        if (at != std::string::npos) text->replace(at, space.size(), " ");
+    }
+    return text;
+}
+
 TEST(KXDateUtils, WritesTheTimeOfDayByFlags) {
     const struct {
         const char* locale;
         std::int64_t minutes;
-        const char *plain, *withMarker;
+        const char *withoutMarker, *withMarker;
     } rows[] = {
         {"en_US", 0, "00:00", "12:00 AM"},
         {"en_US", 719, "11:59", "11:59 AM"},
@@ -51,9 +60,9 @@ TEST(KXDateUtils, WritesTheTimeOfDayByFlags) {
         desk.platform.locale().setLocale(row.locale);
         const auto dates = KXDateUtils::sharedInstance();
         for (const bool isFirst : {false, true}) {
-            EXPECT_EQ(dates->convertMinutesToTimeString(row.minutes, false, isFirst), row.plain)
+            EXPECT_EQ(dates->convertMinutesToTimeString(row.minutes, false, isFirst), row.withoutMarker)
                 << row.locale;
-            const auto text = dates->convertMinutesToTimeString(row.minutes, true, isFirst);
+            const auto text = plain(dates->convertMinutesToTimeString(row.minutes, true, isFirst));
             EXPECT_EQ(text, row.withMarker) << row.locale << " " << row.minutes;
         }
     }
@@ -83,19 +92,19 @@ TEST(KXDateUtils, FollowsTheLocaleAndThenTheSetting) {
         EXPECT_EQ(KXDateUtils::hasAMPM(), row.hasAMPM) << row.locale;
         EXPECT_EQ(dates->isAMPMFirst(), row.isAMPMFirst) << row.locale;
         EXPECT_EQ(dates->getTimeFormat(), row.format) << row.locale;
-        EXPECT_EQ(dates->convertMinutesToTimeString(845), row.text) << row.locale;
-        EXPECT_EQ(dates->convertSecondsToTimeString(845 * 60 + 59), row.text) << row.locale;
+        EXPECT_EQ(plain(dates->convertMinutesToTimeString(845)), row.text) << row.locale;
+        EXPECT_EQ(plain(dates->convertSecondsToTimeString(845 * 60 + 59)), row.text) << row.locale;
     }
 }
 
 TEST(KXDateUtils, SeesAChangedSettingAtTheNextConversion) {
     Desk desk;
     const auto dates = KXDateUtils::sharedInstance();
-    EXPECT_EQ(dates->convertMinutesToTimeString(845), "02:05 PM");
+    EXPECT_EQ(plain(dates->convertMinutesToTimeString(845)), "02:05 PM");
     desk.clockFormat->set(ClockFormat::TwentyFourHour);
     EXPECT_EQ(dates->convertMinutesToTimeString(845), "14:05");
     desk.clockFormat->set(ClockFormat::Unset);
-    EXPECT_EQ(dates->convertMinutesToTimeString(845), "02:05 PM");
+    EXPECT_EQ(plain(dates->convertMinutesToTimeString(845)), "02:05 PM");
     desk.platform.locale().setLocale("de_DE");
     EXPECT_EQ(dates->getTimeFormat(), "HH:mm");
 }
@@ -153,7 +162,7 @@ TEST(KXDateUtils, ConversionsTakeTurns) {
     const auto convert = [&](bool hasAMPM, const char* want) {
         int wrong = 0;
         for (int i = 0; i < 2'000; ++i)
-            wrong += dates->convertMinutesToTimeString(845, hasAMPM, false) != want;
+            wrong += plain(dates->convertMinutesToTimeString(845, hasAMPM, false)) != want;
         EXPECT_EQ(wrong, 0) << want;
     };
     std::thread other(convert, true, "02:05 PM");
