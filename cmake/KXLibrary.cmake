@@ -21,6 +21,17 @@ function(kx_packages library)
   endforeach()
 endfunction()
 
+# kx_plain_library(<Foundation|UI> name header): the same for a library that has no pkg-config file, -l<name> with that
+# header of its own, both in the compiler's usual places. It is handed on by its name alone, so that an installed tree
+# holds no path of the machine it was built on.
+function(kx_plain_library library name header)
+  find_library(KX_LIBRARY_${name} ${name} REQUIRED)
+  find_path(KX_HEADER_${name} ${header} REQUIRED)
+  mark_as_advanced(KX_LIBRARY_${name} KX_HEADER_${name})
+  target_link_libraries(${target_${library}} PRIVATE ${name})
+  set_property(GLOBAL APPEND PROPERTY KX_PLAIN_LIBRARIES_${library} ${name})
+endfunction()
+
 # kx_keep_symbol(<Foundation|UI> symbol): programs that link the library statically keep the object file that defines
 # the extern "C" symbol, though nothing calls it: it holds code that runs when the program is loaded.
 function(kx_keep_symbol library symbol)

@@ -57,7 +57,13 @@ std::uint64_t NSLocale::settingsVersion() noexcept {
 }
 
 std::shared_ptr<NSLocale> NSLocale::currentLocale() {
-    return make<NSLocale>(LocaleSettings::slot().current().localeIdentifier());
+    auto locale = make<NSLocale>(LocaleSettings::slot().current().localeIdentifier());
+    locale->followsClockFormat_ = true;
+    return locale;
+}
+
+std::shared_ptr<NSLocale> NSLocale::localeWithLocaleIdentifier(std::string_view identifier) {
+    return make<NSLocale>(identifier);
 }
 
 std::optional<std::string> NSLocale::languageCode() const {

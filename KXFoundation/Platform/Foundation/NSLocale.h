@@ -43,6 +43,11 @@ class KX_EXPORT NSLocale : public Subclass<NSLocale, NSObject> {
     /// Changes whenever preferredLanguages() or currentLocale() may answer differently; a few atomic loads.
     [[nodiscard]] static std::uint64_t settingsVersion() noexcept;
     [[nodiscard]] static std::shared_ptr<NSLocale> currentLocale();
+    [[nodiscard]] static std::shared_ptr<NSLocale> localeWithLocaleIdentifier(std::string_view identifier);
+
+    /// Whether this is currentLocale(), where the user's choice of 12 or 24 hours (ClockFormatSetting) goes
+    /// before the locale's own habit.
+    [[nodiscard]] bool followsClockFormat() const noexcept { return followsClockFormat_; }
 
     /// "zh_Hant_TW", as given but with underscores.
     [[nodiscard]] const std::string& localeIdentifier() const noexcept { return identifier_; }
@@ -53,6 +58,7 @@ class KX_EXPORT NSLocale : public Subclass<NSLocale, NSObject> {
 
   private:
     std::string identifier_;
+    bool followsClockFormat_ = false;
 };
 
 /// Turns a POSIX locale name into a language tag as a desktop user expects: "zh_TW.UTF-8" gives "zh-Hant-TW",

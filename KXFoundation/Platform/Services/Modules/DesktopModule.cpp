@@ -9,9 +9,15 @@ namespace {
 
 constexpr DesktopModule kModule{
     .version = DesktopModule::kVersion,
+<<<<<<< HEAD
     .biometrics = &kDesktopBiometrics,
     .clockFormat = nullptr,
     .opener = &kDesktopOpener,
+=======
+    .biometrics = nullptr,
+    .clockFormat = &kDesktopClockFormat,
+    .opener = nullptr,
+>>>>>>> time
     .secrets = nullptr,
 };
 

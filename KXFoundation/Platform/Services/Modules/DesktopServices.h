@@ -5,7 +5,11 @@
 /// The tables that the module hands out, each made in the file of its name.
 namespace kx {
 
+<<<<<<< HEAD
 extern const DesktopBiometrics kDesktopBiometrics;
 extern const DesktopOpener kDesktopOpener;
+=======
+extern const DesktopClockFormat kDesktopClockFormat;
+>>>>>>> time
 
 }  // namespace kx

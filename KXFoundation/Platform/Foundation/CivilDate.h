@@ -1,0 +1,65 @@
+#pragma once
+
+#include <cstdint>
+
+/// Arithmetic of the proleptic Gregorian calendar, in which year 0 precedes year 1. Days are counted from
+/// 1970-01-01. Algorithms: Howard Hinnant, "chrono-Compatible Low-Level Date Algorithms". Private to
+/// Foundation.
+namespace kx {
+
+inline constexpr std::int64_t kSecondsPerDay = 86'400;
+inline constexpr std::int64_t kDaysPer400Years = 146'097;
+
+struct CivilDate {
+    std::int64_t year;
+    int month;  ///< 1 to 12
+    int day;    ///< 1 to 31
+
+    bool operator==(const CivilDate&) const = default;
+};
+
+/// The quotient rounded down, for a positive divisor.
+[[nodiscard]] constexpr std::int64_t floorDivide(std::int64_t value, std::int64_t divisor) noexcept {
+    return value / divisor - (value % divisor < 0);
+}
+/// What that leaves: 0 to divisor - 1.
+[[nodiscard]] constexpr std::int64_t floorModulo(std::int64_t value, std::int64_t divisor) noexcept {
+    const std::int64_t rest = value % divisor;
+    return rest < 0 ? rest + divisor : rest;
+}
+
+/// Month 1 to 12; a day beyond the month's end counts on into the next one.
+[[nodiscard]] constexpr std::int64_t daysFromCivil(std::int64_t year, int month, int day) noexcept {
+    const std::int64_t shifted = year - (month <= 2);  // years begin in March: the leap day comes last
+    const std::int64_t era = floorDivide(shifted, 400);
+    const auto yearOfEra = static_cast<unsigned>(shifted - era * 400);
+    const auto monthFromMarch = static_cast<unsigned>(month > 2 ? month - 3 : month + 9);
+    const unsigned dayOfYear = (153 * monthFromMarch + 2) / 5 + static_cast<unsigned>(day) - 1;
+    const unsigned dayOfEra = yearOfEra * 365 + yearOfEra / 4 - yearOfEra / 100 + dayOfYear;
+    return era * kDaysPer400Years + dayOfEra - 719'468;
+}
+
+[[nodiscard]] constexpr CivilDate civilFromDays(std::int64_t days) noexcept {
+    days += 719'468;
+    const std::int64_t era = floorDivide(days, kDaysPer400Years);
+    const auto dayOfEra = static_cast<unsigned>(days - era * kDaysPer400Years);
+    const unsigned yearOfEra = (dayOfEra - dayOfEra / 1460 + dayOfEra / 36'524 - dayOfEra / 146'096) / 365;
+    const unsigned dayOfYear = dayOfEra - (365 * yearOfEra + yearOfEra / 4 - yearOfEra / 100);
+    const unsigned monthFromMarch = (5 * dayOfYear + 2) / 153;
+    const auto month = static_cast<int>(monthFromMarch < 10 ? monthFromMarch + 3 : monthFromMarch - 9);
+    return {era * 400 + yearOfEra + (month <= 2), month,
+            static_cast<int>(dayOfYear - (153 * monthFromMarch + 2) / 5 + 1)};
+}
+
+[[nodiscard]] constexpr int daysInMonth(std::int64_t year, int month) noexcept {
+    constexpr int kLengths[] = {31, 28, 31, 30, 31, 30, 31, 31, 30, 31, 30, 31};
+    const bool isLeap = year % 4 == 0 && (year % 100 != 0 || year % 400 == 0);
+    return month == 2 && isLeap ? 29 : kLengths[month - 1];
+}
+
+/// 1 for Sunday to 7 for Saturday.
+[[nodiscard]] constexpr int weekdayFromDays(std::int64_t days) noexcept {
+    return static_cast<int>(floorModulo(days + 4, 7)) + 1;
+}
+
+}  // namespace kx

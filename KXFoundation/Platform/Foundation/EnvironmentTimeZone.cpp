@@ -1,0 +1,46 @@
+#include <filesystem>
+#include <string_view>
+#include <utility>
+
+#include <KXFoundation/Platform/Foundation/NSTimeZone.h>
+#include <KXFoundation/Platform/Runtime/Environment.h>
+
+namespace kx {
+
+namespace {
+
+constexpr const char* kSystemZone = "/etc/localtime";
+
+/// The link's own target names the zone ("/usr/share/zoneinfo/Europe/Berlin"); what that links to is often an
+/// older name's new one.
+std::string nameBehindLink() {
+    std::error_code error;
+    const std::string target = std::filesystem::read_symlink(kSystemZone, error).string();
+    constexpr std::string_view kFolder = "/zoneinfo/";
+    const std::size_t at = target.rfind(kFolder);
+    if (!error && at != target.npos) return target.substr(at + kFolder.size());
+    return std::filesystem::exists(kSystemZone, error) ? kSystemZone : "UTC";
+}
+
+/// As tzset(3) reads TZ, but for rules written out in it, which no desktop sets.
+std::string zoneOf(const Environment& environment) {
+    auto zone = environment.variable("TZ");
+    if (zone && zone->starts_with(':')) zone->erase(0, 1);
+    return zone && !zone->empty() ? *std::move(zone) : nameBehindLink();
+}
+
+class EnvironmentTimeZone final : public TimeZoneSettings {
+  public:
+    std::string systemTimeZoneName() const override { return name_; }
+
+  private:
+    std::string name_ = zoneOf(Environment::slot().current());
+};
+
+}  // namespace
+
+std::shared_ptr<TimeZoneSettings> TimeZoneSettings::makeDefault() {
+    return std::make_shared<EnvironmentTimeZone>();
+}
+
+}  // namespace kx

@@ -1,0 +1,254 @@
+#include <cmath>
+
+#include <gtest/gtest.h>
+
+#include <KXFoundation/DateTime/NSCalendar_CalendricalCalculations.h>
+#include <KXFoundation/DateTime/NSDateFormatter_Standard.h>
+#include <KXFoundation/Platform/Runtime/ManualClock.h>
+
+#include "support/InjectedTimeZone.h"
+#include "support/ScopedPlatform.h"
+
+namespace kx {
+namespace {
+
+using Calculations = NSCalendar_CalendricalCalculations;
+using Date = Calculations::Date;
+
+/// A fresh process in a time zone.
+struct Place {
+    explicit Place(const char* zone = "UTC") : scope(std::make_shared<testing::InjectedTimeZone>(zone)) {}
+
+    testing::ScopedPlatform platform;
+    ScopedPort<TimeZoneSettings> scope;
+};
+
+/// "2024-03-05 14:07:00" in the calculation calendar's zone; its zone's name may stand for itself after a
+/// '@'.
+Date at(const char* text) {
+    const auto utc = NSDateFormatter_Standard::standardFormatter()->dateFromString(text);
+    const auto fields = [&] {
+        auto formatter = make<NSCalendar>();
+        formatter->setTimeZone(NSTimeZone::timeZoneWithName("UTC"));
+        return formatter->components(252, utc);
+    }();
+    return Calculations::calculationCalendar()->dateFromComponents(fields);
+}
+
+std::string text(Date date) {
+    if (!date) return "none";
+    auto formatter = make<NSDateFormatter>();
+    formatter->setTimeZone(Calculations::calculationCalendar()->timeZone());
+    formatter->setDateFormat("yyyy-MM-dd HH:mm:ss");
+    return *formatter->stringFromDate(date);
+}
+
+TEST(CalendricalCalculations, StepsAndBoundaries) {
+    using Step = Date (*)(Date);
+    const struct {
+        const char* what;
+        Step step;
+        const char *from, *want;
+    } rows[] = {
+        {"nextHour", Calculations::nextHour, "2024-12-31 23:30:00", "2025-01-01 00:30:00"},
+        {"prevHour", Calculations::prevHour, "2024-03-01 00:30:00", "2024-02-29 23:30:00"},
+        {"nextDay", Calculations::nextDay, "2023-02-28 12:00:00", "2023-03-01 12:00:00"},
+        {"prevDay", Calculations::prevDay, "2025-01-01 12:00:00", "2024-12-31 12:00:00"},
+        {"nextWeek", Calculations::nextWeek, "2024-12-28 12:00:00", "2025-01-04 12:00:00"},
+        {"prevWeek", Calculations::prevWeek, "2024-03-06 12:00:00", "2024-02-28 12:00:00"},
+        {"nextMonth", Calculations::nextMonth, "2023-01-31 12:00:00", "2023-02-28 12:00:00"},
+        {"prevMonth", Calculations::prevMonth, "2024-03-31 12:00:00", "2024-02-29 12:00:00"},
+        {"prevMonth", Calculations::prevMonth, "2024-01-31 12:00:00", "2023-12-31 12:00:00"},
+        {"firstHourIn", Calculations::firstHourIn, "2024-03-05 14:37:12", "2024-03-05 00:37:12"},
+        {"lastHourIn", Calculations::lastHourIn, "2024-03-05 14:37:12", "2024-03-05 23:37:12"},
+        {"dateBegin", Calculations::dateBegin, "2024-03-05 14:37:12", "2024-03-05 00:00:00"},
+        {"dateEnd", Calculations::dateEnd, "2024-03-05 14:37:12", "2024-03-05 23:59:59"},
+        {"firstDayInWeek", Calculations::firstDayInWeek, "2025-01-01 14:00:00", "2024-12-29 00:00:00"},
+        {"lastDayInWeek", Calculations::lastDayInWeek, "2025-01-01 14:00:00", "2025-01-04 00:00:00"},
+        {"firstDayInWeek", Calculations::firstDayInWeek, "2024-09-01 00:00:00", "2024-09-01 00:00:00"},
+        {"firstDayInMonth", Calculations::firstDayInMonth, "2024-02-17 14:00:00", "2024-02-01 00:00:00"},
+        {"lastDayInMonth", Calculations::lastDayInMonth, "2024-02-17 14:00:00", "2024-02-29 00:00:00"},
+        {"lastDayInMonth", Calculations::lastDayInMonth, "1900-02-01 00:00:00", "1900-02-28 00:00:00"},
+        {"prevDay", Calculations::prevDay, "1582-10-15 12:00:00", "1582-10-14 12:00:00"},
+        {"lastDayInMonth", Calculations::lastDayInMonth, "0001-02-05 00:00:00", "0001-02-28 00:00:00"},
+        {"nextDay", Calculations::nextDay, "9999-12-31 23:59:59", "10000-01-01 23:59:59"},
+    };
+    const Place place;
+    for (const auto& row : rows)
+        EXPECT_EQ(text(row.step(at(row.from))), row.want) << row.what << " " << row.from;
+}
+
+TEST(CalendricalCalculations, IsRightWhereClocksChange) {
+    using Step = Date (*)(Date);
+    const struct {
+        const char *zone, *what;
+        Step step;
+        const char *from, *want;
+    } rows[] = {
+        {"Europe/Berlin", "nextHour", Calculations::nextHour, "2024-03-31 01:30:00", "2024-03-31 03:30:00"},
+        {"Europe/Berlin", "nextHour", Calculations::nextHour, "2024-10-27 02:30:00", "2024-10-27 02:30:00"},
+        {"Europe/Berlin", "nextDay", Calculations::nextDay, "2024-03-30 02:30:00", "2024-03-31 03:30:00"},
+        {"Europe/Berlin", "dateEnd", Calculations::dateEnd, "2024-03-31 12:00:00", "2024-03-31 23:59:59"},
+        {"Australia/Lord_Howe", "nextHour", Calculations::nextHour, "2024-10-06 01:30:00",
+         "2024-10-06 03:00:00"},
+        {"Pacific/Apia", "nextDay", Calculations::nextDay, "2011-12-29 10:00:00", "2011-12-31 10:00:00"},
+        {"Pacific/Apia", "prevDay", Calculations::prevDay, "2011-12-31 10:00:00", "2011-12-29 10:00:00"},
+        {"America/Santiago", "dateBegin", Calculations::dateBegin, "2024-09-08 12:00:00",
+         "2024-09-08 01:00:00"},
+        {"America/Santiago", "dateEnd", Calculations::dateEnd, "2024-09-08 12:00:00", "2024-09-08 23:59:59"},
+        {"America/Santiago", "firstDayInWeek", Calculations::firstDayInWeek, "2024-09-10 12:00:00",
+         "2024-09-08 01:00:00"},
+        {"America/Mexico_City", "nextHour", Calculations::nextHour, "2024-04-07 01:30:00",
+         "2024-04-07 02:30:00"},
+        {"Africa/Cairo", "nextHour", Calculations::nextHour, "2024-04-25 23:30:00", "2024-04-26 01:30:00"},
+        {"Asia/Almaty", "nextHour", Calculations::nextHour, "2024-02-29 23:30:00", "2024-02-29 23:30:00"},
+    };
+    for (const auto& row : rows) {
+        const Place place(row.zone);
+        EXPECT_EQ(text(row.step(at(row.from))), row.want) << row.zone << " " << row.what << " " << row.from;
+    }
+}
+
+TEST(CalendricalCalculations, MeasuresMonths) {
+    const struct {
+        const char* date;
+        std::int64_t days, weeks, column;
+    } rows[] = {
+        {"2024-02-10 08:00:00", 29, 5, 4}, {"2023-02-10 08:00:00", 28, 5, 3},
+        {"2015-02-10 08:00:00", 28, 4, 0}, {"2024-06-30 23:59:59", 30, 6, 6},
+        {"2024-09-01 00:00:00", 30, 5, 0}, {"2024-12-31 12:00:00", 31, 5, 0},
+    };
+    const Place place;
+    for (const auto& row : rows) {
+        EXPECT_EQ(Calculations::totalDaysInMonth(at(row.date)), row.days) << row.date;
+        EXPECT_EQ(Calculations::totalWeekInMonth(at(row.date)), row.weeks) << row.date;
+        EXPECT_EQ(Calculations::firstDayOfWeekInThisMonth(at(row.date)), row.column) << row.date;
+    }
+}
+
+TEST(CalendricalCalculations, ComparesDates) {
+    const struct {
+        const char *one, *other;
+        bool day, week, month;
+    } rows[] = {
+        {"2024-12-30 12:00:00", "2025-01-02 12:00:00", false, true, false},
+        {"2025-01-04 23:59:59", "2025-01-05 00:00:00", false, false, true},
+        {"2024-03-31 12:00:00", "2025-03-01 12:00:00", false, false, false},
+        {"2024-03-05 00:00:00", "2024-03-05 23:59:59", true, true, true},
+        {"2023-12-31 12:00:00", "2024-01-06 12:00:00", false, true, false},
+        {"2022-12-31 12:00:00", "2023-01-01 12:00:00", false, false, false},
+        {"2024-01-01 12:00:00", "2024-12-31 12:00:00", false, true, false},  // both in a week 1 of 2024
+    };
+    const Place place;
+    for (const auto& row : rows) {
+        for (const bool isSwapped : {false, true}) {
+            const Date one = at(isSwapped ? row.other : row.one);
+            const Date other = at(isSwapped ? row.one : row.other);
+            EXPECT_EQ(Calculations::isDateInSameDayAsDate(one, other), row.day) << row.one;
+            EXPECT_EQ(Calculations::isDateInSameWeekAsDate(one, other), row.week) << row.one;
+            EXPECT_EQ(Calculations::isDateInSameMonthAsDate(one, other), row.month) << row.one;
+        }
+    }
+}
+
+TEST(CalendricalCalculations, CountsUnits) {
+    const struct {
+        const char* zone;
+        NSCalendarUnit unit;
+        const char *from, *to;
+        std::int64_t want;
+    } rows[] = {
+        {"UTC", NSCalendarUnitDay, "2024-03-05 23:59:00", "2024-03-06 00:01:00", 1},
+        {"UTC", NSCalendarUnitMonth, "2024-01-31 00:00:00", "2024-02-01 00:00:00", 1},
+        {"UTC", NSCalendarUnitYear, "2024-12-31 23:00:00", "2023-01-01 00:00:00", -1},
+        {"UTC", NSCalendarUnitYear, "0001-06-01 00:00:00", "9999-01-01 00:00:00", 9998},
+        {"UTC", NSCalendarUnitWeekOfYear, "2024-12-28 12:00:00", "2025-01-05 00:00:00", 2},
+        {"UTC", NSCalendarUnitHour, "2024-03-05 23:59:00", "2024-03-06 00:01:00", 1},
+        {"UTC", NSCalendarUnitMinute, "2024-03-05 23:59:59", "2024-03-05 23:58:01", -1},
+        {"UTC", 3, "2024-03-05 23:59:00", "2024-03-06 00:01:00", 0},
+        {"UTC", 24, "2024-03-05 23:59:00", "2024-05-06 00:01:00", 0},
+        {"America/Santiago", NSCalendarUnitDay, "2024-09-08 12:00:00", "2024-09-09 12:00:00",
+         1},  // from 01:00
+        {"America/Santiago", NSCalendarUnitDay, "2024-09-09 12:00:00", "2024-09-08 12:00:00", -1},
+        {"America/Santiago", NSCalendarUnitDay, "2024-09-01 12:00:00", "2024-09-08 12:00:00", 7},
+        {"Europe/Berlin", NSCalendarUnitHour, "2024-10-27 01:10:00", "2024-10-27 04:05:00", 4},
+        {"Europe/Berlin", NSCalendarUnitMonth, "2024-03-31 12:00:00", "2024-11-01 00:00:00", 8},
+        {"Pacific/Apia", NSCalendarUnitDay, "2011-12-29 12:00:00", "2011-12-31 12:00:00", 2},
+    };
+    for (const auto& row : rows) {
+        const Place place(row.zone);
+        EXPECT_EQ(Calculations::numberOfUnit(row.unit, at(row.from), at(row.to)), row.want)
+            << row.zone << " " << row.unit << " " << row.from;
+    }
+}
+
+TEST(CalendricalCalculations, KnowsTheDaysAroundToday) {
+    const auto clock = std::make_shared<ManualClock>(*at("2024-03-01 00:30:00")->timePoint());
+    const ScopedPort<Clock> scope(clock);
+    const Place place;
+    const struct {
+        const char* date;
+        bool isBefore, isAfter;
+    } rows[] = {
+        {"2024-02-27 23:59:59", false, false}, {"2024-02-28 00:00:00", true, false},
+        {"2024-02-28 23:59:59", true, false},  {"2024-02-29 00:00:00", false, false},
+        {"2024-03-03 12:00:00", false, true},  {"2024-03-04 00:00:00", false, false},
+    };
+    for (const auto& row : rows) {
+        EXPECT_EQ(Calculations::isDateInTheDayBeforeYesterday(at(row.date)), row.isBefore) << row.date;
+        EXPECT_EQ(Calculations::isDateInTheDayAfterTomorrow(at(row.date)), row.isAfter) << row.date;
+    }
+}
+
+TEST(CalendricalCalculations, WritesLabels) {
+    const Place place;
+    const auto fields = Calculations::componentsFromDate(at("2024-03-05 14:07:09"));
+    const struct {
+        NSCalendarUnit units;
+        const char* want;
+    } rows[] = {
+        {4 | 8 | 16 | 32 | 64, "2024年 03月 05日 14:07"},
+        {32, "14时"},
+        {64, "07分"},
+        {128, ""},
+        {0, ""},
+        {16 | 64, "05日 07分"},
+        {~NSCalendarUnit{0}, "2024年 03月 05日 14:07"},
+    };
+    for (const auto& row : rows) EXPECT_EQ(Calculations::stringFromComponent(fields, row.units), row.want);
+    EXPECT_EQ(Calculations::stringFromComponent(std::nullopt, 4 | 64), "0000年 00分");
+    EXPECT_EQ(Calculations::stringFromComponent(NSDateComponents(), 32), "9223372036854775807时");
+    EXPECT_EQ(Calculations::dateStringFromDate(at("2024-03-05 14:07:09")), "2024年 03月 05日");
+    EXPECT_EQ(Calculations::dateStringFromDate(std::nullopt), std::nullopt);
+}
+
+TEST(CalendricalCalculations, AnswersHarmlesslyBeyondItsYears) {
+    const Place place;
+    const Date now = NSDate::date();
+    for (const Date date : {Date(), Date(NSDate::dateWithTimeIntervalSince1970(NAN)),
+                            Date(NSDate::dateWithTimeIntervalSince1970(HUGE_VAL)),
+                            Date(NSDate::dateWithTimeIntervalSince1970(-1e300))}) {
+        for (const auto step :
+             {Calculations::nextHour, Calculations::prevMonth, Calculations::lastHourIn,
+              Calculations::firstDayInWeek, Calculations::lastDayInMonth, Calculations::dateEnd}) {
+            EXPECT_EQ(step(date), std::nullopt);
+        }
+        EXPECT_EQ(Calculations::totalDaysInMonth(date), 0);
+        EXPECT_EQ(Calculations::totalWeekInMonth(date), 0);
+        EXPECT_EQ(Calculations::firstDayOfWeekInThisMonth(date), 0);
+        EXPECT_EQ(Calculations::numberOfUnit(NSCalendarUnitDay, date, now), 0);
+        EXPECT_FALSE(Calculations::isDateInSameWeekAsDate(date, date));
+        EXPECT_FALSE(Calculations::isDateInSameMonthAsDate(date, date));
+        EXPECT_EQ(Calculations::componentsFromDate(date), NSDateComponents());
+    }
+    for (const std::int64_t value : {INT64_MAX, INT64_MAX - 1, INT64_MIN, std::int64_t{1} << 46}) {
+        for (NSCalendarUnit unit = 1; unit != 0; unit <<= 1) {
+            EXPECT_EQ(Calculations::dateByAddingUnit(unit, value, now).has_value(),
+                      unit == NSCalendarUnitNanosecond && value != INT64_MAX)
+                << unit << " " << value;
+        }
+    }
+}
+
+}  // namespace
+}  // namespace kx

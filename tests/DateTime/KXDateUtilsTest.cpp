@@ -1,0 +1,174 @@
+#include <thread>
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include <KXFoundation/DateTime/KXDateUtils.h>
+#include <KXFoundation/Platform/Foundation/NSNotificationCenter.h>
+#include <KXFoundation/Platform/Foundation/NSNotificationNames.h>
+#include <KXFoundation/Platform/Runtime/Executor.h>
+#include <KXFoundation/Platform/Runtime/ManualClock.h>
+
+#include "support/InjectedClockFormat.h"
+#include "support/ScopedPlatform.h"
+
+namespace kx {
+namespace {
+
+/// A fresh process whose clock setting the test holds.
+struct Desk {
+    testing::ScopedPlatform platform;
+    std::shared_ptr<testing::InjectedClockFormat> clockFormat =
+        std::make_shared<testing::InjectedClockFormat>();
+    ScopedPort<ClockFormatSetting> scope{clockFormat};
+};
+
+/// The text with plain spaces: which kind stands before a marker changes with the locale data's version.
+std::optional<std::string> plain(std::optional<std::string> text) {
+    for (const std::string_view space : {"\u202F", "\u00A0"}) {
+        const std::size_t at = text ? text->find(space) : std::string::npos;
+        if (at != std::string::npos) text->replace(at, space.size(), " ");
+    }
+    return text;
+}
+
+TEST(KXDateUtils, WritesTheTimeOfDayByFlags) {
+    const struct {
+        const char* locale;
+        std::int64_t minutes;
+        const char *withoutMarker, *withMarker;
+    } rows[] = {
+        {"en_US", 0, "00:00", "12:00 AM"},
+        {"en_US", 719, "11:59", "11:59 AM"},
+        {"en_US", 720, "12:00", "12:00 PM"},
+        {"en_US", 845, "14:05", "02:05 PM"},
+        {"en_US", 1439, "23:59", "11:59 PM"},
+        {"en_US", 1440, "00:00", "12:00 AM"},
+        {"en_US", -1, "23:59", "11:59 PM"},
+        {"en_US", 1'000'000'000'000, "10:40", "10:40 AM"},  // 1.9 million years
+        {"zh_CN", 845, "14:05", "下午02:05"},
+        {"ko_KR", 845, "14:05", "오후 02:05"},
+        {"ja_JP", 0, "00:00", "午前12:00"},  // though the locale itself would write 00
+        {"de_DE", 845, "14:05", "02:05 PM"},
+        {"es_ES", 845, "14:05", "02:05 p. m."},
+        {"ar_EG", 845, "١٤:٠٥", "٠٢:٠٥ م"},
+        {"fa_IR", 845, "۱۴:۰۵", "۰۲:۰۵ بعدازظهر"},
+        {"bg_BG", 845, "14:05 ч.", "02:05 ч. сл.об."},
+    };
+    for (const auto& row : rows) {
+        Desk desk;
+        desk.platform.locale().setLocale(row.locale);
+        const auto dates = KXDateUtils::sharedInstance();
+        for (const bool isFirst : {false, true}) {
+            EXPECT_EQ(dates->convertMinutesToTimeString(row.minutes, false, isFirst), row.withoutMarker)
+                << row.locale;
+            const auto text = plain(dates->convertMinutesToTimeString(row.minutes, true, isFirst));
+            EXPECT_EQ(text, row.withMarker) << row.locale << " " << row.minutes;
+        }
+    }
+}
+
+TEST(KXDateUtils, FollowsTheLocaleAndThenTheSetting) {
+    using enum ClockFormat;
+    const struct {
+        const char* locale;
+        ClockFormat setting;
+        bool hasAMPM, isAMPMFirst;
+        const char *format, *text;
+    } rows[] = {
+        {"en_US", Unset, true, false, "hh:mma", "02:05 PM"},
+        {"en_US", TwentyFourHour, false, false, "HH:mm", "14:05"},
+        {"de_DE", Unset, false, false, "HH:mm", "14:05"},
+        {"de_DE", TwelveHour, true, false, "hh:mma", "02:05 PM"},
+        {"zh_TW", Unset, true, true, "ahh:mm", "下午02:05"},
+        {"zh_CN", TwelveHour, true, true, "ahh:mm", "下午02:05"},
+        {"ja_JP", TwelveHour, true, true, "ahh:mm", "午後02:05"},
+    };
+    for (const auto& row : rows) {
+        Desk desk;
+        desk.platform.locale().setLocale(row.locale);
+        desk.clockFormat->set(row.setting);
+        const auto dates = KXDateUtils::sharedInstance();
+        EXPECT_EQ(KXDateUtils::hasAMPM(), row.hasAMPM) << row.locale;
+        EXPECT_EQ(dates->isAMPMFirst(), row.isAMPMFirst) << row.locale;
+        EXPECT_EQ(dates->getTimeFormat(), row.format) << row.locale;
+        EXPECT_EQ(plain(dates->convertMinutesToTimeString(845)), row.text) << row.locale;
+        EXPECT_EQ(plain(dates->convertSecondsToTimeString(845 * 60 + 59)), row.text) << row.locale;
+    }
+}
+
+TEST(KXDateUtils, SeesAChangedSettingAtTheNextConversion) {
+    Desk desk;
+    const auto dates = KXDateUtils::sharedInstance();
+    EXPECT_EQ(plain(dates->convertMinutesToTimeString(845)), "02:05 PM");
+    desk.clockFormat->set(ClockFormat::TwentyFourHour);
+    EXPECT_EQ(dates->convertMinutesToTimeString(845), "14:05");
+    desk.clockFormat->set(ClockFormat::Unset);
+    EXPECT_EQ(plain(dates->convertMinutesToTimeString(845)), "02:05 PM");
+    desk.platform.locale().setLocale("de_DE");
+    EXPECT_EQ(dates->getTimeFormat(), "HH:mm");
+}
+
+/// A formatter of an application's own.
+class LoudFormatter : public Subclass<LoudFormatter, NSDateFormatter> {
+  public:
+    std::optional<std::string> stringFromDate(std::optional<NSDate> date) const override {
+        return "<" + Super::stringFromDate(date).value_or("") + ">";
+    }
+    std::string PMSymbol() const override { return "pip"; }
+};
+
+TEST(KXDateUtils, UsesTheFormatterThatItIsGiven) {
+    Desk desk;
+    const auto dates = KXDateUtils::sharedInstance();
+    auto loud = make<LoudFormatter>();
+    loud->setTimeZone(NSTimeZone::timeZoneForSecondsFromGMT(3600));
+    dates->setSingleDateTimeFormatter(loud);
+    EXPECT_EQ(dates->convertMinutesToTimeString(845, false, false), "<15:05>");
+    EXPECT_EQ(loud->dateFormat(), "HH:mm");
+    EXPECT_EQ(dates->PMSymbol(), "pip");
+    EXPECT_EQ(dates->AMSymbol(), "AM");
+    dates->setSingleDateTimeFormatter(nullptr);
+    EXPECT_EQ(dates->convertMinutesToTimeString(845), std::nullopt);
+    EXPECT_EQ(dates->convertMinutesToTimeString(845, true, true), std::nullopt);
+    EXPECT_EQ(dates->AMSymbol(), std::nullopt);
+    dates->appWillEnterForeground();
+}
+
+TEST(KXDateUtils, EachActivationRefreshesAndTellsASecondLater) {
+    const auto clock = std::make_shared<ManualClock>();
+    const ScopedPort<Clock> clockScope(clock);
+    Desk desk;
+    const auto dates = KXDateUtils::sharedInstance();
+    int told = 0;
+    auto& centre = NSNotificationCenter::defaultCenter();
+    const auto token = centre.addObserverForName(
+        KXDateUtilsUpdateTimeNotification, nullptr,
+        [&](const NSNotification& notification) { told += notification.object() == nullptr; });
+    desk.clockFormat->set(ClockFormat::TwentyFourHour);
+    for (const int activation : {1, 2}) {
+        centre.postNotificationName(NSApplicationWillBecomeActiveNotification);
+        EXPECT_EQ(dates->singleDateTimeFormatter()->dateFormat(), "HH:mm");
+        clock->advance(std::chrono::milliseconds(999));
+        EXPECT_EQ(told, activation - 1);
+        clock->advance(std::chrono::milliseconds(1));
+        EXPECT_EQ(told, activation);
+    }
+}
+
+TEST(KXDateUtils, ConversionsTakeTurns) {
+    Desk desk;
+    const auto dates = KXDateUtils::sharedInstance();
+    const auto convert = [&](bool hasAMPM, const char* want) {
+        int wrong = 0;
+        for (int i = 0; i < 2'000; ++i)
+            wrong += plain(dates->convertMinutesToTimeString(845, hasAMPM, false)) != want;
+        EXPECT_EQ(wrong, 0) << want;
+    };
+    std::thread other(convert, true, "02:05 PM");
+    convert(false, "14:05");
+    other.join();
+}
+
+}  // namespace
+}  // namespace kx

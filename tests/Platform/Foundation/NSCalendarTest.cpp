@@ -1,0 +1,138 @@
+#include <gtest/gtest.h>
+#include <unicode/gregocal.h>
+
+#include <KXFoundation/Platform/Foundation/NSCalendar.h>
+
+#include "support/InjectedTimeZone.h"
+#include "support/ScopedPlatform.h"
+
+namespace kx {
+namespace {
+
+constexpr NSCalendarUnit kEverything = 4 | 8 | 16 | 32 | 64 | 128 | 512 | 4096 | 8192 | 16384;
+
+/// ICU's fields of a wall time given as if it were UTC.
+class Icu {
+  public:
+    explicit Icu(std::int64_t firstWeekday) : calendar_(icu::Locale::getRoot(), status_) {
+        calendar_.adoptTimeZone(icu::TimeZone::getGMT()->clone());
+        calendar_.setGregorianChange(-1.8e17, status_);
+        calendar_.setFirstDayOfWeek(static_cast<UCalendarDaysOfWeek>(firstWeekday));
+        calendar_.setMinimalDaysInFirstWeek(1);
+    }
+    NSDateComponents fields(std::int64_t wall) {
+        calendar_.setTime(static_cast<double>(wall) * 1000, status_);
+        NSDateComponents fields;
+        fields.setYear(get(UCAL_EXTENDED_YEAR));
+        fields.setMonth(get(UCAL_MONTH) + 1);
+        fields.setDay(get(UCAL_DATE));
+        fields.setHour(get(UCAL_HOUR_OF_DAY));
+        fields.setMinute(get(UCAL_MINUTE));
+        fields.setSecond(get(UCAL_SECOND));
+        fields.setWeekday(get(UCAL_DAY_OF_WEEK));
+        fields.setWeekOfMonth(get(UCAL_WEEK_OF_MONTH));
+        fields.setWeekOfYear(get(UCAL_WEEK_OF_YEAR));
+        fields.setYearForWeekOfYear(get(UCAL_YEAR_WOY));
+        return fields;
+    }
+    std::uint64_t weeksInMonth() {
+        return static_cast<std::uint64_t>(calendar_.getActualMaximum(UCAL_WEEK_OF_MONTH, status_));
+    }
+
+  private:
+    std::int64_t get(UCalendarDateFields field) { return calendar_.get(field, status_); }
+
+    UErrorCode status_ = U_ZERO_ERROR;
+    icu::GregorianCalendar calendar_;
+};
+
+TEST(NSCalendar, HasTheFieldsThatIcuHas) {
+    const testing::ScopedPlatform platform;
+    for (const std::int64_t firstWeekday : {1, 2, 7}) {
+        const auto calendar = make<NSCalendar>();
+        calendar->setTimeZone(NSTimeZone::timeZoneWithName("America/Santiago"));
+        calendar->setFirstWeekday(firstWeekday);
+        Icu icu(firstWeekday);
+        // Five days and a bit at a time around today, eighty through the years 1 to 9999.
+        for (std::int64_t utc = -62'135'500'000;
+             utc<253'402'200'000; utc += utc> 0 && utc < 4'000'000'000 ? 437'653 : 6'937'653) {
+            const auto date = NSDate::dateWithTimeIntervalSince1970(static_cast<double>(utc));
+            const auto fields = calendar->components(kEverything, date);
+            ASSERT_EQ(fields, icu.fields(utc + calendar->timeZone()->secondsFromGMTForDate(date))) << utc;
+            ASSERT_EQ(calendar->components(kEverything, calendar->dateFromComponents(fields)), fields) << utc;
+            ASSERT_EQ(calendar->rangeOfUnit(NSCalendarUnitWeekOfMonth, NSCalendarUnitMonth, date).length,
+                      icu.weeksInMonth())
+                << utc;
+        }
+    }
+}
+
+TEST(NSCalendar, TakesItsFirstWeekdayFromTheLocale) {
+    testing::ScopedPlatform platform;
+    const struct {
+        const char* locale;
+        std::int64_t first;
+    } rows[] = {{"en_US", 1}, {"de_DE", 2}, {"ar_EG", 7}, {"pt_BR", 1},
+                {"en_GB", 2}, {"fa_IR", 7}, {"eo", 2}};
+    const auto calendar = make<NSCalendar>();
+    for (const auto& row : rows) {
+        calendar->setLocale(NSLocale::localeWithLocaleIdentifier(row.locale));
+        EXPECT_EQ(calendar->firstWeekday(), row.first) << row.locale;
+        platform.locale().setLocale(row.locale);
+        EXPECT_EQ(make<NSCalendar>()->firstWeekday(), row.first) << row.locale;
+    }
+    for (const std::int64_t none : {0, 8, -1}) calendar->setFirstWeekday(none);
+    EXPECT_EQ(calendar->firstWeekday(), 2);
+    EXPECT_EQ(NSCalendar::initWithCalendarIdentifier("buddhist"), nullptr);
+    EXPECT_EQ(NSCalendar::initWithCalendarIdentifier(std::nullopt), nullptr);
+}
+
+TEST(NSCalendar, KnowsWhereUnitsBegin) {
+    const testing::ScopedPlatform platform;
+    const struct {
+        const char* zone;
+        NSCalendarUnit unit;
+        double at, start, length;
+    } rows[] = {
+        {"UTC", NSCalendarUnitYear, 1'709'210'096, 1'704'067'200, 366 * 86'400},
+        {"UTC", NSCalendarUnitMonth, 1'709'210'096, 1'706'745'600, 29 * 86'400},
+        {"UTC", NSCalendarUnitYearForWeekOfYear, 1'735'560'000, 1'735'430'400,
+         52 * 7 * 86'400},  // 2024-12-30
+        {"Europe/Berlin", NSCalendarUnitDay, 1'711'880'000, 1'711'839'600, 23 * 3600},
+        {"Europe/Berlin", NSCalendarUnitHour, 1'729'991'100, 1'729'990'800, 3600},  // 02:05, the second time
+        {"America/Santiago", NSCalendarUnitDay, 1'725'800'000, 1'725'768'000, 23 * 3600},     // from 01:00 on
+        {"America/Toronto", NSCalendarUnitDay, -1'601'740'800, -1'601'753'400, 23.5 * 3600},  // from 00:30 on
+        {"Australia/Lord_Howe", NSCalendarUnitHour, 1'728'143'400, 1'728'142'200,
+         3600},  // 02:50, begun at 02:30
+    };
+    for (const auto& row : rows) {
+        const auto calendar = make<NSCalendar>();
+        calendar->setTimeZone(NSTimeZone::timeZoneWithName(row.zone));
+        NSDate start = NSDate::dateWithTimeIntervalSince1970(0);
+        double length = 0;
+        EXPECT_TRUE(
+            calendar->rangeOfUnit(row.unit, &start, &length, NSDate::dateWithTimeIntervalSince1970(row.at)));
+        EXPECT_EQ(start.timeIntervalSince1970(), row.start) << row.zone << " " << row.unit;
+        EXPECT_EQ(length, row.length) << row.zone << " " << row.unit;
+    }
+    EXPECT_FALSE(make<NSCalendar>()->rangeOfUnit(3, nullptr, nullptr, NSDate::date()));
+}
+
+TEST(NSCalendar, CountsSeveralUnitsFromTheLargestOn) {
+    const testing::ScopedPlatform platform;
+    const auto calendar = make<NSCalendar>();
+    calendar->setTimeZone(NSTimeZone::timeZoneWithName("Europe/Berlin"));
+    const auto from = NSDate::dateWithTimeIntervalSince1970(1'706'694'300);  // 2024-01-31 10:45
+    const auto to = NSDate::dateWithTimeIntervalSince1970(1'743'933'600);    // 2025-04-06 12:00
+    auto difference = calendar->components(4 | 8 | 16 | 32 | 64, from, to);
+    NSDateComponents want;
+    for (const auto& [unit, value] : {std::pair{4, 1}, {8, 2}, {16, 6}, {32, 1}, {64, 15}}) {
+        want.setValueForComponent(value, static_cast<NSCalendarUnit>(unit));
+    }
+    EXPECT_EQ(difference, want);
+    EXPECT_EQ(calendar->dateByAddingComponents(difference, from), to);
+    EXPECT_EQ(calendar->components(16, from, std::nullopt), NSDateComponents());
+}
+
+}  // namespace
+}  // namespace kx
