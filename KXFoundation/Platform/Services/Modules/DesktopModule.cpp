@@ -1,6 +1,8 @@
 #include <KXFoundation/Platform/Runtime/Module.h>
 #include <KXFoundation/Platform/Services/DesktopModule.h>
 
+#include "DesktopServices.h"
+
 namespace kx {
 
 namespace {
@@ -10,7 +12,7 @@ constexpr DesktopModule kModule{
     .biometrics = nullptr,
     .clockFormat = nullptr,
     .opener = nullptr,
-    .secrets = nullptr,
+    .secrets = &kDesktopSecrets,
 };
 
 }  // namespace

@@ -1,0 +1,10 @@
+#pragma once
+
+#include <KXFoundation/Platform/Services/DesktopModule.h>
+
+/// The tables that the module hands out, each made in the file of its name.
+namespace kx {
+
+extern const DesktopSecrets kDesktopSecrets;
+
+}  // namespace kx
