@@ -78,9 +78,9 @@ Result<std::string> SecretServiceKeychain::copy(const KeychainItem& item) {
     const auto take = [](void* into, const void* bytes, std::size_t size) {
         static_cast<std::string*>(into)->assign(static_cast<const char*>(bytes), size);
     };
-    auto done = outcome(
-        secrets_.copy(busAddress_.c_str(), &secret, timeoutMilliseconds_, take, &data, &found), found);
-    if (!done) return std::move(done).error();
+    const DesktopReply reply =
+        secrets_.copy(busAddress_.c_str(), &secret, timeoutMilliseconds_, take, &data, &found);
+    if (auto done = outcome(reply, found); !done) return std::move(done).error();
     return data;
 }
 
