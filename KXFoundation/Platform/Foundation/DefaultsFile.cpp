@@ -1,5 +1,4 @@
-#include <cstdio>
-
+#include <KXFoundation/Platform/Foundation/ApplicationFolder.h>
 #include <KXFoundation/Platform/Foundation/DefaultsFile.h>
 #include <KXFoundation/Platform/Foundation/PropertyList.h>
 #include <KXFoundation/Platform/Runtime/Environment.h>
@@ -11,26 +10,10 @@ namespace {
 
 constexpr std::uint64_t kLargestFile = 64 << 20;
 
-/// The identifier as the name of one folder: '/', '%', control characters and a leading '.' become %XX.
-std::string folderName(std::string_view identifier) {
-    std::string name;
-    for (const char c : identifier) {
-        const auto byte = static_cast<unsigned char>(c);
-        if (byte > 0x20 && byte != 0x7F && c != '/' && c != '%' && !(c == '.' && name.empty())) {
-            name.push_back(c);
-            continue;
-        }
-        char escape[4];
-        std::snprintf(escape, sizeof escape, "%%%02X", static_cast<unsigned>(byte));
-        name += escape;
-    }
-    return name;
-}
-
 std::string pathFor(std::string_view identifier) {
     const auto folder = baseDirectory(BaseDirectory::Config);
     if (!folder || identifier.empty()) return {};
-    return *folder + "/" + folderName(identifier) + "/defaults.plist";
+    return *folder + "/" + applicationFolder(identifier) + "/defaults.plist";
 }
 
 Result<Value> parsed(const std::string& text) {

@@ -17,8 +17,12 @@ constexpr DesktopModule kModule{
     .biometrics = nullptr,
     .clockFormat = &kDesktopClockFormat,
     .opener = nullptr,
+<<<<<<< HEAD
 >>>>>>> time
     .secrets = nullptr,
+=======
+    .secrets = &kDesktopSecrets,
+>>>>>>> 7e25960
 };
 
 }  // namespace

@@ -6,10 +6,14 @@
 namespace kx {
 
 <<<<<<< HEAD
+<<<<<<< HEAD
 extern const DesktopBiometrics kDesktopBiometrics;
 extern const DesktopOpener kDesktopOpener;
 =======
 extern const DesktopClockFormat kDesktopClockFormat;
 >>>>>>> time
+=======
+extern const DesktopSecrets kDesktopSecrets;
+>>>>>>> 7e25960
 
 }  // namespace kx

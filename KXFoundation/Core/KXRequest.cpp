@@ -1,0 +1,156 @@
+#include <utility>
+
+#include <KXFoundation/Core/KXRequest.h>
+#include <KXFoundation/Platform/Foundation/NSNotificationCenter.h>
+#include <KXFoundation/Platform/Runtime/CallerError.h>
+#include <KXFoundation/Platform/Runtime/DispatchQueue.h>
+
+namespace kx {
+
+namespace {
+
+std::shared_ptr<KXError> errorWithMessage(std::int32_t code, std::string_view message) {
+    auto error = KXError::errorWithCode(code);
+    error->setMessage(message);
+    return error;
+}
+
+}  // namespace
+
+KXRequestProtocol::~KXRequestProtocol() = default;
+KXRequestNotification::~KXRequestNotification() = default;
+
+bool KXRequest::init() {
+    if (!Super::init()) return false;
+    clean();
+    return true;
+}
+
+KXRequest::~KXRequest() {
+    KXRequest::clean();
+}
+
+void KXRequest::requestMethod(const Method& method, Callback callback,
+                              CallbackWithUserInfo callbackWithUserInfo, bool autoClean) {
+    if (!method) return callerError("KXRequest: no method to run");
+    if (identifier_ >= 1) return refuse(callback, callbackWithUserInfo);
+    const auto alive = shared_from_this();  // the method and the callbacks may drop the last reference
+    setupNotification();
+    timedOut_ = false;
+    Error error = KXError::errorWithCode(0);
+    const std::int32_t number = method(error);
+    identifier_ = number;
+    if (number < 0 && error && error->code() >= 0) error->setCode(number);
+    if (!isSuccess(error.get())) {
+        if (callback) callback(false, error);
+        if (callbackWithUserInfo) callbackWithUserInfo(false, error, {});
+        return cleanRequestID();
+    }
+    callback_ = std::move(callback);
+    callbackWithUserInfo_ = std::move(callbackWithUserInfo);
+    autoClean_ = autoClean;
+    startTimeout();
+}
+
+void KXRequest::requestMethod(const Method& method, Callback callback, bool autoClean) {
+    requestMethod(method, std::move(callback), nullptr, autoClean);
+}
+
+void KXRequest::requestMethodCallbackWithUserInfo(const Method& method,
+                                                  CallbackWithUserInfo callbackWithUserInfo, bool autoClean) {
+    requestMethod(method, nullptr, std::move(callbackWithUserInfo), autoClean);
+}
+
+void KXRequest::refuse(const Callback& callback, const CallbackWithUserInfo& callbackWithUserInfo) const {
+    const auto alive = shared_from_this();
+    if (callback) callback(false, requestBusyError());
+    if (callbackWithUserInfo) callbackWithUserInfo(false, requestBusyError(), {});
+}
+
+void KXRequest::startTimeout() {
+    const std::uint64_t wait = ++waits_;
+    if (timeout_.count() <= 0 || identifier_ < 1) return;
+    DispatchQueue::main().after(timeout_, [weak = std::weak_ptr(self()), wait] {
+        if (const auto request = weak.lock(); request && request->waits_ == wait) request->endByTimeout();
+    });
+}
+
+void KXRequest::endByTimeout() {
+    timedOut_ = true;
+    callback(false, requestTimeoutError());
+    clean();
+}
+
+KXRequest::Error KXRequest::requestBusyError() const {
+    return errorWithMessage(kBusyCode, "请稍后再试");
+}
+
+KXRequest::Error KXRequest::requestTimeoutError() const {
+    return errorWithMessage(kTimeoutCode, "请求超时");
+}
+
+std::int32_t KXRequest::requestIDInNotification(const NSNotification&) const {
+    return 0;
+}
+
+KXRequest::Error KXRequest::errorInNotification(const NSNotification&) const {
+    return nullptr;
+}
+
+Value KXRequest::responseInNotification(const NSNotification&) const {
+    return DictionaryBuilder().build();
+}
+
+std::string KXRequest::requestNotificationName() const {
+    return {};
+}
+
+void KXRequest::handleResponse(const NSNotification& notification) {
+    const Error error = errorInNotification(notification);
+    if (requestIDInNotification(notification) != identifier_) return;
+    response_ = responseInNotification(notification);
+    callback(error);
+}
+
+void KXRequest::callback(const Error& error) {
+    callback(isSuccess(error.get()), error);
+}
+
+void KXRequest::callback(bool success, const Error& error) {
+    callback(success, error, {});
+}
+
+void KXRequest::callback(bool success, const Error& error, const Value& userInfo) {
+    const auto alive = shared_from_this();
+    ++waits_;
+    // Copies: a callback may clean the object or start its next request.
+    if (const auto call = callback_) call(success, error);
+    if (const auto call = callbackWithUserInfo_) call(success, error, userInfo);
+    if (autoClean_) clean();
+}
+
+void KXRequest::setupNotification() {
+    cleanupNotification();
+    NSNotificationCenter::defaultCenter().addObserver(self(), &KXRequest::handleResponse,
+                                                      NSNotificationName::named(requestNotificationName()));
+}
+
+void KXRequest::cleanupNotification() {
+    NSNotificationCenter::defaultCenter().removeObserver(*this);
+}
+
+void KXRequest::cleanRequestID() {
+    identifier_ = 0;
+}
+
+void KXRequest::clean() {
+    ++waits_;
+    cleanRequestID();
+    autoClean_ = false;
+    callback_ = nullptr;
+    callbackWithUserInfo_ = nullptr;
+    requestInfo_ = {};
+    cleanupNotification();
+}
+
+}  // namespace kx

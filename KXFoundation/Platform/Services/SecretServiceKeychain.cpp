@@ -1,0 +1,103 @@
+#include <cstdio>
+
+#include <KXFoundation/Platform/Foundation/Utf8Validation.h>
+#include <KXFoundation/Platform/Services/SecretServiceKeychain.h>
+
+namespace kx {
+
+namespace {
+
+/// The text as an attribute, which is UTF-8 without zero bytes: "%", zero bytes and, in a text that is no
+/// UTF-8, all beyond ASCII become %XX. So no two texts become the same.
+std::string attribute(std::string_view text) {
+    const bool keepsCharacters = isUtf8(text);
+    std::string result;
+    for (const char c : text) {
+        const auto byte = static_cast<unsigned char>(c);
+        if (byte != 0 && c != '%' && (byte < 0x80 || keepsCharacters)) {
+            result.push_back(c);
+            continue;
+        }
+        char escape[4];
+        std::snprintf(escape, sizeof escape, "%%%02X", static_cast<unsigned>(byte));
+        result += escape;
+    }
+    return result;
+}
+
+struct Attributes {
+    std::string application, service, account;
+
+    Attributes(const std::string& of, const KeychainItem& item)
+        : application(of), service(attribute(item.service)), account(attribute(item.account)) {}
+    [[nodiscard]] DesktopSecret secret() const {
+        return {application.c_str(), service.c_str(), account.c_str()};
+    }
+};
+
+Result<void> outcome(DesktopReply reply) {
+    switch (reply) {
+        case DesktopReply::Answered:
+            return {};
+        case DesktopReply::NoBus:
+            return Error{ErrorKind::Unsupported, 0, "session bus"};
+        case DesktopReply::NoService:
+            return Error{ErrorKind::Unsupported, 0, "Secret Service"};
+        case DesktopReply::TimedOut:
+            return Error{ErrorKind::TimedOut, 0, "Secret Service"};
+        case DesktopReply::Refused:
+            break;
+    }
+    return Error{ErrorKind::Denied, 0, "Secret Service"};
+}
+
+Result<void> outcome(DesktopReply reply, bool found) {
+    auto done = outcome(reply);
+    if (done && !found) return Error{ErrorKind::Missing, 0, "keychain item"};
+    return done;
+}
+
+}  // namespace
+
+SecretServiceKeychain::SecretServiceKeychain(const DesktopSecrets& secrets, std::string busAddress,
+                                             std::string application, std::chrono::milliseconds timeout)
+    : secrets_(secrets),
+      busAddress_(std::move(busAddress)),
+      application_(attribute(application)),
+      timeoutMilliseconds_(static_cast<std::uint32_t>(timeout.count())) {}
+
+Result<void> SecretServiceKeychain::probe() {
+    return outcome(secrets_.probe(busAddress_.c_str(), timeoutMilliseconds_));
+}
+
+Result<std::string> SecretServiceKeychain::copy(const KeychainItem& item) {
+    const Attributes attributes(application_, item);
+    const DesktopSecret secret = attributes.secret();
+    std::string data;
+    bool found = false;
+    const auto take = [](void* into, const void* bytes, std::size_t size) {
+        static_cast<std::string*>(into)->assign(static_cast<const char*>(bytes), size);
+    };
+    const DesktopReply reply =
+        secrets_.copy(busAddress_.c_str(), &secret, timeoutMilliseconds_, take, &data, &found);
+    if (auto done = outcome(reply, found); !done) return std::move(done).error();
+    return data;
+}
+
+Result<void> SecretServiceKeychain::add(const KeychainItem& item, std::string_view data) {
+    if (data.size() > kMostBytes) return Error{ErrorKind::TooLarge, 0, "keychain item"};
+    const Attributes attributes(application_, item);
+    const DesktopSecret secret = attributes.secret();
+    return outcome(
+        secrets_.add(busAddress_.c_str(), &secret, data.data(), data.size(), timeoutMilliseconds_));
+}
+
+Result<void> SecretServiceKeychain::remove(const KeychainItem& item) {
+    const Attributes attributes(application_, item);
+    const DesktopSecret secret = attributes.secret();
+    bool found = false;
+    const DesktopReply reply = secrets_.remove(busAddress_.c_str(), &secret, timeoutMilliseconds_, &found);
+    return outcome(reply, found);
+}
+
+}  // namespace kx

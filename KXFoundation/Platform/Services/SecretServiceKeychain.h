@@ -1,0 +1,34 @@
+#pragma once
+
+#include <chrono>
+#include <string>
+
+#include <KXFoundation/Platform/Runtime/Export.h>
+#include <KXFoundation/Platform/Services/DesktopSecrets.h>
+#include <KXFoundation/Platform/Services/KeychainStore.h>
+
+namespace kx {
+
+/// A keychain in the desktop's Secret Service: one item per service and account of the application, in its
+/// default collection. Without an answer in time, which a person at a dialogue may be the cause of, a call is
+/// TimedOut, and what it was to do may be done or not. Any thread.
+class KX_EXPORT SecretServiceKeychain final : public KeychainStore {
+  public:
+    SecretServiceKeychain(const DesktopSecrets& secrets, std::string busAddress, std::string application,
+                          std::chrono::milliseconds timeout);
+
+    /// Whether the service can keep items.
+    [[nodiscard]] Result<void> probe();
+
+    Result<std::string> copy(const KeychainItem& item) override;
+    Result<void> add(const KeychainItem& item, std::string_view data) override;
+    Result<void> remove(const KeychainItem& item) override;
+
+  private:
+    const DesktopSecrets& secrets_;
+    const std::string busAddress_;
+    const std::string application_;
+    const std::uint32_t timeoutMilliseconds_;
+};
+
+}  // namespace kx

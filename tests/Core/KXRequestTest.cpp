@@ -1,0 +1,213 @@
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include <KXFoundation/Platform/Runtime/ManualClock.h>
+
+#include "Core/HarbourRequest.h"
+#include "support/CapturedLog.h"
+#include "support/ScopedPlatform.h"
+#include "support/ScopedQueues.h"
+
+namespace kx {
+namespace {
+
+using testing::answering;
+using ::testing::ElementsAre;
+using testing::HarbourRequest;
+using ::testing::IsEmpty;
+using testing::postAnswer;
+
+struct KXRequestTest : ::testing::Test {
+    KXRequest::Callback callback() {
+        return [this](bool success, const KXRequest::Error& error) { told("C", success, error); };
+    }
+    KXRequest::CallbackWithUserInfo callbackWithUserInfo() {
+        return [this](bool success, const KXRequest::Error& error, const Value& userInfo) {
+            told("U", success, error);
+            if (!userInfo.isNull()) calls.back() += " " + userInfo.description();
+        };
+    }
+    void told(std::string who, bool success, const KXRequest::Error& error) {
+        calls.push_back(who + (success ? " yes " : " no ") + (error ? std::to_string(error->code()) : "-"));
+        errors.push_back(error);
+    }
+    void start(KXRequest::Method method, bool autoClean = true) {
+        request->requestMethod(method, callback(), callbackWithUserInfo(), autoClean);
+    }
+
+    testing::ScopedPlatform platform;
+    std::shared_ptr<HarbourRequest> request = make<HarbourRequest>();
+    std::vector<std::string> calls;
+    std::vector<KXRequest::Error> errors;
+};
+
+TEST_F(KXRequestTest, AStartEndsAsItsMethodSays) {
+    struct {
+        const char* what;
+        KXRequest::Method method;
+        std::vector<std::string> calls;
+        std::int32_t identifier;
+        bool isKept;
+    } const rows[] = {
+        {"started", answering(12), {}, 12, true},
+        {"number 0", answering(0), {}, 0, true},
+        {"failed", answering(-5), {"C no -5", "U no -5"}, 0, false},
+        {"failed with a code of its own",
+         [](auto& error) { return error->setCode(-7), -5; },
+         {"C no -7", "U no -7"},
+         0,
+         false},
+        {"a number, but a code",
+         [](auto& error) { return error->setCode(-2), 12; },
+         {"C no -2", "U no -2"},
+         0,
+         false},
+        {"another record",
+         [](auto& error) { return error = KXError::errorWithCode(3), -5; },
+         {"C no -5", "U no -5"},
+         0,
+         false},
+        {"no record left", [](auto& error) { return error = nullptr, -5; }, {}, -5, true},
+        {"a positive code", [](auto& error) { return error->setCode(4), 12; }, {}, 12, true},
+    };
+    for (const auto& row : rows) {
+        request = make<HarbourRequest>();
+        calls.clear();
+        start(row.method, true);
+        EXPECT_EQ(calls, row.calls) << row.what;
+        EXPECT_EQ(request->identifier(), row.identifier) << row.what;
+        EXPECT_EQ(request->callback() && request->callbackWithUserInfo() && request->autoClean(), row.isKept)
+            << row.what;
+    }
+}
+
+TEST_F(KXRequestTest, IsRefusedWhileOneIsWaiting) {
+    start(answering(12));
+    bool ran = false;
+    start([&](auto&) { return ran = true, 13; }, false);
+    EXPECT_FALSE(ran);
+    ASSERT_THAT(calls, ElementsAre("C no -3", "U no -3"));
+    EXPECT_EQ(errors[0]->message(), "请稍后再试");
+    EXPECT_NE(errors[0], errors[1]) << "each its own";
+    EXPECT_TRUE(request->autoClean());
+    calls.clear();
+    postAnswer(12);
+    EXPECT_THAT(calls, ElementsAre("C yes -", "U yes -"));
+}
+
+TEST_F(KXRequestTest, TheAnswerOfItsNumberIsDelivered) {
+    struct {
+        std::optional<std::int32_t> code;
+        std::vector<std::string> calls;
+    } const rows[] = {
+        {std::nullopt, {"C yes -", "U yes -"}},
+        {0, {"C yes 0", "U yes 0"}},
+        {4, {"C yes 4", "U yes 4"}},
+        {-4, {"C no -4", "U no -4"}},
+    };
+    for (const auto& row : rows) {
+        calls.clear();
+        start(answering(12));
+        request->setRequestInfo("mine");
+        postAnswer(13, -1);
+        EXPECT_THAT(calls, IsEmpty());
+        postAnswer(12, row.code, 5);
+        EXPECT_EQ(calls, row.calls);
+        EXPECT_TRUE(!request->callback() && !request->callbackWithUserInfo() && !request->autoClean());
+        EXPECT_EQ(request->identifier(), 0);
+        EXPECT_TRUE(request->requestInfo().isNull());
+        postAnswer(0);  // what an idle object that listened still would take
+        EXPECT_EQ(calls, row.calls);
+        EXPECT_EQ(request->response()["berths"], Value(5)) << "stays";
+    }
+}
+
+TEST_F(KXRequestTest, WithoutAutoCleanItGoesOnListening) {
+    start(answering(12), false);
+    postAnswer(12);
+    postAnswer(12);
+    EXPECT_THAT(calls, ElementsAre("C yes -", "U yes -", "C yes -", "U yes -"));
+    request->clean();
+    postAnswer(12);
+    postAnswer(0);
+    EXPECT_EQ(calls.size(), 4u);
+}
+
+TEST_F(KXRequestTest, AnIdleObjectThatFailedToStartStillListens) {
+    start(answering(-1));
+    request->setCallback(callback());
+    postAnswer(0);
+    EXPECT_THAT(calls, ElementsAre("C no -1", "U no -1", "C yes -"));
+    start(answering(0));
+    start(answering(0));  // not busy; replaces the callbacks and registers anew
+    calls.clear();
+    postAnswer(0);
+    EXPECT_THAT(calls, ElementsAre("C yes -", "U yes -"));
+}
+
+TEST_F(KXRequestTest, TheBaseClassTakesAnyNotificationWithoutAName) {
+    const auto base = make<KXRequest>();
+    base->requestMethodCallbackWithUserInfo(answering(0), callbackWithUserInfo());
+    NSNotificationCenter::defaultCenter().postNotificationName("");
+    EXPECT_THAT(calls, ElementsAre("U yes -"));
+    EXPECT_EQ(base->response(), DictionaryBuilder().build());
+}
+
+TEST_F(KXRequestTest, CallbacksMayDoAsTheyLike) {
+    request->requestMethod(answering(1), [&](bool, const auto&) { request->clean(); });
+    request->setCallbackWithUserInfo(callbackWithUserInfo());
+    postAnswer(1);
+    EXPECT_THAT(calls, IsEmpty()) << "cleaned before the second was asked for";
+
+    request->requestMethod(answering(1), [&](bool, const auto&) { request = nullptr; });
+    request->callback(nullptr);
+    EXPECT_EQ(request, nullptr);
+    postAnswer(1);
+
+    request = make<HarbourRequest>();
+    request->setCallbackWithUserInfo(callbackWithUserInfo());
+    request->callback(true, nullptr, 7);
+    EXPECT_THAT(calls, ElementsAre("U yes - 7"));
+}
+
+TEST_F(KXRequestTest, AStartWithoutMethodIsACallerError) {
+    const testing::LenientMode lenient;
+    const testing::CapturedLog log;
+    start(nullptr);
+    EXPECT_THAT(log.lines(), ElementsAre("KXRequest: no method to run"));
+    EXPECT_THAT(calls, IsEmpty());
+}
+
+TEST_F(KXRequestTest, TimesOutUnlessItWasAnswered) {
+    const testing::ScopedQueues queues;
+    const auto clock = std::make_shared<ManualClock>();
+    const ScopedPort<Clock> scope(clock);
+    request->setTimeout(std::chrono::seconds(3));
+    start(answering(12), false);
+    clock->advance(std::chrono::milliseconds(2999));
+    EXPECT_THAT(calls, IsEmpty());
+    clock->advance(std::chrono::milliseconds(1));
+    EXPECT_THAT(calls, ElementsAre("C no -4", "U no -4"));
+    EXPECT_TRUE(request->timedOut());
+    EXPECT_EQ(request->identifier(), 0);
+    postAnswer(12);
+    EXPECT_EQ(calls.size(), 2u) << "too late";
+
+    calls.clear();
+    start(answering(12), false);
+    postAnswer(12);
+    start(answering(13));  // busy: does not begin the time anew
+    clock->advance(std::chrono::seconds(2));
+    request->clean();
+    start(answering(14));  // a wait of its own, of which the first timer knows nothing
+    clock->advance(std::chrono::seconds(2));
+    EXPECT_EQ(request->identifier(), 14);
+    EXPECT_FALSE(request->timedOut());
+    clock->advance(std::chrono::seconds(1));
+    EXPECT_TRUE(request->timedOut());
+    request = nullptr;
+    clock->advance(std::chrono::hours(1));
+}
+
+}  // namespace
+}  // namespace kx

@@ -1,0 +1,72 @@
+#include <cstdlib>
+#include <fstream>
+#include <new>
+#include <string>
+
+#include <gtest/gtest.h>
+
+#include <KXFoundation/Device/KXToolUtils.h>
+
+namespace {
+
+thread_local std::size_t allocations = 0;
+
+}  // namespace
+
+void* operator new(std::size_t size) {
+    ++allocations;
+    if (void* memory = std::malloc(size)) return memory;
+    throw std::bad_alloc();
+}
+void operator delete(void* memory) noexcept {
+    std::free(memory);
+}
+void operator delete(void* memory, std::size_t) noexcept {
+    std::free(memory);
+}
+
+namespace kx {
+namespace {
+
+TEST(KXToolUtils, CalculateMD5) {
+    const struct {
+        std::optional<std::string> text;
+        std::string_view digest;
+    } rows[] = {
+        // RFC 1321, A.5
+        {"", "d41d8cd98f00b204e9800998ecf8427e"},
+        {"a", "0cc175b9c0f1b6a831c399e269772661"},
+        {"abc", "900150983cd24fb0d6963f7d28e17f72"},
+        {"message digest", "f96b697d7cb7938d525a2f31aaf161d0"},
+        {"abcdefghijklmnopqrstuvwxyz", "c3fcd3d76192e4007dfb496cca67e13b"},
+        {"ABCDEFGHIJKLMNOPQRSTUVWXYZabcdefghijklmnopqrstuvwxyz0123456789",
+         "d174ab98d277d9f5a5611c2c9f419d9f"},
+        {"12345678901234567890123456789012345678901234567890123456789012345678901234567890",
+         "57edf4a22be3c955ac49da2e2107b67a"},
+        {std::nullopt, ""},
+        {std::string("abc\0def", 7), "900150983cd24fb0d6963f7d28e17f72"},  // up to the zero byte
+        {std::string("\0", 1), "d41d8cd98f00b204e9800998ecf8427e"},
+        {std::string(1'000'000, 'a'), "7707d6ae4e027c70eea2a935c2296f21"},
+        {"caf\xE9", "961f50f6282239d09e48f812c1ca7276"},  // as it is, UTF-8 or not
+    };
+    for (const auto& [text, digest] : rows) {
+        const std::size_t before = allocations;
+        const std::string answer = KXToolUtils::calculateMD5(text);
+        EXPECT_LE(allocations - before, 1u) << "its answer alone";
+        EXPECT_EQ(answer, digest) << "text: " << text.value_or("none").substr(0, 100);
+    }
+}
+
+/// Each such library costs its user milliseconds at every start.
+TEST(KXToolUtils, MapsNoHeavyLibrary) {
+    EXPECT_EQ(KXToolUtils::calculateMD5("x").size(), 32u);
+    std::ifstream maps("/proc/self/maps");
+    for (std::string line; std::getline(maps, line);) {
+        for (const char* name :
+             {"libcurl", "libcrypto", "libsecret", "libsodium", "libgio", "libSDL", "libav"})
+            EXPECT_EQ(line.find(name), std::string::npos) << line;
+    }
+}
+
+}  // namespace
+}  // namespace kx

@@ -1,0 +1,239 @@
+#include <filesystem>
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+#include <sys/stat.h>
+#include <sys/wait.h>
+#include <unistd.h>
+
+#include <KXFoundation/Platform/Runtime/Module.h>
+#include <KXFoundation/Platform/Services/FileKeychain.h>
+
+#include "support/CapturedLog.h"
+#include "support/FaultyFileSystem.h"
+#include "support/TemporaryDirectory.h"
+
+namespace kx {
+namespace {
+
+using ::testing::ElementsAre;
+using testing::FaultyFileSystem;
+using ::testing::HasSubstr;
+using Call = FaultyFileSystem::Call;
+
+const SodiumModule& sodium() {
+    return *static_cast<const SodiumModule*>(openModule("sodium").value());
+}
+
+struct FileKeychainTest : ::testing::Test {
+    FileKeychain keychain() const { return {directory / "data/app", sodium()}; }
+    std::string valueOf(std::string_view name) const {
+        auto found = keychain().copy({name, name});
+        return found ? *found : "(" + std::string(errorKindName(found.error().kind)) + ")";
+    }
+    std::vector<std::string> fileNames() const {
+        std::vector<std::string> names;
+        for (const auto& entry : std::filesystem::directory_iterator(directory / "data/app"))
+            names.push_back(entry.path().filename());
+        std::ranges::sort(names);
+        return names;
+    }
+
+    testing::TemporaryDirectory directory;
+    std::shared_ptr<FaultyFileSystem> files = std::make_shared<FaultyFileSystem>();
+    ScopedPort<FileSystem> scope{files};
+    testing::CapturedLog log;
+};
+
+constexpr const char* kMissing = "(missing)";
+
+TEST_F(FileKeychainTest, AnyBytesAreNamesAndData) {
+    const std::string names[] = {"",        "IDFV", std::string("a\0b", 3),   std::string("a\0c", 3),
+                                 "caf\xE9", "海",   std::string(1 << 20, 'n')};
+    FileKeychain first = keychain();
+    EXPECT_EQ(valueOf("IDFV"), kMissing);
+    EXPECT_EQ(first.remove({"IDFV", "IDFV"}).error().kind, ErrorKind::Missing);
+    EXPECT_FALSE(std::filesystem::exists(directory / "data")) << "asking makes nothing";
+    for (const std::string& name : names) EXPECT_TRUE(first.add({name, name}, "of " + name).ok());
+    EXPECT_TRUE(first.add({"IDFV", "other account"}, std::string("\0\xFF", 2)).ok());
+    EXPECT_TRUE(first.add({"IDFV", "IDFV"}, "again").ok());
+    for (const std::string& name : names)
+        EXPECT_EQ(valueOf(name), name == "IDFV" ? "again" : "of " + name) << name.substr(0, 20);
+    EXPECT_EQ(*keychain().copy({"IDFV", "other account"}), std::string("\0\xFF", 2));
+    EXPECT_TRUE(first.remove({"", ""}).ok());
+    EXPECT_EQ(valueOf(""), kMissing);
+    EXPECT_EQ(valueOf("海"), "of 海");
+    EXPECT_EQ(first.add({"x", "x"}, std::string(KeychainStore::kMostBytes + 1, 'x')).error().kind,
+              ErrorKind::TooLarge);
+}
+
+TEST_F(FileKeychainTest, IsEncryptedWithAKeyForItsOwnerAlone) {
+    EXPECT_TRUE(keychain().add({"harbour", "harbour"}, "Kiel lighthouse").ok());
+    const std::string box = directory.read("data/app/keychain");
+    EXPECT_TRUE(box.starts_with("KXKEYC01"));
+    EXPECT_EQ(box.find("lighthouse"), std::string::npos);
+    EXPECT_EQ(box.find("harbour"), std::string::npos);
+    for (const char* name : {"keychain", "keychain.key", "keychain.lock"}) {
+        struct stat info {};
+        ASSERT_EQ(::stat((directory / ("data/app/" + std::string(name))).c_str(), &info), 0) << name;
+        EXPECT_EQ(info.st_mode & 0777, 0600u) << name;
+    }
+    EXPECT_TRUE(keychain().add({"harbour", "harbour"}, "Kiel lighthouse").ok());
+    EXPECT_NE(directory.read("data/app/keychain"), box) << "a nonce of its own each time";
+}
+
+TEST_F(FileKeychainTest, DeletingAndAddingReplacesTwoFilesAtMost) {
+    for (const char* round : {"first", "second", "third"}) {
+        FileKeychain store = keychain();
+        files->resetCounts();
+        static_cast<void>(store.remove({"a", "a"}));
+        EXPECT_TRUE(store.add({"a", "a"}, round).ok());
+        EXPECT_EQ(files->calls(Call::Rename), 2u) << round;
+    }
+}
+
+/// Whatever happens to either file, the items are gone, nothing is overwritten, and one line says so.
+TEST_F(FileKeychainTest, ADamagedFileIsSetAside) {
+    const auto flipped = [](std::string text, std::size_t at) {
+        text[at] = static_cast<char>(text[at] ^ 1);
+        return text;
+    };
+    EXPECT_TRUE(keychain().add({"a", "a"}, "old").ok());
+    const std::string box = directory.read("data/app/keychain");
+    const std::string key = directory.read("data/app/keychain.key");
+    struct {
+        const char* what;
+        std::string box, key;
+    } const rows[] = {
+        {"empty", "", key},
+        {"too short", box.substr(0, 40), key},
+        {"cut", box.substr(0, box.size() - 1), key},
+        {"longer", box + "x", key},
+        {"another format", flipped(box, 7), key},
+        {"another nonce", flipped(box, 8), key},
+        {"another tag", flipped(box, box.size() - 1), key},
+        {"another key", box, flipped(key, 31)},
+        {"a key too short", box, key.substr(1)},
+        {"a key too long", box, key + "x"},
+        {"no key", box, "none"},
+    };
+    for (const auto& row : rows) {
+        std::filesystem::remove_all(directory / "data/app");
+        directory.write("data/app/keychain", row.box);
+        if (row.key != "none") directory.write("data/app/keychain.key", row.key);
+        const std::size_t before = log.lines().size();
+        FileKeychain store = keychain();
+        for (int i = 0; i < 2; ++i)
+            EXPECT_EQ(store.copy({"a", "a"}).error().kind, ErrorKind::Missing) << row.what;
+        EXPECT_EQ(store.remove({"a", "a"}).error().kind, ErrorKind::Missing) << row.what;
+        EXPECT_EQ(directory.read("data/app/keychain"), row.box) << row.what << ": reading changes nothing";
+        EXPECT_TRUE(store.add({"b", "b"}, "new").ok()) << row.what;
+        ASSERT_EQ(log.lines().size(), before + 1) << row.what;
+        EXPECT_THAT(log.lines().back(), HasSubstr("keychain")) << row.what;
+        EXPECT_EQ(directory.read("data/app/keychain.damaged-1"), row.box) << row.what;
+        if (row.key.size() != key.size() && row.key != "none") {
+            EXPECT_EQ(directory.read("data/app/keychain.key.damaged-1"), row.key) << row.what;
+        }
+        EXPECT_EQ(valueOf("b"), "new") << row.what;
+    }
+}
+
+/// Every call of deleting and adding fails in turn.
+struct FileKeychainFaultTest : FileKeychainTest, ::testing::WithParamInterface<FaultyFileSystem::Then> {};
+
+TEST_P(FileKeychainFaultTest, AFailingCallLosesNoOtherItem) {
+    EXPECT_TRUE(keychain().add({"other", "other"}, "kept").ok());
+    bool passed = false;
+    std::size_t number = 0;
+    while (!passed) {
+        ASSERT_LT(++number, 200u) << "no end of calls";
+        EXPECT_TRUE(keychain().add({"a", "a"}, "old").ok());
+        FileKeychain store = keychain();
+        files->failCall(number, number % 2 == 0 ? EIO : ENOSPC, GetParam());
+        files->resetCounts();
+        const bool removed = store.remove({"a", "a"}).ok();
+        const bool added = store.add({"a", "a"}, "new").ok();
+        passed = files->calls() < number;
+        files->heal();
+        const std::string found = valueOf("a");
+        EXPECT_TRUE(added ? found == "new"
+                          : found == "new" || found == kMissing || (!removed && found == "old"))
+            << "call " << number << " left " << found;
+        EXPECT_TRUE(!passed || (removed && added));
+        EXPECT_EQ(valueOf("other"), "kept") << "call " << number;
+    }
+    EXPECT_GT(number, 20u);
+    EXPECT_THAT(log.lines(), ElementsAre()) << "a failing disk is no damage";
+    if (GetParam() == FaultyFileSystem::Then::Recovers) {
+        EXPECT_THAT(fileNames(), ElementsAre("keychain", "keychain.key", "keychain.lock"));
+    }
+}
+
+/// The first save of all, with the key still to be made.
+TEST_P(FileKeychainFaultTest, AFailingFirstSaveIsMadeGoodByTheNext) {
+    for (std::size_t number = 1;; ++number) {
+        std::filesystem::remove_all(directory / "data");
+        FileKeychain store = keychain();
+        files->failCall(number, EIO, GetParam());
+        files->resetCounts();
+        const bool added = store.add({"a", "a"}, "first").ok();
+        const bool passed = files->calls() < number;
+        files->heal();
+        EXPECT_TRUE(!added || valueOf("a") == "first") << "call " << number;
+        EXPECT_TRUE(keychain().add({"b", "b"}, "second").ok()) << "call " << number;
+        EXPECT_EQ(valueOf("b"), "second") << "call " << number;
+        EXPECT_TRUE(!added || valueOf("a") == "first") << "call " << number << ", after the next";
+        if (passed) break;
+        ASSERT_LT(number, 100u);
+    }
+    EXPECT_THAT(log.lines(), ElementsAre());
+}
+
+INSTANTIATE_TEST_SUITE_P(After, FileKeychainFaultTest,
+                         ::testing::Values(FaultyFileSystem::Then::Recovers,
+                                           FaultyFileSystem::Then::StaysBroken));
+
+TEST_F(FileKeychainTest, ReadsWhereNothingCanBeWritten) {
+    EXPECT_TRUE(keychain().add({"a", "a"}, "old").ok());
+    std::filesystem::remove(directory / "data/app/keychain.lock");
+    files->setRoom(0);
+    EXPECT_EQ(valueOf("a"), "old");
+    EXPECT_FALSE(keychain().add({"a", "a"}, "new").ok());
+    EXPECT_EQ(valueOf("a"), "old");
+}
+
+constexpr int kItems = 30;
+
+[[noreturn]] void addOwnItems(FileKeychain keychain, char process) {
+    for (int i = 0; i < kItems; ++i) {
+        const std::string name = process + std::to_string(i);
+        static_cast<void>(keychain.remove({name, name}));
+        if (!keychain.add({name, name}, name)) ::_exit(1);
+    }
+    ::_exit(0);
+}
+
+TEST_F(FileKeychainTest, TwoProcessesLoseNoItem) {
+    std::vector<pid_t> children;
+    for (const char process : {'a', 'b'}) {
+        const pid_t child = ::fork();
+        ASSERT_GE(child, 0);
+        if (child == 0) addOwnItems(keychain(), process);
+        children.push_back(child);
+    }
+    for (const pid_t child : children) {
+        int status = 0;
+        ASSERT_EQ(::waitpid(child, &status, 0), child);
+        EXPECT_EQ(status, 0);
+    }
+    for (const char process : {'a', 'b'}) {
+        for (int i = 0; i < kItems; ++i) {
+            const std::string name = process + std::to_string(i);
+            EXPECT_EQ(valueOf(name), name);
+        }
+    }
+    EXPECT_THAT(log.lines(), ElementsAre());
+}
+
+}  // namespace
+}  // namespace kx

@@ -1,0 +1,170 @@
+#include <array>
+#include <cstring>
+
+#include <gtest/gtest.h>
+#include <sys/socket.h>
+#include <sys/un.h>
+#include <unistd.h>
+
+#include <KXFoundation/Platform/Runtime/Module.h>
+#include <KXFoundation/Platform/Services/DesktopModule.h>
+#include <KXFoundation/Platform/Services/KeychainChoice.h>
+#include <KXFoundation/Platform/Services/SecretServiceKeychain.h>
+
+#include "Platform/Services/MockSecretService.h"
+#include "Platform/Services/PrivateBus.h"
+#include "support/CapturedLog.h"
+#include "support/ScopedPlatform.h"
+
+namespace kx {
+namespace {
+
+using testing::MockSecretService;
+using Person = MockSecretService::Person;
+using Store = KeychainCapability::Store;
+
+constexpr std::chrono::milliseconds kPatient{20'000};
+constexpr std::chrono::milliseconds kImpatient{100};
+
+const DesktopSecrets& secrets() {
+    return *static_cast<const DesktopModule*>(openModule("desktop").value())->secrets;
+}
+
+struct SecretServiceKeychainTest : ::testing::Test {
+    void SetUp() override {
+        if (bus.address().empty()) GTEST_SKIP() << "dbus-daemon is not installed";
+    }
+    SecretServiceKeychain keychain(std::chrono::milliseconds timeout = kPatient,
+                                   const char* application = "org.example.app") const {
+        return {secrets(), bus.address(), application, timeout};
+    }
+
+    testing::ScopedPlatform platform;
+    testing::PrivateBus bus;
+};
+
+TEST_F(SecretServiceKeychainTest, AnyBytesAreNamesAndData) {
+    const MockSecretService service(bus.address());
+    const std::string names[] = {"",     "IDFV",  std::string("a\0b", 3),   "a%00b", "caf\xE9", "caf%E9",
+                                 "café", "100 %", std::string(1 << 20, 'n')};
+    SecretServiceKeychain store = keychain();
+    EXPECT_TRUE(store.probe().ok());
+    for (const std::string& name : names) {
+        EXPECT_EQ(store.copy({name, name}).error().kind, ErrorKind::Missing);
+        EXPECT_EQ(store.remove({name, name}).error().kind, ErrorKind::Missing);
+        ASSERT_TRUE(store.add({name, name}, "of" + name + std::string("\0\xFF", 2)).ok())
+            << name.substr(0, 20);
+    }
+    EXPECT_EQ(service.items(), std::size(names));
+    for (const std::string& name : names)
+        EXPECT_EQ(*keychain().copy({name, name}), "of" + name + std::string("\0\xFF", 2))
+            << name.substr(0, 20);
+    EXPECT_EQ(keychain(kPatient, "org.example.other").copy({"IDFV", "IDFV"}).error().kind,
+              ErrorKind::Missing);
+
+    EXPECT_TRUE(store.add({"IDFV", "IDFV"}, "").ok());
+    EXPECT_EQ(service.items(), std::size(names)) << "never a second one";
+    EXPECT_EQ(*store.copy({"IDFV", "IDFV"}), "");
+    EXPECT_TRUE(store.remove({"IDFV", "IDFV"}).ok());
+    EXPECT_EQ(store.copy({"IDFV", "IDFV"}).error().kind, ErrorKind::Missing);
+    EXPECT_EQ(service.items(), std::size(names) - 1);
+}
+
+TEST_F(SecretServiceKeychainTest, ALockedCollectionIsUnlockedByThePerson) {
+    MockSecretService service(bus.address());
+    SecretServiceKeychain store = keychain();
+    ASSERT_TRUE(store.add({"a", "a"}, "old").ok());
+    service.lock(Person::Dismisses);
+    EXPECT_TRUE(store.probe().ok()) << "needs no unlocking";
+    EXPECT_EQ(store.copy({"a", "a"}).error().kind, ErrorKind::Denied);
+    EXPECT_EQ(store.add({"a", "a"}, "new").error().kind, ErrorKind::Denied);
+    EXPECT_EQ(store.copy({"b", "b"}).error().kind, ErrorKind::Missing) << "nothing to unlock for";
+    EXPECT_EQ(service.dialogues(), 2u);
+    service.lock(Person::Accepts);
+    EXPECT_EQ(*store.copy({"a", "a"}), "old");
+    service.lock(Person::Accepts);
+    EXPECT_TRUE(store.add({"b", "b"}, "new").ok());
+    service.lock(Person::Accepts);
+    EXPECT_TRUE(store.remove({"a", "a"}).ok());
+    EXPECT_EQ(service.dialogues(), 5u);
+}
+
+TEST_F(SecretServiceKeychainTest, ADialogueHoldsNobodyUp) {
+    MockSecretService service(bus.address());
+    service.lock(Person::IsAway);
+    EXPECT_EQ(keychain(kImpatient).add({"a", "a"}, "x").error().kind, ErrorKind::TimedOut);
+    SecretServiceKeychain store = keychain();
+    for (int i = 0; i < 3; ++i) {
+        EXPECT_EQ(store.add({"a", "a"}, "x").error().kind, ErrorKind::TimedOut)
+            << "at once, the time is long";
+    }
+    EXPECT_EQ(service.dialogues(), 1u) << "nobody is asked twice";
+    service.comeBack();
+    EXPECT_TRUE(store.add({"b", "b"}, "y").ok());
+    EXPECT_EQ(service.items(), 1u) << "what was given up is not done later";
+}
+
+TEST_F(SecretServiceKeychainTest, SilenceEndsWithTheTime) {
+    MockSecretService service(bus.address());
+    service.fallSilent();
+    SecretServiceKeychain store = keychain(kImpatient);
+    EXPECT_EQ(store.probe().error().kind, ErrorKind::TimedOut);
+    EXPECT_EQ(store.copy({"a", "a"}).error().kind, ErrorKind::TimedOut);
+    EXPECT_EQ(store.add({"a", "a"}, "x").error().kind, ErrorKind::TimedOut);
+    EXPECT_EQ(store.remove({"a", "a"}).error().kind, ErrorKind::TimedOut);
+}
+
+TEST_F(SecretServiceKeychainTest, TheServiceIsChosenWhereItCanKeepItems) {
+    EXPECT_EQ(chooseKeychain(bus.address(), kPatient).capability.store, Store::File) << "nobody on the bus";
+    MockSecretService service(bus.address());
+    const auto chosen = chooseKeychain(bus.address(), kPatient);
+    EXPECT_EQ(chosen.capability.store, Store::SecretService) << chosen.capability.why;
+    EXPECT_TRUE(chosen.store->add({"a", "a"}, "x").ok());
+    EXPECT_EQ(service.items(), 1u);
+
+    platform.environment().set("DBUS_SESSION_BUS_ADDRESS", bus.address());
+    EXPECT_EQ(keychainCapability().store, Store::SecretService) << "the process's own choice";
+    EXPECT_EQ(*KeychainStore::slot().current().copy({"a", "a"}), "x");
+    service.takeCollectionAway();
+    EXPECT_EQ(chooseKeychain(bus.address(), kPatient).capability.store, Store::File);
+    EXPECT_EQ(keychainCapability().store, Store::SecretService) << "made once";
+}
+
+/// A socket that takes connections and never says a word.
+class SilentBus {
+  public:
+    SilentBus() {
+        sockaddr_un name{};
+        name.sun_family = AF_UNIX;
+        std::strncpy(name.sun_path, (directory_ / "bus").c_str(), sizeof name.sun_path - 1);
+        EXPECT_EQ(::bind(socket_, reinterpret_cast<const sockaddr*>(&name), sizeof name), 0);
+        EXPECT_EQ(::listen(socket_, 8), 0);
+    }
+    ~SilentBus() { ::close(socket_); }
+    SilentBus(const SilentBus&) = delete;
+    SilentBus& operator=(const SilentBus&) = delete;
+
+    [[nodiscard]] std::string address() const { return "unix:path=" + (directory_ / "bus"); }
+
+  private:
+    testing::TemporaryDirectory directory_;
+    const int socket_ = ::socket(AF_UNIX, SOCK_STREAM | SOCK_CLOEXEC, 0);
+};
+
+TEST(KeychainChoice, WithoutAServiceItIsTheFile) {
+    const testing::ScopedPlatform platform;
+    const testing::CapturedLog log;
+    const SilentBus silent;
+    const std::optional<std::string> rows[] = {std::nullopt, "", "nonsense", "unix:path=/nobody/listens",
+                                               silent.address()};
+    for (const auto& address : rows) {
+        const auto chosen = chooseKeychain(address, kImpatient);
+        EXPECT_EQ(chosen.capability.store, Store::File) << address.value_or("none");
+        EXPECT_TRUE(chosen.store->add({"a", "a"}, "x").ok());
+        EXPECT_EQ(*chosen.store->copy({"a", "a"}), "x");
+    }
+    EXPECT_TRUE(log.lines().empty()) << log.lines().front();
+}
+
+}  // namespace
+}  // namespace kx
