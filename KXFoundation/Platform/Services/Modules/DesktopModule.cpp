@@ -9,20 +9,10 @@ namespace {
 
 constexpr DesktopModule kModule{
     .version = DesktopModule::kVersion,
-<<<<<<< HEAD
     .biometrics = &kDesktopBiometrics,
-    .clockFormat = nullptr,
-    .opener = &kDesktopOpener,
-=======
-    .biometrics = nullptr,
     .clockFormat = &kDesktopClockFormat,
-    .opener = nullptr,
-<<<<<<< HEAD
->>>>>>> time
-    .secrets = nullptr,
-=======
+    .opener = &kDesktopOpener,
     .secrets = &kDesktopSecrets,
->>>>>>> 7e25960
 };
 
 }  // namespace
