@@ -35,7 +35,7 @@ if(TARGET KXFoundationUI)
 endif()
 
 install(DIRECTORY KXFoundation/ DESTINATION ${CMAKE_INSTALL_INCLUDEDIR}/KXFoundation
-  COMPONENT Foundation FILES_MATCHING PATTERN "*.h")
+  COMPONENT Foundation FILES_MATCHING PATTERN "*.h" PATTERN "Modules" EXCLUDE)
 install(FILES ${PROJECT_BINARY_DIR}/include/KXFoundation/Version.h
   DESTINATION ${CMAKE_INSTALL_INCLUDEDIR}/KXFoundation COMPONENT Foundation)
 

@@ -118,7 +118,7 @@ def upward_includes(tree):
 def foreign_includes(tree):
     for file, names in tree.includes.items():
         platform = file.startswith("Platform/")
-        if platform and file.endswith(".cpp"):
+        if platform and (file.endswith(".cpp") or "/Modules/" in file):  # a module's own headers are not installed
             continue
         known = STANDARD | POSIX_TYPES if platform else STANDARD
         for name in names:
