@@ -138,6 +138,7 @@ std::size_t DispatchQueue::unfinished() const {
 void DispatchQueue::runAndWait(const Block& block) {
     if (isCurrent()) return callerError("queue " + label_ + ": sync called on the queue itself");
     if (thread_ == Thread::Main) return runAndWaitOnMain(block);
+    const auto held = shared_from_this();  // the block may drop the last reference
     struct Turn {
         explicit Turn(DispatchQueue& q) : queue(q) { queue.waitForTurn(); }
         ~Turn() { queue.finishOne(); }

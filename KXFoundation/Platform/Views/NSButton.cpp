@@ -88,6 +88,7 @@ bool pressesButtons(const NSEvent& event) {
 
 void NSButton::keyDown(const NSEvent& event) {
     if (!pressesButtons(event) || !isEnabled()) return Super::keyDown(event);
+    if (event.isARepeat && !pressedByKey_) return;  // the key went down elsewhere
     pressedByKey_ = true;
     setHighlighted(true);
 }

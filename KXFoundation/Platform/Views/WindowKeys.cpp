@@ -26,7 +26,12 @@ void collectKeyViews(const std::shared_ptr<NSView>& view, std::vector<std::share
 std::shared_ptr<NSResponder> NSWindow::firstResponder() const {
     const auto responder = firstResponder_.lock();
     const auto* view = dynamic_cast<const NSView*>(responder.get());
-    return view && view->window().get() != this ? nullptr : responder;
+    if (!view) return responder;
+    for (auto above = responder; above; above = above->nextResponder()) {
+        const auto* part = dynamic_cast<const NSView*>(above.get());
+        if (part && (part->isHidden() || part->alphaValue() <= 0)) return nullptr;
+    }
+    return view->window().get() == this ? responder : nullptr;
 }
 
 bool NSWindow::makeFirstResponder(const std::shared_ptr<NSResponder>& given) {

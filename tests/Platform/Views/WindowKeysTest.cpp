@@ -49,6 +49,10 @@ TEST_F(WindowKeys, TabGoesRoundTheViewsThatTakeKeys) {
     buttons[0]->setHidden(true);
     press("\t");
     EXPECT_EQ(focused(), "c") << "the only one left";
+    buttons[2]->setHidden(true);
+    EXPECT_EQ(focused(), "none") << "nobody sees it";
+    buttons[2]->setHidden(false);
+    EXPECT_EQ(focused(), "c");
     buttons[2]->removeFromSuperview();
     EXPECT_EQ(focused(), "none") << "it has left the window";
 }
