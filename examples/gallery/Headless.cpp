@@ -6,6 +6,7 @@
 #include <fstream>
 
 #include <KXFoundation/Localization/KXLocalizationUtils.h>
+#include <KXFoundation/Platform/Runtime/Executor.h>
 #include <KXFoundation/Platform/Views/OffscreenSurface.h>
 
 #include "Gallery.h"
@@ -24,7 +25,7 @@ class TemporarySettings {
     TemporarySettings() {
         std::string path = (std::filesystem::temp_directory_path() / "kx-gallery-XXXXXX").string();
         if (mkdtemp(path.data())) path_ = path;
-        setenv("XDG_CONFIG_HOME", path_.c_str(), 1);
+        for (const char* folder : {"XDG_CONFIG_HOME", "XDG_DATA_HOME"}) setenv(folder, path_.c_str(), 1);
     }
     ~TemporarySettings() {
         std::error_code ignored;
@@ -40,6 +41,8 @@ class TemporarySettings {
 bool writePicture(NSWindow& window, const std::string& path) {
     const auto surface = std::dynamic_pointer_cast<OffscreenSurface>(window.surface());
     if (!surface) return false;
+    window.displayIfNeeded();
+    drainQueues();  // what the page began when it was shown
     window.displayIfNeeded();
     const auto png = surface->png();
     if (!png) return false;

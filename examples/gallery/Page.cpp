@@ -1,8 +1,10 @@
 #include "Page.h"
 
 #include "pages/ApplicationPage.h"
+#include "pages/KeychainPage.h"
 #include "pages/LanguagePage.h"
 #include "pages/ObjectsPage.h"
+#include "pages/RequestsPage.h"
 
 namespace gallery {
 
@@ -17,6 +19,8 @@ constexpr PageEntry kPages[] = {
     {"language", "page.language", makePage<LanguagePage>},
     {"objects", "page.objects", makePage<ObjectsPage>},
     {"application", "page.application", makePage<ApplicationPage>},
+    {"requests", "page.requests", makePage<RequestsPage>},
+    {"keychain", "page.keychain", makePage<KeychainPage>},
 };
 
 }  // namespace
