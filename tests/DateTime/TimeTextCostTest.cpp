@@ -1,32 +1,10 @@
-#include <cstdlib>
-#include <new>
-
 #include <gtest/gtest.h>
 
 #include <KXFoundation/DateTime/KXDateUtils.h>
 
+#include "support/CountedAllocations.h"
 #include "support/InjectedClockFormat.h"
 #include "support/ScopedPlatform.h"
-
-namespace {
-thread_local std::size_t allocations = 0;
-}
-
-// Libraries ask for memory this way too; what deletes it is below.
-void* operator new(std::size_t size, const std::nothrow_t&) noexcept {
-    return std::malloc(size ? size : 1);
-}
-void* operator new(std::size_t size) {
-    ++allocations;
-    if (void* memory = std::malloc(size ? size : 1)) return memory;
-    throw std::bad_alloc();
-}
-void operator delete(void* memory) noexcept {
-    std::free(memory);
-}
-void operator delete(void* memory, std::size_t) noexcept {
-    std::free(memory);
-}
 
 namespace kx {
 namespace {
@@ -50,10 +28,12 @@ TEST(TimeTextCost, AllocatesNothingBeyondItsAnswer) {
         (void)dates->convertMinutesToTimeString(0, false, false);
         (void)dates->convertMinutesToTimeString(0, true, true);
         (void)dates->convertMinutesToTimeString(0, true, false);
-        const std::size_t before = allocations;
-        const auto byFlags = dates->convertMinutesToTimeString(845, true, false);
-        const auto bySettings = dates->convertMinutesToTimeString(845);
-        EXPECT_EQ(allocations - before, 2 * row.perText) << row.locale;
+        std::optional<std::string> byFlags, bySettings;
+        const std::size_t allocations = testing::allocationsOf([&] {
+            byFlags = dates->convertMinutesToTimeString(845, true, false);
+            bySettings = dates->convertMinutesToTimeString(845);
+        });
+        EXPECT_EQ(allocations, 2 * row.perText) << row.locale;
         EXPECT_EQ(byFlags, bySettings) << row.locale;
     }
 }

@@ -1,32 +1,10 @@
-#include <cstdlib>
-#include <new>
-
 #include <gtest/gtest.h>
 
 #include <KXFoundation/Localization/KXLocalizationUtils.h>
 
 #include "Localization/ApplicationRun.h"
+#include "support/CountedAllocations.h"
 #include "support/FaultyFileSystem.h"
-
-namespace {
-thread_local std::size_t allocations = 0;
-}
-
-// Libraries ask for memory this way too (std::stable_sort does); what deletes it is below.
-void* operator new(std::size_t size, const std::nothrow_t&) noexcept {
-    return std::malloc(size ? size : 1);
-}
-void* operator new(std::size_t size) {
-    ++allocations;
-    if (void* memory = std::malloc(size ? size : 1)) return memory;
-    throw std::bad_alloc();
-}
-void operator delete(void* memory) noexcept {
-    std::free(memory);
-}
-void operator delete(void* memory, std::size_t) noexcept {
-    std::free(memory);
-}
 
 namespace kx {
 namespace {
@@ -42,9 +20,9 @@ struct Cost {
 Cost costOf(testing::FaultyFileSystem& files, std::string_view key) {
     for (int i = 0; i < 3; ++i) (void)KXLocalizationUtils::localizedStringForKey(key);
     const std::size_t callsBefore = files.calls();
-    const std::size_t before = allocations;
-    const auto text = KXLocalizationUtils::localizedStringForKey(key);
-    return {files.calls() - callsBefore, allocations - before};
+    const std::size_t allocations =
+        testing::allocationsOf([&] { (void)KXLocalizationUtils::localizedStringForKey(key); });
+    return {files.calls() - callsBefore, allocations};
 }
 
 TEST(LookupCost, AWarmLookupThatFollowsTheSystemCostsItsAnswer) {
