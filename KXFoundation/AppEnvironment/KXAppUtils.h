@@ -79,6 +79,9 @@ class KX_EXPORT KXAppUtils {
     static void openURLString(std::optional<std::string_view> address);
     static void openURL(const std::optional<NSURL>& address);
 
+    /// The instant that many seconds after 1970 began in UTC, in the system's time zone: English, in the
+    /// pattern's form (UTS #35). Empty where the instant is beyond what the calendar can hold.
+    [[nodiscard]] static std::string getTime(std::int64_t seconds, std::optional<std::string_view> format);
     /// A byte count in the largest unit of 1024 that it fills: 1500 gives "1.4K", cut to one digit; "0.0G"
     /// for 0. The units end with "G"; a count below 0 stays in "B".
     [[nodiscard]] static std::string getSpaceStringFromByteValue(std::int64_t bytes);

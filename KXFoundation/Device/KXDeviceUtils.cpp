@@ -38,6 +38,14 @@ std::string KXDeviceUtils::deviceModel() {
     return std::string(devices::modelName(hardwareIdentifier()));
 }
 
+std::string KXDeviceUtils::IDFV() {
+    constexpr std::string_view kKey = "IDFV";
+    auto stored = load<std::string>(kKey);
+    if (stored && !stored->empty()) return *std::move(stored);
+    save("", kKey);
+    return {};
+}
+
 std::string KXDeviceUtils::terminalMeta() {
     return contains(hardwareIdentifier(), kTablet) ? "4" : "0";
 }

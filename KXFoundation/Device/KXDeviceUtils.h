@@ -5,6 +5,7 @@
 #include <string>
 #include <string_view>
 
+#include <KXFoundation/Device/KXKeychainUtils.h>
 #include <KXFoundation/Platform/Runtime/Export.h>
 
 namespace kx {
@@ -16,14 +17,18 @@ class NSError;
 KX_EXPORT extern std::string_view KXFoundationTorchErrorDomain;     ///< "KXFoundationTorchErrorDomain"
 KX_EXPORT extern std::int64_t KXFoundationUnsupportTorchErrorCode;  ///< -1
 
-/// The device that the application runs on, and its torch. No instances; any thread.
-class KX_EXPORT KXDeviceUtils {
+/// The device that the application runs on, its torch, and the application's items in the keychain. No
+/// instances; any thread.
+class KX_EXPORT KXDeviceUtils : public KXKeychainUtils {
   public:
     KXDeviceUtils() = delete;
 
     /// The name under which the device is sold ("iPhone X"); the kernel's name of the hardware if it is not
     /// in the table (DeviceModels.h). A 64-bit PC is "iPhone Simulator".
     [[nodiscard]] static std::string deviceModel();
+    /// The text that the application keeps in the keychain under "IDFV", the device's identifier; without one
+    /// an empty text, which is stored there then. The library makes no identifier itself.
+    [[nodiscard]] static std::string IDFV();
     /// "4" on a tablet, "0" on everything else.
     [[nodiscard]] static std::string terminalMeta();
     /// Always false.

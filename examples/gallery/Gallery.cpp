@@ -67,7 +67,9 @@ Gallery::Gallery()
 bool Gallery::show(std::string_view page) {
     const auto found = std::ranges::find(pages(), page, &PageEntry::name);
     if (found == pages().end()) return false;
-    chosen_ = static_cast<std::size_t>(found - pages().begin());
+    const auto index = static_cast<std::size_t>(found - pages().begin());
+    if (page_ && index == chosen_) return true;
+    chosen_ = index;
     page_ = nullptr;
     rebuild();
     return true;

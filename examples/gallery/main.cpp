@@ -16,18 +16,29 @@ int usage() {
     return 2;
 }
 
+/// Looked at before a display is tried, so that it stays at one line.
+bool namesDisplay() {
+    const auto isSet = [](const char* name) {
+        const char* value = std::getenv(name);
+        return value && *value;
+    };
+    return isSet("DISPLAY") || isSet("WAYLAND_DISPLAY");
+}
+
+int withoutDisplay() {
+    std::fputs("gallery: there is no display; --headless DIRECTORY draws the pages into pictures\n", stderr);
+    return 1;
+}
+
 int runInWindow(const std::string& page) {
+    if (!namesDisplay()) return withoutDisplay();
     gallery::Gallery gallery;
     if (!page.empty() && !gallery.show(page)) {
         std::fprintf(stderr, "gallery: there is no page \"%s\"\n", page.c_str());
         return 1;
     }
     gallery.window()->makeKeyAndOrderFront();
-    if (!gallery.window()->surface()) {
-        std::fputs("gallery: there is no display; --headless DIRECTORY draws the pages into pictures\n",
-                   stderr);
-        return 1;
-    }
+    if (!gallery.window()->surface()) return withoutDisplay();
     kx::NSApplication::sharedApplication()->run();
     return 0;
 }

@@ -1,3 +1,4 @@
+#include <limits>
 #include <set>
 
 #include <gtest/gtest.h>
@@ -9,6 +10,7 @@
 #include <KXFoundation/Platform/Foundation/NSURL.h>
 #include <KXFoundation/Platform/Services/Workspace.h>
 
+#include "support/InjectedTimeZone.h"
 #include "support/ScopedLanguageState.h"
 #include "support/ScopedPlatform.h"
 
@@ -92,6 +94,27 @@ TEST(StoreLinks, AddressesGoToTheDesktop) {
                   "?id=4711&pageNumber=0&sortOrdering=2&type=Purple+Software&mt=8",
                   "itms-apps://store.example/app/id4711",
                   "itms-apps://store.example/app/id1%26mt%3D9%20%C3%A9", "mailto:a@example.org"}));
+}
+
+TEST(TimeText, IsEnglishInTheSystemsZone) {
+    const struct {
+        const char* zone;
+        std::int64_t seconds;
+        std::optional<std::string_view> format;
+        std::string_view want;
+    } rows[] = {
+        {"Asia/Tokyo", 0, "yyyy", "1970"},
+        {"America/New_York", 0, "yyyy", "1969"},
+        {"Asia/Tokyo", 1'700'000'000, "EEEE d MMMM yyyy h:mm a", "Wednesday 15 November 2023 7:13 AM"},
+        {"Asia/Tokyo", 0, std::nullopt, ""},
+        {"Asia/Tokyo", std::numeric_limits<std::int64_t>::max(), "yyyy", ""},
+    };
+    for (const auto& row : rows) {
+        testing::ScopedPlatform platform;
+        const ScopedPort<TimeZoneSettings> zone(std::make_shared<testing::InjectedTimeZone>(row.zone));
+        platform.locale().setLocale("fa_IR");
+        EXPECT_EQ(KXAppUtils::getTime(row.seconds, row.format), row.want) << row.zone << " " << row.seconds;
+    }
 }
 
 TEST(SizeText, CutsToOneDigitOfTheLargestUnit) {

@@ -3,6 +3,7 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include <KXFoundation/Device/KXDeviceUtils.h>
 #include <KXFoundation/Device/KXKeychainUtils.h>
 #include <KXFoundation/Platform/Foundation/NSCoder.h>
 #include <KXFoundation/Platform/Foundation/NSException.h>
@@ -45,6 +46,15 @@ struct KXKeychainUtilsTest : ::testing::Test {
     ScopedPort<FileSystem> scope{files};
     testing::CapturedLog log;
 };
+
+TEST_F(KXKeychainUtilsTest, TheDeviceIdentifierIsTheApplicationsToGive) {
+    EXPECT_EQ(KXDeviceUtils::IDFV(), "");
+    EXPECT_EQ(KXKeychainUtils::load<std::string>("IDFV"), "") << "what was missing is stored";
+    KXDeviceUtils::save("a-1", "IDFV");
+    EXPECT_EQ(KXDeviceUtils::IDFV(), "a-1");
+    KXDeviceUtils::save(7, "IDFV");
+    EXPECT_EQ(KXDeviceUtils::IDFV(), "") << "no text";
+}
 
 TEST_F(KXKeychainUtilsTest, TheQueryNamesTheKeyTwice) {
     EXPECT_EQ(KXKeychainUtils::getKeychainQuery("IDFV"),

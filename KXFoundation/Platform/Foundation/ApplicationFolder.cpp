@@ -1,22 +1,14 @@
-#include <cstdio>
-
 #include <KXFoundation/Platform/Foundation/ApplicationFolder.h>
+#include <KXFoundation/Platform/Foundation/PercentEncoding.h>
 
 namespace kx {
 
 std::string applicationFolder(std::string_view identifier) {
-    std::string name;
-    for (const char c : identifier) {
+    return percentEncoded(identifier, [isFirst = true](char c) mutable {
         const auto byte = static_cast<unsigned char>(c);
-        if (byte > 0x20 && byte != 0x7F && c != '/' && c != '%' && !(c == '.' && name.empty())) {
-            name.push_back(c);
-            continue;
-        }
-        char escape[4];
-        std::snprintf(escape, sizeof escape, "%%%02X", static_cast<unsigned>(byte));
-        name += escape;
-    }
-    return name;
+        const bool hides = std::exchange(isFirst, false) && c == '.';
+        return byte > 0x20 && byte != 0x7F && c != '/' && c != '%' && !hides;
+    });
 }
 
 }  // namespace kx

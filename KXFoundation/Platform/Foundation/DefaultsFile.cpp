@@ -68,15 +68,7 @@ Result<void> DefaultsFile::apply(const Changes& changes) {
 }
 
 Result<std::unique_ptr<File>> DefaultsFile::lock() {
-    const std::string path = path_ + ".lock";
-    auto file = files_->open(path, FileSystem::Mode::ReadWrite);
-    if (!file && file.error().kind == ErrorKind::Missing) {
-        if (auto made = makeDirectories(*files_, directoryOf(path)); !made) return std::move(made).error();
-        file = files_->open(path, FileSystem::Mode::ReadWrite);
-    }
-    if (!file) return file;
-    if (auto held = (*file)->lock(File::Lock::Exclusive); !held) return std::move(held).error();
-    return file;
+    return lockFile(*files_, path_ + ".lock", File::Lock::Exclusive);
 }
 
 /// Reads the file if it is another than the one last seen. A missing one leaves what is known: nothing is

@@ -59,7 +59,8 @@ class KX_EXPORT NSNotificationCenter {
 
     /// Calls `callback(*observer, notification)` or `callback(*observer)`, a member function or any function,
     /// for each notification of the name, and of the sender `object` alone if one is given. The observer is
-    /// held weakly, its registrations end with it at the latest. Each registration calls once.
+    /// held weakly, its registrations end with it at the latest (what the callback holds may go later, with
+    /// the next changes to the name's observers). Each registration calls once.
     ///
     ///     centre.addObserver(self(), &KXToastView::dismissWithoutAnimation, name);
     template <std::derived_from<NSObject> T, class Callback>

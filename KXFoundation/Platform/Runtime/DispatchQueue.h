@@ -19,8 +19,9 @@
 namespace kx {
 
 /// Runs blocks in the order of their coming, as many at a time as its width allows: a serial queue one, the
-/// shared background queue any number, the main queue those of the main thread's turn (see EventLoop). Any
-/// thread.
+/// shared background queue as many as there are processors, four at least, the main queue those of the main
+/// thread's turn (see EventLoop). A block that waits by the library's own means gives its thread to others
+/// meanwhile; one that waits otherwise keeps it. Any thread.
 ///
 /// An exception leaves sync() towards its caller; one that leaves an asynchronous block ends the process.
 /// Blocks that have not begun when the process exits never run.

@@ -25,6 +25,17 @@ Result<std::string> readFile(FileSystem& files, const std::string& path, std::ui
     return contents;
 }
 
+Result<std::unique_ptr<File>> lockFile(FileSystem& files, const std::string& path, File::Lock kind) {
+    auto file = files.open(path, FileSystem::Mode::ReadWrite);
+    if (!file && file.error().kind == ErrorKind::Missing) {
+        if (auto made = makeDirectories(files, directoryOf(path)); !made) return std::move(made).error();
+        file = files.open(path, FileSystem::Mode::ReadWrite);
+    }
+    if (!file) return file;
+    if (auto held = (*file)->lock(kind); !held) return std::move(held).error();
+    return file;
+}
+
 Result<void> replaceFile(FileSystem& files, const std::string& path, std::string_view contents) {
     static std::atomic<unsigned> counter{0};
     const std::string temporary =

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <chrono>
 #include <cstddef>
 #include <cstdint>
 #include <memory>
@@ -28,8 +29,10 @@ class KX_EXPORT File {
     /// Waits until the contents (and the size) would survive a power cut.
     virtual Result<void> sync() = 0;
 
+    static constexpr std::chrono::seconds kLongestLock{10};
     enum class Lock : std::uint8_t { Shared, Exclusive };
-    /// Waits for an advisory lock on the whole file, across processes; given back when the file is closed.
+    /// Takes an advisory lock on the whole file, across processes; given back when the file is closed. Busy
+    /// if another holds it for kLongestLock, as a stopped process does.
     virtual Result<void> lock(Lock kind) = 0;
 };
 
@@ -75,6 +78,9 @@ KX_EXPORT Result<std::string> readFile(FileSystem& files, const std::string& pat
 /// Replaces a file so that a kill or power cut at any instant leaves the old or the new contents: a temporary
 /// file beside it, sync, rename, sync of the directory. The temporary file is removed on failure.
 KX_EXPORT Result<void> replaceFile(FileSystem& files, const std::string& path, std::string_view contents);
+
+/// Opens the file, made with its directories if missing, and locks it: held as long as the answer lives.
+KX_EXPORT Result<std::unique_ptr<File>> lockFile(FileSystem& files, const std::string& path, File::Lock kind);
 
 /// Makes the directory and those above it.
 KX_EXPORT Result<void> makeDirectories(FileSystem& files, const std::string& path);

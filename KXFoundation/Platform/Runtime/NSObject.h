@@ -63,10 +63,10 @@ class KX_EXPORT NSObject : public std::enable_shared_from_this<NSObject> {
   protected:
     NSObject() = default;
 
-    /// The object itself, shared; from the initialiser on.
+    /// The object itself, shared; from the initialiser on. None once its last reference is gone.
     template <class T>
     [[nodiscard]] std::shared_ptr<T> self(T*) {
-        return std::static_pointer_cast<T>(shared_from_this());
+        return std::static_pointer_cast<T>(weak_from_this().lock());
     }
 
   private:

@@ -1,5 +1,8 @@
+#include <algorithm>
 #include <cerrno>
+#include <chrono>
 #include <cstdio>
+#include <thread>
 
 #include <dirent.h>
 #include <fcntl.h>
@@ -28,6 +31,8 @@ auto untilUninterrupted(Call call) {
     while (answer < 0 && errno == EINTR) answer = call();
     return answer;
 }
+
+constexpr std::chrono::microseconds kLongestSleep{2000};
 
 class PosixFile final : public File {
   public:
@@ -73,8 +78,17 @@ class PosixFile final : public File {
     Result<void> sync() override { return done(::fdatasync(descriptor_), path_); }
 
     Result<void> lock(Lock kind) override {
-        const int operation = kind == Lock::Shared ? LOCK_SH : LOCK_EX;
-        return done(untilUninterrupted([&] { return ::flock(descriptor_, operation); }), path_);
+        using Clock = std::chrono::steady_clock;
+        const int operation = (kind == Lock::Shared ? LOCK_SH : LOCK_EX) | LOCK_NB;
+        const auto end = Clock::now() + kLongestLock;
+        // flock() knows no time-out. Whoever holds the lock is done within milliseconds, so the sleeps begin
+        // short.
+        for (auto sleep = std::chrono::microseconds(50);; sleep = std::min(2 * sleep, kLongestSleep)) {
+            if (untilUninterrupted([&] { return ::flock(descriptor_, operation); }) == 0) return {};
+            if (errno != EWOULDBLOCK) return failed(path_);
+            if (Clock::now() >= end) return Error{ErrorKind::Busy, EWOULDBLOCK, path_};
+            std::this_thread::sleep_for(sleep);
+        }
     }
 
   private:

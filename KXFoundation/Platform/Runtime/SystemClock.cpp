@@ -1,8 +1,10 @@
 #include <map>
+#include <system_error>
 #include <thread>
 #include <utility>
 
 #include <KXFoundation/Platform/Runtime/EventLoop.h>
+#include <KXFoundation/Platform/Runtime/Log.h>
 #include <KXFoundation/Platform/Runtime/Mutex.h>
 #include <KXFoundation/Platform/Runtime/SystemClock.h>
 
@@ -37,6 +39,14 @@ void SystemClock::Timers::serve() {
     }
 }
 
+void SystemClock::start(const std::shared_ptr<Timers>& timers) {
+    try {
+        timers->thread = std::thread([timers] { timers->serve(); });
+    } catch (const std::system_error& error) {  // the next timer tries again
+        logError("SystemClock", Error::fromErrno(error.code().value(), "a thread for timers"));
+    }
+}
+
 SystemClock::SystemClock() : timers_(std::make_shared<Timers>()) {}
 
 SystemClock::~SystemClock() {
@@ -64,7 +74,7 @@ void SystemClock::runAt(std::chrono::nanoseconds deadline, TimerThread thread, s
     if (thread == TimerThread::Main) return EventLoop::main().runAt(deadline, std::move(action));
     const MutexLock lock(timers_->mutex);
     const auto placed = timers_->actions.emplace(deadline, std::move(action));
-    if (!timers_->thread.joinable()) timers_->thread = std::thread([timers = timers_] { timers->serve(); });
+    if (!timers_->thread.joinable()) start(timers_);
     if (placed == timers_->actions.begin()) timers_->changed.notifyOne();
 }
 

@@ -7,7 +7,7 @@ namespace {
 using Probe = Capability (*)(Patience);
 
 constexpr Probe kProbes[] = {
-    probeDisplay, probeFonts, probeBus, probePortal, probeCurl, probeTorch, probeBiometrics,
+    probeDisplay, probeFonts, probeBus, probePortal, probeKeyring, probeCurl, probeTorch, probeBiometrics,
 };
 
 }  // namespace

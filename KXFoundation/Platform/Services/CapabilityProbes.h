@@ -18,6 +18,8 @@ Capability probeFonts(Patience patience);
 Capability probeBus(Patience patience);
 /// Whether the desktop portal opens addresses; else which program does.
 Capability probePortal(Patience patience);
+/// Where keychain items are kept.
+Capability probeKeyring(Patience patience);
 /// Whether HTTPS can be spoken, and by what.
 Capability probeCurl(Patience patience);
 /// Whether there is a torch that this user may switch.

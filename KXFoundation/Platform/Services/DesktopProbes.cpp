@@ -7,6 +7,7 @@
 #include <KXFoundation/Platform/Services/CapabilityProbes.h>
 #include <KXFoundation/Platform/Services/DesktopModule.h>
 #include <KXFoundation/Platform/Services/DesktopOpener.h>
+#include <KXFoundation/Platform/Services/KeychainChoice.h>
 #include <KXFoundation/Platform/Services/StartedProgram.h>
 
 namespace kx {
@@ -64,6 +65,14 @@ Capability probeBus(Patience patience) {
     if (!opener.table) return {"bus", false, opener.lack};
     const DesktopReply reply = opener.table->reachBus(opener.bus.c_str(), milliseconds(patience));
     return {"bus", reply == DesktopReply::Answered, opener.bus + ": " + reasonFor(reply)};
+}
+
+/// The keychain's own choice, which it makes once and in its own time.
+Capability probeKeyring(Patience) {
+    using Store = KeychainCapability::Store;
+    const KeychainCapability chosen = keychainCapability();
+    if (chosen.store == Store::File) return {"keyring", true, "an encrypted file: " + chosen.why};
+    return {"keyring", chosen.store != Store::None, chosen.why};
 }
 
 Capability probePortal(Patience patience) {

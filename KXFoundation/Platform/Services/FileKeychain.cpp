@@ -72,15 +72,7 @@ Result<void> FileKeychain::remove(const KeychainItem& item) {
 }
 
 Result<std::unique_ptr<File>> FileKeychain::lock(File::Lock kind) {
-    const std::string path = path_ + ".lock";
-    auto file = files_->open(path, FileSystem::Mode::ReadWrite);
-    if (!file && file.error().kind == ErrorKind::Missing) {
-        if (auto made = makeDirectories(*files_, directoryOf(path)); !made) return std::move(made).error();
-        file = files_->open(path, FileSystem::Mode::ReadWrite);
-    }
-    if (!file) return file;
-    if (auto held = (*file)->lock(kind); !held) return std::move(held).error();
-    return file;
+    return lockFile(*files_, path_ + ".lock", kind);
 }
 
 /// The box first: whoever makes one has made its key before.

@@ -1,5 +1,6 @@
 #include <cstdio>
 
+#include <KXFoundation/Platform/Foundation/PercentEncoding.h>
 #include <KXFoundation/Platform/Foundation/Utf8Validation.h>
 #include <KXFoundation/Platform/Services/SecretServiceKeychain.h>
 
@@ -11,18 +12,9 @@ namespace {
 /// UTF-8, all beyond ASCII become %XX. So no two texts become the same.
 std::string attribute(std::string_view text) {
     const bool keepsCharacters = isUtf8(text);
-    std::string result;
-    for (const char c : text) {
-        const auto byte = static_cast<unsigned char>(c);
-        if (byte != 0 && c != '%' && (byte < 0x80 || keepsCharacters)) {
-            result.push_back(c);
-            continue;
-        }
-        char escape[4];
-        std::snprintf(escape, sizeof escape, "%%%02X", static_cast<unsigned>(byte));
-        result += escape;
-    }
-    return result;
+    return percentEncoded(text, [&](char c) {
+        return c != 0 && c != '%' && (static_cast<unsigned char>(c) < 0x80 || keepsCharacters);
+    });
 }
 
 struct Attributes {

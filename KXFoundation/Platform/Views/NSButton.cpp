@@ -81,7 +81,7 @@ void NSButton::mouseUp(const NSEvent& event) {
 namespace {
 
 bool pressesButtons(const NSEvent& event) {
-    return event.characters == " " || event.characters == "\r";
+    return (event.characters == " " || event.characters == "\r") && !isCommand(event);
 }
 
 }  // namespace
@@ -99,13 +99,21 @@ void NSButton::keyUp(const NSEvent& event) {
     performClick();
 }
 
+/// What was pressed in one window is not let go in another.
+void NSButton::viewWillMoveToWindow(const std::shared_ptr<NSWindow>& window) {
+    tracking_ = pressedByKey_ = false;
+    setHighlighted(false);
+    Super::viewWillMoveToWindow(window);
+}
+
 bool NSButton::resignFirstResponder() {
     if (std::exchange(pressedByKey_, false)) setHighlighted(false);
     return Super::resignFirstResponder();
 }
 
 bool NSButton::performKeyEquivalent(const NSEvent& event) {
-    if (!default_ || event.characters != "\r" || !isEnabled()) return Super::performKeyEquivalent(event);
+    if (!default_ || event.characters != "\r" || isCommand(event) || !isEnabled())
+        return Super::performKeyEquivalent(event);
     if (!event.isARepeat) performClick();
     return true;
 }

@@ -43,6 +43,7 @@ class KX_EXPORT NSButton : public Subclass<NSButton, NSControl> {
     void mouseUp(const NSEvent& event) override;
     [[nodiscard]] bool acceptsFirstResponder() const override { return isEnabled(); }
     bool resignFirstResponder() override;
+    void viewWillMoveToWindow(const std::shared_ptr<NSWindow>& window) override;
     void keyDown(const NSEvent& event) override;
     void keyUp(const NSEvent& event) override;
     /// Enter, for the default button.

@@ -28,4 +28,11 @@ struct NSEvent {
     std::string characters{};  ///< what the key types; "\r", "\t" and " " for Enter, Tab and Space
 };
 
+/// Whether the key is held with one that makes a command of it, rather than typed.
+[[nodiscard]] inline bool isCommand(const NSEvent& event) {
+    using enum NSEventModifierFlags;
+    return contains(event.modifierFlags, Control) || contains(event.modifierFlags, Option) ||
+           contains(event.modifierFlags, Command);
+}
+
 }  // namespace kx

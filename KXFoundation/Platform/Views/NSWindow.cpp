@@ -44,7 +44,10 @@ NSWindow::~NSWindow() {
 
 void NSWindow::setFrame(NSRect frame) {
     frame_ = usable(frame);
-    if (surface_) surface_->setFrame(frame_);
+    if (const auto surface = surface_) {
+        surface->setFrame(frame_);
+        takeSizeFromSurface();  // it may have taken another one
+    }
     fitContentView();
 }
 

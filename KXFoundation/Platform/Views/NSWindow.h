@@ -104,6 +104,7 @@ class KX_EXPORT NSWindow : public Subclass<NSWindow, NSResponder> {
     void sendKey(void (NSResponder::*handler)(const NSEvent&), const NSEvent& event);
     void selectKeyView(int step);
     void showFocus(bool shown);
+    void wakeLoop() const;
 
     NSRect frame_ = kDefaultFrame;
     std::string title_;

@@ -1,4 +1,5 @@
 #include <algorithm>
+#include <chrono>
 #include <string>
 #include <utility>
 
@@ -61,6 +62,7 @@ class NativeSurface final : public WindowSurface {
     NSSize size_;
     WindowSystem::Handler handler_;
     bool isPressed_ = false;
+    WindowModuleEvent key_;  // the last one, which typed the text that follows
 };
 
 namespace {
@@ -103,6 +105,7 @@ void NativeSurface::tookMouse(NSEventType type, const WindowModuleEvent& event) 
 }
 
 void NativeSurface::tookKey(NSEventType type, const WindowModuleEvent& event) {
+    key_ = event;
     std::string characters = charactersOf(event.key, type);
     if (characters.empty()) return;
     const auto handler = handler_;
@@ -128,7 +131,10 @@ void NativeSurface::took(const WindowModuleEvent& event) {
         case WindowEventType::KeyUp:
             return tookKey(NSEventType::KeyUp, event);
         case WindowEventType::Text:
-            return handler(NSEvent{.type = NSEventType::KeyDown, .characters = event.text});
+            return handler(NSEvent{.type = NSEventType::KeyDown,
+                                   .modifierFlags = modifiersOf(key_),
+                                   .isARepeat = key_.isRepeat,
+                                   .characters = event.text});
         case WindowEventType::Resized:
             size_ = {event.width, event.height};
             return handler(SurfaceResized());
@@ -195,8 +201,30 @@ void NativeWindowSystem::takeEvents() {
 
 void NativeWindowSystem::dispatch(const WindowModuleEvent& event) {
     if (event.type == WindowEventType::Quit) return closeAll();
+    followHeldKey(event);
     const auto found = surfaces_.find(event.window);  // a window may be gone while its events still come
     if (found != surfaces_.end()) found->second->took(event);
+}
+
+/// On Wayland nobody tells of a held key's repeats: the module makes them, as often as it is asked for
+/// events.
+void NativeWindowSystem::followHeldKey(const WindowModuleEvent& event) {
+    using enum WindowEventType;
+    if (event.type == KeyUp || event.type == FocusLost) keyIsHeld_ = false;
+    if (event.type != KeyDown || std::string_view(module_->driver()) != "wayland") return;
+    keyIsHeld_ = true;
+    if (!std::exchange(turnsForKey_, true)) turnForHeldKey();
+}
+
+/// Every turn of the loop asks for events before it waits.
+void NativeWindowSystem::turnForHeldKey() {
+    constexpr std::chrono::milliseconds kBetweenTurns{25};
+    turnsForKey_ = keyIsHeld_;
+    if (!keyIsHeld_) return;
+    EventLoop::main().runAt(std::chrono::steady_clock::now().time_since_epoch() + kBetweenTurns,
+                            [system = weak_from_this()] {
+                                if (const auto held = system.lock()) held->turnForHeldKey();
+                            });
 }
 
 void NativeWindowSystem::closeAll() {

@@ -31,11 +31,15 @@ class KX_EXPORT NativeWindowSystem final : public WindowSystem,
     void find();
     void takeEvents();
     void dispatch(const WindowModuleEvent& event);
+    void followHeldKey(const WindowModuleEvent& event);
+    void turnForHeldKey();
     void closeAll();
 
     const WindowModule* module_ = nullptr;
     bool tried_ = false;  // to open the module
     bool listens_ = false;
+    bool keyIsHeld_ = false;
+    bool turnsForKey_ = false;  // a timer is under way
     int beforeWait_ = 0;
     std::map<std::uint32_t, NativeSurface*> surfaces_;  // each takes itself out when it dies
 };

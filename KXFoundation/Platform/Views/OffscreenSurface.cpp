@@ -28,16 +28,16 @@ void OffscreenSurface::present(const NSBitmapImageRep& bitmap, std::span<const P
 void OffscreenSurface::setFrame(NSRect frame) {
     const bool resized = frame.size != frame_.size;
     frame_ = frame;
-    if (resized) handler_(SurfaceResized());
+    if (resized) send(SurfaceResized());
 }
 
 void OffscreenSurface::setScale(double scale) {
     scale_ = scale;
-    handler_(SurfaceResized());
+    send(SurfaceResized());
 }
 
 void OffscreenSurface::activate() {
-    handler_(SurfaceFocusChanged{true});
+    send(SurfaceFocusChanged{true});
 }
 
 void OffscreenSurface::click(NSPoint point) {

@@ -145,8 +145,9 @@ void NSView::didChangeWindow() {
 
 void NSView::setNeedsLayout() {
     if (!allowsChange()) return;
-    needsLayout_ = true;
+    const bool isNews = !std::exchange(needsLayout_, true);
     markLayoutUpwards();
+    if (const NSWindow* window = rootWindow(); window && isNews) window->wakeLoop();
 }
 
 void NSView::markLayoutUpwards() noexcept {

@@ -20,8 +20,12 @@ double NSWindow::backingScaleFactor() const {
 void NSWindow::setNeedsDisplay(NSRect rect) {
     const bool wasEmpty = invalid_.isEmpty();
     invalid_.add(rect.intersection(bounds()));
-    // A loop of the application's own learns from the descriptor that there is something to draw.
-    if (surface_ && wasEmpty && !invalid_.isEmpty()) EventLoop::main().perform([] {});
+    if (wasEmpty && !invalid_.isEmpty()) wakeLoop();
+}
+
+/// A loop of the application's own learns from the descriptor that there is something to lay out or draw.
+void NSWindow::wakeLoop() const {
+    if (surface_) EventLoop::main().perform([] {});
 }
 
 void NSWindow::setAppearance(NSAppearance appearance) {

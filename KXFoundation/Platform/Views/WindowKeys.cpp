@@ -39,7 +39,10 @@ bool NSWindow::makeFirstResponder(const std::shared_ptr<NSResponder>& given) {
     const auto former = firstResponder();
     if (responder == former) return true;
     if (former && !former->resignFirstResponder()) return false;
-    if (responder && !responder->becomeFirstResponder()) return false;
+    if (responder && !responder->becomeFirstResponder()) {
+        if (former) former->becomeFirstResponder();
+        return false;
+    }
     firstResponder_ = responder;
     redrawFocus(former.get());
     redrawFocus(responder.get());
@@ -69,7 +72,7 @@ void NSWindow::sendKey(void (NSResponder::*handler)(const NSEvent&), const NSEve
 }
 
 void NSWindow::keyDown(const NSEvent& event) {
-    if (event.characters == "\t")
+    if (event.characters == "\t" && !isCommand(event))
         return selectKeyView(contains(event.modifierFlags, NSEventModifierFlags::Shift) ? -1 : 1);
     if (const auto content = contentView_) content->performKeyEquivalent(event);
 }
