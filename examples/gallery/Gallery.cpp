@@ -67,9 +67,7 @@ Gallery::Gallery()
 bool Gallery::show(std::string_view page) {
     const auto found = std::ranges::find(pages(), page, &PageEntry::name);
     if (found == pages().end()) return false;
-    const auto index = static_cast<std::size_t>(found - pages().begin());
-    if (page_ && index == chosen_) return true;
-    chosen_ = index;
+    chosen_ = static_cast<std::size_t>(found - pages().begin());
     page_ = nullptr;
     rebuild();
     return true;
@@ -105,7 +103,9 @@ void Gallery::addSideList(NSView& root) {
         auto button = make<NSButton>();
         button->setTitle(text(entry.titleKey));
         button->setDefaultButton(&entry == &pages()[chosen_]);
-        button->setAction([this, name = entry.name](NSControl&) { show(name); });
+        button->setAction([this, name = entry.name](NSControl&) {
+            if (name != pages()[chosen_].name) show(name);  // a page keeps what was done on it
+        });
         column.add(button, 30);
     }
     root.addSubview(side);
