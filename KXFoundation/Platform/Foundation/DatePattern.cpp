@@ -125,18 +125,42 @@ void DatePattern::append(std::string& out, std::int64_t local) const {
             for (const char c : bytes) out.push_back(c);
         };
         switch (step.field) {
-            case 0: text({literals_.data() + step.at, step.length}); break;
-            case 'a': text(hour < 12 ? locale_->amSymbol() : locale_->pmSymbol()); break;
-            case 'y': number(year); break;
-            case 'Y': number(year % 100); break;
-            case 'M': number(static_cast<std::uint64_t>(date.month)); break;
-            case 'd': number(static_cast<std::uint64_t>(date.day)); break;
-            case 'H': number(hour); break;
-            case 'k': number(hour == 0 ? 24 : hour); break;
-            case 'h': number(hour % 12 == 0 ? 12 : hour % 12); break;
-            case 'K': number(hour % 12); break;
-            case 'm': number(second / 60 % 60); break;
-            default: number(second % 60); break;
+            case 0:
+                text({literals_.data() + step.at, step.length});
+                break;
+            case 'a':
+                text(hour < 12 ? locale_->amSymbol() : locale_->pmSymbol());
+                break;
+            case 'y':
+                number(year);
+                break;
+            case 'Y':
+                number(year % 100);
+                break;
+            case 'M':
+                number(static_cast<std::uint64_t>(date.month));
+                break;
+            case 'd':
+                number(static_cast<std::uint64_t>(date.day));
+                break;
+            case 'H':
+                number(hour);
+                break;
+            case 'k':
+                number(hour == 0 ? 24 : hour);
+                break;
+            case 'h':
+                number(hour % 12 == 0 ? 12 : hour % 12);
+                break;
+            case 'K':
+                number(hour % 12);
+                break;
+            case 'm':
+                number(second / 60 % 60);
+                break;
+            default:
+                number(second % 60);
+                break;
         }
     }
 }

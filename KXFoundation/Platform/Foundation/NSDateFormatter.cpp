@@ -102,7 +102,7 @@ void NSDateFormatter::setTimeZone(std::shared_ptr<NSTimeZone> zone) {
     zone_ = zone ? std::move(zone) : NSTimeZone::systemTimeZone();
 }
 
-std::optional<std::string> NSDateFormatter::stringFromDate(std::optional<NSDate> date) const {
+std::optional<std::string> NSDateFormatter::stringFromDate(const std::optional<NSDate>& date) const {
     std::optional<std::string> text;  // made in its place
     const auto utc = date ? countedSeconds(*date) : std::nullopt;
     if (!utc) return text;
