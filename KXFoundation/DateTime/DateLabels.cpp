@@ -26,7 +26,7 @@ NSDateComponents zeros() {
 
 }  // namespace
 
-std::optional<std::string> NSCalendar_CalendricalCalculations::dateStringFromDate(Date date) {
+std::optional<std::string> NSCalendar_CalendricalCalculations::dateStringFromDate(const Date& date) {
     const NSDateComponents fields = componentsFromDate(date);
     if (fields.year() == NSDateComponentUndefined) return std::nullopt;
     return stringFromComponent(fields, NSCalendarUnitYear | NSCalendarUnitMonth | NSCalendarUnitDay);

@@ -45,12 +45,15 @@ HourForm hourForm() {
     return form;
 }
 
-std::string_view templateFor(bool hasAMPM, bool isAMPMFirst) noexcept {
-    if (!hasAMPM) return "HH:mm";
-    return isAMPMFirst ? "ahh:mm" : "hh:mma";
+using Template = std::optional<std::string_view>;  // as formatters take them
+
+const Template& templateFor(bool hasAMPM, bool isAMPMFirst) noexcept {
+    static constexpr Template kPlain = "HH:mm", kMarkerFirst = "ahh:mm", kMarkerLast = "hh:mma";
+    if (!hasAMPM) return kPlain;
+    return isAMPMFirst ? kMarkerFirst : kMarkerLast;
 }
 
-std::string_view userTemplate() {
+const Template& userTemplate() {
     const HourForm form = hourForm();
     return templateFor(form.hasMarker, form.isMarkerFirst);
 }
@@ -90,10 +93,11 @@ bool KXDateUtils::isAMPMFirst() const {
 }
 
 std::string KXDateUtils::getTimeFormat() const {
-    return std::string(userTemplate());
+    return std::string(*userTemplate());
 }
 
-std::optional<std::string> KXDateUtils::convert(std::int64_t seconds, std::string_view timeTemplate) const {
+std::optional<std::string> KXDateUtils::convert(std::int64_t seconds,
+                                                const std::optional<std::string_view>& timeTemplate) const {
     const MutexLock lock(mutex_);
     if (!formatter_) return std::nullopt;
     formatter_->setLocalizedDateFormatFromTemplate(timeTemplate);

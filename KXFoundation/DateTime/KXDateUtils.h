@@ -62,8 +62,8 @@ class KX_EXPORT KXDateUtils : public Subclass<KXDateUtils, NSObject> {
     void setSingleDateTimeFormatter(std::shared_ptr<NSDateFormatter> formatter);
 
   private:
-    [[nodiscard]] std::optional<std::string> convert(std::int64_t seconds,
-                                                     std::string_view timeTemplate) const;
+    [[nodiscard]] std::optional<std::string> convert(
+        std::int64_t seconds, const std::optional<std::string_view>& timeTemplate) const;
 
     mutable Mutex mutex_;
     std::shared_ptr<NSDateFormatter> formatter_ KX_GUARDED_BY(mutex_);

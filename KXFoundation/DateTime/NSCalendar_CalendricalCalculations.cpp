@@ -1,4 +1,5 @@
 #include <KXFoundation/DateTime/NSCalendar_CalendricalCalculations.h>
+#include <KXFoundation/Platform/Foundation/CivilDate.h>
 #include <KXFoundation/Platform/Runtime/ProcessState.h>
 
 namespace kx {
@@ -9,9 +10,8 @@ using Calculations = NSCalendar_CalendricalCalculations;
 using Date = Calculations::Date;
 
 constexpr NSCalendarUnit kMonth = NSCalendarUnitYear | NSCalendarUnitMonth;
-constexpr NSCalendarUnit kDay = kMonth | NSCalendarUnitDay;
-constexpr NSCalendarUnit kDayOfWeek = kDay | NSCalendarUnitWeekday;
-constexpr NSCalendarUnit kSecond = kDay | NSCalendarUnitHour | NSCalendarUnitMinute | NSCalendarUnitSecond;
+constexpr NSCalendarUnit kSecond =
+    kMonth | NSCalendarUnitDay | NSCalendarUnitHour | NSCalendarUnitMinute | NSCalendarUnitSecond;
 constexpr NSCalendarUnit kWeek =
     NSCalendarUnitYear | NSCalendarUnitWeekOfYear | NSCalendarUnitYearForWeekOfYear;
 
@@ -27,35 +27,34 @@ const NSCalendar& calendar() {
     return *shared.get().calendar;
 }
 
-/// The date with some of its fields changed; none where it has no fields.
+// The boundaries below change some fields of a date and make an instant of them again. The fields are not
+// spelled out for it: on the wall clock's own count of days and seconds the same change is one sum.
+using WallTime = NSCalendar::WallTime;
+
 template <class Change>
-Date changed(NSCalendarUnit units, Date date, Change change) {
-    NSDateComponents fields = calendar().components(units, date);
-    if (fields.year() == NSDateComponentUndefined) return std::nullopt;
-    change(fields);
-    return calendar().dateFromComponents(fields);
+Date changed(const Date& date, Change change) {
+    const auto time = calendar().wallTime(date);
+    return time ? calendar().dateFromWallTime(change(*time)) : std::nullopt;
 }
 
-Date withTime(Date date, std::int64_t hour, std::int64_t minute, std::int64_t second) {
-    return changed(kSecond, date, [&](NSDateComponents& fields) {
-        fields.setHour(hour);
-        fields.setMinute(minute);
-        fields.setSecond(second);
+std::int32_t secondOf(int hour, int minute, int second) {
+    return hour * 3600 + minute * 60 + second;
+}
+
+Date withHour(const Date& date, int hour) {
+    return changed(date, [=](WallTime time) {
+        return WallTime{time.day, secondOf(hour, 0, time.second % 3600)};
     });
 }
 
-Date withHour(Date date, std::int64_t hour) {
-    return changed(kSecond, date, [&](NSDateComponents& fields) { fields.setHour(hour); });
+Date withTime(const Date& date, std::int32_t second) {
+    return changed(date, [=](WallTime time) { return WallTime{time.day, second}; });
 }
 
-Date withWeekday(Date date, std::int64_t weekday) {
-    return changed(kDayOfWeek, date, [&](NSDateComponents& fields) {
-        fields.setDay(fields.day() - fields.weekday() + weekday);
+Date withWeekday(const Date& date, int weekday) {
+    return changed(date, [=](WallTime time) {
+        return WallTime{time.day - weekdayFromDays(time.day) + weekday, 0};
     });
-}
-
-Date withDay(Date date, std::int64_t day) {
-    return changed(kDay, date, [&](NSDateComponents& fields) { fields.setDay(day); });
 }
 
 }  // namespace
@@ -64,15 +63,15 @@ std::shared_ptr<NSCalendar> Calculations::calculationCalendar() {
     return shared.get().calendar;
 }
 
-bool Calculations::isDateInTheDayBeforeYesterday(Date date) {
+bool Calculations::isDateInTheDayBeforeYesterday(const Date& date) {
     return isDateInSameDayAsDate(date, prevDay(prevDay(NSDate::date())));
 }
 
-bool Calculations::isDateInTheDayAfterTomorrow(Date date) {
+bool Calculations::isDateInTheDayAfterTomorrow(const Date& date) {
     return isDateInSameDayAsDate(date, nextDay(nextDay(NSDate::date())));
 }
 
-bool Calculations::isDateInSameWeekAsDate(Date date, Date other) {
+bool Calculations::isDateInSameWeekAsDate(const Date& date, const Date& other) {
     if (!date || !other) return false;
     const auto later = calendar().components(kWeek, date->laterDate(*other));
     const auto earlier = calendar().components(kWeek, date->earlierDate(*other));
@@ -82,61 +81,62 @@ bool Calculations::isDateInSameWeekAsDate(Date date, Date other) {
            later.year() == earlier.yearForWeekOfYear();
 }
 
-bool Calculations::isDateInSameDayAsDate(Date date, Date other) {
+bool Calculations::isDateInSameDayAsDate(const Date& date, const Date& other) {
     return calendar().isDateInSameDayAsDate(date, other);
 }
 
-bool Calculations::isDateInSameMonthAsDate(Date date, Date other) {
+bool Calculations::isDateInSameMonthAsDate(const Date& date, const Date& other) {
     const auto one = calendar().components(kMonth, date);
     return one.year() != NSDateComponentUndefined && one == calendar().components(kMonth, other);
 }
 
-NSDateComponents Calculations::componentsFromDate(Date date) {
+NSDateComponents Calculations::componentsFromDate(const Date& date) {
     return calendar().components(kSecond, date);
 }
 
-Date Calculations::prevHour(Date date) {
+Date Calculations::prevHour(const Date& date) {
     return dateByAddingUnit(NSCalendarUnitHour, -1, date);
 }
-Date Calculations::nextHour(Date date) {
+Date Calculations::nextHour(const Date& date) {
     return dateByAddingUnit(NSCalendarUnitHour, 1, date);
 }
-Date Calculations::prevDay(Date date) {
+Date Calculations::prevDay(const Date& date) {
     return dateByAddingUnit(NSCalendarUnitDay, -1, date);
 }
-Date Calculations::nextDay(Date date) {
+Date Calculations::nextDay(const Date& date) {
     return dateByAddingUnit(NSCalendarUnitDay, 1, date);
 }
-Date Calculations::prevWeek(Date date) {
+Date Calculations::prevWeek(const Date& date) {
     return dateByAddingUnit(NSCalendarUnitWeekOfYear, -1, date);
 }
-Date Calculations::nextWeek(Date date) {
+Date Calculations::nextWeek(const Date& date) {
     return dateByAddingUnit(NSCalendarUnitWeekOfYear, 1, date);
 }
-Date Calculations::prevMonth(Date date) {
+Date Calculations::prevMonth(const Date& date) {
     return dateByAddingUnit(NSCalendarUnitMonth, -1, date);
 }
-Date Calculations::nextMonth(Date date) {
+Date Calculations::nextMonth(const Date& date) {
     return dateByAddingUnit(NSCalendarUnitMonth, 1, date);
 }
 
-std::int64_t Calculations::totalDaysInMonth(Date date) {
+std::int64_t Calculations::totalDaysInMonth(const Date& date) {
     return static_cast<std::int64_t>(
         calendar().rangeOfUnit(NSCalendarUnitDay, NSCalendarUnitMonth, date).length);
 }
 
-std::int64_t Calculations::totalWeekInMonth(Date date) {
+std::int64_t Calculations::totalWeekInMonth(const Date& date) {
     return static_cast<std::int64_t>(
         calendar().rangeOfUnit(NSCalendarUnitWeekOfMonth, NSCalendarUnitMonth, date).length);
 }
 
-std::int64_t Calculations::firstDayOfWeekInThisMonth(Date date) {
-    const Date first = changed(kSecond, date, [](NSDateComponents& fields) { fields.setDay(1); });
-    const auto ordinal = calendar().ordinalityOfUnit(NSCalendarUnitWeekday, NSCalendarUnitWeekOfMonth, first);
-    return ordinal == 0 ? 0 : static_cast<std::int64_t>(ordinal) - 1;
+std::int64_t Calculations::firstDayOfWeekInThisMonth(const Date& date) {
+    const auto time = calendar().wallTime(date);
+    if (!time) return 0;
+    return floorModulo(
+        weekdayFromDays(time->day - civilFromDays(time->day).day + 1) - calendar().firstWeekday(), 7);
 }
 
-std::int64_t Calculations::numberOfUnit(NSCalendarUnit unit, Date fromDate, Date toDate) {
+std::int64_t Calculations::numberOfUnit(NSCalendarUnit unit, const Date& fromDate, const Date& toDate) {
     auto from = NSDate::dateWithTimeIntervalSince1970(0);
     auto to = from;
     if (!calendar().rangeOfUnit(unit, &from, nullptr, fromDate)) return 0;
@@ -144,33 +144,38 @@ std::int64_t Calculations::numberOfUnit(NSCalendarUnit unit, Date fromDate, Date
     return calendar().components(unit, from, to).valueForComponent(unit);
 }
 
-Date Calculations::dateByAddingUnit(NSCalendarUnit unit, std::int64_t value, Date toDate) {
+Date Calculations::dateByAddingUnit(NSCalendarUnit unit, std::int64_t value, const Date& toDate) {
     return calendar().dateByAddingUnit(unit, value, toDate);
 }
 
-Date Calculations::firstHourIn(Date date) {
+Date Calculations::firstHourIn(const Date& date) {
     return withHour(date, 0);
 }
-Date Calculations::lastHourIn(Date date) {
+Date Calculations::lastHourIn(const Date& date) {
     return withHour(date, 23);
 }
-Date Calculations::dateBegin(Date date) {
-    return withTime(date, 0, 0, 0);
+Date Calculations::dateBegin(const Date& date) {
+    return withTime(date, 0);
 }
-Date Calculations::dateEnd(Date date) {
-    return withTime(date, 23, 59, 59);
+Date Calculations::dateEnd(const Date& date) {
+    return withTime(date, secondOf(23, 59, 59));
 }
-Date Calculations::firstDayInWeek(Date date) {
+Date Calculations::firstDayInWeek(const Date& date) {
     return withWeekday(date, 1);
 }
-Date Calculations::lastDayInWeek(Date date) {
+Date Calculations::lastDayInWeek(const Date& date) {
     return withWeekday(date, 7);
 }
-Date Calculations::firstDayInMonth(Date date) {
-    return withDay(date, 1);
+Date Calculations::firstDayInMonth(const Date& date) {
+    return changed(date, [](WallTime time) {
+        return WallTime{time.day - civilFromDays(time.day).day + 1, 0};
+    });
 }
-Date Calculations::lastDayInMonth(Date date) {
-    return withDay(date, totalDaysInMonth(date));
+Date Calculations::lastDayInMonth(const Date& date) {
+    return changed(date, [](WallTime time) {
+        const CivilDate civil = civilFromDays(time.day);
+        return WallTime{time.day - civil.day + daysInMonth(civil.year, civil.month), 0};
+    });
 }
 
 }  // namespace kx

@@ -44,7 +44,7 @@ std::string text(Date date) {
 }
 
 TEST(CalendricalCalculations, StepsAndBoundaries) {
-    using Step = Date (*)(Date);
+    using Step = Date (*)(const Date&);
     const struct {
         const char* what;
         Step step;
@@ -79,7 +79,7 @@ TEST(CalendricalCalculations, StepsAndBoundaries) {
 }
 
 TEST(CalendricalCalculations, IsRightWhereClocksChange) {
-    using Step = Date (*)(Date);
+    using Step = Date (*)(const Date&);
     const struct {
         const char *zone, *what;
         Step step;

@@ -112,7 +112,7 @@ TEST(KXDateUtils, SeesAChangedSettingAtTheNextConversion) {
 /// A formatter of an application's own.
 class LoudFormatter : public Subclass<LoudFormatter, NSDateFormatter> {
   public:
-    std::optional<std::string> stringFromDate(std::optional<NSDate> date) const override {
+    std::optional<std::string> stringFromDate(const std::optional<NSDate>& date) const override {
         return "<" + Super::stringFromDate(date).value_or("") + ">";
     }
     std::string PMSymbol() const override { return "pip"; }

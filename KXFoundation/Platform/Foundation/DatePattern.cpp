@@ -10,7 +10,6 @@ namespace kx {
 namespace {
 
 constexpr std::size_t kLongestPattern = 128;
-constexpr std::size_t kRoom = 512;  // for the longest text
 constexpr std::size_t kMostDigits = 20;
 
 bool isLetter(char c) noexcept {
@@ -59,8 +58,9 @@ std::optional<DatePattern> DatePattern::compile(std::string_view pattern, const 
         }
         pattern.remove_prefix(count);
     }
-    const bool fits = made.longestText() <= kRoom && (!made.hasDate_ || locale.usesGregorianCalendar());
-    return fits ? std::optional(std::move(made)) : std::nullopt;
+    if (made.hasDate_ && !locale.usesGregorianCalendar()) return std::nullopt;
+    made.longest_ = made.longestText();
+    return made;
 }
 
 bool DatePattern::addField(char letter, std::size_t count) {
@@ -91,49 +91,46 @@ std::size_t DatePattern::longestText() const {
     std::size_t length = literals_.size();
     for (const Step& step : steps_) {
         const std::size_t half = std::max(locale_->amSymbol().size(), locale_->pmSymbol().size());
-        const std::size_t digits = step.field == 'y' ? kMostDigits : 2;
+        const std::size_t digits = step.field == 'y' ? std::max<std::size_t>(step.width, 4) : 2;
         if (step.field != 0) length += step.field == 'a' ? half : digits * locale_->digits()[0].size();
     }
     return length;
 }
 
-char* DatePattern::write(char* out, std::uint64_t number, unsigned width) const {
+void DatePattern::write(std::string& out, std::uint64_t number, unsigned width) const {
     if (hasLatinDigits_ && width == 2 && number < 100) {
-        out[0] = static_cast<char>('0' + number / 10);
-        out[1] = static_cast<char>('0' + number % 10);
-        return out + 2;
+        out.push_back(static_cast<char>('0' + number / 10));
+        out.push_back(static_cast<char>('0' + number % 10));
+        return;
     }
     std::uint8_t digits[kMostDigits];
     unsigned count = 0;
     for (; number != 0 || count < std::max(width, 1U); number /= 10) {
         digits[count++] = static_cast<std::uint8_t>(number % 10);
     }
-    while (count != 0) {
-        const std::string& digit = locale_->digits()[digits[--count]];
-        out = std::copy(digit.begin(), digit.end(), out);
-    }
-    return out;
+    while (count != 0) out += locale_->digits()[digits[--count]];
 }
 
-std::string DatePattern::format(std::int64_t local) const {
+void DatePattern::append(std::string& out, std::int64_t local) const {
     const DayAndSecond time(local);
     const CivilDate date = hasDate_ ? civilFromDays(time.day) : CivilDate{};
     const auto second = static_cast<std::uint32_t>(time.second);
     const std::uint32_t hour = second / 3600;
     const auto year = static_cast<std::uint64_t>(date.year > 0 ? date.year : 1 - date.year);  // of its era
-    char text[kRoom];
-    char* out = text;
+    if (longest_ > out.capacity()) out.reserve(longest_);
     for (const Step& step : steps_) {
-        const auto number = [&](std::uint64_t value) { out = write(out, value, step.width); };
+        const auto number = [&](std::uint64_t value) { write(out, value, step.width); };
+        // Single bytes: the texts are shorter than a call to copy them is long.
+        const auto text = [&](std::string_view bytes) {
+            for (const char c : bytes) out.push_back(c);
+        };
         switch (step.field) {
             case 0:
-                for (std::size_t i = 0; i < step.length; ++i) *out++ = literals_[step.at + i];
+                text({literals_.data() + step.at, step.length});
                 break;
-            case 'a': {
-                const std::string& half = hour < 12 ? locale_->amSymbol() : locale_->pmSymbol();
-                out = std::copy(half.begin(), half.end(), out);
+            case 'a':
+                text(hour < 12 ? locale_->amSymbol() : locale_->pmSymbol());
                 break;
-            }
             case 'y':
                 number(year);
                 break;
@@ -166,7 +163,6 @@ std::string DatePattern::format(std::int64_t local) const {
                 break;
         }
     }
-    return {text, out};
 }
 
 /// The numbers of a text, as they come.

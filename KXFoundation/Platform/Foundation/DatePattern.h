@@ -21,8 +21,8 @@ class DatePattern {
     [[nodiscard]] static std::optional<DatePattern> compile(std::string_view pattern,
                                                             const LocaleDates& locale);
 
-    /// The text for local seconds from 1970-01-01.
-    [[nodiscard]] std::string format(std::int64_t local) const;
+    /// Appends the text for local seconds from 1970-01-01.
+    void append(std::string& out, std::int64_t local) const;
     /// The local seconds that a whole text says; absent if it does not follow the pattern or names no time
     /// that is. Fields the pattern lacks are those of 1970-01-01 00:00:00. Numbers may lack leading zeros but
     /// where the next field follows at once.
@@ -40,7 +40,7 @@ class DatePattern {
     [[nodiscard]] bool addField(char letter, std::size_t count);
     void addLiteral(std::string_view text);
     [[nodiscard]] std::size_t longestText() const;
-    char* write(char* out, std::uint64_t number, unsigned width) const;
+    void write(std::string& out, std::uint64_t number, unsigned width) const;
     [[nodiscard]] bool readNumber(std::string_view& text, Reading& reading, const Step& step,
                                   bool isAbutting) const;
     [[nodiscard]] bool readHalf(std::string_view& text, Reading& reading) const;
@@ -48,6 +48,7 @@ class DatePattern {
     const LocaleDates* locale_;
     std::vector<Step> steps_;
     std::string literals_;
+    std::size_t longest_ = 0;  // of the texts, but for years of five digits and more
     bool hasDate_ = false;
     bool hasLatinDigits_ = false;
 };

@@ -16,7 +16,7 @@ inline constexpr std::int64_t kFirstSecond = daysFromCivil(kFirstYear, 1, 1) * k
 inline constexpr std::int64_t kLastSecond = daysFromCivil(kLastYear + 1, 1, 1) * kSecondsPerDay - 1;
 
 /// The last whole second at or before the date, counted from 1970; absent if a calendar cannot hold it.
-[[nodiscard]] inline std::optional<std::int64_t> wholeSeconds(std::optional<NSDate> date) noexcept {
+[[nodiscard]] inline std::optional<std::int64_t> wholeSeconds(const std::optional<NSDate>& date) noexcept {
     if (!date) return std::nullopt;
     const double seconds = date->timeIntervalSince1970();
     if (!(seconds >= kFirstSecond && seconds < static_cast<double>(kLastSecond + 1))) return std::nullopt;

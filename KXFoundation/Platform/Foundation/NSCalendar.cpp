@@ -16,6 +16,8 @@ constexpr NSCalendarUnit kClockUnits = NSCalendarUnitHour | NSCalendarUnitMinute
 // No field reaches this far inside the years held; sums of such fields are far from overflowing.
 constexpr std::int64_t kLargestField = std::int64_t{1} << 46;
 
+constexpr std::int64_t kMostDays = 2 * kLastSecond / kSecondsPerDay;
+
 /// A field's value, its first where it is undefined; absent if it is beyond all use.
 std::optional<std::int64_t> fieldOr(std::int64_t first, std::int64_t value) noexcept {
     if (value == NSDateComponentUndefined) return first;
@@ -87,7 +89,7 @@ void NSCalendar::setFirstWeekday(std::int64_t weekday) noexcept {
     if (weekday >= 1 && weekday <= 7) firstWeekday_ = weekday;
 }
 
-std::optional<std::int64_t> NSCalendar::localSeconds(std::optional<NSDate> date) const noexcept {
+std::optional<std::int64_t> NSCalendar::localSeconds(const std::optional<NSDate>& date) const noexcept {
     const auto utc = wholeSeconds(date);
     if (!utc) return std::nullopt;
     return *utc + zone_->rules().offsetAt(*utc);
@@ -98,7 +100,7 @@ std::int64_t NSCalendar::columnOf(std::int64_t day) const noexcept {
     return floorModulo(weekdayFromDays(day) - firstWeekday_, 7);
 }
 
-NSDateComponents NSCalendar::components(NSCalendarUnit units, std::optional<NSDate> date) const {
+NSDateComponents NSCalendar::components(NSCalendarUnit units, const std::optional<NSDate>& date) const {
     NSDateComponents fields;
     const auto local = localSeconds(date);
     if (!local) return fields;
@@ -136,7 +138,6 @@ std::optional<NSDate> NSCalendar::dateFromComponents(
     const auto second = secondOf(*components);
     const auto nanosecond = fieldOr(0, components->nanosecond());
     if (!day || !second || !nanosecond) return std::nullopt;
-    constexpr std::int64_t kMostDays = 2 * kLastSecond / kSecondsPerDay;
     if (*day < -kMostDays || *day > kMostDays) return std::nullopt;
     const std::int64_t utc = zone_->rules().instantsAt(*day * kSecondsPerDay + *second).before;
     const auto date = NSDate::dateWithTimeIntervalSince1970(static_cast<double>(utc) +
@@ -144,14 +145,29 @@ std::optional<NSDate> NSCalendar::dateFromComponents(
     return wholeSeconds(date) ? std::optional(date) : std::nullopt;
 }
 
-bool NSCalendar::isDateInSameDayAsDate(std::optional<NSDate> date, std::optional<NSDate> other) const {
+bool NSCalendar::isDateInSameDayAsDate(const std::optional<NSDate>& date,
+                                       const std::optional<NSDate>& other) const {
     const auto one = localSeconds(date);
     const auto two = localSeconds(other);
     return one && two && DayAndSecond(*one).day == DayAndSecond(*two).day;
 }
 
+std::optional<NSCalendar::WallTime> NSCalendar::wallTime(const std::optional<NSDate>& date) const noexcept {
+    const auto local = localSeconds(date);
+    if (!local) return std::nullopt;
+    const DayAndSecond time(*local);
+    return WallTime{time.day, time.second};
+}
+
+std::optional<NSDate> NSCalendar::dateFromWallTime(WallTime time) const noexcept {
+    if (time.day < -kMostDays || time.day > kMostDays) return std::nullopt;
+    const std::int64_t utc = zone_->rules().instantsAt(time.day * kSecondsPerDay + time.second).before;
+    if (utc < kFirstSecond || utc > kLastSecond) return std::nullopt;
+    return NSDate::dateWithTimeIntervalSince1970(static_cast<double>(utc));
+}
+
 NSRange NSCalendar::rangeOfUnit(NSCalendarUnit smaller, NSCalendarUnit larger,
-                                std::optional<NSDate> date) const {
+                                const std::optional<NSDate>& date) const {
     const auto local = localSeconds(date);
     if (!local || larger != NSCalendarUnitMonth) return {};
     const std::int64_t day = DayAndSecond(*local).day;
@@ -163,7 +179,7 @@ NSRange NSCalendar::rangeOfUnit(NSCalendarUnit smaller, NSCalendarUnit larger,
 }
 
 std::uint64_t NSCalendar::ordinalityOfUnit(NSCalendarUnit smaller, NSCalendarUnit larger,
-                                           std::optional<NSDate> date) const {
+                                           const std::optional<NSDate>& date) const {
     const auto local = localSeconds(date);
     const bool isWeek = larger == NSCalendarUnitWeekOfMonth || larger == NSCalendarUnitWeekOfYear;
     if (!local || smaller != NSCalendarUnitWeekday || !isWeek) return 0;

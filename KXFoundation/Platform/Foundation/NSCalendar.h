@@ -44,12 +44,20 @@ class KX_EXPORT NSCalendar : public Subclass<NSCalendar, NSObject> {
 
     /// The fields of the date for a set of units; the others are undefined, all of them where there is no
     /// answer.
-    [[nodiscard]] NSDateComponents components(NSCalendarUnit units, std::optional<NSDate> date) const;
+    [[nodiscard]] NSDateComponents components(NSCalendarUnit units, const std::optional<NSDate>& date) const;
     /// The difference of two dates in the units of the set, from the largest (year, month, week, day, hour,
     /// minute, second) on each as many whole ones as fit; negative if `to` is earlier. Days and what is
     /// larger are counted on the wall clock, so that a day with a change of clocks is one day.
-    [[nodiscard]] NSDateComponents components(NSCalendarUnit units, std::optional<NSDate> from,
-                                              std::optional<NSDate> to) const;
+    [[nodiscard]] NSDateComponents components(NSCalendarUnit units, const std::optional<NSDate>& from,
+                                              const std::optional<NSDate>& to) const;
+    /// A moment on the wall clock, for code that asks much of one date.
+    struct WallTime {
+        std::int64_t day;     ///< from 1970-01-01
+        std::int32_t second;  ///< of the day
+    };
+    [[nodiscard]] std::optional<WallTime> wallTime(const std::optional<NSDate>& date) const noexcept;
+    [[nodiscard]] std::optional<NSDate> dateFromWallTime(WallTime time) const noexcept;
+
     /// The instant of year, month, day, hour, minute, second and nanosecond; other fields are not looked at.
     /// An undefined one counts as its first (year 1, 1 January, 00:00:00); none if all are. Lenient: a field
     /// out of range rolls into the next larger unit, so day 0 is the last one of the month before.
@@ -60,24 +68,25 @@ class KX_EXPORT NSCalendar : public Subclass<NSCalendar, NSObject> {
     /// then weeks and days, all at the same time of day; then hours and less as they pass. A step back from
     /// after a skipped day leads before it.
     [[nodiscard]] std::optional<NSDate> dateByAddingComponents(const NSDateComponents& components,
-                                                               std::optional<NSDate> date) const;
+                                                               const std::optional<NSDate>& date) const;
     /// None for what is not one unit.
     [[nodiscard]] std::optional<NSDate> dateByAddingUnit(NSCalendarUnit unit, std::int64_t value,
-                                                         std::optional<NSDate> date) const;
+                                                         const std::optional<NSDate>& date) const;
 
-    [[nodiscard]] bool isDateInSameDayAsDate(std::optional<NSDate> date, std::optional<NSDate> other) const;
+    [[nodiscard]] bool isDateInSameDayAsDate(const std::optional<NSDate>& date,
+                                             const std::optional<NSDate>& other) const;
 
     /// How often the smaller unit comes in the larger one that holds the date: days or weeks (of month) of a
     /// month. The location is 1. Nothing for other pairs.
     [[nodiscard]] NSRange rangeOfUnit(NSCalendarUnit smaller, NSCalendarUnit larger,
-                                      std::optional<NSDate> date) const;
+                                      const std::optional<NSDate>& date) const;
     /// Which one the smaller unit is in the larger one, from 1: the weekday in its week. 0 for other pairs.
     [[nodiscard]] std::uint64_t ordinalityOfUnit(NSCalendarUnit smaller, NSCalendarUnit larger,
-                                                 std::optional<NSDate> date) const;
+                                                 const std::optional<NSDate>& date) const;
     /// Where the unit that holds the date begins, and its length in seconds; either pointer may be null.
     /// False, with both left alone, if there is no answer.
     bool rangeOfUnit(NSCalendarUnit unit, NSDate* startDate, double* interval,
-                     std::optional<NSDate> date) const;
+                     const std::optional<NSDate>& date) const;
 
     [[nodiscard]] std::string_view calendarIdentifier() const noexcept {
         return NSCalendarIdentifierGregorian;
@@ -95,7 +104,7 @@ class KX_EXPORT NSCalendar : public Subclass<NSCalendar, NSObject> {
     [[nodiscard]] std::int64_t minimumDaysInFirstWeek() const noexcept { return 1; }
 
   private:
-    [[nodiscard]] std::optional<std::int64_t> localSeconds(std::optional<NSDate> date) const noexcept;
+    [[nodiscard]] std::optional<std::int64_t> localSeconds(const std::optional<NSDate>& date) const noexcept;
     [[nodiscard]] std::int64_t columnOf(std::int64_t day) const noexcept;
     void addWeekFields(NSDateComponents& fields, NSCalendarUnit units, std::int64_t day) const noexcept;
     struct Days {

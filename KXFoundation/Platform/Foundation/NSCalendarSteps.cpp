@@ -107,7 +107,7 @@ std::int64_t NSCalendar::moved(std::int64_t utc, std::int64_t months, std::int64
 }
 
 std::optional<NSDate> NSCalendar::dateByAddingComponents(const NSDateComponents& components,
-                                                         std::optional<NSDate> date) const {
+                                                         const std::optional<NSDate>& date) const {
     const auto utc = wholeSeconds(date);
     const auto step = stepOf(components);
     if (!utc || !step) return std::nullopt;
@@ -117,7 +117,7 @@ std::optional<NSDate> NSCalendar::dateByAddingComponents(const NSDateComponents&
 }
 
 std::optional<NSDate> NSCalendar::dateByAddingUnit(NSCalendarUnit unit, std::int64_t value,
-                                                   std::optional<NSDate> date) const {
+                                                   const std::optional<NSDate>& date) const {
     NSDateComponents step;
     step.setValueForComponent(value, unit);
     return step == NSDateComponents() ? std::nullopt : dateByAddingComponents(step, date);
@@ -135,8 +135,8 @@ std::int64_t NSCalendar::nominalSeconds(std::int64_t utc) const noexcept {
     return firstInstantOf(day) == utc ? day * kSecondsPerDay : local;
 }
 
-NSDateComponents NSCalendar::components(NSCalendarUnit units, std::optional<NSDate> from,
-                                        std::optional<NSDate> to) const {
+NSDateComponents NSCalendar::components(NSCalendarUnit units, const std::optional<NSDate>& from,
+                                        const std::optional<NSDate>& to) const {
     NSDateComponents difference;
     const auto start = wholeSeconds(from);
     const auto end = wholeSeconds(to);
@@ -198,7 +198,7 @@ std::optional<NSCalendar::Days> NSCalendar::daysOfUnit(NSCalendarUnit unit, std:
 }
 
 bool NSCalendar::rangeOfUnit(NSCalendarUnit unit, NSDate* startDate, double* interval,
-                             std::optional<NSDate> date) const {
+                             const std::optional<NSDate>& date) const {
     const auto utc = wholeSeconds(date);
     if (!utc) return false;
     std::int64_t start = 0;

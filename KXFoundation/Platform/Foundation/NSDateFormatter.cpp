@@ -102,12 +102,17 @@ void NSDateFormatter::setTimeZone(std::shared_ptr<NSTimeZone> zone) {
     zone_ = zone ? std::move(zone) : NSTimeZone::systemTimeZone();
 }
 
-std::optional<std::string> NSDateFormatter::stringFromDate(std::optional<NSDate> date) const {
+std::optional<std::string> NSDateFormatter::stringFromDate(const std::optional<NSDate>& date) const {
+    std::optional<std::string> text;  // made in its place
     const auto utc = date ? countedSeconds(*date) : std::nullopt;
-    if (!utc) return std::nullopt;
+    if (!utc) return text;
     const std::int32_t offset = zone_->rules().offsetAt(*utc);
-    if (pattern_->quick) return pattern_->quick->format(*utc + offset);
-    return pattern_->icu->format(date->timeIntervalSince1970(), offset);
+    if (pattern_->quick) {
+        pattern_->quick->append(text.emplace(), *utc + offset);
+    } else {
+        text = pattern_->icu->format(date->timeIntervalSince1970(), offset);
+    }
+    return text;
 }
 
 std::optional<NSDate> NSDateFormatter::dateFromString(std::optional<std::string_view> text) const {

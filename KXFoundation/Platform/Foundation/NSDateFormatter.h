@@ -38,7 +38,7 @@ class KX_EXPORT NSDateFormatter : public Subclass<NSDateFormatter, NSObject> {
     bool init();
 
     /// None for a date that is absent or no number, and for a pattern that makes no sense.
-    [[nodiscard]] virtual std::optional<std::string> stringFromDate(std::optional<NSDate> date) const;
+    [[nodiscard]] virtual std::optional<std::string> stringFromDate(const std::optional<NSDate>& date) const;
     /// None unless the whole text follows the pattern and names a date that there is.
     [[nodiscard]] virtual std::optional<NSDate> dateFromString(std::optional<std::string_view> text) const;
     [[nodiscard]] virtual std::string AMSymbol() const;

@@ -75,7 +75,7 @@ std::shared_ptr<NSTimeZone> NSTimeZone::systemTimeZone() {
     return loadedZones.get().zone("UTC");
 }
 
-std::int64_t NSTimeZone::secondsFromGMTForDate(std::optional<NSDate> date) const noexcept {
+std::int64_t NSTimeZone::secondsFromGMTForDate(const std::optional<NSDate>& date) const noexcept {
     const auto utc = wholeSeconds(date);
     return utc ? rules_->offsetAt(*utc) : 0;
 }

@@ -44,7 +44,7 @@ class KX_EXPORT NSTimeZone : public Subclass<NSTimeZone, NSObject> {
 
     [[nodiscard]] const std::string& name() const noexcept { return name_; }
     /// Seconds east of UTC at the date; 0 if it is absent or lies beyond what a calendar holds.
-    [[nodiscard]] std::int64_t secondsFromGMTForDate(std::optional<NSDate> date) const noexcept;
+    [[nodiscard]] std::int64_t secondsFromGMTForDate(const std::optional<NSDate>& date) const noexcept;
 
     [[nodiscard]] std::string description() const override { return name_; }
     [[nodiscard]] bool isEqual(const NSObject& other) const override;
