@@ -60,6 +60,7 @@ std::optional<DatePattern> DatePattern::compile(std::string_view pattern, const 
     }
     if (made.hasDate_ && !locale.usesGregorianCalendar()) return std::nullopt;
     made.longest_ = made.longestText();
+    made.fixed_ = made.fixedText();
     return made;
 }
 
@@ -97,6 +98,64 @@ std::size_t DatePattern::longestText() const {
     return length;
 }
 
+namespace {
+
+/// The numbers of a time of day, by the letters of their fields.
+constexpr std::string_view kValues = "HkhKms";
+
+std::array<std::uint32_t, kValues.size()> valuesOf(std::uint32_t second) noexcept {
+    const std::uint32_t hour = second / 3600, half = hour % 12;
+    return {hour, hour == 0 ? 24 : hour, half == 0 ? 12 : half, half, second / 60 % 60, second % 60};
+}
+
+constexpr auto kPairs = [] {
+    std::array<char, 200> pairs{};
+    for (std::size_t i = 0; i < 100; ++i) {
+        pairs[2 * i] = static_cast<char>('0' + i / 10);
+        pairs[2 * i + 1] = static_cast<char>('0' + i % 10);
+    }
+    return pairs;
+}();
+
+}  // namespace
+
+std::optional<DatePattern::FixedText> DatePattern::fixedText() const {
+    const std::string &am = locale_->amSymbol(), &pm = locale_->pmSymbol();
+    if (!hasLatinDigits_ || hasDate_ || am.size() != pm.size() || longest_ > FixedText::kLongest)
+        return std::nullopt;
+    FixedText fixed;
+    const auto add = [&](std::string_view beforeNoon, std::string_view afterNoon) {
+        std::ranges::copy(beforeNoon, fixed.halves[0].begin() + fixed.size);
+        std::ranges::copy(afterNoon, fixed.halves[1].begin() + fixed.size);
+        fixed.size = static_cast<std::uint8_t>(fixed.size + beforeNoon.size());
+    };
+    for (const Step& step : steps_) {
+        const auto literal = std::string_view(literals_).substr(step.at, step.length);
+        if (step.field == 0) {
+            add(literal, literal);
+        } else if (step.field == 'a') {
+            add(am, pm);
+        } else if (step.width == 2 && fixed.count < FixedText::kMostNumbers) {
+            fixed.numbers[fixed.count++] = {fixed.size, static_cast<std::uint8_t>(kValues.find(step.field))};
+            add("00", "00");
+        } else {
+            return std::nullopt;
+        }
+    }
+    return fixed;
+}
+
+void DatePattern::appendFixed(std::string& out, std::uint32_t second) const {
+    const auto values = valuesOf(second);
+    const std::size_t start = out.size();
+    out.append(fixed_->halves[values[0] >= 12].data(), fixed_->size);
+    char* const text = out.data() + start;
+    for (std::size_t i = 0; i < fixed_->count; ++i) {
+        const auto [at, value] = fixed_->numbers[i];
+        std::memcpy(text + at, kPairs.data() + std::size_t{2} * values[value], 2);
+    }
+}
+
 void DatePattern::write(std::string& out, std::uint64_t number, unsigned width) const {
     if (hasLatinDigits_ && width == 2 && number < 100) {
         out.push_back(static_cast<char>('0' + number / 10));
@@ -113,6 +172,7 @@ void DatePattern::write(std::string& out, std::uint64_t number, unsigned width) 
 
 void DatePattern::append(std::string& out, std::int64_t local) const {
     const DayAndSecond time(local);
+    if (fixed_) return appendFixed(out, static_cast<std::uint32_t>(time.second));
     const CivilDate date = hasDate_ ? civilFromDays(time.day) : CivilDate{};
     const auto second = static_cast<std::uint32_t>(time.second);
     const std::uint32_t hour = second / 3600;

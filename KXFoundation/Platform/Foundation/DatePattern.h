@@ -1,5 +1,6 @@
 #pragma once
 
+#include <array>
 #include <cstdint>
 #include <optional>
 #include <string>
@@ -35,11 +36,25 @@ class DatePattern {
         std::uint16_t at, length;  // of a literal, in literals_
     };
     struct Reading;
+    /// A pattern whose texts are all of one length, as those of times are: the literals and the AM/PM symbol
+    /// in place, and where each number of two digits goes. Writing one takes no decision that depends on the
+    /// pattern, so that patterns may change from text to text.
+    struct FixedText {
+        static constexpr std::size_t kLongest = 32, kMostNumbers = 8;
+        struct Number {
+            std::uint8_t at, value;  // value: an index of Values
+        };
+        std::array<std::array<char, kLongest>, 2> halves{};  // before and after noon
+        std::array<Number, kMostNumbers> numbers{};
+        std::uint8_t size = 0, count = 0;
+    };
 
     explicit DatePattern(const LocaleDates& locale) : locale_(&locale) {}
     [[nodiscard]] bool addField(char letter, std::size_t count);
     void addLiteral(std::string_view text);
     [[nodiscard]] std::size_t longestText() const;
+    [[nodiscard]] std::optional<FixedText> fixedText() const;
+    void appendFixed(std::string& out, std::uint32_t second) const;
     void write(std::string& out, std::uint64_t number, unsigned width) const;
     [[nodiscard]] bool readNumber(std::string_view& text, Reading& reading, const Step& step,
                                   bool isAbutting) const;
@@ -48,6 +63,7 @@ class DatePattern {
     const LocaleDates* locale_;
     std::vector<Step> steps_;
     std::string literals_;
+    std::optional<FixedText> fixed_;
     std::size_t longest_ = 0;  // of the texts, but for years of five digits and more
     bool hasDate_ = false;
     bool hasLatinDigits_ = false;
