@@ -94,31 +94,6 @@ NSDateComponents Calculations::componentsFromDate(const Date& date) {
     return calendar().components(kSecond, date);
 }
 
-Date Calculations::prevHour(const Date& date) {
-    return dateByAddingUnit(NSCalendarUnitHour, -1, date);
-}
-Date Calculations::nextHour(const Date& date) {
-    return dateByAddingUnit(NSCalendarUnitHour, 1, date);
-}
-Date Calculations::prevDay(const Date& date) {
-    return dateByAddingUnit(NSCalendarUnitDay, -1, date);
-}
-Date Calculations::nextDay(const Date& date) {
-    return dateByAddingUnit(NSCalendarUnitDay, 1, date);
-}
-Date Calculations::prevWeek(const Date& date) {
-    return dateByAddingUnit(NSCalendarUnitWeekOfYear, -1, date);
-}
-Date Calculations::nextWeek(const Date& date) {
-    return dateByAddingUnit(NSCalendarUnitWeekOfYear, 1, date);
-}
-Date Calculations::prevMonth(const Date& date) {
-    return dateByAddingUnit(NSCalendarUnitMonth, -1, date);
-}
-Date Calculations::nextMonth(const Date& date) {
-    return dateByAddingUnit(NSCalendarUnitMonth, 1, date);
-}
-
 std::int64_t Calculations::totalDaysInMonth(const Date& date) {
     return static_cast<std::int64_t>(
         calendar().rangeOfUnit(NSCalendarUnitDay, NSCalendarUnitMonth, date).length);

@@ -35,14 +35,30 @@ class KX_EXPORT NSCalendar_CalendricalCalculations {
 
     // One unit earlier or later. A day that does not exist becomes the month's last: 31 March less one month
     // is the last of February.
-    [[nodiscard]] static Date prevHour(const Date& date);
-    [[nodiscard]] static Date nextHour(const Date& date);
-    [[nodiscard]] static Date prevDay(const Date& date);
-    [[nodiscard]] static Date nextDay(const Date& date);
-    [[nodiscard]] static Date prevWeek(const Date& date);
-    [[nodiscard]] static Date nextWeek(const Date& date);
-    [[nodiscard]] static Date prevMonth(const Date& date);
-    [[nodiscard]] static Date nextMonth(const Date& date);
+    [[nodiscard]] static Date prevHour(const Date& date) {
+        return dateByAddingUnit(NSCalendarUnitHour, -1, date);
+    }
+    [[nodiscard]] static Date nextHour(const Date& date) {
+        return dateByAddingUnit(NSCalendarUnitHour, 1, date);
+    }
+    [[nodiscard]] static Date prevDay(const Date& date) {
+        return dateByAddingUnit(NSCalendarUnitDay, -1, date);
+    }
+    [[nodiscard]] static Date nextDay(const Date& date) {
+        return dateByAddingUnit(NSCalendarUnitDay, 1, date);
+    }
+    [[nodiscard]] static Date prevWeek(const Date& date) {
+        return dateByAddingUnit(NSCalendarUnitWeekOfYear, -1, date);
+    }
+    [[nodiscard]] static Date nextWeek(const Date& date) {
+        return dateByAddingUnit(NSCalendarUnitWeekOfYear, 1, date);
+    }
+    [[nodiscard]] static Date prevMonth(const Date& date) {
+        return dateByAddingUnit(NSCalendarUnitMonth, -1, date);
+    }
+    [[nodiscard]] static Date nextMonth(const Date& date) {
+        return dateByAddingUnit(NSCalendarUnitMonth, 1, date);
+    }
 
     /// 28 to 31.
     [[nodiscard]] static std::int64_t totalDaysInMonth(const Date& date);

@@ -75,7 +75,7 @@ TEST(KXRequestThreads, CoroutinesGoOnByTheMainQueue) {
 /// A request may be dropped, and its callback's promise with it, on any thread while main goes on.
 TEST(KXRequestThreads, ARequestMayDieOnAnyThread) {
     const testing::ScopedPlatform platform;
-    Service service;
+    [[maybe_unused]] const Service service;
     std::atomic<int> resumed = 0;
     for (int i = 0; i < 200; ++i) {
         auto request = make<HarbourRequest>();

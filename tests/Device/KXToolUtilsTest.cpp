@@ -30,11 +30,11 @@ TEST(KXToolUtils, CalculateMD5) {
         {std::string(1'000'000, 'a'), "7707d6ae4e027c70eea2a935c2296f21"},
         {"caf\xE9", "961f50f6282239d09e48f812c1ca7276"},  // as it is, UTF-8 or not
     };
-    for (const auto& [text, digest] : rows) {
+    for (const auto& row : rows) {
         std::string answer;
-        EXPECT_LE(testing::allocationsOf([&] { answer = KXToolUtils::calculateMD5(text); }), 1U)
+        EXPECT_LE(testing::allocationsOf([&] { answer = KXToolUtils::calculateMD5(row.text); }), 1U)
             << "its answer alone";
-        EXPECT_EQ(answer, digest) << "text: " << text.value_or("none").substr(0, 100);
+        EXPECT_EQ(answer, row.digest) << "text: " << row.text.value_or("none").substr(0, 100);
     }
 }
 

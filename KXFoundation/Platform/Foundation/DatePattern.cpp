@@ -203,23 +203,8 @@ void DatePattern::append(std::string& out, std::int64_t local) const {
             case 'd':
                 number(static_cast<std::uint64_t>(date.day));
                 break;
-            case 'H':
-                number(hour);
-                break;
-            case 'k':
-                number(hour == 0 ? 24 : hour);
-                break;
-            case 'h':
-                number(hour % 12 == 0 ? 12 : hour % 12);
-                break;
-            case 'K':
-                number(hour % 12);
-                break;
-            case 'm':
-                number(second / 60 % 60);
-                break;
             default:
-                number(second % 60);
+                number(valuesOf(second)[kValues.find(step.field)]);
                 break;
         }
     }
@@ -270,7 +255,7 @@ struct DatePattern::Reading {
 
 bool DatePattern::readNumber(std::string_view& text, Reading& reading, const Step& step,
                              bool isAbutting) const {
-    const std::size_t widest = step.field == 'y' ? 6 : 2;
+    const std::size_t widest = step.field == 'y' ? std::max<std::size_t>(6, step.width) : 2;
     const std::size_t most = isAbutting ? std::min<std::size_t>(step.width, widest) : widest;
     std::int64_t number = 0;
     std::size_t count = 0;

@@ -42,7 +42,7 @@ class DatePattern {
     struct FixedText {
         static constexpr std::size_t kLongest = 32, kMostNumbers = 8;
         struct Number {
-            std::uint8_t at, value;  // value: an index of Values
+            std::uint8_t at, value;  // value: an index of the source's kValues
         };
         std::array<std::array<char, kLongest>, 2> halves{};  // before and after noon
         std::array<Number, kMostNumbers> numbers{};

@@ -27,6 +27,8 @@ icu::UnicodeString wide(std::string_view text) {
 
 }  // namespace
 
+constexpr UDate k1950 = -631'152'000'000.0;  // milliseconds from 1970
+
 struct IcuDateFormat::Format {
     std::unique_ptr<icu::SimpleDateFormat>
         icu;  // none if the locale has no data or the pattern makes no sense
@@ -39,6 +41,7 @@ IcuDateFormat::IcuDateFormat(std::string_view pattern, const std::string& locale
         std::make_unique<icu::SimpleDateFormat>(wide(pattern), icu::Locale(localeIdentifier.c_str()), status);
     if (U_FAILURE(status)) return;
     made->setLenient(false);
+    made->set2DigitYearStart(k1950, status);  // as DatePattern reads them, whatever today is
     std::unique_ptr<icu::Calendar> calendar(made->getCalendar()->clone());
     if (auto* gregorian = dynamic_cast<icu::GregorianCalendar*>(calendar.get())) {
         gregorian->setGregorianChange(kBeforeAllTime, status);

@@ -38,9 +38,11 @@ constinit ProcessState<LoadedZones> loadedZones;
 std::string nameOfOffset(std::int64_t seconds) {
     if (seconds == 0) return "GMT";
     const std::int64_t minutes = std::abs(seconds) / 60;
-    char text[32];
-    std::snprintf(text, sizeof text, "GMT%c%02d:%02d", seconds < 0 ? '-' : '+',
-                  static_cast<int>(minutes / 60), static_cast<int>(minutes % 60));
+    const auto rest = static_cast<int>(std::abs(seconds) % 60);
+    char text[48];
+    const int size = std::snprintf(text, sizeof text, "GMT%c%02d:%02d", seconds < 0 ? '-' : '+',
+                                   static_cast<int>(minutes / 60), static_cast<int>(minutes % 60));
+    if (rest != 0) std::snprintf(text + size, sizeof text - static_cast<std::size_t>(size), ":%02d", rest);
     return text;
 }
 

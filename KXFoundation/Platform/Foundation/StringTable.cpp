@@ -22,7 +22,8 @@ std::string lineFor(const std::string& path, const StringTableFaults& faults) {
 
 /// Entries go straight into the slots: a list of them beside would double the fresh pages that loading
 /// touches, and those cost more than the reading.
-StringTable::StringTable(std::string contents) : text_(stringTableText(std::move(contents))) {
+StringTable::StringTable(std::string contents)
+    : text_(contents.size() > kLargestFile ? std::string() : stringTableText(std::move(contents))) {
     constexpr std::size_t kUsualEntry = 64;  // bytes, of which a slot and a half is made
     slots_.resize(std::bit_floor(text_.size() / kUsualEntry * 3 / 2 + 4));
     // An entry waits while the next one is read and its slot comes into the cache.

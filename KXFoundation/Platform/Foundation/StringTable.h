@@ -21,8 +21,8 @@ class KX_EXPORT StringTable {
     /// Larger files are refused, which bounds what a hostile one can cost (some 600 MiB while it is read).
     static constexpr std::size_t kLargestFile = std::size_t{32} << 20;
 
-    /// Reads the contents of a file of at most kLargestFile bytes. Of two entries with one key the later one
-    /// stays.
+    /// Reads the contents of a file; more than kLargestFile bytes count as none. Of two entries with one key
+    /// the later one stays.
     explicit StringTable(std::string contents);
     StringTable(const StringTable&) = delete;
     StringTable& operator=(const StringTable&) = delete;

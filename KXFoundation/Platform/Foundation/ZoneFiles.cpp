@@ -16,6 +16,11 @@ constexpr std::size_t kMostChanges = 4'000;
 // cctz lays a rule without an end out for 400 years. No file lists changes for that long.
 constexpr std::int64_t kNoListedChangeAfter = 7'258'118'400;  // 2200-01-01
 
+// The tables are as long as the time between first and last change, which a hostile file could make endless.
+constexpr std::int64_t kFirstKept = -8'520'336'000;  // 1700-01-01, before any town set its clocks by rule
+constexpr std::int64_t kLastKept =
+    kNoListedChangeAfter + 12'622'780'800;  // 400 years, after which rules repeat
+
 /// No name leads out of the folder of zones, and each zone has one name only, so that what is kept per name
 /// (here and in cctz) stays small.
 bool isName(const std::string& name) {
@@ -46,6 +51,11 @@ std::vector<ZoneRules::Span> spansOf(const cctz::time_zone& zone) {
     for (Seconds at = Seconds::min(); spans.size() < kMostChanges && zone.next_transition(at, &change);) {
         at = zone.lookup(change.to).trans;
         const std::int32_t offset = zone.lookup(at).offset;
+        if (secondsOf(at) > kLastKept) break;
+        if (secondsOf(at) < kFirstKept) {
+            spans.front().offset = offset;
+            continue;
+        }
         if (offset != spans.back().offset) spans.push_back({secondsOf(at), offset});
     }
     return spans;

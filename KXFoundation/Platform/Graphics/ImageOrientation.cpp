@@ -1,4 +1,5 @@
 #include <cstring>
+#include <string_view>
 
 #include <KXFoundation/Platform/Graphics/ImageOrientation.h>
 
@@ -30,6 +31,8 @@ class TiffNumbers {
     bool isBigEndian_;
 };
 
+constexpr std::string_view kExifName("Exif\0\0", 6);
+
 struct Steps {
     std::ptrdiff_t first, column, row;  // in pixels of the stored bitmap, for each of the picture's
 };
@@ -60,9 +63,14 @@ Steps stepsOf(ImageOrientation orientation, std::ptrdiff_t wide, std::ptrdiff_t 
 
 }  // namespace
 
+bool isExif(std::span<const std::byte> data) noexcept {
+    return data.size() >= kExifName.size() &&
+           std::memcmp(data.data(), kExifName.data(), kExifName.size()) == 0;
+}
+
 ImageOrientation exifOrientation(std::span<const std::byte> exif) noexcept {
     constexpr std::uint32_t kOrientationTag = 274, kWordType = 3, kEntrySize = 12;
-    const TiffNumbers numbers(exif);
+    const TiffNumbers numbers(isExif(exif) ? exif.subspan(kExifName.size()) : exif);
     if (numbers.word(2) != 42) return ImageOrientation::TopLeft;
     const std::size_t directory = numbers.longWord(4);
     const std::uint32_t count = numbers.word(directory);

@@ -23,8 +23,11 @@ enum class ImageOrientation : std::uint8_t {
     LeftBottom,
 };
 
-/// The orientation that Exif data (a TIFF header and its first directory) give; TopLeft for damaged data and
-/// those that give none.
+/// Whether the data begin with the name of an Exif block.
+[[nodiscard]] bool isExif(std::span<const std::byte> data) noexcept;
+
+/// The orientation that Exif data (a TIFF header and its first directory, behind the block's name or without
+/// it) give; TopLeft for damaged data and those that give none.
 [[nodiscard]] ImageOrientation exifOrientation(std::span<const std::byte> exif) noexcept;
 
 /// The bitmap as it is to be seen: itself for TopLeft. None if there is no memory for the other one.

@@ -1,4 +1,5 @@
 #include <algorithm>
+#include <cmath>
 #include <csetjmp>
 #include <cstdio>
 #include <cstdlib>
@@ -68,7 +69,6 @@ struct Decoder {
 };
 
 constexpr int kExifMarker = JPEG_APP0 + 1;
-constexpr char kExifName[] = "Exif\0";  // and the zero that ends it: six bytes
 
 bool readHeader(Decoder& decoder, std::span<const std::byte> data) {
     if (setjmp(decoder.failure.leap) != 0) return false;
@@ -116,9 +116,7 @@ std::uint32_t pixelOfInks(std::uint32_t inks, bool isInverted) {
 ImageOrientation orientationOf(const jpeg_decompress_struct& codec) {
     for (const auto* marker = codec.marker_list; marker; marker = marker->next) {
         const std::span data(reinterpret_cast<const std::byte*>(marker->data), marker->data_length);
-        if (marker->marker != kExifMarker || data.size() < sizeof kExifName) continue;
-        if (std::memcmp(data.data(), kExifName, sizeof kExifName) == 0)
-            return exifOrientation(data.subspan(sizeof kExifName));
+        if (marker->marker == kExifMarker && isExif(data)) return exifOrientation(data);
     }
     return ImageOrientation::TopLeft;
 }
@@ -210,7 +208,8 @@ bool writeRows(Encoder& encoder, const NSBitmapImageRep& bitmap, int quality, st
 Result<std::vector<std::byte>> encodeJpeg(const NSBitmapImageRep& bitmap, double quality) {
     Encoder encoder;
     std::vector<std::uint32_t> row(bitmap.pixelsWide());
-    const auto percent = static_cast<int>(std::clamp(quality, 0.0, 1.0) * 100 + 0.5);
+    const double held = std::isnan(quality) ? 0 : std::clamp(quality, 0.0, 1.0);
+    const auto percent = static_cast<int>(held * 100 + 0.5);
     if (!writeRows(encoder, bitmap, percent, row.data())) return failed(encoder.failure);
     const auto* const bytes = reinterpret_cast<const std::byte*>(encoder.encoded);
     return std::vector<std::byte>(bytes, bytes + encoder.size);

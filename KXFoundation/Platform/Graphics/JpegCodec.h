@@ -24,7 +24,8 @@ namespace kx {
 [[nodiscard]] KX_EXPORT Result<std::shared_ptr<NSBitmapImageRep>> decodeJpegReduced(
     std::span<const std::byte> data, std::uint32_t leastWide, std::uint32_t leastHigh);
 
-/// `quality` 0 to 1 (0.9 is hard to tell from the original). What is transparent lies over white. Any thread.
+/// `quality` 0 to 1, or the nearest of these (0.9 is hard to tell from the original). What is transparent
+/// lies over white. Any thread.
 [[nodiscard]] KX_EXPORT Result<std::vector<std::byte>> encodeJpeg(const NSBitmapImageRep& bitmap,
                                                                   double quality);
 

@@ -1,9 +1,7 @@
-#include <algorithm>
 #include <cstring>
 #include <string>
 
 #include <KXFoundation/Platform/Graphics/ImageOrientation.h>
-#include <KXFoundation/Platform/Graphics/PixelAlpha.h>
 #include <KXFoundation/Platform/Graphics/TiffCodec.h>
 #include <KXFoundation/Platform/Graphics/TiffModule.h>
 #include <KXFoundation/Platform/Runtime/Module.h>
@@ -54,16 +52,14 @@ Result<std::shared_ptr<NSBitmapImageRep>> decodeTiff(std::span<const std::byte> 
 Result<std::vector<std::byte>> encodeTiff(const NSBitmapImageRep& bitmap) {
     const TiffModule* module = tiffModule();
     if (!module) return noModule();
-    std::vector<std::uint32_t> pixels(bitmap.pixels().size());
-    std::ranges::transform(bitmap.pixels(), pixels.begin(), straight);
     std::vector<std::byte> encoded;
     const auto take = [](void* context, const void* data, std::size_t size) {
         const auto* const bytes = static_cast<const std::byte*>(data);
         static_cast<std::vector<std::byte>*>(context)->assign(bytes, bytes + size);
     };
     char reason[256];
-    if (!module->write(pixels.data(), bitmap.pixelsWide(), bitmap.pixelsHigh(), take, &encoded, reason,
-                       sizeof reason))
+    if (!module->write(bitmap.pixels().data(), bitmap.pixelsWide(), bitmap.pixelsHigh(), take, &encoded,
+                       reason, sizeof reason))
         return Error{ErrorKind::Failed, 0, std::string("TIFF: ") + reason};
     return encoded;
 }

@@ -20,7 +20,7 @@ struct TiffModule {
     /// fails.
     bool (*read)(const void* data, std::size_t size, Allocate allocate, void* context,
                  std::uint32_t* orientation, char* reason, std::size_t reasonSize);
-    /// Writes pixels that are not premultiplied, with their alpha, packed without loss.
+    /// Writes premultiplied pixels with their alpha, packed without loss but for colours under an alpha of 0.
     bool (*write)(const std::uint32_t* pixels, std::uint32_t wide, std::uint32_t high, Take take,
                   void* context, char* reason, std::size_t reasonSize);
 };

@@ -20,6 +20,7 @@ struct SystemClock::Timers {
     std::thread thread KX_GUARDED_BY(mutex);
 
     void serve();
+    void start(const std::shared_ptr<Timers>& self) KX_REQUIRES(mutex);
 };
 
 void SystemClock::Timers::serve() {
@@ -39,9 +40,9 @@ void SystemClock::Timers::serve() {
     }
 }
 
-void SystemClock::start(const std::shared_ptr<Timers>& timers) {
+void SystemClock::Timers::start(const std::shared_ptr<Timers>& self) {
     try {
-        timers->thread = std::thread([timers] { timers->serve(); });
+        thread = std::thread([self] { self->serve(); });
     } catch (const std::system_error& error) {  // the next timer tries again
         logError("SystemClock", Error::fromErrno(error.code().value(), "a thread for timers"));
     }
@@ -74,7 +75,7 @@ void SystemClock::runAt(std::chrono::nanoseconds deadline, TimerThread thread, s
     if (thread == TimerThread::Main) return EventLoop::main().runAt(deadline, std::move(action));
     const MutexLock lock(timers_->mutex);
     const auto placed = timers_->actions.emplace(deadline, std::move(action));
-    if (!timers_->thread.joinable()) start(timers_);
+    if (!timers_->thread.joinable()) timers_->start(timers_);
     if (placed == timers_->actions.begin()) timers_->changed.notifyOne();
 }
 

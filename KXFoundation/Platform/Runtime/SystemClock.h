@@ -20,7 +20,6 @@ class SystemClock final : public Clock {
 
   private:
     struct Timers;
-    static void start(const std::shared_ptr<Timers>& timers);
     const std::shared_ptr<Timers> timers_;  // the thread's too
 };
 

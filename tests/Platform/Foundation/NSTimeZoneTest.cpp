@@ -1,3 +1,5 @@
+#include <fstream>
+
 #include <gtest/gtest.h>
 
 #include <KXFoundation/Platform/Foundation/NSCalendar.h>
@@ -7,6 +9,7 @@
 #include "support/CapturedLog.h"
 #include "support/InjectedTimeZone.h"
 #include "support/ScopedPlatform.h"
+#include "support/TemporaryDirectory.h"
 
 namespace kx {
 namespace {
@@ -84,6 +87,39 @@ TEST(NSTimeZone, RefusesWhatIsNoName) {
     EXPECT_EQ(NSTimeZone::timeZoneWithName(std::nullopt), nullptr);
     EXPECT_EQ(NSTimeZone::timeZoneForSecondsFromGMT(INT64_MIN), nullptr);
     EXPECT_EQ(NSTimeZone::timeZoneForSecondsFromGMT(-9'000)->name(), "GMT-02:30");
+}
+
+/// A zone file (RFC 8536) with changes at those seconds, between UTC and an hour later.
+std::string zoneFile(const std::vector<std::int64_t>& changes) {
+    const auto number = [](std::uint64_t value, int bytes) {
+        std::string text;
+        while (bytes-- > 0) text += static_cast<char>(value >> (8 * bytes));
+        return text;
+    };
+    const auto block = [&](const std::vector<std::int64_t>& times) {
+        std::string text = "TZif2" + std::string(15, '\0');
+        for (const std::size_t count :
+             {std::size_t{0}, std::size_t{0}, std::size_t{0}, times.size(), std::size_t{2}, std::size_t{8}})
+            text += number(count, 4);
+        for (const std::int64_t time : times) text += number(static_cast<std::uint64_t>(time), 8);
+        for (std::size_t i = 0; i < times.size(); ++i) text += static_cast<char>(1 - i % 2);
+        text += number(0, 4) + std::string(2, '\0') + number(3600, 4) + std::string("\0\4", 2);
+        return text + std::string("UTC\0ONE\0", 8);
+    };
+    return block({}) + block(changes) + "\n\n";
+}
+
+TEST(NSTimeZone, AFileOfEndlessTimeCostsNoMore) {
+    testing::ScopedPlatform platform;
+    const testing::TemporaryDirectory folder;
+    const std::string path = folder.path() + "/zone";
+    std::ofstream(path, std::ios::binary) << zoneFile({-(std::int64_t{1} << 55), 0, std::int64_t{1} << 55});
+    platform.environment().set("TZ", path);
+    const ScopedPort<TimeZoneSettings> scope(TimeZoneSettings::makeDefault());
+    const auto zone = NSTimeZone::systemTimeZone();
+    EXPECT_EQ(zone->name(), path);
+    EXPECT_EQ(zone->secondsFromGMTForDate(NSDate::dateWithTimeIntervalSince1970(-1)), 3600);
+    EXPECT_EQ(zone->secondsFromGMTForDate(NSDate::dateWithTimeIntervalSince1970(1)), 0);
 }
 
 TEST(NSTimeZone, ReadsTheUsersVariable) {

@@ -219,8 +219,10 @@ TEST(Webp, ReadsBothKindsWithAlphaAndOrientation) {
     const std::array<std::uint32_t, 4> want{kOpaque[0], kOpaque[1], kOpaque[2], 0x80800000};
     expectCorners(decodeImage(webp(*straight, true)), want, "lossless", 1);
     expectCorners(decodeImage(webp(*straight, false)), want, "lossy");
-    expectCorners(decodeImage(webp(*straight, true, exif(3, true))), {want[3], want[2], want[1], want[0]},
-                  "upside down", 1);
+    for (const std::string& name : {std::string(), std::string("Exif\0\0", 6)}) {
+        expectCorners(decodeImage(webp(*straight, true, name + exif(3, true))),
+                      {want[3], want[2], want[1], want[0]}, "upside down", 1);
+    }
 }
 
 TEST(Tiff, ComesBackAsItWasWritten) {
@@ -262,7 +264,7 @@ TEST(ImageDecoder, TakesDamagedFilesOfEveryFormat) {
 TEST(ImageDecoder, RefusesASizeBeforeItAllocates) {
     auto encoded = *encodeJpeg(*quarters(16, 16, kOpaque[3]), 0.5);
     const std::byte frame[] = {std::byte{0xFF}, std::byte{0xC0}};
-    const auto found = std::ranges::search(encoded, frame).begin();
+    const auto found = std::search(encoded.begin(), encoded.end(), std::begin(frame), std::end(frame));
     ASSERT_NE(found, encoded.end());
     std::fill(found + 5, found + 9, std::byte{0x7F});  // 32,639 pixels each way
     const auto decoded = decodeImage(encoded);

@@ -99,7 +99,7 @@ TEST_F(NativeWindows, PassesMouseKeysAndSizesToTheWindow) {
              {.type = KeyUp, .window = 1, .key = std::uint32_t(WindowKey::Space)}});
     EXPECT_EQ(std::exchange(told, ""), "click ");
     happens({{.type = Resized, .window = 1, .width = 120, .height = 90}});
-    EXPECT_EQ(window->frame().size, NSSize(120, 90));
+    EXPECT_EQ(window->frame().size, (NSSize{120, 90}));
     happens({{.type = Exposed, .window = 1}});
     ASSERT_EQ(display.presented.size(), 1U);
     EXPECT_EQ(display.presented[0].width, 120) << "what was lost is shown again";

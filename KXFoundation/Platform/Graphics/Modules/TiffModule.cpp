@@ -7,6 +7,7 @@
 
 #include <tiffio.h>
 
+#include <KXFoundation/Platform/Graphics/PixelAlpha.h>
 #include <KXFoundation/Platform/Graphics/TiffModule.h>
 #include <KXFoundation/Platform/Runtime/Module.h>
 
@@ -139,7 +140,7 @@ bool write(const std::uint32_t* pixels, std::uint32_t wide, std::uint32_t high, 
         std::vector<std::uint8_t> row(std::size_t{wide} * 4);
         for (std::uint32_t y = 0; y < high; ++y) {
             for (std::uint32_t x = 0; x < wide; ++x) {
-                const std::uint32_t pixel = pixels[std::size_t{y} * wide + x];
+                const std::uint32_t pixel = straight(pixels[std::size_t{y} * wide + x]);
                 const std::uint8_t samples[] = {std::uint8_t(pixel >> 16), std::uint8_t(pixel >> 8),
                                                 std::uint8_t(pixel), std::uint8_t(pixel >> 24)};
                 std::copy(std::begin(samples), std::end(samples), row.begin() + std::ptrdiff_t{x} * 4);
