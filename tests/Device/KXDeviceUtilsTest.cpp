@@ -124,7 +124,9 @@ class InjectedTorch final : public Torch {
         return isThere_ ? std::optional<std::string>("torch") : std::nullopt;
     }
     Result<float> level() override { return level_; }
+    Result<void> maySet() override { return setLevel(level_); }
     Result<void> setLevel(float level) override {
+        if (!isThere_) return Error{ErrorKind::Missing, 0, "torch"};
         if (!obeys_) return Error::fromErrno(EACCES, "torch");
         level_ = level;
         return {};

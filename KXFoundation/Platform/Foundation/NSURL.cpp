@@ -4,24 +4,20 @@
 #include <utility>
 
 #include <KXFoundation/Platform/Foundation/NSURL.h>
+#include <KXFoundation/Platform/Foundation/PercentEncoding.h>
 
 namespace kx {
 
 namespace {
 
 constexpr std::string_view kLetters = "ABCDEFGHIJKLMNOPQRSTUVWXYZabcdefghijklmnopqrstuvwxyz";
-constexpr std::string_view kUnreservedMarks = "-._~";         // RFC 3986, 2.3
 constexpr std::string_view kReserved = ":/?#[]@!$&'()*+,;=";  // RFC 3986, 2.2
-constexpr std::string_view kHexDigits = "0123456789ABCDEF";
 
 bool isDigit(char c) {
     return c >= '0' && c <= '9';
 }
 bool isLetter(char c) {
     return kLetters.find(c) != kLetters.npos;
-}
-bool isUnreserved(char c) {
-    return isLetter(c) || isDigit(c) || kUnreservedMarks.find(c) != kUnreservedMarks.npos;
 }
 
 int hexValue(char c) {
@@ -59,14 +55,7 @@ std::string percentDecoded(std::string_view text) {
 }
 
 void appendPathEncoded(std::string& text, std::string_view path) {
-    for (const char c : path) {
-        if (isUnreserved(c) || c == '/') {
-            text += c;
-        } else {
-            const auto byte = static_cast<unsigned char>(c);
-            text.append({'%', kHexDigits[byte >> 4], kHexDigits[byte & 15]});
-        }
-    }
+    text += percentEncoded(path, [](char c) { return isUnreserved(c) || c == '/'; });
 }
 
 /// Where the scheme's ":" is; npos for a relative address.
@@ -134,9 +123,8 @@ std::optional<std::string_view> NSURL::fragment() const noexcept {
     return slice(fragmentStart_ + 1, text_.size());
 }
 
-bool NSURL::isFileURL() const noexcept {
-    return std::ranges::equal(scheme(), std::string_view("file"),
-                              [](char a, char b) { return (a | 0x20) == b; });
+bool NSURL::hasScheme(std::string_view name) const noexcept {
+    return std::ranges::equal(scheme(), name, {}, [](char c) { return isLetter(c) ? c | 0x20 : c; });
 }
 
 }  // namespace kx

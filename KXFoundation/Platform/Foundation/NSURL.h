@@ -33,7 +33,9 @@ class KX_EXPORT NSURL {
     [[nodiscard]] std::optional<std::string_view> query() const noexcept;
     /// Absent if there is no "#", without it otherwise; still percent-encoded.
     [[nodiscard]] std::optional<std::string_view> fragment() const noexcept;
-    [[nodiscard]] bool isFileURL() const noexcept;
+    /// Whether it has that scheme, given in lower case.
+    [[nodiscard]] bool hasScheme(std::string_view name) const noexcept;
+    [[nodiscard]] bool isFileURL() const noexcept { return hasScheme("file"); }
 
     bool operator==(const NSURL& other) const noexcept { return text_ == other.text_; }
 

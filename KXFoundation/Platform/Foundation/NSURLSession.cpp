@@ -32,8 +32,11 @@ class RunningTasks {
         // Registered on a thread of the pool, so after the pool's own: those registered last run first.
         static const int registered = std::atexit([] { shared().cancelAll(); });
         static_cast<void>(registered);
-        const MutexLock lock(mutex_);
+        MutexLock lock(mutex_);
         tasks_.push_back(task);
+        const bool isTooLate = isExiting_;
+        lock.unlock();
+        if (isTooLate) task->cancel();
     }
     void remove(const std::shared_ptr<NSURLSessionTask>& task) {
         const MutexLock lock(mutex_);
@@ -45,6 +48,7 @@ class RunningTasks {
         std::vector<std::shared_ptr<NSURLSessionTask>> tasks;
         {
             const MutexLock lock(mutex_);
+            isExiting_ = true;
             tasks = tasks_;
         }
         for (const auto& task : tasks) task->cancel();
@@ -52,6 +56,7 @@ class RunningTasks {
 
     Mutex mutex_;
     std::vector<std::shared_ptr<NSURLSessionTask>> tasks_ KX_GUARDED_BY(mutex_);
+    bool isExiting_ KX_GUARDED_BY(mutex_) = false;
 };
 
 Error cancelled() {
@@ -67,14 +72,10 @@ bool NSURLSessionTask::init(std::optional<NSURL> address, Completion completion)
     return Super::init();
 }
 
-bool NSURLSessionTask::claimStart() {
-    const MutexLock lock(mutex_);
-    return !std::exchange(isStarted_, true);
-}
-
 void NSURLSessionTask::resume() {
-    if (!claimStart()) return;
-    queue().addOperation([task = self()] {
+    const MutexLock lock(mutex_);
+    if (std::exchange(isStarted_, true)) return;
+    number_ = queue().addOperation([task = self()] {
         RunningTasks::shared().add(task);
         task->perform();
         RunningTasks::shared().remove(task);
@@ -82,12 +83,13 @@ void NSURLSessionTask::resume() {
 }
 
 void NSURLSessionTask::cancel() {
-    {
-        const MutexLock lock(mutex_);
-        isCancelled_ = true;
-        if (loading_) loading_->cancel();
-    }
-    resume();
+    MutexLock lock(mutex_);
+    isCancelled_ = true;
+    if (loading_) loading_->cancel();
+    const bool waits = !std::exchange(isStarted_, true) || queue().cancelOperation(number_);
+    lock.unlock();
+    // One that waits for its turn ends without it.
+    if (waits) DispatchQueue::shared().async([task = self()] { task->perform(); });
 }
 
 Result<URLAnswer> NSURLSessionTask::load() {
@@ -95,7 +97,7 @@ Result<URLAnswer> NSURLSessionTask::load() {
         const MutexLock lock(mutex_);
         if (isCancelled_) return cancelled();
     }
-    if (!address_ || address_->scheme() != "https") return Error{ErrorKind::Unsupported, 0, "URL session"};
+    if (!address_ || !address_->hasScheme("https")) return Error{ErrorKind::Unsupported, 0, "URL session"};
     const auto loading = loader_->open(address_->absoluteString());
     return loading ? runLoading(**loading) : loading.error();
 }

@@ -31,7 +31,6 @@ class KX_EXPORT NSURLSessionTask : public Subclass<NSURLSessionTask, NSObject> {
   private:
     friend class NSURLSession;
 
-    [[nodiscard]] bool claimStart();
     [[nodiscard]] Result<URLAnswer> load();
     [[nodiscard]] Result<URLAnswer> runLoading(URLLoading& loading);
     void perform();
@@ -43,11 +42,13 @@ class KX_EXPORT NSURLSessionTask : public Subclass<NSURLSessionTask, NSObject> {
     Mutex mutex_;
     bool isStarted_ KX_GUARDED_BY(mutex_) = false;
     bool isCancelled_ KX_GUARDED_BY(mutex_) = false;
+    std::uint64_t number_ KX_GUARDED_BY(mutex_) = 0;       // in the session's queue, once it has started
     URLLoading* loading_ KX_GUARDED_BY(mutex_) = nullptr;  // while it may be cancelled
 };
 
 /// The shared session of the process: it loads up to two addresses at a time, the rest wait. What is under
-/// way when the process exits is cancelled. Limits and proxies: see URLLoader.h.
+/// way when the process exits is cancelled, and calls its completion while static objects are destroyed. An
+/// exception that leaves a completion ends the process. Limits and proxies: see URLLoader.h.
 class KX_EXPORT NSURLSession {
   public:
     NSURLSession() = delete;

@@ -2,10 +2,14 @@
 
 namespace kx {
 
-std::string percentEncoded(std::string_view text) {
-    static constexpr std::string_view kUnreserved =
+bool isUnreserved(char c) noexcept {
+    constexpr std::string_view kUnreserved =
         "ABCDEFGHIJKLMNOPQRSTUVWXYZabcdefghijklmnopqrstuvwxyz0123456789-._~";
-    return percentEncoded(text, [](char c) { return kUnreserved.find(c) != kUnreserved.npos; });
+    return kUnreserved.find(c) != kUnreserved.npos;
+}
+
+std::string percentEncoded(std::string_view text) {
+    return percentEncoded(text, isUnreserved);
 }
 
 }  // namespace kx

@@ -8,8 +8,8 @@
 
 namespace kx {
 
-/// The text with each byte as "%XX" that `keeps` does not keep; "%" itself must be one of those where the text
-/// is to be told again.
+/// The text with each byte as "%XX" that `keeps` does not keep; "%" itself must be one of those where the
+/// text is to be told again.
 template <std::predicate<char> Keeps>
 [[nodiscard]] std::string percentEncoded(std::string_view text, Keeps keeps) {
     constexpr std::string_view kHexDigits = "0123456789ABCDEF";
@@ -26,8 +26,11 @@ template <std::predicate<char> Keeps>
     return encoded;
 }
 
-/// The text as a part of an address that is taken for nothing but itself (RFC 3986, 2.3): every byte but
-/// letters, digits and "-._~" as "%XX".
+/// Letters, digits and "-._~" (RFC 3986, 2.3).
+[[nodiscard]] KX_EXPORT bool isUnreserved(char c) noexcept;
+
+/// The text as a part of an address that is taken for nothing but itself: every byte as "%XX" that is not
+/// unreserved.
 [[nodiscard]] KX_EXPORT std::string percentEncoded(std::string_view text);
 
 }  // namespace kx

@@ -13,14 +13,20 @@ constexpr const char* kOpener = "xdg-open";
 /// The bus may have to start the portal first. Nobody waits for this but the next address.
 constexpr std::uint32_t kTimeoutMilliseconds = 5000;
 
+/// Whether it has the address. A portal that is there and then says nothing may still open it: asking another
+/// program too would open it twice.
 bool openThroughPortal(const NSURL& address) {
     if (address.isFileURL()) return false;  // the portal takes files as descriptors only
     const auto bus = sessionBusAddress();
     if (!bus) return false;  // nobody to ask: the module need not be opened
     const DesktopModule* module = desktopModule();
-    return module && module->opener &&
-           module->opener->openAddress(bus->c_str(), address.absoluteString().c_str(),
-                                       kTimeoutMilliseconds) == DesktopReply::Answered;
+    if (!module || !module->opener) return false;
+    std::uint32_t version = 0;
+    if (module->opener->portalVersion(bus->c_str(), kTimeoutMilliseconds, &version) != DesktopReply::Answered)
+        return false;
+    const DesktopReply reply =
+        module->opener->openAddress(bus->c_str(), address.absoluteString().c_str(), kTimeoutMilliseconds);
+    return reply == DesktopReply::Answered || reply == DesktopReply::TimedOut;
 }
 
 Result<void> openThroughProgram(const NSURL& address) {

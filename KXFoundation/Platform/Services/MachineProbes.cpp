@@ -61,10 +61,8 @@ Capability probeTorch(Patience) {
     Torch& torch = Torch::slot().current();
     const auto name = torch.name();
     if (!name) return {"torch", false, "no light is named torch or flash"};
-    // Setting the level that it has changes nothing, but is refused where another one would be.
-    const auto level = torch.level();
-    const auto set = level ? torch.setLevel(*level) : Result<void>(level.error());
-    return {"torch", set.ok(), set.ok() ? *name : set.error().message()};
+    const auto may = torch.maySet();
+    return {"torch", may.ok(), may.ok() ? *name : may.error().message()};
 }
 
 }  // namespace kx

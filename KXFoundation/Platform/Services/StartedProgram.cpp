@@ -1,5 +1,7 @@
 #include <algorithm>
 #include <csignal>
+#include <future>
+#include <system_error>
 #include <thread>
 
 #include <fcntl.h>
@@ -47,17 +49,27 @@ class Attributes {
     posix_spawn_file_actions_t files_;
 };
 
-/// A browser that was started so may run for days: a thread waits for its end, not one of the pool's.
-void collectAtEnd(pid_t child) {
-    std::thread([child] {
-        while (::waitpid(child, nullptr, 0) < 0 && errno == EINTR) {
-        }
-    }).detach();
+void collect(pid_t child) {
+    while (::waitpid(child, nullptr, 0) < 0 && errno == EINTR) {
+    }
 }
 
-}  // namespace
+/// A browser that was started so may run for days: a thread waits for its end, not one of the pool's. It is
+/// there before the program, which would stay as a zombie if there could be none.
+class Collector {
+  public:
+    Collector() {
+        std::thread([child = child_.get_future()]() mutable {
+            if (const pid_t started = child.get(); started > 0) collect(started);
+        }).detach();
+    }
+    void take(pid_t child) { child_.set_value(child); }
 
-Result<void> startProgram(const std::string& path, const std::string& argument) {
+  private:
+    std::promise<pid_t> child_;
+};
+
+Result<pid_t> spawn(const std::string& path, const std::string& argument) {
     std::string program = path;
     std::string given = argument;
     char* const arguments[] = {program.data(), given.data(), nullptr};
@@ -66,8 +78,20 @@ Result<void> startProgram(const std::string& path, const std::string& argument) 
     const int failure =
         ::posix_spawn(&child, path.c_str(), attributes.files(), attributes.attributes(), arguments, environ);
     if (failure != 0) return Error::fromErrno(failure, path);
-    collectAtEnd(child);
-    return {};
+    return child;
+}
+
+}  // namespace
+
+Result<void> startProgram(const std::string& path, const std::string& argument) {
+    try {
+        Collector collector;
+        const auto child = spawn(path, argument);
+        collector.take(child ? *child : 0);
+        return child ? Result<void>() : child.error();
+    } catch (const std::system_error& error) {
+        return Error::fromErrno(error.code().value(), path);
+    }
 }
 
 std::optional<std::string> programInPath(const std::string& name) {

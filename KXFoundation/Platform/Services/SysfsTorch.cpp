@@ -64,6 +64,14 @@ Result<float> SysfsTorch::level() {
     return std::min(static_cast<float>(*now) / static_cast<float>(*most), 1.0F);
 }
 
+/// The kernel looks at the rights when the file is opened.
+Result<void> SysfsTorch::maySet() {
+    const auto target = path("brightness");
+    if (!target) return target.error();
+    const auto file = files_->open(*target, FileSystem::Mode::ReadWrite);
+    return file ? Result<void>() : file.error();
+}
+
 Result<void> SysfsTorch::setLevel(float level) {
     const auto most = number("max_brightness");
     if (!most) return most.error();

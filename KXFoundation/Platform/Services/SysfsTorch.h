@@ -19,6 +19,7 @@ class KX_EXPORT SysfsTorch final : public Torch {
 
     [[nodiscard]] std::optional<std::string> name() override;
     Result<float> level() override;
+    Result<void> maySet() override;
     Result<void> setLevel(float level) override;
 
   private:

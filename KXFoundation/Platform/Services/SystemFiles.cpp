@@ -11,10 +11,9 @@ constexpr std::size_t kMostBytes = 64 * 1024;
 Result<std::string> readSystemFile(FileSystem& files, const std::string& path) {
     auto file = files.open(path, FileSystem::Mode::Read);
     if (!file) return std::move(file).error();
-    std::string contents(kMostBytes + 1, '\0');
+    std::string contents(kMostBytes, '\0');
     const auto got = (*file)->readAt(0, std::as_writable_bytes(std::span(contents)));
     if (!got) return got.error();
-    if (*got > kMostBytes) return Error{ErrorKind::TooLarge, 0, path};
     contents.resize(*got);
     return contents;
 }

@@ -20,7 +20,9 @@ class KX_EXPORT Torch {
     [[nodiscard]] virtual std::optional<std::string> name() = 0;
     /// How bright it is, from 0 (off) to 1.
     virtual Result<float> level() = 0;
-    /// Makes it that bright; a level above 0 is never off. Denied if this user may not.
+    /// Whether this user may switch it: Denied if not, Missing without one. Changes nothing.
+    virtual Result<void> maySet() = 0;
+    /// Makes it that bright; a level above 0 is never off. Denied if this user may not, Missing without one.
     virtual Result<void> setLevel(float level) = 0;
 
     static PortSlot<Torch>& slot();

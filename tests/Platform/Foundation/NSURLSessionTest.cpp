@@ -122,6 +122,27 @@ TEST_F(NSURLSessionTest, CancellingEndsALoadingOnce) {
     EXPECT_EQ(errors.size(), 2U);
 }
 
+TEST_F(NSURLSessionTest, CancellingEndsATaskThatWaitsForItsTurn) {
+    const ScopedPort<URLLoader> scope(
+        std::make_shared<CurlURLLoader>(URLLimits(), server().certificateFile()));
+    std::vector<std::shared_ptr<NSURLSessionTask>> silent;
+    for (int i = 0; i < 2; ++i) {  // as many as run at a time
+        silent.push_back(
+            NSURLSession::dataTaskWithURL(NSURL::URLWithString(server().address("/silent")), {}));
+        silent.back()->resume();
+        ASSERT_TRUE(server().waitForRequest("/silent"));
+    }
+    std::promise<int> ended;
+    const auto waiting = NSURLSession::dataTaskWithURL(
+        NSURL::URLWithString(server().address("/big?1")),
+        [&](const Result<URLAnswer>& answer) { ended.set_value(answer ? 0 : answer.error().systemError); });
+    waiting->resume();
+    waiting->cancel();
+    EXPECT_EQ(ended.get_future().get(), ECANCELED);  // while both of the others are still silent
+    for (const auto& task : silent) task->cancel();
+    drainQueues();
+}
+
 TEST_F(NSURLSessionTest, TheProcessExitsWithoutWaitingForALoading) {
     const std::string address = server().address("/silent");
     const std::string certificate = server().certificateFile();

@@ -117,8 +117,8 @@ CURLcode perform(HTTPTransfer& transfer) {
 
 void run(HTTPTransfer* transfer, HTTPModuleAnswer* answer) {
     CURL* easy = transfer->easy.get();
-    curl_multi_add_handle(transfer->multi.get(), easy);
-    const CURLcode code = perform(*transfer);
+    const bool isAdded = curl_multi_add_handle(transfer->multi.get(), easy) == CURLM_OK;
+    const CURLcode code = isAdded ? perform(*transfer) : CURLE_FAILED_INIT;
     long status = 0;
     curl_easy_getinfo(easy, CURLINFO_RESPONSE_CODE, &status);
     curl_multi_remove_handle(transfer->multi.get(), easy);

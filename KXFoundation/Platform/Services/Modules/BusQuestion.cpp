@@ -4,6 +4,7 @@
 #include <condition_variable>
 #include <memory>
 #include <mutex>
+#include <system_error>
 #include <thread>
 #include <utility>
 
@@ -81,9 +82,13 @@ void Exchange::talk() {
                                                                 cancellable.get(), &raw));
     const Failure failure(raw);
     if (bus) call(*bus);
-    const std::lock_guard lock(mutex);
-    isOver = true;
-    ended.notify_all();
+    const bool isAnswered = reply == DesktopReply::Answered;
+    {
+        const std::lock_guard lock(mutex);
+        isOver = true;
+        ended.notify_all();
+    }
+    if (isAnswered) std::this_thread::sleep_for(question.staysFor);
 }
 
 }  // namespace
@@ -94,7 +99,11 @@ DesktopReply ask(BusQuestion question, std::uint32_t timeoutMilliseconds, GVaria
     if (question.arguments) exchange->arguments.reset(g_variant_ref_sink(question.arguments));
     exchange->question = std::move(question);
     exchange->timeoutMilliseconds = static_cast<int>(timeoutMilliseconds);
-    std::thread([exchange] { exchange->talk(); }).detach();
+    try {
+        std::thread([exchange] { exchange->talk(); }).detach();
+    } catch (const std::system_error&) {
+        return DesktopReply::TimedOut;
+    }
 
     std::unique_lock lock(exchange->mutex);
     const bool isOver = exchange->ended.wait_for(lock, std::chrono::milliseconds(timeoutMilliseconds),

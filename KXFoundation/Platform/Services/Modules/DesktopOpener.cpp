@@ -14,6 +14,9 @@ constexpr const char* kPortal = "org.freedesktop.portal.Desktop";
 constexpr const char* kPortalPath = "/org/freedesktop/portal/desktop";
 constexpr const char* kOpener = "org.freedesktop.portal.OpenURI";
 
+/// The person may be asked with which program: the portal takes the question back from one that left.
+constexpr std::chrono::seconds kLongestDialogue{120};
+
 DesktopReply reachBus(const char* busAddress, std::uint32_t timeoutMilliseconds) {
     return ask({.bus = busAddress,
                 .service = "org.freedesktop.DBus",
@@ -51,7 +54,8 @@ DesktopReply openAddress(const char* busAddress, const char* address, std::uint3
                 .path = kPortalPath,
                 .interface = kOpener,
                 .method = "OpenURI",
-                .arguments = g_variant_new("(ssa{sv})", "", address, &options)},
+                .arguments = g_variant_new("(ssa{sv})", "", address, &options),
+                .staysFor = kLongestDialogue},
                timeoutMilliseconds);
 }
 

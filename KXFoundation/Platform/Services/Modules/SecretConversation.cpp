@@ -4,6 +4,7 @@
 #include <chrono>
 #include <condition_variable>
 #include <mutex>
+#include <system_error>
 #include <thread>
 #include <utility>
 
@@ -163,7 +164,11 @@ DesktopReply converse(std::string busAddress, std::uint32_t timeoutMilliseconds,
     const auto talk = std::make_shared<Talk>();
     talk->busAddress = std::move(busAddress);
     talk->steps = std::move(steps);
-    std::thread([talk] { talk->run(); }).detach();
+    try {
+        std::thread([talk] { talk->run(); }).detach();
+    } catch (const std::system_error&) {
+        return DesktopReply::TimedOut;
+    }
     return talk->wait(std::chrono::milliseconds(timeoutMilliseconds));
 }
 
