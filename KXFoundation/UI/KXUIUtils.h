@@ -1,6 +1,5 @@
 #pragma once
 
-#include <cstdint>
 #include <memory>
 #include <optional>
 #include <string_view>
@@ -13,12 +12,18 @@ namespace kx {
 class CGMutablePath;
 class NSAttributedString;
 class NSFont;
-class NSView;
 
 /// Layout and text operations. No instances.
 class KX_EXPORT KXUIUtils {
   public:
     KXUIUtils() = delete;
+
+    // Sizes. Any thread.
+
+    /// The size with 1 for each side that is exactly 0; every other value, negative or a fraction, stays.
+    [[nodiscard]] static constexpr NSSize getNotZeroCGSize(NSSize size) noexcept {
+        return {size.width == 0 ? 1 : size.width, size.height == 0 ? 1 : size.height};
+    }
 
     // Texts. Any thread.
 
@@ -38,14 +43,6 @@ class KX_EXPORT KXUIUtils {
     /// Nothing happens if either is absent.
     static void renderNSAttributeString(const std::shared_ptr<NSAttributedString>& text,
                                         const std::shared_ptr<CGMutablePath>& path);
-
-    // Questions that have one answer on a desktop.
-
-    [[nodiscard]] static constexpr bool isNotchScreen() noexcept { return false; }
-    [[nodiscard]] static constexpr NSEdgeInsets safeAreaInsets() noexcept { return {}; }
-    /// Does nothing: corners are rounded by the view's layer, all four alike.
-    static constexpr void setCornerForView(const std::shared_ptr<NSView>& /*view*/, std::int64_t /*corner*/,
-                                           double /*radius*/) noexcept {}
 };
 
 }  // namespace kx

@@ -1,8 +1,14 @@
+#include <pango/pango.h>
+
 #include <KXFoundation/Platform/Graphics/FontDescription.h>
 #include <KXFoundation/Platform/Graphics/FontFace.h>
 #include <KXFoundation/Platform/Graphics/NSFont.h>
 
 namespace kx {
+
+void FontDescriptionDeleter::operator()(PangoFontDescription* description) const {
+    pango_font_description_free(description);
+}
 
 FontDescription describedFont(const NSFont& font) {
     const FontFace& face = font.face();

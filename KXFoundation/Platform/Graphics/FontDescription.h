@@ -2,14 +2,14 @@
 
 #include <memory>
 
-#include <pango/pango.h>
+typedef struct _PangoFontDescription PangoFontDescription;
 
 namespace kx {
 
 class NSFont;
 
 struct FontDescriptionDeleter {
-    void operator()(PangoFontDescription* description) const { pango_font_description_free(description); }
+    void operator()(PangoFontDescription* description) const;
 };
 using FontDescription = std::unique_ptr<PangoFontDescription, FontDescriptionDeleter>;
 
