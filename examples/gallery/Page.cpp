@@ -5,6 +5,7 @@
 #include "pages/LanguagePage.h"
 #include "pages/ObjectsPage.h"
 #include "pages/RequestsPage.h"
+#include "pages/TextPage.h"
 
 namespace gallery {
 
@@ -21,6 +22,7 @@ constexpr PageEntry kPages[] = {
     {"application", "page.application", makePage<ApplicationPage>},
     {"requests", "page.requests", makePage<RequestsPage>},
     {"keychain", "page.keychain", makePage<KeychainPage>},
+    {"text", "page.text", makePage<TextPage>},
 };
 
 }  // namespace

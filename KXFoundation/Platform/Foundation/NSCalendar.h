@@ -9,6 +9,7 @@
 #include <KXFoundation/Platform/Foundation/NSDate.h>
 #include <KXFoundation/Platform/Foundation/NSDateComponents.h>
 #include <KXFoundation/Platform/Foundation/NSLocale.h>
+#include <KXFoundation/Platform/Foundation/NSRange.h>
 #include <KXFoundation/Platform/Foundation/NSTimeZone.h>
 #include <KXFoundation/Platform/Runtime/Export.h>
 #include <KXFoundation/Platform/Runtime/NSObject.h>
@@ -17,14 +18,6 @@ namespace kx {
 
 /// The Gregorian calendar, for all of time (it knows no Julian one before 1582).
 inline constexpr std::string_view NSCalendarIdentifierGregorian = "gregorian";
-
-/// A stretch of numbers.
-struct NSRange {
-    std::uint64_t location = 0;
-    std::uint64_t length = 0;  ///< 0 where there is no answer
-
-    bool operator==(const NSRange&) const = default;
-};
 
 /// Converts between instants and the fields of a date in one time zone, and steps from unit to unit.
 ///
