@@ -79,8 +79,8 @@ Result<PixelBuffer> AVAssetImageGenerator::copyImageAtTime(CMTime time, CMTime* 
     PixelBuffer buffer;
     VideoModule::Time actual{};
     VideoModule::Reason reason{};
-    if (!(*module)->frame(path.c_str(), {time.value, time.timescale}, &kLimits, allocatePixels, &buffer, &actual,
-                          &reason))
+    if (!(*module)->frame(path.c_str(), {time.value, time.timescale}, &kLimits, allocatePixels, &buffer,
+                          &actual, &reason))
         return errorOf(path, reason);
     if (actualTime) *actualTime = CMTimeMake(actual.value, actual.timescale);
     return buffer;

@@ -33,7 +33,8 @@ void bind(sqlite3_stmt* statement, const SqliteDatabase::Row& parameters) {
     for (const auto& field : parameters) {
         ++index;
         if (field.isText)
-            sqlite3_bind_text64(statement, index, field.text.data(), field.text.size(), SQLITE_STATIC, SQLITE_UTF8);
+            sqlite3_bind_text64(statement, index, field.text.data(), field.text.size(), SQLITE_STATIC,
+                                SQLITE_UTF8);
         else
             sqlite3_bind_int64(statement, index, field.number);
     }
@@ -48,7 +49,7 @@ SqliteDatabase::Row rowOf(sqlite3_stmt* statement) {
         }
         const auto* const text = static_cast<const char*>(sqlite3_column_blob(statement, column));
         const auto size = static_cast<std::size_t>(sqlite3_column_bytes(statement, column));
-        row.emplace_back(std::string_view(text ? text : "", size));
+        row.emplace_back(std::string(text ? text : "", size));
     }
     return row;
 }

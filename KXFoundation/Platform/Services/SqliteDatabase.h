@@ -3,7 +3,7 @@
 #include <cstdint>
 #include <memory>
 #include <string>
-#include <string_view>
+#include <utility>
 #include <vector>
 
 #include <KXFoundation/Platform/Runtime/Result.h>
@@ -17,15 +17,16 @@ class SqliteDatabase {
   public:
     /// A parameter or a column: a number or a text, which may hold any bytes.
     struct Field {
-        Field(std::int64_t number) : number(number), isText(false) {}
-        Field(std::string_view text) : text(text), isText(true) {}
+        Field(std::int64_t value) : number(value), isText(false) {}
+        Field(std::string value) : text(std::move(value)), isText(true) {}
         std::string text;
         std::int64_t number = 0;
         bool isText;
     };
     using Row = std::vector<Field>;
 
-    /// Makes the file if it is missing. Corrupt for what is no database.
+    /// Makes the file if it is missing. What cannot be written is opened to be read. What is no database is
+    /// found out at the first statement: Corrupt.
     static Result<SqliteDatabase> open(const std::string& path);
 
     /// Runs one statement with its parameters and answers all rows.

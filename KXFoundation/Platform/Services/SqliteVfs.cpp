@@ -105,7 +105,11 @@ int open(sqlite3_vfs*, const char* name, sqlite3_file* file, int flags, int* out
     auto files = FileSystem::slot().shared();
     const bool writes = (flags & SQLITE_OPEN_READWRITE) != 0;
     auto opened = files->open(name, writes ? FileSystem::Mode::ReadWrite : FileSystem::Mode::Read);
-    if (!opened) return SQLITE_CANTOPEN;
+    if (!opened && writes && opened.error().kind == ErrorKind::Denied) {
+        opened = files->open(name, FileSystem::Mode::Read);
+        flags = (flags & ~(SQLITE_OPEN_READWRITE | SQLITE_OPEN_CREATE)) | SQLITE_OPEN_READONLY;
+    }
+    if (!opened) return opened.error().kind == ErrorKind::Full ? SQLITE_FULL : SQLITE_CANTOPEN;
     reinterpret_cast<SqliteFile*>(file)->open =
         new OpenFile{std::move(files), std::move(*opened), directoryOf(name)};
     file->pMethods = &kMethods;

@@ -29,8 +29,8 @@ struct VideoModule {
     std::uint32_t version;
     /// Whether the file holds a moving picture that this machine decodes: its first frame is decoded.
     bool (*check)(const char* path, const Limits* limits, Reason* reason);
-    /// The frame that is shown at `time` (the first one before there is any, the last one after the end), upright,
-    /// as opaque 0xAARRGGBB; `actual` is the time at which it begins.
+    /// The frame that is shown at `time` (the first one before there is any, the last one after the end),
+    /// upright, as opaque 0xAARRGGBB; `actual` is the time at which it begins.
     bool (*frame)(const char* path, Time time, const Limits* limits, Allocate allocate, void* context,
                   Time* actual, Reason* reason);
 };

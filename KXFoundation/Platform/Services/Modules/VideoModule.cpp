@@ -44,7 +44,8 @@ using Container = std::unique_ptr<AVFormatContext, Freed<AVFormatContext, avform
 class Video {
   public:
     Video(const VideoModule::Limits& limits, VideoModule::Reason& reason)
-        : limits_(limits), reason_(reason),
+        : limits_(limits),
+          reason_(reason),
           deadline_(Clock::now() + std::chrono::milliseconds(limits.milliseconds)) {}
 
     bool open(const char* path) { return openContainer(path) && openDecoder(); }
@@ -53,11 +54,12 @@ class Video {
     AVFrame* frameAt(VideoModule::Time time) {
         const std::int64_t target = positionOf(time);
         // A failing seek leaves the file at its start, from where the frame is found too.
-        if (target > start() && av_seek_frame(container_.get(), stream_->index, target, AVSEEK_FLAG_BACKWARD) >= 0)
+        if (target > start() &&
+            av_seek_frame(container_.get(), stream_->index, target, AVSEEK_FLAG_BACKWARD) >= 0)
             avcodec_flush_buffers(codec_.get());
         while (next()) {
-            const bool isLater = decoded_->best_effort_timestamp != AV_NOPTS_VALUE &&
-                                 decoded_->best_effort_timestamp > target;
+            const bool isLater =
+                decoded_->best_effort_timestamp != AV_NOPTS_VALUE && decoded_->best_effort_timestamp > target;
             if (isLater && hasShown_) break;
             std::swap(shown_, decoded_);
             hasShown_ = true;
@@ -88,16 +90,16 @@ class Video {
 
     /// In the units of the stream, counted as the stream does; before the start counts as the start.
     std::int64_t positionOf(VideoModule::Time time) const {
-        const std::int64_t units = av_rescale_q_rnd(std::max<std::int64_t>(time.value, 0), {1, time.timescale},
-                                                    stream_->time_base, AV_ROUND_DOWN);
+        const std::int64_t units = av_rescale_q_rnd(std::max<std::int64_t>(time.value, 0),
+                                                    {1, time.timescale}, stream_->time_base, AV_ROUND_DOWN);
         return units < 0 ? INT64_MAX : av_sat_add64(units, start());  // below zero: more than can be counted
     }
 
     bool openContainer(const char* path) {
         AVFormatContext* context = avformat_alloc_context();
         if (!context) return fail(Kind::TooLarge, "no memory");
-        context->interrupt_callback = {[](void* video) { return static_cast<Video*>(video)->isLate() ? 1 : 0; },
-                                       this};
+        context->interrupt_callback = {
+            [](void* video) { return static_cast<Video*>(video)->isLate() ? 1 : 0; }, this};
         AVDictionary* options = nullptr;
         av_dict_set(&options, "protocol_whitelist", "file", 0);
         av_dict_set(&options, "format_whitelist", kContainers, 0);
@@ -181,10 +183,9 @@ class Video {
 
 /// The frame in its stored direction, as 0xFFRRGGBB.
 bool convert(const AVFrame& frame, std::uint32_t* pixels) {
-    SwsContext* const scaler =
-        sws_getContext(frame.width, frame.height, static_cast<AVPixelFormat>(frame.format), frame.width,
-                       frame.height, AV_PIX_FMT_BGRA, SWS_BILINEAR | SWS_ACCURATE_RND | SWS_FULL_CHR_H_INT,
-                       nullptr, nullptr, nullptr);
+    SwsContext* const scaler = sws_getContext(
+        frame.width, frame.height, static_cast<AVPixelFormat>(frame.format), frame.width, frame.height,
+        AV_PIX_FMT_BGRA, SWS_BILINEAR | SWS_ACCURATE_RND | SWS_FULL_CHR_H_INT, nullptr, nullptr, nullptr);
     if (!scaler) return false;
     // Where a recording does not say, high definition has BT.709's colours by custom, less has BT.601's.
     const int matrix = frame.colorspace != AVCOL_SPC_UNSPECIFIED ? static_cast<int>(frame.colorspace)
@@ -201,7 +202,8 @@ bool convert(const AVFrame& frame, std::uint32_t* pixels) {
     return done == frame.height;
 }
 
-void turn(const std::uint32_t* from, std::size_t wide, std::size_t high, int quarterTurns, std::uint32_t* to) {
+void turn(const std::uint32_t* from, std::size_t wide, std::size_t high, int quarterTurns,
+          std::uint32_t* to) {
     for (std::size_t y = 0; y < high; ++y) {
         for (std::size_t x = 0; x < wide; ++x) {
             const std::size_t at = quarterTurns == 1   ? x * high + (high - 1 - y)

@@ -1,5 +1,5 @@
 #include <KXFoundation/Platform/Foundation/UnicodeText.h>
-#include <KXFoundation/Platform/Services/PhotoFileName.h>
+#include <KXFoundation/Platform/Services/Photos/PhotoFileName.h>
 
 namespace kx {
 
@@ -52,7 +52,8 @@ std::string photoFileName(std::string_view text) {
 std::string numberedFileName(std::string_view name, unsigned number) {
     if (number == 1) return std::string(name);
     const std::size_t start = extensionStart(name);
-    return std::string(name.substr(0, start)) + " " + std::to_string(number) + std::string(name.substr(start));
+    return std::string(name.substr(0, start)) + " " + std::to_string(number) +
+           std::string(name.substr(start));
 }
 
 }  // namespace kx
