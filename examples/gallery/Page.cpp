@@ -1,5 +1,6 @@
 #include "Page.h"
 
+#include "pages/AlbumPage.h"
 #include "pages/ApplicationPage.h"
 #include "pages/KeychainPage.h"
 #include "pages/LanguagePage.h"
@@ -23,6 +24,7 @@ constexpr PageEntry kPages[] = {
     {"requests", "page.requests", makePage<RequestsPage>},
     {"keychain", "page.keychain", makePage<KeychainPage>},
     {"text", "page.text", makePage<TextPage>},
+    {"album", "page.album", makePage<AlbumPage>},
 };
 
 }  // namespace
