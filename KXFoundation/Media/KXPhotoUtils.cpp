@@ -108,12 +108,13 @@ void KXPhotoUtils::createAssets(std::vector<std::shared_ptr<KXPhotoFileInfo>> fi
 
 std::shared_ptr<PHAssetCollection> KXPhotoUtils::defaultAlbum() {
     const auto title = KXAppUtils::appName();
+    if (!title) return nullptr;
     if (auto album = getAlbum(title)) return album;
     if (PHPhotoLibrary::sharedPhotoLibrary()->isCurrent()) {
         callerError("KXPhotoUtils: defaultAlbum on the photo library's own queue");
         return nullptr;
     }
-    makeAlbum(title.value_or(std::string()));
+    makeAlbum(*title);
     return getAlbum(title);
 }
 

@@ -3,6 +3,7 @@
 #include <string>
 #include <vector>
 
+#include <KXFoundation/Platform/Runtime/Export.h>
 #include <KXFoundation/Platform/Services/Photos/PHAssetMediaType.h>
 
 namespace kx {
@@ -31,6 +32,6 @@ struct PhotoChanges {
 };
 
 /// 32 hexadecimal digits that nobody else has drawn.
-[[nodiscard]] std::string newPhotoIdentifier();
+[[nodiscard]] KX_EXPORT std::string newPhotoIdentifier();
 
 }  // namespace kx

@@ -116,8 +116,12 @@ Result<void> PhotoFiles::discard(const PhotoPlace& incoming) {
     return removed;
 }
 
-void PhotoFiles::removeFolder(const std::string& folder) {
-    if (isPlain(folder)) (void)files_->remove(pathOf({folder, {}}));
+Result<void> PhotoFiles::removeFolder(const std::string& folder) {
+    if (!isPlain(folder)) return {};
+    auto removed = files_->remove(pathOf({folder, {}}));
+    if (removed || isMissing(removed.error())) return {};
+    const int reason = removed.error().systemError;
+    return reason == ENOTEMPTY || reason == EEXIST ? Result<void>() : removed;
 }
 
 Result<void> PhotoFiles::sync(const std::string& folder) {

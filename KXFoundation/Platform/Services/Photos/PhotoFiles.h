@@ -40,8 +40,8 @@ class PhotoFiles {
     Result<bool> giveName(const PhotoPlace& incoming, const std::string& name);
     /// Removes an incoming file, if it is there, and nothing else.
     Result<void> discard(const PhotoPlace& incoming);
-    /// Removes the folder if it is empty.
-    void removeFolder(const std::string& folder);
+    /// Removes the folder if it is there and empty.
+    Result<void> removeFolder(const std::string& folder);
     /// Makes the names in the folder durable; none is needed where the folder is missing.
     Result<void> sync(const std::string& folder);
 

@@ -17,6 +17,7 @@ class FirstFailure {
         if (first_) first_ = std::move(done);
         return false;
     }
+    [[nodiscard]] bool isNone() const { return first_.ok(); }
     Result<void> take() { return std::move(first_); }
 
   private:
@@ -27,10 +28,11 @@ bool isFolder(const PhotoPlace& intent) {
     return intent.name.empty();
 }
 
-void removeFolder(const std::string& folder, const std::vector<PhotoIndex::Album>& albums,
-                  PhotoFiles& photos) {
-    if (std::ranges::find(albums, folder, &PhotoIndex::Album::folder) == albums.end())
-        photos.removeFolder(folder);
+/// A folder that another change made an album's meanwhile stays.
+Result<void> removeFolder(const std::string& folder, const std::vector<PhotoIndex::Album>& albums,
+                          PhotoFiles& photos) {
+    if (std::ranges::find(albums, folder, &PhotoIndex::Album::folder) != albums.end()) return {};
+    return photos.removeFolder(folder);
 }
 
 Result<void> discard(const PhotoPlace& incoming, PhotoFiles& photos) {
@@ -46,12 +48,10 @@ Result<void> undo(PhotoIndex& index, PhotoFiles& photos) {
     if (!albums) return albums.error();
     FirstFailure failure;
     for (const PhotoPlace& intent : *intents) {
-        if (isFolder(intent)) {
-            removeFolder(intent.folder, *albums, photos);
-        } else if (!failure.note(discard(intent, photos))) {
-            continue;
-        }
-        failure.note(index.removeIntent(intent));
+        if (isFolder(intent) && !failure.isNone()) break;  // its files are still there
+        if (failure.note(isFolder(intent) ? removeFolder(intent.folder, *albums, photos)
+                                          : discard(intent, photos)))
+            failure.note(index.removeIntent(intent));
     }
     return failure.take();
 }
