@@ -195,8 +195,7 @@ TEST_F(KXPhotoUtilsTest, SavesAPictureAndItsThumbnail) {
         const ScopedPort<Machine> disk(std::make_shared<DiskWithRoom>(row.room));
         EXPECT_EQ(KXPhotoUtils::saveImage(image, row.path, row.thumbnail), row.answer) << row.what;
         using Files = std::filesystem::directory_iterator;
-        EXPECT_EQ(static_cast<std::size_t>(std::distance(Files(at("s")), Files())), row.files)
-            << row.what;
+        EXPECT_EQ(static_cast<std::size_t>(std::distance(Files(at("s")), Files())), row.files) << row.what;
     }
     EXPECT_TRUE(KXPhotoUtils::saveImage(nullptr, at("n.jpg"), std::nullopt));
     EXPECT_FALSE(std::filesystem::exists(at("n.jpg")));
@@ -206,7 +205,7 @@ TEST_F(KXPhotoUtilsTest, SavesAPictureAndItsThumbnail) {
 TEST_F(KXPhotoUtilsTest, TheThumbnailIsTheFrameAtATenthOfASecond) {
     const auto image = KXPhotoUtils::getThumbnailForMP4(kClip);
     ASSERT_TRUE(image);
-    EXPECT_EQ(image->size(), NSSize(70, 46));
+    EXPECT_EQ(image->size(), (NSSize{70, 46}));
     const std::uint32_t pixel = image->bitmapAtScale(1)->pixelAt(10, 10);
     EXPECT_GT(pixel >> 8 & 0xFF, 150u) << "green, the second frame";
     EXPECT_LT(pixel >> 16 & 0xFF, 60u);

@@ -8,10 +8,9 @@ namespace {
 std::shared_ptr<PHAssetChangeRequest> request(PHAssetMediaType type, const std::optional<NSURL>& url) {
     PhotoChangeBlock* const block = PhotoChangeBlock::current("PHAssetChangeRequest");
     if (!block) return nullptr;
-    const std::string& identifier =
-        block->changes.assets
-            .emplace_back(newPhotoIdentifier(), type, url && url->isFileURL() ? url->path() : std::string())
-            .identifier;
+    const std::string identifier = newPhotoIdentifier();
+    block->changes.assets.push_back(
+        {identifier, type, url && url->isFileURL() ? url->path() : std::string()});
     return make<PHAssetChangeRequest>(make<PHObjectPlaceholder>(identifier));
 }
 

@@ -11,8 +11,9 @@ std::shared_ptr<PHAssetCollectionChangeRequest>
 PHAssetCollectionChangeRequest::creationRequestForAssetCollectionWithTitle(std::string_view title) {
     PhotoChangeBlock* const block = PhotoChangeBlock::current(kName);
     if (!block) return nullptr;
-    const auto& album = block->changes.albums.emplace_back(newPhotoIdentifier(), std::string(title));
-    return make<PHAssetCollectionChangeRequest>(album.identifier);
+    const std::string identifier = newPhotoIdentifier();
+    block->changes.albums.push_back({identifier, std::string(title)});
+    return make<PHAssetCollectionChangeRequest>(identifier);
 }
 
 std::shared_ptr<PHAssetCollectionChangeRequest>
