@@ -1,4 +1,5 @@
 #include <algorithm>
+#include <atomic>
 #include <limits>
 
 #include <KXFoundation/Platform/Foundation/CivilDate.h>
@@ -28,6 +29,11 @@ ZoneRules::ZoneRules(const std::vector<Span>& spans, bool repeats) : repeats_(re
     fillBuckets();
 }
 
+std::uint64_t ZoneRules::nextSerial() noexcept {
+    static constinit std::atomic<std::uint64_t> last{0};
+    return last.fetch_add(1, std::memory_order_relaxed) + 1;
+}
+
 void ZoneRules::fillBuckets() {
     if (from_.size() == 1) return;
     std::size_t span = 0;
@@ -48,6 +54,15 @@ std::size_t ZoneRules::spanAt(std::int64_t utc) const noexcept {
 std::int64_t ZoneRules::periodsBeyondTable(std::int64_t seconds) const noexcept {
     if (!repeats_ || seconds < from_.back()) return 0;
     return ((seconds - from_.back()) / kPeriod + 1) * kPeriod;
+}
+
+std::optional<std::int32_t> ZoneRules::steadyOffset(std::int64_t from, std::int64_t to) const noexcept {
+    if (offsets_.size() == 1) return offsets_[0];
+    const std::int64_t periods = periodsBeyondTable(from);
+    const std::size_t span = spanAt(from - periods);
+    // In a table that repeats, its last span is cut short where the table begins again.
+    const bool isSteady = span + 1 < from_.size() ? to - periods < from_[span + 1] : !repeats_;
+    return isSteady ? std::optional(offsets_[span]) : std::nullopt;
 }
 
 ZoneRules::Instants ZoneRules::instantsAt(std::int64_t local) const noexcept {

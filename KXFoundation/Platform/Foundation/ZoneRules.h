@@ -2,6 +2,7 @@
 
 #include <cstdint>
 #include <memory>
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -45,8 +46,14 @@ class KX_EXPORT ZoneRules {
         return offsets_[spanAt(utc - periodsBeyondTable(utc))];
     }
     [[nodiscard]] Instants instantsAt(std::int64_t local) const noexcept;
+    /// The offset from one moment to another; absent if it changes between.
+    [[nodiscard]] std::optional<std::int32_t> steadyOffset(std::int64_t from, std::int64_t to) const noexcept;
+
+    /// No other rules of the process have it, also after these are gone; never 0.
+    [[nodiscard]] std::uint64_t serial() const noexcept { return serial_; }
 
   private:
+    [[nodiscard]] static std::uint64_t nextSerial() noexcept;
     void fillBuckets();
     [[nodiscard]] std::size_t spanAt(std::int64_t utc) const noexcept;
     [[nodiscard]] std::int64_t periodsBeyondTable(std::int64_t seconds) const noexcept;
@@ -57,6 +64,7 @@ class KX_EXPORT ZoneRules {
     std::vector<std::int64_t> localFrom_;  // first local time that only the span's own offset gives
     std::vector<std::uint16_t> buckets_;   // the span in force where the bucket begins
     bool repeats_ = false;
+    std::uint64_t serial_ = nextSerial();
 };
 
 }  // namespace kx

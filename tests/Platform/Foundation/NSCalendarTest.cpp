@@ -1,3 +1,5 @@
+#include <cmath>
+
 #include <gtest/gtest.h>
 #include <unicode/gregocal.h>
 
@@ -132,6 +134,37 @@ TEST(NSCalendar, CountsSeveralUnitsFromTheLargestOn) {
     EXPECT_EQ(difference, want);
     EXPECT_EQ(calendar->dateByAddingComponents(difference, from), to);
     EXPECT_EQ(calendar->components(16, from, std::nullopt), NSDateComponents());
+}
+
+TEST(NSCalendar, CountsFractionsOfSeconds) {
+    const testing::ScopedPlatform platform;
+    const auto calendar = make<NSCalendar>();
+    calendar->setTimeZone(NSTimeZone::timeZoneWithName("UTC"));
+    const struct {
+        double from, to;
+        std::int64_t days, seconds;
+    } rows[] = {{0.875, 1.125, 0, 0},      {1.125, 0.875, 0, 0},
+                {0.125, 1.125, 0, 1},      {0.875, 86'400.125, 0, 86'399},
+                {0.125, 86'400.875, 1, 0}, {86'400.125, 0.875, 0, -86'399},
+                {-0.5, 0.25, 0, 0},        {0.75, -86'399.5, -1, 0}};
+    for (const auto& [from, to, days, seconds] : rows) {
+        const auto difference = calendar->components(NSCalendarUnitDay | NSCalendarUnitSecond,
+                                                     NSDate::dateWithTimeIntervalSince1970(from),
+                                                     NSDate::dateWithTimeIntervalSince1970(to));
+        EXPECT_EQ(difference.day(), days) << from << " " << to;
+        EXPECT_EQ(difference.second(), seconds) << from << " " << to;
+    }
+    NSDateComponents fields;
+    fields.setYear(1970);
+    for (const auto& [nanosecond, want] : {std::pair<std::int64_t, double>{500'000'000, 0.5},
+                                           {-500'000'000, -0.5},
+                                           {172'800'250'000'000, 172'800.25}}) {
+        fields.setNanosecond(nanosecond);
+        const auto date = calendar->dateFromComponents(fields);
+        EXPECT_EQ(date, NSDate::dateWithTimeIntervalSince1970(want)) << nanosecond;
+        EXPECT_EQ(calendar->components(NSCalendarUnitNanosecond, date).nanosecond(),
+                  static_cast<std::int64_t>((want - std::floor(want)) * 1e9));
+    }
 }
 
 }  // namespace
