@@ -30,10 +30,11 @@ std::shared_ptr<NSColor> colorOf(const NSAttributedString::Run& run) {
 NSRect NSString_Drawing::boundingRectWithSize(std::string_view text, NSSize size,
                                               NSStringDrawingOptions options,
                                               const std::shared_ptr<NSFont>& font) {
+    if (!font) return boundingRectWithSize(text, size, options, NSFont::systemFontOfSize(0));
     const bool fromTop = options == NSStringDrawingOptions::UsesLineFragmentOrigin;
     TextFlow flow;
     if (fromTop && size.width > 0) flow.width = size.width;
-    const TextMeasure measure = LaidOutText::measureOf(text, font ? font : NSFont::systemFontOfSize(0), flow);
+    const TextMeasure measure = LaidOutText::measureOf(text, font, flow);
     return {{0, fromTop ? 0 : -measure.firstBaseline}, measure.size};
 }
 
