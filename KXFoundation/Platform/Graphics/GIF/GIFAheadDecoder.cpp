@@ -29,8 +29,9 @@ struct GIFAheadDecoder::Slot {
 
 struct GIFAheadDecoder::Shared {
     Shared(std::shared_ptr<const GIFContents> given, GIFLimits limits) : contents(std::move(given)) {
+        std::uint64_t largest = 0;
         for (const GIFFrame& frame : contents->frames) largest = std::max(largest, frame.rect.area());
-        const std::size_t planes = largest > kManyPixels || largest < kWorthwhile ? 1 : kPlanes;
+        const std::size_t planes = planesFor(largest);
         slots.reserve(planes);
         for (std::size_t i = 0; i < planes; ++i) slots.emplace_back(limits);
     }
@@ -42,7 +43,6 @@ struct GIFAheadDecoder::Shared {
     void help();
 
     const std::shared_ptr<const GIFContents> contents;
-    std::uint64_t largest = 0;
     Mutex mutex;
     WaitPoint changed;
     std::size_t position KX_GUARDED_BY(mutex) = 0;
@@ -99,6 +99,7 @@ GIFAheadDecoder::GIFAheadDecoder(std::shared_ptr<const GIFContents> contents, st
     : shared_(std::make_shared<Shared>(std::move(contents), limits)),
       width_(width),
       height_(height),
+      limits_(limits),
       canvas_(width, height) {}
 
 GIFAheadDecoder::~GIFAheadDecoder() {
@@ -169,7 +170,7 @@ void GIFAheadDecoder::startAt(std::size_t index) {
 }
 
 std::size_t GIFAheadDecoder::startFor(std::size_t index) {
-    GIFIndexPlane plane;
+    GIFIndexPlane plane(limits_);
     return shared_->contents->keyFrame(index, width_, height_,
                                        [&](const GIFFrame& frame) { return plane.unpack(frame).ok(); });
 }

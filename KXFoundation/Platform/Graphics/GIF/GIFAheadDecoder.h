@@ -20,12 +20,16 @@ namespace kx {
 ///     GIFAheadDecoder decoder(reader.contents(), reader.width(), reader.height());
 ///     while (decoder.next(pixels)) show(pixels);
 ///
-/// Holds kPlanes index planes of the largest frame, one where frames are beyond kManyPixels.
+/// Holds planesFor() index planes of the largest frame.
 class KX_EXPORT GIFAheadDecoder {
   public:
     static constexpr std::uint64_t kWorthwhile = std::uint64_t{1} << 16;
     static constexpr std::uint64_t kManyPixels = std::uint64_t{8} << 20;
-    static constexpr std::size_t kPlanes = 3;
+    static constexpr std::size_t kPlanes = 4;
+    /// One where it is not worthwhile, or would be much memory.
+    [[nodiscard]] static constexpr std::size_t planesFor(std::uint64_t largestFrame) noexcept {
+        return largestFrame > kManyPixels || largestFrame < kWorthwhile ? 1 : kPlanes;
+    }
 
     /// What the contents point into, the file's bytes, must outlive the decoder.
     GIFAheadDecoder(std::shared_ptr<const GIFContents> contents, std::uint32_t width, std::uint32_t height,
@@ -64,6 +68,7 @@ class KX_EXPORT GIFAheadDecoder {
 
     std::shared_ptr<Shared> shared_;  // with the blocks on the queue
     std::uint32_t width_, height_;
+    GIFLimits limits_;
     GIFCanvas canvas_;
     std::size_t position_ = 0;
     std::optional<Error> damage_;
