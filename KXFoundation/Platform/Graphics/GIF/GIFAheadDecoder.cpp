@@ -38,7 +38,7 @@ struct GIFAheadDecoder::Shared {
 
     [[nodiscard]] Slot* slotOf(std::size_t frame) KX_REQUIRES(mutex);
     [[nodiscard]] Slot* claim() KX_REQUIRES(mutex);
-    void unpackClaimed(Slot& slot, MutexLock& lock) KX_REQUIRES(mutex);
+    void unpackClaimed(Slot& slot) KX_REQUIRES(mutex);
     [[nodiscard]] bool wantsHelp() KX_REQUIRES(mutex);
     void help();
 
@@ -72,10 +72,10 @@ GIFAheadDecoder::Slot* GIFAheadDecoder::Shared::claim() {
     return nullptr;
 }
 
-void GIFAheadDecoder::Shared::unpackClaimed(Slot& slot, MutexLock& lock) {
-    lock.unlock();
+void GIFAheadDecoder::Shared::unpackClaimed(Slot& slot) {
+    mutex.unlock();
     slot.unpack(contents->frames[slot.frame]);
-    lock.lock();
+    mutex.lock();
     const bool wanted = slot.frame >= position && slot.frame - position < slots.size();
     slot.state = wanted ? Slot::State::Done : Slot::State::Free;
     Executor::slot().current().wake(changed);
@@ -88,8 +88,8 @@ bool GIFAheadDecoder::Shared::wantsHelp() {
 }
 
 void GIFAheadDecoder::Shared::help() {
-    MutexLock lock(mutex);
-    while (Slot* slot = claim()) unpackClaimed(*slot, lock);
+    const MutexLock lock(mutex);
+    while (Slot* slot = claim()) unpackClaimed(*slot);
     helping = false;
     Executor::slot().current().wake(changed);
 }
@@ -113,7 +113,7 @@ GIFAheadDecoder::~GIFAheadDecoder() {
 /// The plane of the frame at the position, when it is unpacked.
 GIFAheadDecoder::Slot& GIFAheadDecoder::unpacked() {
     Shared& shared = *shared_;
-    MutexLock lock(shared.mutex);
+    const MutexLock lock(shared.mutex);
     if (shared.wantsHelp()) {
         shared.helping = true;
         DispatchQueue::shared().async([state = shared_] { state->help(); });
@@ -122,7 +122,7 @@ GIFAheadDecoder::Slot& GIFAheadDecoder::unpacked() {
         Slot* const slot = shared.slotOf(position_);
         if (slot && slot->state == Slot::State::Done) return *slot;
         if (Slot* const claimed = shared.claim()) {
-            shared.unpackClaimed(*claimed, lock);
+            shared.unpackClaimed(*claimed);
         } else {
             Executor::slot().current().wait(shared.mutex, shared.changed);
         }
