@@ -1,5 +1,6 @@
 #include "Page.h"
 
+#include "pages/AnimationPage.h"
 #include "pages/ApplicationPage.h"
 #include "pages/KeychainPage.h"
 #include "pages/LanguagePage.h"
@@ -21,6 +22,7 @@ constexpr PageEntry kPages[] = {
     {"application", "page.application", makePage<ApplicationPage>},
     {"requests", "page.requests", makePage<RequestsPage>},
     {"keychain", "page.keychain", makePage<KeychainPage>},
+    {"animation", "page.animation", makePage<AnimationPage>},
 };
 
 }  // namespace
