@@ -1,6 +1,7 @@
 #include "Page.h"
 
 #include "pages/AlbumPage.h"
+#include "pages/AnimationPage.h"
 #include "pages/ApplicationPage.h"
 #include "pages/KeychainPage.h"
 #include "pages/LanguagePage.h"
@@ -25,6 +26,7 @@ constexpr PageEntry kPages[] = {
     {"keychain", "page.keychain", makePage<KeychainPage>},
     {"text", "page.text", makePage<TextPage>},
     {"album", "page.album", makePage<AlbumPage>},
+    {"animation", "page.animation", makePage<AnimationPage>},
 };
 
 }  // namespace

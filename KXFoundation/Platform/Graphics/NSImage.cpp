@@ -156,7 +156,9 @@ std::shared_ptr<NSBitmapImageRep> NSImage::bitmapAtScale(double scale) const {
         !(high >= 1 && high <= NSBitmapImageRep::kLongestSide)) {
         return nullptr;
     }
-    if (rep->pixelsWide() == wide && rep->pixelsHigh() == high) return objectCast<NSBitmapImageRep>(rep);
+    if (rep->pixelsWide() == wide && rep->pixelsHigh() == high) {
+        if (auto own = objectCast<NSBitmapImageRep>(rep)) return own;
+    }
     auto bitmap = NSBitmapImageRep::bitmapWithPixels(static_cast<std::uint32_t>(wide),
                                                      static_cast<std::uint32_t>(high));
     if (auto context = GraphicsContext::onBitmap(bitmap, scale)) rep->draw(*context, {{}, size_}, 1);

@@ -116,6 +116,13 @@ NSRect NSView::convertRectToView(NSRect rect, const NSView* view) const noexcept
 void NSView::setHidden(bool hidden) {
     if (hidden == hidden_ || !allowsChange()) return;
     redrawAround([&] { hidden_ = hidden; });
+    didShowOrHide();
+}
+
+bool NSView::isShown() const {
+    const NSView* view = this;
+    while (!view->hidden_ && view->superview_) view = view->superview_;
+    return !view->hidden_ && view->window_ && view->window_->isVisible();
 }
 
 void NSView::setAlphaValue(double alpha) {

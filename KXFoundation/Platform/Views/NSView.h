@@ -66,6 +66,8 @@ class KX_EXPORT NSView : public Subclass<NSView, NSResponder> {
     virtual void viewDidMoveToSuperview() {}
     virtual void viewWillMoveToWindow(const std::shared_ptr<NSWindow>&) {}
     virtual void viewDidMoveToWindow() {}
+    /// isShown() may have another answer now.
+    virtual void viewDidShowOrHide() {}
     virtual void didAddSubview(NSView&) {}
     virtual void willRemoveSubview(NSView&) {}
 
@@ -86,6 +88,8 @@ class KX_EXPORT NSView : public Subclass<NSView, NSResponder> {
 
     [[nodiscard]] bool isHidden() const noexcept { return hidden_; }
     void setHidden(bool hidden);
+    /// Whether it is in a window on the screen, and neither it nor a view that holds it is hidden.
+    [[nodiscard]] bool isShown() const;
     /// 0 (unseen, untouchable) to 1; applies to the subviews too.
     [[nodiscard]] double alphaValue() const noexcept { return alpha_; }
     void setAlphaValue(double alpha);
@@ -149,6 +153,7 @@ class KX_EXPORT NSView : public Subclass<NSView, NSResponder> {
     void detachFromWindow();
     void willChangeWindow(const std::shared_ptr<NSWindow>& window);
     void didChangeWindow();
+    void didShowOrHide();
     void markLayoutUpwards() noexcept;
 
     NSRect frame_;

@@ -75,7 +75,9 @@ void NSWindow::fitContentView() {
 void NSWindow::orderFront() {
     const auto application = NSApplication::sharedApplication();
     if (!surface_) openSurface();
+    const bool isNews = !isVisible();
     application->bringToFront(self());
+    if (const auto content = contentView_; content && isNews) content->didShowOrHide();
 }
 
 void NSWindow::makeKeyAndOrderFront() {
@@ -89,6 +91,7 @@ void NSWindow::orderOut() {
     surface_ = nullptr;
     backing_ = nullptr;
     NSApplication::sharedApplication()->takeAway(*this);
+    if (const auto content = contentView_) content->didShowOrHide();
 }
 
 bool NSWindow::isVisible() const {

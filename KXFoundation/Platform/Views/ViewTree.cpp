@@ -137,8 +137,17 @@ void NSView::willChangeWindow(const std::shared_ptr<NSWindow>& window) {
 
 void NSView::didChangeWindow() {
     viewDidMoveToWindow();
+    viewDidShowOrHide();
     const auto views = subviews_;
     for (const auto& view : views) view->didChangeWindow();
+}
+
+/// Of the view, of one that holds it, or of the window.
+void NSView::didShowOrHide() {
+    const auto held = self();
+    viewDidShowOrHide();
+    const auto views = subviews_;
+    for (const auto& view : views) view->didShowOrHide();
 }
 
 // Layout
