@@ -23,6 +23,7 @@ std::string TextLine::fontNameOf(const Run& run) const {
 }
 
 void TextLine::addOutlinesOf(const Run& run, CGMutablePath& path) const {
+    path.reserve(16 * run.glyphCount, 32 * run.glyphCount);  // about what Latin letters have
     for (const Glyph& glyph : glyphsOf(run)) {
         path.addPath(texts_->outline(*run.font, glyph.number), glyph.position);
     }

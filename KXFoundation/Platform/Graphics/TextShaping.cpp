@@ -95,6 +95,7 @@ void TextShaping::shapeSimplePiece(std::size_t piece, hb_buffer_t* buffer) {
     unsigned count = 0;
     const hb_glyph_info_t* glyphs = hb_buffer_get_glyph_infos(buffer, &count);
     const hb_glyph_position_t* places = hb_buffer_get_glyph_positions(buffer, nullptr);
+    line_.glyphs_.reserve(line_.glyphs_.size() + count);
     beginRun(fonts_[piece], piece, false);
     for (unsigned i = 0; i < count; ++i) {
         add(glyphs[i].codepoint, places[i].x_offset, -places[i].y_offset, places[i].x_advance);
