@@ -53,6 +53,7 @@ hb_font_t* makePlainFont(PangoFont* font) {
 }  // namespace
 
 GlyphFont::GlyphFont(PangoFont* font) : font_(PANGO_FONT(g_object_ref(font))), number_(nextNumber()) {
+    scaledFont_ = pango_cairo_font_get_scaled_font(PANGO_CAIRO_FONT(font));
     FcPattern* pattern = pango_fc_font_get_pattern(PANGO_FC_FONT(font));
     hasOutlines_ = isSet(pattern, FC_OUTLINE);
     if (hasOutlines_ && isUnaltered(pattern)) plain_ = makePlainFont(font);
@@ -78,13 +79,9 @@ std::string GlyphFont::name() const {
     return name;
 }
 
-cairo_scaled_font_t* GlyphFont::scaledFont() const noexcept {
-    return pango_cairo_font_get_scaled_font(PANGO_CAIRO_FONT(font_));
-}
-
 std::shared_ptr<const CGMutablePath> GlyphFont::makeOutline(std::uint32_t glyph) const {
     if (!hasOutlines_) return CGMutablePath::path();
-    return plain_ ? readOutline(plain_, glyph) : traceOutline(scaledFont(), glyph);
+    return plain_ ? readOutline(plain_, glyph) : traceOutline(scaledFont_, glyph);
 }
 
 }  // namespace kx

@@ -34,11 +34,12 @@ class GlyphFont {
     /// Shapes printable ASCII as the engine would, several times as fast; nullptr if the font is one that the
     /// engine alters (slanted or emboldened by force, variable, with features of its own) or lacks a letter.
     [[nodiscard]] hb_font_t* asciiShaper() const noexcept { return holdsAscii_ ? plain_ : nullptr; }
-    [[nodiscard]] cairo_scaled_font_t* scaledFont() const noexcept;
+    [[nodiscard]] cairo_scaled_font_t* scaledFont() const noexcept { return scaledFont_; }
 
   private:
     PangoFont* font_;
     std::uint32_t number_;
+    cairo_scaled_font_t* scaledFont_ = nullptr;  // owned by font_
     hb_font_t* plain_ = nullptr;  // over the file itself; none for a font that the engine alters
     bool hasOutlines_ = false;
     bool holdsAscii_ = false;
