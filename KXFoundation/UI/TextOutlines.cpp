@@ -35,8 +35,8 @@ std::vector<StyledText> piecesOf(const NSAttributedString& text) {
 void KXUIUtils::renderNSAttributeString(const std::shared_ptr<NSAttributedString>& text,
                                         const std::shared_ptr<CGMutablePath>& path) {
     if (!text || !path) return;
-    const TextLine line = TextLine::layOut(piecesOf(*text));
-    for (const TextLine::Run& run : line.runs()) line.addOutlinesOf(run, *path);
+    const auto line = TextLine::layOut(piecesOf(*text));
+    for (const TextLine::Run& run : line->runs()) line->addOutlinesOf(run, *path);
 }
 
 }  // namespace kx

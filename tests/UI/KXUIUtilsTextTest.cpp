@@ -51,7 +51,7 @@ TEST(KXUIUtils, MeasuresTexts) {
     } rows[] = {
         {"one two three four", endless, wide, 1},
         {"one two three four", wide + 1, wide, 1},
-        {"one two three four", wide / 2, wide / 2, 2},
+        {"one two three four", wide * 0.62, wide * 0.62, 2},
         {"one two three four", 1, 16, 15},
         {"one two three four", 0, wide, 1},
         {"one two three four", -5, wide, 1},

@@ -1,6 +1,6 @@
 #include <algorithm>
 #include <cmath>
-#include <limits>
+#include <cstddef>
 
 #include <KXFoundation/Platform/Graphics/BezierExtent.h>
 #include <KXFoundation/Platform/Graphics/CGMutablePath.h>
@@ -54,21 +54,29 @@ void CGMutablePath::addRect(NSRect rect) {
     closeSubpath();
 }
 
-void CGMutablePath::addPath(const CGMutablePath& other, NSPoint translation) {
+void CGMutablePath::reserve(std::size_t elements, std::size_t points) {
+    const auto makeRoom = [](auto& list, std::size_t more) {
+        const std::size_t wanted = list.size() + more;
+        if (wanted > list.capacity()) list.reserve(std::max(wanted, 2 * list.capacity()));
+    };
+    makeRoom(elements_, elements);
+    makeRoom(points_, points);
+}
+
+void CGMutablePath::addPath(const CGMutablePath& other, const NSPoint& translation) {
     if (!std::isfinite(translation.x + translation.y)) {
         return callerError("CGMutablePath: a translation that is not finite");
     }
+    const NSPoint by = translation;  // it may be one of this path's own points
     // The other path may be this one, so both counts are taken before anything grows.
     const std::size_t elements = other.elements_.size(), points = other.points_.size();
-    const std::size_t firstElement = elements_.size(), firstPoint = points_.size();
-    elements_.resize(firstElement + elements);
-    std::copy_n(other.elements_.data(), elements, elements_.data() + firstElement);
-    points_.resize(firstPoint + points);
-    for (std::size_t i = 0; i < points; ++i) {
-        const NSPoint point = other.points_[i];
-        points_[firstPoint + i] = {point.x + translation.x, point.y + translation.y};
+    reserve(elements, points);
+    elements_.insert(elements_.end(), other.elements_.data(), other.elements_.data() + elements);
+    points_.insert(points_.end(), other.points_.data(), other.points_.data() + points);
+    for (NSPoint& point : std::span(points_).last(points)) {
+        point = {point.x + by.x, point.y + by.y};
     }
-    subpathStart_ = {other.subpathStart_.x + translation.x, other.subpathStart_.y + translation.y};
+    subpathStart_ = {other.subpathStart_.x + by.x, other.subpathStart_.y + by.y};
 }
 
 void CGMutablePath::translate(NSPoint by) {

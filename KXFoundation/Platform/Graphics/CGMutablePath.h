@@ -39,7 +39,9 @@ class KX_EXPORT CGMutablePath : public Subclass<CGMutablePath, NSObject> {
     void closeSubpath();
     void addRect(NSRect rect);
     /// Appends the other path, moved by `translation`.
-    void addPath(const CGMutablePath& other, NSPoint translation = {});
+    void addPath(const CGMutablePath& other, const NSPoint& translation = {});
+    /// Makes room for so many more, so that what is added next allocates nothing.
+    void reserve(std::size_t elements, std::size_t points);
     /// Moves all of it.
     void translate(NSPoint by);
 

@@ -136,12 +136,6 @@ void LaidOutText::draw(cairo_t* cairo, NSPoint topLeft) const {
     cairo_new_path(cairo);
 }
 
-namespace {
-
-constexpr std::size_t kLongText = 4096;  // bytes; of texts beyond that only the latest are remembered
-
-}  // namespace
-
 std::shared_ptr<const LaidOutText> LaidOutText::of(const TextLayout& text) {
     ThreadTexts& texts = *ThreadTexts::current();
     auto& lines = text.text().size() > kLongText ? texts.longLines : texts.lines;

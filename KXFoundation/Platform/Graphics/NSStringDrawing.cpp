@@ -11,7 +11,7 @@ namespace kx {
 
 namespace {
 
-TextLine lineOf(const NSAttributedString& text) {
+std::shared_ptr<const TextLine> lineOf(const NSAttributedString& text) {
     std::vector<StyledText> pieces;
     for (const auto& [range, attributes] : text.runs()) {
         pieces.push_back({std::string_view(text.string()).substr(range.location, range.length),
@@ -39,16 +39,16 @@ NSRect NSString_Drawing::boundingRectWithSize(std::string_view text, NSSize size
 }
 
 NSSize NSAttributedString_Drawing::size(const NSAttributedString& text) {
-    const TextLine line = lineOf(text);
-    return {line.width(), line.ascent() + line.descent()};
+    const auto line = lineOf(text);
+    return {line->width(), line->ascent() + line->descent()};
 }
 
 void NSAttributedString_Drawing::drawAtPoint(const NSAttributedString& text, GraphicsContext& context,
                                              NSPoint topLeft) {
-    const TextLine line = lineOf(text);
-    const NSPoint baseline{topLeft.x, topLeft.y + line.ascent()};
-    for (const TextLine::Run& run : line.runs()) {
-        line.drawRun(run, context, baseline, *colorOf(text.runs()[run.piece]));
+    const auto line = lineOf(text);
+    const NSPoint baseline{topLeft.x, topLeft.y + line->ascent()};
+    for (const TextLine::Run& run : line->runs()) {
+        line->drawRun(run, context, baseline, *colorOf(text.runs()[run.piece]));
     }
 }
 

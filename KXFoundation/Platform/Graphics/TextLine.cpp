@@ -12,10 +12,22 @@
 
 namespace kx {
 
-TextLine TextLine::layOut(std::span<const StyledText> pieces) {
-    TextLine line(ThreadTexts::current());
-    TextShaping(line, pieces).run();
-    return line;
+namespace {
+
+bool isLong(std::span<const StyledText> pieces) noexcept {
+    std::size_t length = 0;
+    for (const StyledText& piece : pieces) length += piece.text.size();
+    return length > kLongText;
+}
+
+}  // namespace
+
+std::shared_ptr<const TextLine> TextLine::layOut(std::span<const StyledText> pieces) {
+    ThreadTexts& texts = *ThreadTexts::current();
+    if (auto* found = texts.styledLines.find(pieces)) return *found;
+    const std::shared_ptr<TextLine> line(new TextLine);
+    TextShaping(texts, *line, pieces).run();
+    return isLong(pieces) ? line : texts.styledLines.add(LineKey(pieces), line);
 }
 
 std::string TextLine::fontNameOf(const Run& run) const {
@@ -23,8 +35,10 @@ std::string TextLine::fontNameOf(const Run& run) const {
 }
 
 void TextLine::addOutlinesOf(const Run& run, CGMutablePath& path) const {
+    ThreadTexts& texts = *ThreadTexts::current();
+    path.reserve(16 * run.glyphCount, 32 * run.glyphCount);  // about what Latin letters have
     for (const Glyph& glyph : glyphsOf(run)) {
-        path.addPath(texts_->outline(*run.font, glyph.number), glyph.position);
+        path.addPath(texts.outline(*run.font, glyph.number), glyph.position);
     }
 }
 

@@ -18,7 +18,6 @@ class GlyphFont;
 class GraphicsContext;
 class NSColor;
 class NSFont;
-class ThreadTexts;
 
 /// A piece of a line, all of it in one font; an absent one is the system font.
 struct StyledText {
@@ -48,7 +47,7 @@ class KX_EXPORT TextLine {
         bool isRightToLeft;
     };
 
-    [[nodiscard]] static TextLine layOut(std::span<const StyledText> pieces);
+    [[nodiscard]] static std::shared_ptr<const TextLine> layOut(std::span<const StyledText> pieces);
 
     /// From the left to the right.
     [[nodiscard]] std::span<const Run> runs() const noexcept { return runs_; }
@@ -68,9 +67,8 @@ class KX_EXPORT TextLine {
 
   private:
     friend class TextShaping;
-    explicit TextLine(std::shared_ptr<ThreadTexts> texts) : texts_(std::move(texts)) {}
+    TextLine() = default;
 
-    std::shared_ptr<ThreadTexts> texts_;
     std::vector<Glyph> glyphs_;
     std::vector<Run> runs_;
     double width_ = 0;

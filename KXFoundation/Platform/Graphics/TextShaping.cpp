@@ -68,7 +68,7 @@ bool TextShaping::isSimple() {
         const auto font = fontOf(piece);
         if (piece.text.size() > letterLimit(font->pointSize(), room)) return false;
         room -= double(piece.text.size()) * font->pointSize();
-        fonts_.push_back(line_.texts_->glyphFont(*font));
+        fonts_.push_back(texts_.glyphFont(*font));
         if (!fonts_.back() || !fonts_.back()->asciiShaper() || !isPrintableAscii(piece.text)) return false;
     }
     return true;
@@ -95,6 +95,7 @@ void TextShaping::shapeSimplePiece(std::size_t piece, hb_buffer_t* buffer) {
     unsigned count = 0;
     const hb_glyph_info_t* glyphs = hb_buffer_get_glyph_infos(buffer, &count);
     const hb_glyph_position_t* places = hb_buffer_get_glyph_positions(buffer, nullptr);
+    line_.glyphs_.reserve(line_.glyphs_.size() + count);
     beginRun(fonts_[piece], piece, false);
     for (unsigned i = 0; i < count; ++i) {
         add(glyphs[i].codepoint, places[i].x_offset, -places[i].y_offset, places[i].x_advance);
@@ -116,9 +117,8 @@ void TextShaping::shapeFully() {
     replaceLineEnds(text);
     const int length = static_cast<int>(text.size());
     // Weak: the first strong letter decides.
-    GList* logical =
-        pango_itemize_with_base_dir(line_.texts_->context.leftToRight(), PANGO_DIRECTION_WEAK_LTR,
-                                    text.data(), 0, length, attributes.get(), nullptr);
+    GList* logical = pango_itemize_with_base_dir(texts_.context.leftToRight(), PANGO_DIRECTION_WEAK_LTR,
+                                                 text.data(), 0, length, attributes.get(), nullptr);
     GList* visual = pango_reorder_items(logical);
     for (GList* at = visual; at; at = at->next) shapeItem(*static_cast<PangoItem*>(at->data), text);
     g_list_free(visual);
@@ -129,7 +129,7 @@ void TextShaping::shapeItem(PangoItem& item, const std::string& text) {
     if (!item.analysis.font) return;  // no font installed
     PangoGlyphString* glyphs = pango_glyph_string_new();
     pango_shape_item(&item, text.data(), static_cast<int>(text.size()), nullptr, glyphs, PANGO_SHAPE_NONE);
-    beginRun(line_.texts_->glyphFont(item.analysis.font), pieceAt(static_cast<std::size_t>(item.offset)),
+    beginRun(texts_.glyphFont(item.analysis.font), pieceAt(static_cast<std::size_t>(item.offset)),
              item.analysis.level % 2 == 1);
     for (int i = 0; i < glyphs->num_glyphs; ++i) {
         const PangoGlyphInfo& info = glyphs->glyphs[i];

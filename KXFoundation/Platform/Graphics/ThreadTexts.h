@@ -4,6 +4,7 @@
 #include <memory>
 
 #include <KXFoundation/Platform/Graphics/GlyphFont.h>
+#include <KXFoundation/Platform/Graphics/LineKey.h>
 #include <KXFoundation/Platform/Graphics/RecentCache.h>
 #include <KXFoundation/Platform/Graphics/TextContext.h>
 #include <KXFoundation/Platform/Graphics/TextKey.h>
@@ -13,8 +14,10 @@ namespace kx {
 class CGMutablePath;
 class LaidOutText;
 
+inline constexpr std::size_t kLongText = 4096;  // bytes; of texts beyond that only the latest are remembered
+
 /// What one thread remembers of the texts that it measured, drew and outlined with the fonts in use. Made
-/// anew when the FontSource was replaced; a text that was made before holds on to what it came from.
+/// anew when the FontSource was replaced.
 class ThreadTexts {
   public:
     [[nodiscard]] static const std::shared_ptr<ThreadTexts>& current();
@@ -31,6 +34,7 @@ class ThreadTexts {
     // Lines hold some KiB each, a measure about a hundred bytes, an outline some hundreds.
     RecentCache<TextKey, std::shared_ptr<const LaidOutText>, TextKeyHash> lines{128};
     RecentCache<TextKey, std::shared_ptr<const LaidOutText>, TextKeyHash> longLines{1};
+    RecentCache<LineKey, std::shared_ptr<const TextLine>, LineKeyHash> styledLines{128};
     RecentCache<TextKey, TextMeasure, TextKeyHash> measures{2048};
 
   private:

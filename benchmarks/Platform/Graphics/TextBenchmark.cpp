@@ -5,9 +5,9 @@
 // The peer is Pango as its manual uses it: one context kept, a layout for each measure, and for the outlines
 // one layout whose text changes, traced by Cairo.
 #include <cmath>
-#include <cstdio>
 #include <string>
 #include <string_view>
+#include <vector>
 
 #include <benchmark/benchmark.h>
 #include <pango/pangocairo.h>
@@ -132,6 +132,33 @@ void outlineWithKX(benchmark::State& state) {
     for (auto _ : state) benchmark::DoNotOptimize(outlined(texts[turn ^= 1])->points().data());
 }
 BENCHMARK(outlineWithKX)->Name("text-outline/30-characters/kx");
+
+/// Texts of 30 characters, more than any memory of lines holds.
+std::vector<std::string> newTexts() {
+    std::vector<std::string> texts;
+    for (int i = 1000; i < 5000; ++i) texts.push_back("Ferry " + std::to_string(i) + " for the quiet bays.");
+    return texts;
+}
+
+void outlineNewTextWithKX(benchmark::State& state) {
+    std::vector<std::shared_ptr<kx::NSAttributedString>> texts;
+    for (const std::string& text : newTexts()) texts.push_back(styled(text));
+    std::size_t turn = 0;
+    for (auto _ : state) benchmark::DoNotOptimize(outlined(texts[turn++ % texts.size()])->points().data());
+}
+BENCHMARK(outlineNewTextWithKX)->Name("text-outline/new-text/kx");
+
+void outlineNewTextWithPango(benchmark::State& state) {
+    const PangoLine pango;
+    const auto texts = newTexts();
+    std::size_t turn = 0;
+    for (auto _ : state) {
+        cairo_path_t* path = pango.outline(texts[turn++ % texts.size()]);
+        benchmark::DoNotOptimize(path->data);
+        cairo_path_destroy(path);
+    }
+}
+BENCHMARK(outlineNewTextWithPango)->Name("text-outline/new-text/pango");
 
 void outlineWithPango(benchmark::State& state) {
     const PangoLine pango;

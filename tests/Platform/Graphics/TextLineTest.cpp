@@ -14,7 +14,7 @@ std::shared_ptr<NSFont> font(std::string_view name, double size = 14) {
     return NSFont::fontWithNameOrFallback(name, size);
 }
 
-TextLine lineOf(std::initializer_list<StyledText> pieces) {
+std::shared_ptr<const TextLine> lineOf(std::initializer_list<StyledText> pieces) {
     return TextLine::layOut(std::span(pieces.begin(), pieces.size()));
 }
 
@@ -42,9 +42,9 @@ TEST(TextLine, AsciiTakesTheShortRoadToTheSameGlyphs) {
     for (const char* name : {"DejaVu Sans", "DejaVu Serif Bold", "DejaVu Sans Mono", "Amiri"}) {
         for (const char* text :
              {"Waffles, AVATAR & fjord office", "  two  blanks ", "12.50 (x)", "~!@#$%^&*"}) {
-            const TextLine simple = lineOf({{text, font(name)}});
-            const TextLine full = lineOf({{text, font(name)}, {"é", font(name)}});
-            const auto got = glyphsOf(simple, 0), want = glyphsOf(full, 0);
+            const auto simple = lineOf({{text, font(name)}});
+            const auto full = lineOf({{text, font(name)}, {"é", font(name)}});
+            const auto got = glyphsOf(*simple, 0), want = glyphsOf(*full, 0);
             ASSERT_EQ(got.size(), want.size()) << name << ": " << text;
             for (std::size_t i = 0; i < got.size(); ++i) {
                 EXPECT_EQ(got[i].number, want[i].number) << name << ": " << text << ", glyph " << i;
@@ -59,7 +59,7 @@ TEST(TextLine, OrdersItsPiecesForTheirScripts) {
     const auto plain = font("DejaVu Sans"), bold = font("DejaVu Sans Bold");
     const struct {
         const char* what;
-        TextLine line;
+        std::shared_ptr<const TextLine> line;
         const char* want;
     } rows[] = {
         {"nothing", lineOf({}), ""},
@@ -70,27 +70,27 @@ TEST(TextLine, OrdersItsPiecesForTheirScripts) {
         {"a number in Arabic", lineOf({{"ميناء ", plain}, {"12", bold}, {" قديم", plain}}), "(2)1(0)"},
         {"Chinese from another font", lineOf({{"a港", plain}}), "00"},
     };
-    for (const auto& row : rows) EXPECT_EQ(order(row.line), row.want) << row.what;
-    EXPECT_EQ(rows[2].line.fontNameOf(rows[2].line.runs()[1]), "DejaVu Sans Bold");
-    EXPECT_EQ(rows[6].line.fontNameOf(rows[6].line.runs()[1]), "Droid Sans Fallback");
+    for (const auto& row : rows) EXPECT_EQ(order(*row.line), row.want) << row.what;
+    EXPECT_EQ(rows[2].line->fontNameOf(rows[2].line->runs()[1]), "DejaVu Sans Bold");
+    EXPECT_EQ(rows[6].line->fontNameOf(rows[6].line->runs()[1]), "Droid Sans Fallback");
 }
 
 TEST(TextLine, IsAsWideAndHighAsTheSameTextLaidOut) {
     for (const char* text : {"Harbour", "ميناء قديم", "Files: مرحبا 12", "港口 a", "a\xFF b"}) {
-        const TextLine line = lineOf({{text, font("DejaVu Sans")}});
+        const auto line = lineOf({{text, font("DejaVu Sans")}});
         const NSSize laidOut = TextLayout(text, font("DejaVu Sans")).size();
-        EXPECT_NEAR(line.width(), laidOut.width, 0.05) << text;
-        EXPECT_NEAR(line.ascent() + line.descent(), laidOut.height, 0.05) << text;
+        EXPECT_NEAR(line->width(), laidOut.width, 0.05) << text;
+        EXPECT_NEAR(line->ascent() + line->descent(), laidOut.height, 0.05) << text;
     }
-    EXPECT_EQ(lineOf({{"a\tb\nc", font("DejaVu Sans")}}).width(),
-              lineOf({{"a b c", font("DejaVu Sans")}}).width());
+    EXPECT_EQ(lineOf({{"a\tb\nc", font("DejaVu Sans")}})->width(),
+              lineOf({{"a b c", font("DejaVu Sans")}})->width());
 }
 
-TEST(TextLine, OutlinesScaleAndCarryForcedStyles) {
+TEST(TextLine, OutlinesScaleAndCarryForcedWeight) {
     const auto outlined = [](std::string_view text, std::string_view name, double size) {
         const auto path = CGMutablePath::path();
-        const TextLine line = lineOf({{text, font(name, size)}});
-        for (const auto& run : line.runs()) line.addOutlinesOf(run, *path);
+        const auto line = lineOf({{text, font(name, size)}});
+        for (const auto& run : line->runs()) line->addOutlinesOf(run, *path);
         return path->pathBoundingBox();
     };
     const NSRect small = outlined("H", "DejaVu Sans", 10), large = outlined("H", "DejaVu Sans", 2000);
@@ -98,8 +98,7 @@ TEST(TextLine, OutlinesScaleAndCarryForcedStyles) {
     EXPECT_NEAR(large.size.height, 2000 * 0.729, 1);  // the capitals of DejaVu Sans stand 1493 of 2048 high
     EXPECT_NEAR(small.maxY(), 0, 0.01);               // on the baseline
     EXPECT_GT(outlined("g", "DejaVu Sans", 10).maxY(), 1);
-    // The test fonts hold no slanted face and the Chinese one no bold: both are made by force.
-    EXPECT_GT(outlined("H", "DejaVu Sans Oblique", 10).size.width, 1.1 * small.size.width);
+    // The Chinese test font has no bold: it is made by force.
     EXPECT_GT(outlined("一", "DejaVu Sans Bold", 100).size.height,
               outlined("一", "DejaVu Sans", 100).size.height + 0.5);
     EXPECT_TRUE(outlined("  ", "DejaVu Sans", 10).isEmpty());
@@ -123,10 +122,10 @@ TEST(TextLine, HostileTextIsHarmless) {
     };
     for (const auto& row : rows) {
         const auto path = CGMutablePath::path();
-        const TextLine line = lineOf({{row.text, font("serif", row.size)}, {"x", font("serif")}});
-        for (const auto& run : line.runs()) line.addOutlinesOf(run, *path);
-        EXPECT_GE(line.width(), 0) << row.what;
-        EXPECT_LT(line.width(), 2'100'000) << row.what;
+        const auto line = lineOf({{row.text, font("serif", row.size)}, {"x", font("serif")}});
+        for (const auto& run : line->runs()) line->addOutlinesOf(run, *path);
+        EXPECT_GE(line->width(), 0) << row.what;
+        EXPECT_LT(line->width(), 2'100'000) << row.what;
     }
 }
 
