@@ -20,11 +20,12 @@ struct NSCalendar::KnownMonth {
     double lastDay = 0;       // where that begins
     MonthDays days{};
 
-    // The initial-exec model spares a call per access inside a shared library.
-    static constinit thread_local KnownMonth last __attribute__((tls_model("initial-exec")));
+    static constinit thread_local KnownMonth last;
 };
 
-constinit thread_local NSCalendar::KnownMonth NSCalendar::KnownMonth::last;
+// The initial-exec model spares a call per access inside a shared library.
+constinit thread_local NSCalendar::KnownMonth NSCalendar::KnownMonth::last
+    __attribute__((tls_model("initial-exec")));
 
 inline const NSCalendar::KnownMonth* NSCalendar::knownMonth(
     const std::optional<NSDate>& date) const noexcept {
