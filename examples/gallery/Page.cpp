@@ -1,9 +1,11 @@
 #include "Page.h"
 
 #include "pages/ApplicationPage.h"
+#include "pages/ColoursPage.h"
 #include "pages/KeychainPage.h"
 #include "pages/LanguagePage.h"
 #include "pages/ObjectsPage.h"
+#include "pages/PicturesPage.h"
 #include "pages/RequestsPage.h"
 
 namespace gallery {
@@ -21,6 +23,8 @@ constexpr PageEntry kPages[] = {
     {"application", "page.application", makePage<ApplicationPage>},
     {"requests", "page.requests", makePage<RequestsPage>},
     {"keychain", "page.keychain", makePage<KeychainPage>},
+    {"pictures", "page.pictures", makePage<PicturesPage>},
+    {"colours", "page.colours", makePage<ColoursPage>},
 };
 
 }  // namespace
