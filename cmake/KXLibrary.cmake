@@ -8,6 +8,15 @@ function(kx_sources library)
   target_sources(${target_${library}} PRIVATE ${ARGN})
 endfunction()
 
+# kx_wide_sources(<Foundation|UI> file...): sources of this folder, named to kx_sources before, that are for machines with
+# AVX2 and are called on those only. They go without the precompiled header, which is for every machine.
+function(kx_wide_sources library)
+  if(CMAKE_SYSTEM_PROCESSOR MATCHES "x86_64|AMD64")
+    set_source_files_properties(${ARGN} TARGET_DIRECTORY ${target_${library}} PROPERTIES
+      COMPILE_OPTIONS -mavx2 SKIP_PRECOMPILE_HEADERS ON)
+  endif()
+endfunction()
+
 # kx_packages(<Foundation|UI> module...): links pkg-config modules into one of the two libraries. They are private to
 # it; a static build hands them on through the installed CMake package and pkg-config file.
 function(kx_packages library)

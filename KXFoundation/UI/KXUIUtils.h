@@ -1,18 +1,24 @@
 #pragma once
 
+<<<<<<< HEAD
 #include <memory>
 #include <optional>
 #include <string_view>
 
+=======
+>>>>>>> pictures
 #include <KXFoundation/Platform/Foundation/NSGeometry.h>
 #include <KXFoundation/Platform/Runtime/Export.h>
 
 namespace kx {
 
+<<<<<<< HEAD
 class CGMutablePath;
 class NSAttributedString;
 class NSFont;
 
+=======
+>>>>>>> pictures
 /// Layout and text operations. No instances.
 class KX_EXPORT KXUIUtils {
   public:
@@ -24,6 +30,7 @@ class KX_EXPORT KXUIUtils {
     [[nodiscard]] static constexpr NSSize getNotZeroCGSize(NSSize size) noexcept {
         return {size.width == 0 ? 1 : size.width, size.height == 0 ? 1 : size.height};
     }
+<<<<<<< HEAD
 
     // Texts. Any thread.
 
@@ -43,6 +50,8 @@ class KX_EXPORT KXUIUtils {
     /// Nothing happens if either is absent.
     static void renderNSAttributeString(const std::shared_ptr<NSAttributedString>& text,
                                         const std::shared_ptr<CGMutablePath>& path);
+=======
+>>>>>>> pictures
 };
 
 }  // namespace kx

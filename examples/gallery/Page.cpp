@@ -3,9 +3,11 @@
 #include "pages/AlbumPage.h"
 #include "pages/AnimationPage.h"
 #include "pages/ApplicationPage.h"
+#include "pages/ColoursPage.h"
 #include "pages/KeychainPage.h"
 #include "pages/LanguagePage.h"
 #include "pages/ObjectsPage.h"
+#include "pages/PicturesPage.h"
 #include "pages/RequestsPage.h"
 #include "pages/TextPage.h"
 
@@ -27,6 +29,8 @@ constexpr PageEntry kPages[] = {
     {"text", "page.text", makePage<TextPage>},
     {"album", "page.album", makePage<AlbumPage>},
     {"animation", "page.animation", makePage<AnimationPage>},
+    {"pictures", "page.pictures", makePage<PicturesPage>},
+    {"colours", "page.colours", makePage<ColoursPage>},
 };
 
 }  // namespace

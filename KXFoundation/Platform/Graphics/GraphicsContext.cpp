@@ -31,10 +31,30 @@ cairo_surface_t* surfaceOver(const NSBitmapImageRep& bitmap) {
     return surfaceOver(bitmap.pixels().data(), bitmap.pixelsWide(), bitmap.pixelsHigh());
 }
 
+/// The bitmap laid over the rectangle of the coordinates of the moment.
+cairo_pattern_t* patternOver(const NSBitmapImageRep& bitmap, NSRect rect) {
+    cairo_surface_t* surface = surfaceOver(bitmap);
+    cairo_pattern_t* pattern = cairo_pattern_create_for_surface(surface);
+    cairo_surface_destroy(surface);
+    cairo_matrix_t matrix;
+    cairo_matrix_init_scale(&matrix, bitmap.pixelsWide() / rect.size.width,
+                            bitmap.pixelsHigh() / rect.size.height);
+    cairo_matrix_translate(&matrix, -rect.origin.x, -rect.origin.y);
+    cairo_pattern_set_matrix(pattern, &matrix);
+    cairo_pattern_set_extend(pattern, CAIRO_EXTEND_PAD);  // no fringe at the picture's edges
+    cairo_pattern_set_filter(pattern, CAIRO_FILTER_GOOD);
+    return pattern;
+}
+
 }  // namespace
 
 struct GraphicsContext::Native {
-    enum class Saved : std::uint8_t { State, Layer };
+    enum class Kind : std::uint8_t { State, Layer, Mask };
+    struct Saved {
+        Kind kind;
+        std::shared_ptr<const NSBitmapImageRep> pixels = nullptr;  // those of the mask
+        cairo_pattern_t* mask = nullptr;
+    };
 
     std::shared_ptr<NSBitmapImageRep> bitmap;
     double scale;
@@ -55,9 +75,11 @@ struct GraphicsContext::Native {
     Native(const Native&) = delete;
     Native& operator=(const Native&) = delete;
 
-    /// Closes the innermost saved state or layer; a layer is put down as it is.
+    /// Closes the innermost saved state, layer or mask; a layer is put down as it is.
     void close() {
-        if (saved.back() == Saved::Layer) putLayer(1);
+        const Saved& last = saved.back();
+        if (last.kind == Kind::Layer) putLayer(1);
+        if (last.kind == Kind::Mask) putMasked(last.mask);
         cairo_restore(cairo);
         saved.pop_back();
     }
@@ -65,7 +87,19 @@ struct GraphicsContext::Native {
         cairo_pop_group_to_source(cairo);
         cairo_paint_with_alpha(cairo, opacity);
     }
-    bool isInnermost(Saved kind) const { return !saved.empty() && saved.back() == kind; }
+    void putMasked(cairo_pattern_t* mask) {
+        cairo_pop_group_to_source(cairo);
+        cairo_mask(cairo, mask);
+        cairo_pattern_destroy(mask);
+    }
+    /// Whether the innermost of saved states and layers is of that kind; masks inside it are closed.
+    bool closeMasksInside(Kind kind) {
+        const auto outer =
+            std::find_if(saved.rbegin(), saved.rend(), [](const Saved& s) { return s.kind != Kind::Mask; });
+        if (outer == saved.rend() || outer->kind != kind) return false;
+        while (saved.back().kind == Kind::Mask) close();
+        return true;
+    }
 
     void setSource(const NSColor& color) {
         const ColorComponents c = color.components();
@@ -212,15 +246,10 @@ void GraphicsContext::drawBitmap(const NSBitmapImageRep& bitmap, NSRect into, do
     if (!isDrawable(into) || !(opacity > 0)) return;
     const SavedState state(*this);
     clip(into);
-    cairo_t* cairo = native_->cairo;
-    cairo_translate(cairo, into.origin.x, into.origin.y);
-    cairo_scale(cairo, into.size.width / bitmap.pixelsWide(), into.size.height / bitmap.pixelsHigh());
-    cairo_surface_t* surface = surfaceOver(bitmap);
-    cairo_set_source_surface(cairo, surface, 0, 0);
-    cairo_surface_destroy(surface);
-    cairo_pattern_set_extend(cairo_get_source(cairo), CAIRO_EXTEND_PAD);  // no fringe at the picture's edges
-    cairo_pattern_set_filter(cairo_get_source(cairo), CAIRO_FILTER_GOOD);
-    cairo_paint_with_alpha(cairo, std::min(opacity, 1.0));
+    cairo_pattern_t* pattern = patternOver(bitmap, into);
+    cairo_set_source(native_->cairo, pattern);
+    cairo_pattern_destroy(pattern);
+    cairo_paint_with_alpha(native_->cairo, std::min(opacity, 1.0));
 }
 
 void GraphicsContext::drawText(const TextLayout& text, NSPoint topLeft, const NSColor& color) {
@@ -231,11 +260,11 @@ void GraphicsContext::drawText(const TextLayout& text, NSPoint topLeft, const NS
 
 void GraphicsContext::saveState() {
     cairo_save(native_->cairo);
-    native_->saved.push_back(Native::Saved::State);
+    native_->saved.push_back({Native::Kind::State});
 }
 
 void GraphicsContext::restoreState() {
-    if (!native_->isInnermost(Native::Saved::State)) {
+    if (!native_->closeMasksInside(Native::Kind::State)) {
         return callerError("GraphicsContext: restoreState without its saveState");
     }
     native_->close();
@@ -244,11 +273,11 @@ void GraphicsContext::restoreState() {
 void GraphicsContext::beginLayer() {
     cairo_save(native_->cairo);
     cairo_push_group(native_->cairo);
-    native_->saved.push_back(Native::Saved::Layer);
+    native_->saved.push_back({Native::Kind::Layer});
 }
 
 void GraphicsContext::endLayer(double opacity) {
-    if (!native_->isInnermost(Native::Saved::Layer)) {
+    if (!native_->closeMasksInside(Native::Kind::Layer)) {
         return callerError("GraphicsContext: endLayer without its beginLayer");
     }
     native_->putLayer(std::clamp(opacity, 0.0, 1.0));
@@ -274,6 +303,16 @@ void GraphicsContext::clip(NSRect rect, double cornerRadius) {
     const NSRect held = isDrawable(rect) ? withinReach(rect) : NSRect{};
     addRoundedRect(native_->cairo, held, cornerRadius);
     cairo_clip(native_->cairo);
+}
+
+void GraphicsContext::clipToMask(NSRect rect, std::shared_ptr<const NSBitmapImageRep> mask) {
+    if (!mask) return;
+    if (!isDrawable(rect)) return clip({});
+    cairo_save(native_->cairo);
+    clip(rect);
+    cairo_pattern_t* pattern = patternOver(*mask, rect);
+    native_->saved.push_back({Native::Kind::Mask, std::move(mask), pattern});
+    cairo_push_group(native_->cairo);
 }
 
 }  // namespace kx

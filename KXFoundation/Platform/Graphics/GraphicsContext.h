@@ -20,9 +20,10 @@ struct Shadow {
     NSPoint offset;  ///< points, y down
 };
 
-/// Draws onto a bitmap. Coordinates are points; the origin is the top left corner and y grows downwards.
-/// Coordinates that are no finite number draw nothing. Antialiased; never hinted, so that a window and an
-/// off-screen bitmap of one scale get the same pixels. One thread at a time.
+/// Draws onto a bitmap (premultiplied; bytes blue, green, red, alpha). Coordinates are points; the origin is
+/// the top left corner and y grows downwards. Coordinates that are no finite number draw nothing.
+/// Antialiased; never hinted, so that a window and an off-screen bitmap of one scale get the same pixels. One
+/// thread at a time.
 ///
 ///     auto context = GraphicsContext::onBitmap(bitmap, 2);
 ///     const GraphicsContext::Current scope(*context);     // views and pictures draw into the current one
@@ -91,6 +92,10 @@ class KX_EXPORT GraphicsContext {
     void scaleBy(double x, double y);
     void rotate(double radians);  ///< clockwise
     void clip(NSRect rect, double cornerRadius = 0);
+    /// What follows is seen as far as the bitmap, laid over the rectangle, is opaque there, and not beyond
+    /// the rectangle. It is put down when the saved state or layer around it ends. An absent mask changes
+    /// nothing.
+    void clipToMask(NSRect rect, std::shared_ptr<const NSBitmapImageRep> mask);
 
     /// Draws what follows aside; endLayer puts it down as one, with that opacity. Saves the state with it.
     void beginLayer();

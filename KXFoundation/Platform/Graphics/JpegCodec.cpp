@@ -127,6 +127,14 @@ bool sniffJpeg(std::span<const std::byte> data) {
     return data.size() >= 3 && std::memcmp(data.data(), "\xFF\xD8\xFF", 3) == 0;
 }
 
+Result<PixelSize> jpegSize(std::span<const std::byte> data) {
+    Decoder decoder;
+    if (!readHeader(decoder, data)) return failed(decoder.failure);
+    PixelSize size{decoder.codec.image_width, decoder.codec.image_height};
+    if (orientationOf(decoder.codec) >= ImageOrientation::LeftTop) std::swap(size.wide, size.high);
+    return size;
+}
+
 Result<std::shared_ptr<NSBitmapImageRep>> decodeJpeg(std::span<const std::byte> data) {
     return decodeJpegReduced(data, NSBitmapImageRep::kLongestSide, NSBitmapImageRep::kLongestSide);
 }

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <cstddef>
+#include <cstdint>
 #include <memory>
 #include <span>
 #include <vector>
@@ -14,6 +15,13 @@
 namespace kx {
 
 [[nodiscard]] bool sniffJpeg(std::span<const std::byte> data);
+
+struct PixelSize {
+    std::uint32_t wide, high;
+};
+
+/// The size of the upright picture, from the file's header; Corrupt where that is damaged.
+[[nodiscard]] Result<PixelSize> jpegSize(std::span<const std::byte> data);
 
 /// Upright, as its Exif orientation says. Where the data break off, what came before is shown and the rest
 /// is grey.

@@ -6,6 +6,7 @@
 #include <KXFoundation/Platform/Graphics/GraphicsContext.h>
 #include <KXFoundation/Platform/Graphics/ImageDecoder.h>
 #include <KXFoundation/Platform/Graphics/NSImage.h>
+#include <KXFoundation/Platform/Graphics/Resampling/Resampler.h>
 #include <KXFoundation/Platform/Runtime/FileSystem.h>
 #include <KXFoundation/Platform/Runtime/Log.h>
 #include <KXFoundation/Platform/Runtime/ProcessState.h>
@@ -150,18 +151,42 @@ void NSImage::drawInRect(NSRect rect, double opacity) const {
 }
 
 std::shared_ptr<NSBitmapImageRep> NSImage::bitmapAtScale(double scale) const {
-    const double wide = std::ceil(size_.width * scale), high = std::ceil(size_.height * scale);
+    const NSSize extent{size_.width * scale, size_.height * scale};
+    const NSSize pixels{std::ceil(extent.width), std::ceil(extent.height)};
     const auto rep = bestRepresentation(scale);
-    if (!rep || !(wide >= 1 && wide <= NSBitmapImageRep::kLongestSide) ||
-        !(high >= 1 && high <= NSBitmapImageRep::kLongestSide)) {
-        return nullptr;
+    if (!rep) return nullptr;
+    const auto own = objectCast<NSBitmapImageRep>(rep);
+    if (own && own->pixelsWide() == pixels.width && own->pixelsHigh() == pixels.height) return own;
+    return drawnBitmap(pixels, extent);
+}
+
+std::shared_ptr<NSBitmapImageRep> NSImage::largestBitmap() const {
+    std::shared_ptr<NSBitmapImageRep> largest;
+    for (const auto& rep : representations_) {
+        auto bitmap = objectCast<NSBitmapImageRep>(rep);
+        if (bitmap && (!largest || area(*bitmap) > area(*largest))) largest = std::move(bitmap);
     }
+    return largest ? largest : bitmapAtScale(1);
+}
+
+std::shared_ptr<NSBitmapImageRep> NSImage::drawnBitmap(NSSize size, NSSize extent) const {
+    auto bitmap = NSBitmapImageRep::bitmapWithSize(size);
+    const auto rep = bestRepresentation(size_.width > 0 ? extent.width / size_.width : 1);
+    if (!bitmap || !rep) return bitmap;
+    if (const auto pixels = objectCast<NSBitmapImageRep>(rep)) {
+        resample(*pixels, *bitmap, extent);
+    } else if (const auto context = GraphicsContext::onBitmap(bitmap)) {
+        rep->draw(*context, {{}, extent}, 1);
+    }
+<<<<<<< HEAD
     if (rep->pixelsWide() == wide && rep->pixelsHigh() == high) {
         if (auto own = objectCast<NSBitmapImageRep>(rep)) return own;
     }
     auto bitmap = NSBitmapImageRep::bitmapWithPixels(static_cast<std::uint32_t>(wide),
                                                      static_cast<std::uint32_t>(high));
     if (auto context = GraphicsContext::onBitmap(bitmap, scale)) rep->draw(*context, {{}, size_}, 1);
+=======
+>>>>>>> pictures
     return bitmap;
 }
 

@@ -9,6 +9,7 @@
 #include <vector>
 
 #include <KXFoundation/Platform/Foundation/NSGeometry.h>
+#include <KXFoundation/Platform/Foundation/NSSecureCoding.h>
 #include <KXFoundation/Platform/Graphics/NSImageRep.h>
 #include <KXFoundation/Platform/Runtime/Export.h>
 #include <KXFoundation/Platform/Runtime/NSObject.h>
@@ -17,8 +18,9 @@
 namespace kx {
 
 /// A picture: a size in points and the representations it can be drawn from. One thread at a time while it is
-/// changed.
-class KX_EXPORT NSImage : public Subclass<NSImage, NSObject> {
+/// changed. Archives keep its size and its pixels: of a picture that a callback draws, what it draws at a
+/// pixel to the point.
+class KX_EXPORT NSImage : public Subclass<NSImage, NSObject>, public NSSecureCoding {
   public:
     /// An empty picture of that size.
     [[nodiscard]] static std::shared_ptr<NSImage> initWithSize(NSSize size);
@@ -57,8 +59,18 @@ class KX_EXPORT NSImage : public Subclass<NSImage, NSObject> {
     /// The picture as one bitmap with `scale` pixels to the point, sides rounded up; its own where it has one
     /// of that size; none if the picture is empty or has no such size.
     [[nodiscard]] std::shared_ptr<NSBitmapImageRep> bitmapAtScale(double scale) const;
+    /// The largest of its bitmaps; where it has none, a new one with a pixel to the point; none if the
+    /// picture is empty or has no such size.
+    [[nodiscard]] std::shared_ptr<NSBitmapImageRep> largestBitmap() const;
+    /// A new bitmap of `size` pixels, fractions cut off, with the top left part of the picture drawn `extent`
+    /// pixels large; a transparent one for an empty picture; none if there can be no bitmap of that size.
+    /// Bitmaps are resampled (Resampling/Resampler.h), so that a large reduction shows no patterns of its
+    /// own.
+    [[nodiscard]] std::shared_ptr<NSBitmapImageRep> drawnBitmap(NSSize size, NSSize extent) const;
 
     bool init(NSSize size = {});
+    bool initWithCoder(NSCoder& coder) override;
+    void encodeWithCoder(NSCoder& coder) const override;
 
   protected:
     NSImage() = default;

@@ -36,6 +36,13 @@ std::shared_ptr<NSBitmapImageRep> NSBitmapImageRep::bitmapWithPixels(std::uint32
     return make<NSBitmapImageRep>(wide, high);
 }
 
+std::shared_ptr<NSBitmapImageRep> NSBitmapImageRep::bitmapWithSize(NSSize points) {
+    const auto cut = [](double side) {
+        return side >= 1 && side < kLongestSide + 1.0 ? static_cast<std::uint32_t>(side) : 0;
+    };
+    return bitmapWithPixels(cut(points.width), cut(points.height));
+}
+
 std::uint32_t NSBitmapImageRep::pixelAt(std::uint32_t x, std::uint32_t y) const noexcept {
     return x < wide_ && y < high_ ? pixels_[std::size_t{y} * wide_ + x] : 0;
 }

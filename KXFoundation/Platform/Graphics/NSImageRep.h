@@ -5,8 +5,11 @@
 #include <functional>
 #include <memory>
 #include <span>
+#include <string>
+#include <string_view>
 
 #include <KXFoundation/Platform/Foundation/NSGeometry.h>
+#include <KXFoundation/Platform/Graphics/NSColorSpace.h>
 #include <KXFoundation/Platform/Runtime/Export.h>
 #include <KXFoundation/Platform/Runtime/NSObject.h>
 
@@ -39,6 +42,8 @@ class KX_EXPORT NSBitmapImageRep : public Subclass<NSBitmapImageRep, NSImageRep>
     /// A transparent bitmap; none if a side is 0 or longer than kLongestSide, or pixelLimit() is exceeded.
     [[nodiscard]] static std::shared_ptr<NSBitmapImageRep> bitmapWithPixels(std::uint32_t wide,
                                                                             std::uint32_t high);
+    /// The same for a size in points, at a pixel to the point and with fractions cut off.
+    [[nodiscard]] static std::shared_ptr<NSBitmapImageRep> bitmapWithSize(NSSize points);
 
     /// How many pixels a bitmap may have, whether drawn or read from a file: 64 Mi (256 MiB) unless set.
     /// Checked before anything is allocated. Any thread.
@@ -55,6 +60,11 @@ class KX_EXPORT NSBitmapImageRep : public Subclass<NSBitmapImageRep, NSImageRep>
     /// The pixel of that column and row; 0 outside.
     [[nodiscard]] std::uint32_t pixelAt(std::uint32_t x, std::uint32_t y) const noexcept;
 
+    /// The name of the colour space that the pixels are said to be in, one of kx::NS...ColorSpace. It is kept
+    /// for who asks: all of them are sRGB here.
+    [[nodiscard]] const std::string& colorSpaceName() const noexcept { return colorSpaceName_; }
+    void setColorSpaceName(std::string_view name) { colorSpaceName_ = name; }
+
     bool draw(GraphicsContext& context, NSRect into, double opacity) const override;
 
     bool init(std::uint32_t wide, std::uint32_t high);
@@ -67,6 +77,7 @@ class KX_EXPORT NSBitmapImageRep : public Subclass<NSBitmapImageRep, NSImageRep>
 
     std::uint32_t wide_ = 0;
     std::uint32_t high_ = 0;
+    std::string colorSpaceName_{NSDeviceRGBColorSpace};
     std::unique_ptr<std::uint32_t[]> pixels_;
 };
 

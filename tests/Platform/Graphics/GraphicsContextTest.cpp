@@ -303,4 +303,34 @@ TEST(GraphicsContext, NeedsABitmapAndAScale) {
         EXPECT_EQ(GraphicsContext::onBitmap(bitmap, scale), nullptr);
 }
 
+TEST(GraphicsContext, ClipsToMasksUntilTheStateEnds) {
+    const auto bitmap = NSBitmapImageRep::bitmapWithPixels(8, 8);
+    const auto context = GraphicsContext::onBitmap(bitmap, 2);
+    const auto left = NSBitmapImageRep::bitmapWithPixels(2, 1),
+               half = NSBitmapImageRep::bitmapWithPixels(1, 1);
+    left->pixels()[0] = 0xFF000000;
+    half->pixels()[0] = 0x80000000;
+    {
+        const GraphicsContext::SavedState state(*context);
+        context->clipToMask({0, 0, 4, 4}, nullptr);
+        context->translate(1, 1);
+        context->clipToMask({0, 0, 2, 2}, left);
+        context->clipToMask({-1, -1, 4, 4}, half);
+        context->fill({-1, -1, 4, 4}, *NSColor::whiteColor());
+    }
+    context->fill({3, 3, 1, 1}, *NSColor::whiteColor());  // no mask any more
+    EXPECT_EQ(bitmap->pixelAt(2, 2), 0x80808080);
+    EXPECT_EQ(bitmap->pixelAt(2, 5), 0x80808080);
+    EXPECT_EQ(bitmap->pixelAt(5, 2), 0U);
+    EXPECT_EQ(bitmap->pixelAt(1, 2), 0U);
+    EXPECT_EQ(bitmap->pixelAt(2, 6), 0U);
+    EXPECT_EQ(bitmap->pixelAt(7, 7), 0xFFFFFFFF);
+
+    context->beginLayer();
+    context->clipToMask({0, 0, 0, 4}, half);
+    context->fill({0, 0, 4, 4}, *NSColor::blackColor());
+    context->endLayer(1);
+    EXPECT_EQ(bitmap->pixelAt(0, 0), 0U);
+}
+
 }  // namespace kx

@@ -6,6 +6,9 @@
 #include <gtest/gtest.h>
 
 #include <KXFoundation/Platform/Foundation/NSBundle.h>
+#include <KXFoundation/Platform/Foundation/NSCoder.h>
+#include <KXFoundation/Platform/Foundation/NSKeyedArchiver.h>
+#include <KXFoundation/Platform/Foundation/NSKeyedUnarchiver.h>
 #include <KXFoundation/Platform/Graphics/GraphicsContext.h>
 #include <KXFoundation/Platform/Graphics/ImageDecoder.h>
 #include <KXFoundation/Platform/Graphics/NSColor.h>
@@ -180,6 +183,32 @@ TEST(NSImage, FlattensToABitmap) {
     }
     EXPECT_EQ(NSImage::initWithSize({10, 10})->bitmapAtScale(1), nullptr);
     EXPECT_EQ(NSImage::initWithBitmap(nullptr), nullptr);
+}
+
+TEST(NSImage, ComesBackFromAnArchivePixelByPixel) {
+    const auto image = NSImage::initWithBitmap(everyPixel(), 2);
+    image->addRepresentation(filled(3, 0x80402010));
+    const auto drawn = NSImage::imageWithSize({4, 4}, [](NSRect rect) {
+        GraphicsContext::current()->fill(rect, *NSColor::blackColor());
+        return true;
+    });
+    for (const auto& archived : {image, drawn, NSImage::initWithSize({7, 8})}) {
+        const auto bytes = NSKeyedArchiver::archivedDataWithRootObject(Value(archived));
+        ASSERT_TRUE(bytes.ok());
+        const auto value = NSKeyedUnarchiver::unarchivedObject(std::as_bytes(std::span(*bytes)));
+        ASSERT_TRUE(value.ok());
+        const auto copy = objectCast<NSImage>(value->asObject());
+        ASSERT_NE(copy, nullptr);
+        EXPECT_EQ(copy->size(), archived->size());
+        ASSERT_EQ(copy->representations().size(), archived->representations().size());
+        if (const auto wanted = archived->largestBitmap()) {
+            EXPECT_TRUE(testing::compare(*copy->largestBitmap(), *wanted).accepted);
+        }
+    }
+    NSCoder damaged;
+    damaged.encode("bitmaps", ArrayBuilder().add("no picture").build());
+    NSCoder reader(damaged.archive());
+    EXPECT_FALSE(NSImage::initWithSize({})->initWithCoder(reader));
 }
 
 TEST(NSImage, NamedPictureComesFromTheMainBundleWithItsDoubledOne) {

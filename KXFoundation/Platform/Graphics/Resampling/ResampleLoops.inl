@@ -1,0 +1,134 @@
+#pragma once
+
+#include <KXFoundation/Platform/Graphics/Resampling/ResampleKernels.h>
+#include <KXFoundation/Platform/Graphics/VectorLanes.inl>
+
+/// The loops of ResampleKernels over registers of any width; see VectorLanes.inl for what a file that includes
+/// this must heed. Two 16-bit values and their weights are multiplied and added by one instruction, so
+/// everything goes in pairs: rows of a column, pixels of a row.
+namespace kx {
+
+namespace {
+
+template <class Lanes>
+struct ResampleLoops {
+    using V = typename Lanes::Vector;
+    static constexpr std::size_t kBytes = Lanes::kBytes;
+
+    static void blendBytes(const std::uint8_t* const* rows, const std::int16_t* weights, std::size_t rowCount,
+                           int shift, std::size_t values, std::int32_t* sums, std::int16_t* to) {
+        if (values < kBytes) {
+            return kPlainResampleKernels.blendBytes(rows, weights, rowCount, shift, values, sums, to);
+        }
+        const std::size_t whole = values / kBytes * kBytes;
+        for (std::size_t from = 0; from < whole; from += kStrip)
+            blendStrip({rows, weights, rowCount}, shift, from, least(from + kStrip, whole), sums, to);
+        if (whole < values) blendStrip({rows, weights, rowCount}, shift, values - kBytes, values, sums, to);
+    }
+
+    static void blendWords(const std::int16_t* const* rows, const std::int16_t* weights, std::size_t rowCount,
+                           int shift, std::size_t values, std::int16_t* to) {
+        for (std::size_t i = 0; i < values; i += kBytes / 2) {
+            V low = Lanes::all(0), high = Lanes::all(0);
+            for (std::size_t k = 0; k < rowCount; k += 2) {
+                const V a = Lanes::load(rows[k] + i), b = Lanes::load(rows[k + 1] + i);
+                const V both = Lanes::all(pairOf(weights + k));
+                low = Lanes::add(low, Lanes::multiply(Lanes::lowWords(a, b), both));
+                high = Lanes::add(high, Lanes::multiply(Lanes::highWords(a, b), both));
+            }
+            Lanes::store(to + i, words(low, high, shift));
+        }
+    }
+
+    static void shrinkRow(const std::int16_t* row, const std::uint32_t* firsts, const std::int16_t* weights,
+                          std::size_t weightCount, int shift, std::size_t pixels, std::int16_t* to) {
+        constexpr std::size_t kPixels = kBytes / 8;
+        for (std::size_t x = 0; x < pixels; ++x, weights += weightCount, to += 4) {
+            const std::int16_t* from = row + std::size_t{firsts[x]} * 4;
+            V sum = Lanes::all(0);
+            for (std::size_t k = 0; k < weightCount; k += kPixels) {
+                const V pairs = Lanes::pixelPairs(Lanes::load(from + 4 * k));
+                sum = Lanes::add(sum, Lanes::multiply(pairs, Lanes::pairWeights(weights + k)));
+            }
+            Lanes::storePixel(to, sum, shift);
+        }
+    }
+
+    static void storePixels(const std::int16_t* words, std::size_t pixels, std::uint32_t* to) {
+        constexpr std::size_t kStep = kBytes / 4;
+        if (pixels < kStep) return kPlainResampleKernels.storePixels(words, pixels, to);
+        for (std::size_t x = 0; x + kStep <= pixels; x += kStep) storeStep(words + 4 * x, to + x);
+        storeStep(words + 4 * (pixels - kStep), to + pixels - kStep);
+    }
+
+    static constexpr ResampleKernels kKernels{blendBytes, blendWords, shrinkRow, storePixels};
+
+  private:
+    /// Sums of this many bytes stay in the first-level cache while rows are added to them.
+    static constexpr std::size_t kStrip = 4096;
+    /// As many rows are read at once: more streams than that outrun the machine's prefetching.
+    static constexpr std::size_t kGroup = 8;
+
+    struct Rows {
+        const std::uint8_t* const* rows;
+        const std::int16_t* weights;
+        std::size_t count;
+    };
+
+    static std::size_t least(std::size_t a, std::size_t b) { return a < b ? a : b; }
+
+    static std::int32_t pairOf(const std::int16_t* weights) {
+        std::int32_t both;
+        std::memcpy(&both, weights, sizeof both);
+        return both;
+    }
+
+    static void storeStep(const std::int16_t* words, std::uint32_t* to) {
+        const V pixels = Lanes::bytesInOrder(Lanes::load(words), Lanes::load(words + kBytes / 2));
+        Lanes::store(to, Lanes::leastBytes(pixels, spreadAlpha<Lanes>(pixels)));
+    }
+
+    static V words(V low, V high, int shift) {
+        return Lanes::toWords(Lanes::rounded(low, shift), Lanes::rounded(high, shift));
+    }
+
+    static void blendStrip(Rows all, int shift, std::size_t from, std::size_t end, std::int32_t* sums,
+                           std::int16_t* to) {
+        for (std::size_t k = 0; k < all.count; k += kGroup) {
+            const Rows group{all.rows + k, all.weights + k, least(kGroup, all.count - k)};
+            const bool isLast = k + kGroup >= all.count;
+            const auto add = k == 0 ? (isLast ? addGroup<true, true> : addGroup<true, false>)
+                                    : (isLast ? addGroup<false, true> : addGroup<false, false>);
+            add(group, shift, from, end, sums, to);
+        }
+    }
+
+    /// Adds the rows to the sums, which begin with the first group and become words with the last.
+    template <bool kFirst, bool kLast>
+    static void addGroup(Rows group, int shift, std::size_t from, std::size_t end, std::int32_t* sums,
+                         std::int16_t* to) {
+        const V zero = Lanes::all(0);
+        for (std::size_t i = from; i < end; i += kBytes, sums += kBytes) {
+            V sum[4];
+            for (std::size_t q = 0; q < 4; ++q) sum[q] = kFirst ? zero : Lanes::load(sums + q * kBytes / 4);
+            for (std::size_t k = 0; k < group.count; k += 2) {
+                const V a = Lanes::load(group.rows[k] + i), b = Lanes::load(group.rows[k + 1] + i);
+                const V low = Lanes::lowBytes(a, b), high = Lanes::highBytes(a, b);
+                const V both = Lanes::all(pairOf(group.weights + k));
+                sum[0] = Lanes::add(sum[0], Lanes::multiply(Lanes::lowBytes(low, zero), both));
+                sum[1] = Lanes::add(sum[1], Lanes::multiply(Lanes::highBytes(low, zero), both));
+                sum[2] = Lanes::add(sum[2], Lanes::multiply(Lanes::lowBytes(high, zero), both));
+                sum[3] = Lanes::add(sum[3], Lanes::multiply(Lanes::highBytes(high, zero), both));
+            }
+            if (kLast) {
+                Lanes::storeInOrder(to + i, words(sum[0], sum[1], shift), words(sum[2], sum[3], shift));
+            } else {
+                for (std::size_t q = 0; q < 4; ++q) Lanes::store(sums + q * kBytes / 4, sum[q]);
+            }
+        }
+    }
+};
+
+}  // namespace
+
+}  // namespace kx

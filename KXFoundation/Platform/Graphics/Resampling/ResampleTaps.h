@@ -1,0 +1,35 @@
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+#include <vector>
+
+#include <KXFoundation/Platform/Graphics/Resampling/Resampler.h>
+
+/// Private to Graphics.
+namespace kx {
+
+/// Which source values make each target value in one direction, as 16-bit fixed-point weights.
+struct ResampleTaps {
+    static constexpr std::uint32_t kStep = 4;
+
+    std::vector<std::uint32_t> firsts;  ///< of each target value: where its source values begin
+    std::vector<std::int16_t> weights;  ///< `count` of each target value; together they are 1 << bits
+    std::uint32_t count = 0;            ///< a multiple of kStep; behind the last source value there are zeros
+    int bits = 0;
+
+    [[nodiscard]] const std::int16_t* weightsOf(std::size_t target) const noexcept {
+        return weights.data() + target * count;
+    }
+};
+
+struct ResampleAxis {
+    std::uint32_t source;  ///< pixels
+    double extent;         ///< target pixels that the source is drawn over
+    std::uint32_t target;  ///< of them, how many are wanted
+};
+
+/// `mostBits` keeps sums of weighted values inside 32 bits.
+[[nodiscard]] ResampleTaps resampleTaps(ResampleFilter filter, ResampleAxis axis, int mostBits);
+
+}  // namespace kx
