@@ -2,11 +2,17 @@
 
 #include "pages/AlbumPage.h"
 #include "pages/ApplicationPage.h"
+#include "pages/ButtonsPage.h"
 #include "pages/KeychainPage.h"
 #include "pages/LanguagePage.h"
+#include "pages/LoadingPage.h"
+#include "pages/MaskPage.h"
 #include "pages/ObjectsPage.h"
+#include "pages/OncePage.h"
 #include "pages/RequestsPage.h"
+#include "pages/ScreenPage.h"
 #include "pages/TextPage.h"
+#include "pages/ToastPage.h"
 
 namespace gallery {
 
@@ -25,6 +31,12 @@ constexpr PageEntry kPages[] = {
     {"keychain", "page.keychain", makePage<KeychainPage>},
     {"text", "page.text", makePage<TextPage>},
     {"album", "page.album", makePage<AlbumPage>},
+    {"toast", "page.toast", makePage<ToastPage>},
+    {"mask", "page.mask", makePage<MaskPage>},
+    {"loading", "page.loading", makePage<LoadingPage>},
+    {"buttons", "page.buttons", makePage<ButtonsPage>},
+    {"screen", "page.screen", makePage<ScreenPage>},
+    {"once", "page.once", makePage<OncePage>},
 };
 
 }  // namespace
