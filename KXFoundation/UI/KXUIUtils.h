@@ -1,6 +1,10 @@
 #pragma once
 
 <<<<<<< HEAD
+<<<<<<< HEAD
+=======
+#include <cstdint>
+>>>>>>> views
 #include <memory>
 #include <optional>
 #include <string_view>
@@ -16,10 +20,16 @@ namespace kx {
 class CGMutablePath;
 class NSAttributedString;
 class NSFont;
+class NSView;
+class NSViewController;
 
+<<<<<<< HEAD
 =======
 >>>>>>> pictures
 /// Layout and text operations. No instances.
+=======
+/// Layout of screens and windows, and text operations. No instances.
+>>>>>>> views
 class KX_EXPORT KXUIUtils {
   public:
     KXUIUtils() = delete;
@@ -50,8 +60,34 @@ class KX_EXPORT KXUIUtils {
     /// Nothing happens if either is absent.
     static void renderNSAttributeString(const std::shared_ptr<NSAttributedString>& text,
                                         const std::shared_ptr<CGMutablePath>& path);
+<<<<<<< HEAD
 =======
 >>>>>>> pictures
+=======
+
+    // Screens. Main thread.
+
+    /// The longer and the shorter side of the main screen in points; 0 without a display.
+    [[nodiscard]] static double maxScreenLength();
+    [[nodiscard]] static double minScreenLength();
+    /// Always false.
+    [[nodiscard]] static bool isNotchScreen();
+    /// Always 0 on every side.
+    [[nodiscard]] static NSEdgeInsets safeAreaInsets();
+    /// Does nothing.
+    static void setCornerForView(const std::shared_ptr<NSView>& view, std::int64_t corner, double radius);
+
+    // Controllers
+
+    /// What getTopViewControllerFrom() answers for the content of the foremost window of normal level, or of
+    /// the key window if there is none: always absent. Any thread; off the main queue it waits for that.
+    [[nodiscard]] static std::shared_ptr<NSViewController> currentViewController();
+    /// The same; main thread.
+    [[nodiscard]] static std::shared_ptr<NSViewController> _currentViewController();
+    /// Absent for every controller.
+    [[nodiscard]] static std::shared_ptr<NSViewController> getTopViewControllerFrom(
+        const std::shared_ptr<NSViewController>& controller);
+>>>>>>> views
 };
 
 }  // namespace kx

@@ -4,12 +4,18 @@
 #include "pages/AnimationPage.h"
 #include "pages/ApplicationPage.h"
 #include "pages/ColoursPage.h"
+#include "pages/ButtonsPage.h"
 #include "pages/KeychainPage.h"
 #include "pages/LanguagePage.h"
+#include "pages/LoadingPage.h"
+#include "pages/MaskPage.h"
 #include "pages/ObjectsPage.h"
 #include "pages/PicturesPage.h"
+#include "pages/OncePage.h"
 #include "pages/RequestsPage.h"
+#include "pages/ScreenPage.h"
 #include "pages/TextPage.h"
+#include "pages/ToastPage.h"
 
 namespace gallery {
 
@@ -31,6 +37,12 @@ constexpr PageEntry kPages[] = {
     {"animation", "page.animation", makePage<AnimationPage>},
     {"pictures", "page.pictures", makePage<PicturesPage>},
     {"colours", "page.colours", makePage<ColoursPage>},
+    {"toast", "page.toast", makePage<ToastPage>},
+    {"mask", "page.mask", makePage<MaskPage>},
+    {"loading", "page.loading", makePage<LoadingPage>},
+    {"buttons", "page.buttons", makePage<ButtonsPage>},
+    {"screen", "page.screen", makePage<ScreenPage>},
+    {"once", "page.once", makePage<OncePage>},
 };
 
 }  // namespace
