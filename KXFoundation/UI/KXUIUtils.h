@@ -1,35 +1,22 @@
 #pragma once
 
-<<<<<<< HEAD
-<<<<<<< HEAD
-=======
 #include <cstdint>
->>>>>>> views
 #include <memory>
 #include <optional>
 #include <string_view>
 
-=======
->>>>>>> pictures
 #include <KXFoundation/Platform/Foundation/NSGeometry.h>
 #include <KXFoundation/Platform/Runtime/Export.h>
 
 namespace kx {
 
-<<<<<<< HEAD
 class CGMutablePath;
 class NSAttributedString;
 class NSFont;
 class NSView;
 class NSViewController;
 
-<<<<<<< HEAD
-=======
->>>>>>> pictures
-/// Layout and text operations. No instances.
-=======
 /// Layout of screens and windows, and text operations. No instances.
->>>>>>> views
 class KX_EXPORT KXUIUtils {
   public:
     KXUIUtils() = delete;
@@ -40,7 +27,6 @@ class KX_EXPORT KXUIUtils {
     [[nodiscard]] static constexpr NSSize getNotZeroCGSize(NSSize size) noexcept {
         return {size.width == 0 ? 1 : size.width, size.height == 0 ? 1 : size.height};
     }
-<<<<<<< HEAD
 
     // Texts. Any thread.
 
@@ -60,10 +46,6 @@ class KX_EXPORT KXUIUtils {
     /// Nothing happens if either is absent.
     static void renderNSAttributeString(const std::shared_ptr<NSAttributedString>& text,
                                         const std::shared_ptr<CGMutablePath>& path);
-<<<<<<< HEAD
-=======
->>>>>>> pictures
-=======
 
     // Screens. Main thread.
 
@@ -87,7 +69,6 @@ class KX_EXPORT KXUIUtils {
     /// Absent for every controller.
     [[nodiscard]] static std::shared_ptr<NSViewController> getTopViewControllerFrom(
         const std::shared_ptr<NSViewController>& controller);
->>>>>>> views
 };
 
 }  // namespace kx

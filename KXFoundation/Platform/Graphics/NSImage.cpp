@@ -178,15 +178,6 @@ std::shared_ptr<NSBitmapImageRep> NSImage::drawnBitmap(NSSize size, NSSize exten
     } else if (const auto context = GraphicsContext::onBitmap(bitmap)) {
         rep->draw(*context, {{}, extent}, 1);
     }
-<<<<<<< HEAD
-    if (rep->pixelsWide() == wide && rep->pixelsHigh() == high) {
-        if (auto own = objectCast<NSBitmapImageRep>(rep)) return own;
-    }
-    auto bitmap = NSBitmapImageRep::bitmapWithPixels(static_cast<std::uint32_t>(wide),
-                                                     static_cast<std::uint32_t>(high));
-    if (auto context = GraphicsContext::onBitmap(bitmap, scale)) rep->draw(*context, {{}, size_}, 1);
-=======
->>>>>>> pictures
     return bitmap;
 }
 
