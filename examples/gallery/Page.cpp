@@ -1,6 +1,7 @@
 #include "Page.h"
 
 #include "pages/ApplicationPage.h"
+#include "pages/CachePage.h"
 #include "pages/KeychainPage.h"
 #include "pages/LanguagePage.h"
 #include "pages/ObjectsPage.h"
@@ -20,6 +21,7 @@ constexpr PageEntry kPages[] = {
     {"objects", "page.objects", makePage<ObjectsPage>},
     {"application", "page.application", makePage<ApplicationPage>},
     {"requests", "page.requests", makePage<RequestsPage>},
+    {"cache", "page.cache", makePage<CachePage>},
     {"keychain", "page.keychain", makePage<KeychainPage>},
 };
 
