@@ -4,6 +4,7 @@
 #include "pages/AnimationPage.h"
 #include "pages/ApplicationPage.h"
 #include "pages/ButtonsPage.h"
+#include "pages/CachePage.h"
 #include "pages/ColoursPage.h"
 #include "pages/KeychainPage.h"
 #include "pages/LanguagePage.h"
@@ -31,6 +32,7 @@ constexpr PageEntry kPages[] = {
     {"objects", "page.objects", makePage<ObjectsPage>},
     {"application", "page.application", makePage<ApplicationPage>},
     {"requests", "page.requests", makePage<RequestsPage>},
+    {"cache", "page.cache", makePage<CachePage>},
     {"keychain", "page.keychain", makePage<KeychainPage>},
     {"text", "page.text", makePage<TextPage>},
     {"album", "page.album", makePage<AlbumPage>},

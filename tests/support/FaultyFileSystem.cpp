@@ -43,7 +43,7 @@ class FaultyFileSystem::Faults {
     static constexpr std::uint64_t kUnbounded = std::numeric_limits<std::uint64_t>::max();
 
     std::mutex mutex;  // guards all below
-    std::array<std::size_t, 13> counts{};
+    std::array<std::size_t, 14> counts{};
     std::uint64_t bytesRead = 0;
     std::size_t untilFailure = 0;  // 1: the next call fails; 0: none does
     int systemError = 0;
@@ -60,11 +60,18 @@ class FaultyFileSystem::Journal {
         const std::lock_guard lock(mutex_);
         remembers_ = true;
         undos_.clear();
+        mapped_.clear();
     }
-    /// Before the contents of the file change.
+    /// Before the contents of the file change, or are mapped to be changed.
     void changing(const std::string& path) {
         const std::lock_guard lock(mutex_);
         if (remembers_) remember(path, path);
+    }
+    void mapping(const std::string& path) {
+        const std::lock_guard lock(mutex_);
+        if (!remembers_) return;
+        remember(path, path);
+        mapped_.push_back(path);
     }
     /// Before the name changes: made, removed or replaced.
     void naming(const std::string& path) {
@@ -74,6 +81,8 @@ class FaultyFileSystem::Journal {
     void synced(const std::string& path) {
         const std::lock_guard lock(mutex_);
         std::erase_if(undos_, [&](const Undo& undo) { return undo.until == path; });
+        // A mapping goes on changing it.
+        if (std::ranges::find(mapped_, path) != mapped_.end()) remember(path, path);
     }
     void renamed(const std::string& from, const std::string& to) {
         const std::lock_guard lock(mutex_);
@@ -85,6 +94,7 @@ class FaultyFileSystem::Journal {
         const std::lock_guard lock(mutex_);
         for (auto step = undos_.rbegin(); step != undos_.rend(); ++step) restore(*step);
         undos_.clear();
+        mapped_.clear();
     }
 
   private:
@@ -112,6 +122,7 @@ class FaultyFileSystem::Journal {
     std::mutex mutex_;  // guards all below
     bool remembers_ = false;
     std::vector<Undo> undos_;
+    std::vector<std::string> mapped_;
 };
 
 class FaultyFileSystem::FaultyFile final : public File {
@@ -160,6 +171,14 @@ class FaultyFileSystem::FaultyFile final : public File {
     Result<void> lock(Lock kind) override {
         if (const int error = faults_->meet(Call::Lock)) return failure(error);
         return below_->lock(kind);
+    }
+
+    void unlock() override { below_->unlock(); }
+
+    Result<std::unique_ptr<FileMapping>> map(std::uint64_t size, Access access) override {
+        if (const int error = faults_->meet(Call::Map)) return failure(error);
+        if (access == Access::ReadWrite) journal_->mapping(path_);
+        return below_->map(size, access);
     }
 
   private:

@@ -31,7 +31,8 @@ class FaultyFileSystem final : public FileSystem {
         Size,
         Truncate,
         Sync,
-        Lock,  // of a file
+        Lock,
+        Map,  // of a file
     };
     enum class Then : std::uint8_t {
         Recovers,     ///< the calls after the failing one work
@@ -54,7 +55,7 @@ class FaultyFileSystem final : public FileSystem {
     /// From now on remembers what is not synced, so that dropUnsynced() can take it away.
     void rememberUnsynced();
     /// A power cut: the files fall back to what was last synced (a file or name whose directory was not
-    /// synced goes, or comes back). Nothing may be using them.
+    /// synced goes, or comes back), what was written through mappings included. Nothing may be using them.
     void dropUnsynced();
     /// The bytes that were read with readAt since the last resetCounts().
     [[nodiscard]] std::uint64_t bytesRead() const;
