@@ -151,14 +151,21 @@ TEST(KXAnimatedGIFImageView, PausesSeeksAndChangesSpeed) {
 TEST(KXAnimatedGIFImageView, StandsStillWhileNobodySeesIt) {
     Playing<ManualClock> play;
     play.show(colouredGIF({10, 10, 10, 10}));
-    const auto content = play.window.window->contentView();
+    const auto window = play.window.window, parent = make<NSWindow>();
+    const auto content = window->contentView();
     const std::pair<const char*, std::pair<std::function<void()>, std::function<void()>>> rows[] = {
         {"hidden", {[&] { play.view->setHidden(true); }, [&] { play.view->setHidden(false); }}},
         {"inside a hidden view", {[&] { content->setHidden(true); }, [&] { content->setHidden(false); }}},
         {"out of the window",
          {[&] { play.view->removeFromSuperview(); }, [&] { content->addSubview(play.view); }}},
-        {"window closed",
-         {[&] { play.window.window->orderOut(); }, [&] { play.window.window->orderFront(); }}},
+        {"window closed", {[&] { window->orderOut(); }, [&] { window->orderFront(); }}},
+        {"window put into one that is not shown",
+         {[&] { parent->addChildWindow(window, NSWindowOrderingMode::Above); },
+          [&] { parent->orderFront(); }}},
+        {"window taken out of the other",
+         {[&] { parent->removeChildWindow(window); },
+          [&] { parent->addChildWindow(window, NSWindowOrderingMode::Above); }}},
+        {"the other window closed", {[&] { parent->orderOut(); }, [&] { parent->orderFront(); }}},
     };
     for (const auto& [what, actions] : rows) {
         play.view->seekToFrame(0);

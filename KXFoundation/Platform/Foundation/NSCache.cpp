@@ -47,6 +47,7 @@ bool NSCache::init() {
     return Super::init();
 }
 
+NSCache::NSCache() = default;
 NSCache::~NSCache() = default;
 
 CacheShard& NSCache::shardFor(std::uint64_t hash) const noexcept {

@@ -60,6 +60,9 @@ class KX_EXPORT NSCache : public Subclass<NSCache, NSObject> {
     /// next to leave.
     void keepShare(double share);
 
+  protected:
+    NSCache();
+
   private:
     static constexpr std::size_t kShards = 16;
     static constexpr std::size_t kSplitAt = 4096;

@@ -30,6 +30,7 @@ void NSWindow::addChildWindow(const std::shared_ptr<NSWindow>& given, NSWindowOr
     child->originInParent_ = {child->frame_.origin.x - frame_.origin.x,
                               child->frame_.origin.y - frame_.origin.y};
     child->fitToParent();
+    child->didShowOrHide();
 }
 
 void NSWindow::removeChildWindow(const std::shared_ptr<NSWindow>& given) {
@@ -45,6 +46,7 @@ void NSWindow::detach() {
     std::erase(siblings, held);
     mouseTarget_.reset();
     touched_.clear();
+    didShowOrHide();
 }
 
 /// Takes the parent's frame or, with one of its own, stays where it is in the parent.

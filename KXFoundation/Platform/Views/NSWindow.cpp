@@ -98,7 +98,15 @@ void NSWindow::orderFront() {
     if (!surface_) openSurface();
     const bool isNews = !isVisible();
     application->bringToFront(self());
-    if (const auto content = contentView_; content && isNews) content->didShowOrHide();
+    if (isNews) didShowOrHide();
+}
+
+/// The window, or the one that it is inside of, came to the screen or left it.
+void NSWindow::didShowOrHide() {
+    const auto held = self();
+    if (const auto content = contentView_) content->didShowOrHide();
+    const auto children = childWindows_;
+    for (const auto& child : children) child->didShowOrHide();
 }
 
 void NSWindow::makeKeyAndOrderFront() {
@@ -114,7 +122,7 @@ void NSWindow::orderOut() {
     surface_ = nullptr;
     backing_ = nullptr;
     NSApplication::sharedApplication()->takeAway(*this);
-    if (const auto content = contentView_) content->didShowOrHide();
+    didShowOrHide();
 }
 
 bool NSWindow::isVisible() const {

@@ -133,6 +133,7 @@ class KX_EXPORT NSWindow : public Subclass<NSWindow, NSResponder> {
     friend class NSView;
 
     [[nodiscard]] NSRect bounds() const noexcept { return {{0, 0}, frame_.size}; }
+    void didShowOrHide();
     void openSurface();
     void surfaceDid(const SurfaceEvent& event);
     void takeSizeFromSurface();

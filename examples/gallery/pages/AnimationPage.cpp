@@ -71,7 +71,8 @@ void AnimationPage::build(Column& column, Gallery& gallery) {
     addPictures(column);
     column.space(8);
     addControls(column, gallery);
-    showMemory(column.pair(text("animation.memory"), memoryText()));
+    const auto memory = column.pair(text("animation.memory"), memoryText());
+    if (playing_) showMemory(memory);
 }
 
 /// The views stay the same, so that the pictures play on while the language changes.
