@@ -52,7 +52,7 @@ TEST(KXUIUtils, MeasuresTexts) {
         {"one two three four", endless, wide, 1},
         {"one two three four", wide + 1, wide, 1},
         {"one two three four", wide * 0.62, wide * 0.62, 2},
-        {"one two three four", 1, 16, 15},
+        {"wwww", 1, 13.2, 4},
         {"one two three four", 0, wide, 1},
         {"one two three four", -5, wide, 1},
         {"one\ntwo", endless, wide / 3, 2},

@@ -57,12 +57,21 @@ std::uint32_t lineLimit(const TextFlow& flow) noexcept {
     return std::min<std::uint32_t>(flow.maximumLines, 1'000'000);
 }
 
+/// A word that is broken because it alone is too wide gets no hyphen: it may be a name or an address.
+void breakWithoutHyphens(PangoLayout* layout) {
+    PangoAttrList* attributes = pango_attr_list_new();
+    pango_attr_list_insert(attributes, pango_attr_insert_hyphens_new(FALSE));
+    pango_layout_set_attributes(layout, attributes);
+    pango_attr_list_unref(attributes);
+}
+
 void setFlow(PangoLayout* layout, const TextFlow& flow) {
     pango_layout_set_auto_dir(layout, flow.direction == WritingDirection::Natural);
     pango_layout_set_justify(layout, flow.alignment == NSTextAlignment::Justified);
     if (breaksLines(flow)) {
         pango_layout_set_width(layout, units(std::max(flow.width, 0.0)));
         pango_layout_set_wrap(layout, PANGO_WRAP_WORD_CHAR);
+        breakWithoutHyphens(layout);
     }
     if (const std::uint32_t limit = lineLimit(flow)) {
         pango_layout_set_ellipsize(layout, PANGO_ELLIPSIZE_END);

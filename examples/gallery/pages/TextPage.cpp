@@ -70,8 +70,10 @@ double startOf(double width, double room) {
 
 void addLine(Column& column, const StyledLine& line) {
     const NSSize size = NSAttributedString_Drawing::size(*line);
-    addDrawing(column, size.height, [=](GraphicsContext& context, NSRect bounds) {
-        NSAttributedString_Drawing::drawAtPoint(*line, context, {startOf(size.width, bounds.size.width), 0});
+    constexpr double kOvershoot = 4;  // some letters stand out of their font's height
+    addDrawing(column, size.height + 2 * kOvershoot, [=](GraphicsContext& context, NSRect bounds) {
+        const double x = startOf(size.width, bounds.size.width);
+        NSAttributedString_Drawing::drawAtPoint(*line, context, {x, kOvershoot});
     });
 }
 
@@ -101,7 +103,7 @@ struct Sample {
 constexpr Sample kSamples[] = {{"sans-serif", 13, 150}, {"serif", 16, 210}, {"sans-serif-Bold", 11, 120}};
 
 void drawSample(GraphicsContext& context, NSPoint at, const Sample& sample, NSSize size) {
-    context.stroke({at, size}, 0, 1, *NSColor::controlAccentColor());
+    context.stroke(NSRect(at, size).insetBy(-1, -1), 0, 1, *NSColor::controlAccentColor());
     const auto font = NSFont::fontWithNameOrFallback(sample.font, sample.size);
     context.drawText({text("text.sample.sentence"), font, {.width = size.width}}, at, *NSColor::textColor());
 }
@@ -114,10 +116,10 @@ void addSamples(Column& column) {
         sizes.push_back(KXUIUtils::sizeWith(text("text.sample.sentence"), font, maxWidth));
         height = std::max(height, sizes.back().height);
     }
-    addDrawing(column, height, [=](GraphicsContext& context, NSRect bounds) {
-        double x = 0;
+    addDrawing(column, height + 2, [=](GraphicsContext& context, NSRect bounds) {
+        double x = 1;  // the boxes' lines are around the sizes
         for (std::size_t i = 0; i < sizes.size(); ++i) {
-            const NSRect box = directed({{x, 0}, sizes[i]}, bounds.size.width);
+            const NSRect box = directed({{x, 1}, sizes[i]}, bounds.size.width);
             drawSample(context, box.origin, kSamples[i], sizes[i]);
             x += sizes[i].width + 24;
         }

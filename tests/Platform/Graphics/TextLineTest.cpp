@@ -66,7 +66,7 @@ TEST(TextLine, OrdersItsPiecesForTheirScripts) {
         {"empty pieces", lineOf({{"", plain}, {"", nullptr}}), ""},
         {"Latin", lineOf({{"Har", plain}, {"bour", bold}}), "01"},
         {"Arabic", lineOf({{"ميناء", plain}, {" قديم", bold}}), "(1)(0)"},
-        {"Arabic in Latin", lineOf({{"a ", plain}, {"ميناء", bold}, {" b", plain}}), "0(1)2"},
+        {"Arabic in Latin", lineOf({{"a ", plain}, {"ميناء", bold}, {" b", plain}}), "0(1)22"},
         {"a number in Arabic", lineOf({{"ميناء ", plain}, {"12", bold}, {" قديم", plain}}), "(2)1(0)"},
         {"Chinese from another font", lineOf({{"a港", plain}}), "00"},
     };
