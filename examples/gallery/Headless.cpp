@@ -27,8 +27,9 @@ class TemporarySettings {
         if (mkdtemp(path.data())) path_ = path;
         for (const char* folder : {"XDG_CACHE_HOME", "XDG_CONFIG_HOME", "XDG_DATA_HOME"})
             setenv(folder, path_.c_str(), 1);
-        std::ofstream(path_ + "/user-dirs.dirs") << "XDG_PICTURES_DIR=\"" << path_ << "/Pictures\"
-";
+        std::ofstream(path_ + "/user-dirs.dirs") << "XDG_PICTURES_DIR=\"" << path_
+                                                 << "/Pictures\"
+                                                    ";
     }
     ~TemporarySettings() {
         std::error_code ignored;
