@@ -91,11 +91,11 @@ TEST_F(DesktopServicesTest, ADeadBusIsLeftInTime) {
 TEST_F(DesktopServicesTest, ASensorOnADeadBusIsNotAskedForAgainAtOnce) {
     const testing::SilentSocket bus;
     platform_.environment().set("DBUS_SYSTEM_BUS_ADDRESS", "unix:path=" + bus.path());
-    FprintBiometrics biometrics(std::chrono::milliseconds(20));
-    EXPECT_EQ(biometrics.type().error().kind, ErrorKind::TimedOut);
+    FprintBiometrics biometrics;
+    EXPECT_EQ(biometrics.type(std::chrono::milliseconds(20)).error().kind, ErrorKind::TimedOut);
     platform_.environment().set("DBUS_SYSTEM_BUS_ADDRESS", "unix:path=/no/such/bus");
-    EXPECT_EQ(biometrics.type().error().kind, ErrorKind::TimedOut);
-    EXPECT_EQ(FprintBiometrics(kPatience).type().error().kind, ErrorKind::Missing);
+    EXPECT_EQ(biometrics.type(kPatience).error().kind, ErrorKind::TimedOut);
+    EXPECT_EQ(FprintBiometrics().type(kPatience).error().kind, ErrorKind::Missing);
 }
 
 TEST_F(DesktopServicesTest, FingerprintReaders) {
@@ -103,12 +103,12 @@ TEST_F(DesktopServicesTest, FingerprintReaders) {
                                                          {"no-reader", BiometryType::None}};
     for (const auto& [service, want] : rows) {
         if (!startBus({service})) GTEST_SKIP() << "no message bus can be started here";
-        const auto type = FprintBiometrics(kPatience).type();
+        const auto type = FprintBiometrics().type(kPatience);
         ASSERT_TRUE(type) << type.error().message();
         EXPECT_EQ(*type, want) << service;
     }
     ASSERT_TRUE(startBus({}));
-    EXPECT_EQ(FprintBiometrics(kPatience).type().error().kind, ErrorKind::Missing);
+    EXPECT_EQ(FprintBiometrics().type(kPatience).error().kind, ErrorKind::Missing);
 }
 
 TEST_F(DesktopServicesTest, ThePortalOpensAddressesButNoFiles) {
@@ -170,7 +170,6 @@ TEST_F(DesktopServicesTest, CapabilitiesTellWhatWorksAndWhyNot) {
     EXPECT_TRUE(capability("display").works);
     platform_.environment().set("WAYLAND_DISPLAY", display.path() + "-gone");
     EXPECT_FALSE(capability("display").works);
-    const ScopedPort<Biometrics> patient(std::make_shared<FprintBiometrics>(kPatience));
     if (!startBus({"portal", "reader"})) GTEST_SKIP() << "no message bus can be started here";
     for (const char* name : {"bus", "portal", "biometrics"}) EXPECT_TRUE(capability(name).works) << name;
     ASSERT_TRUE(startBus({}));
