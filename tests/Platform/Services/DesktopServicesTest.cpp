@@ -1,10 +1,12 @@
 #include <filesystem>
 #include <fstream>
+#include <thread>
 
 #include <gtest/gtest.h>
 #include <sys/stat.h>
 #include <sys/wait.h>
 
+#include <KXFoundation/Platform/Foundation/ClockFormatSetting.h>
 #include <KXFoundation/Platform/Runtime/Executor.h>
 #include <KXFoundation/Platform/Runtime/Module.h>
 #include <KXFoundation/Platform/Services/BusAddress.h>
@@ -151,6 +153,38 @@ TEST_F(DesktopServicesTest, WhatCannotBeOpenedIsOneLine) {
     workspace->openURL(*NSURL::URLWithString("https://example.org/"));
     drainQueues();
     EXPECT_EQ(log.lines().size(), 1U);
+}
+
+/// Waits for the desktop's word, which comes on a thread of the module's own; false if it does not.
+bool becomes(const ClockFormatSetting& setting, ClockFormat want) {
+    const auto latest = std::chrono::steady_clock::now() + kPatience;
+    while (setting.clockFormat() != want && std::chrono::steady_clock::now() < latest)
+        std::this_thread::yield();
+    return setting.clockFormat() == want;
+}
+
+TEST_F(DesktopServicesTest, TheDesktopsClockSettingIsFollowed) {
+    struct {
+        const char* desktop;
+        std::string schema;
+        std::vector<std::string> changes;
+    } const rows[] = {
+        {"ubuntu:GNOME", "org.gnome.desktop.interface ", {"clock-format 12h", "clock-format 24h"}},
+        {"X-Cinnamon", "org.cinnamon.desktop.interface ", {"clock-use-24h false", "clock-use-24h true"}},
+    };
+    for (const auto& row : rows) {
+        if (!startBus({"portal"})) GTEST_SKIP() << "no message bus can be started here";
+        platform_.environment().set("XDG_CURRENT_DESKTOP", row.desktop);
+        const auto setting = ClockFormatSetting::makeDefault();
+        EXPECT_TRUE(becomes(*setting, ClockFormat::TwentyFourHour)) << row.desktop;
+        script_->writeLine("org.gnome.desktop.interface text-scaling-factor 12h");
+        script_->writeLine(row.schema + row.changes[0]);
+        EXPECT_TRUE(becomes(*setting, ClockFormat::TwelveHour)) << row.desktop;
+        script_->writeLine(row.schema + row.changes[1]);
+        EXPECT_TRUE(becomes(*setting, ClockFormat::TwentyFourHour)) << row.desktop;
+        script_->writeLine(row.schema + row.changes[1].substr(0, row.changes[1].find(' ')) + " never");
+        EXPECT_TRUE(becomes(*setting, ClockFormat::Unset)) << row.desktop;
+    }
 }
 
 /// The answer of that name.
