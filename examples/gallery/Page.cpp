@@ -5,9 +5,12 @@
 #include "pages/ApplicationPage.h"
 #include "pages/ButtonsPage.h"
 #include "pages/CachePage.h"
+#include "pages/CalendarPage.h"
 #include "pages/ColoursPage.h"
+#include "pages/DevicePage.h"
 #include "pages/KeychainPage.h"
 #include "pages/LanguagePage.h"
+#include "pages/LinksPage.h"
 #include "pages/LoadingPage.h"
 #include "pages/MaskPage.h"
 #include "pages/ObjectsPage.h"
@@ -16,6 +19,7 @@
 #include "pages/RequestsPage.h"
 #include "pages/ScreenPage.h"
 #include "pages/TextPage.h"
+#include "pages/TimePage.h"
 #include "pages/ToastPage.h"
 
 namespace gallery {
@@ -33,6 +37,10 @@ constexpr PageEntry kPages[] = {
     {"application", "page.application", makePage<ApplicationPage>},
     {"requests", "page.requests", makePage<RequestsPage>},
     {"cache", "page.cache", makePage<CachePage>},
+    {"links", "page.links", makePage<LinksPage>},
+    {"time", "page.time", makePage<TimePage>},
+    {"calendar", "page.calendar", makePage<CalendarPage>},
+    {"device", "page.device", makePage<DevicePage>},
     {"keychain", "page.keychain", makePage<KeychainPage>},
     {"text", "page.text", makePage<TextPage>},
     {"album", "page.album", makePage<AlbumPage>},

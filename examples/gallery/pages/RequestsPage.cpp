@@ -99,8 +99,7 @@ void RequestsPage::build(Column& column, Gallery& gallery) {
     column.paragraph(text("requests.explanation"));
     column.space(12);
     column.row({pushButton("requests.start", [this] { start(); }),
-                pushButton("requests.await", [this] { await(); })},
-               28);
+                pushButton("requests.await", [this] { await(); })});
     column.space(8);
     const bool isWaiting = request_->identifier() >= 1;
     column.pair(text("requests.state"), text(isWaiting ? "requests.waiting" : "requests.idle"));
