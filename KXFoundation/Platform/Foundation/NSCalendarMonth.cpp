@@ -1,4 +1,6 @@
 // The part of NSCalendar that measures months.
+#include <cstdlib>
+
 #include <KXFoundation/Platform/Foundation/LocalTime.h>
 #include <KXFoundation/Platform/Foundation/NSCalendar.h>
 #include <KXFoundation/Platform/Foundation/ZoneRules.h>
