@@ -20,7 +20,11 @@ void check(const kx::ZoneRules& rules, std::int64_t utc) {
     const std::int64_t offset = rules.offsetAt(utc);
     const auto instants = rules.instantsAt(utc + offset);
     const bool isKept = isNear(offset, 0) && isNear(instants.before, utc) && isNear(instants.after, utc);
-    if (!isKept || rules.steadyOffset(utc, utc).value_or(rules.offsetAt(utc)) != offset) std::abort();
+    if (!isKept) std::abort();
+    const auto around = rules.surroundingsOf(utc);
+    const bool isWhole = around.from <= utc - 2 * kFarthest && around.to >= utc + 2 * kFarthest &&
+                         around.localChange[0] <= around.localChange[1];
+    if (isWhole && instants.before != utc + offset - around.offsetAtLocal(utc + offset)) std::abort();
 }
 
 }  // namespace

@@ -195,7 +195,7 @@ TEST_P(FaultTest, AKillAtAnyMomentLosesNothing) {
         });
         for (auto wait = random() % 3; wait > 0; --wait) last = child.next().value_or(-1);
         ASSERT_NE(last, -1) << "a save failed";
-        for (volatile auto spin = random() % 500'000; spin > 0;) spin = spin - 1;
+        for (volatile auto spin = random() % 200'000; spin > 0;) spin = spin - 1;
         child.kill();
         while (const auto more = child.next()) last = *more;
         const Text found = open()->load("key");

@@ -163,9 +163,8 @@ class FaultyFileSystem::FaultyFile final : public File {
 
     Result<void> sync() override {
         if (const int error = faults_->meet(Call::Sync)) return failure(error);
-        auto done = below_->sync();
-        if (done) journal_->synced(path_);
-        return done;
+        journal_->synced(path_);
+        return {};
     }
 
     Result<void> lock(Lock kind) override {
@@ -289,9 +288,9 @@ Result<void> FaultyFileSystem::makeDirectory(const std::string& path) {
 
 Result<void> FaultyFileSystem::syncDirectory(const std::string& path) {
     if (const int error = faults_->meet(Call::SyncDirectory)) return Error::fromErrno(error, path);
-    auto done = below_->syncDirectory(path);
-    if (done) journal_->synced(path);
-    return done;
+    if (auto there = below_->info(path); !there) return std::move(there).error();
+    journal_->synced(path);
+    return {};
 }
 
 }  // namespace kx::testing

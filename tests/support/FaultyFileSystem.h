@@ -11,7 +11,8 @@
 
 namespace kx::testing {
 
-/// A file system that counts its calls and fails as a test asks, over a real one. Any thread.
+/// A file system that counts its calls and fails as a test asks, over a real one. Syncs are counted and
+/// remembered, but cost nothing: no test loses its power in earnest. Any thread.
 ///
 ///     auto files = std::make_shared<FaultyFileSystem>();
 ///     const ScopedPort<FileSystem> scope(files);

@@ -116,12 +116,14 @@ class KX_EXPORT NSCalendar : public Subclass<NSCalendar, NSObject> {
         std::int64_t first, next;
     };
     [[nodiscard]] std::optional<Days> daysOfUnit(NSCalendarUnit unit, std::int64_t day) const noexcept;
-    /// Days from 1970-01-01.
     struct MonthDays {
-        std::int64_t first;
+        std::int64_t first;  // from 1970-01-01
         std::int64_t length;
+        std::int64_t weekday;  // of the first one
     };
     struct KnownMonth;
+    [[nodiscard]] static MonthDays monthOfDay(std::int64_t day) noexcept;
+    [[nodiscard]] std::int64_t columnOf(const MonthDays& month) const noexcept;
     [[nodiscard]] const KnownMonth* knownMonth(const std::optional<NSDate>& date) const noexcept;
     [[nodiscard]] const KnownMonth* learnMonth(NSDate date) const noexcept;
     [[nodiscard]] std::optional<MonthDays> measuredMonth(const std::optional<NSDate>& date) const noexcept;

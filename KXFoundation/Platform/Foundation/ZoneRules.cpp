@@ -12,6 +12,7 @@ namespace {
 constexpr std::int64_t kPeriod = kDaysPer400Years * kSecondsPerDay;
 constexpr int kBucketBits = 23;  // 97 days: seldom two changes in one bucket
 constexpr std::int64_t kLargestOffset = 48 * 3600;
+constexpr std::int64_t kForEver = std::numeric_limits<std::int64_t>::max();
 
 }  // namespace
 
@@ -47,7 +48,9 @@ std::size_t ZoneRules::spanAt(std::int64_t utc) const noexcept {
     if (utc < from_[1]) return 0;
     const auto bucket = static_cast<std::size_t>((utc - from_[1]) >> kBucketBits);
     std::size_t span = bucket < buckets_.size() ? buckets_[bucket] : from_.size() - 1;
-    while (span + 1 < from_.size() && from_[span + 1] <= utc) ++span;
+    const auto isOver = [&] { return span + 1 < from_.size() && from_[span + 1] <= utc; };
+    span += isOver() ? 1 : 0;  // as often as not: no branch, which would be guessed wrong
+    while (isOver()) ++span;
     return span;
 }
 
@@ -56,13 +59,20 @@ std::int64_t ZoneRules::periodsBeyondTable(std::int64_t seconds) const noexcept 
     return ((seconds - from_.back()) / kPeriod + 1) * kPeriod;
 }
 
-std::optional<std::int32_t> ZoneRules::steadyOffset(std::int64_t from, std::int64_t to) const noexcept {
-    if (offsets_.size() == 1) return offsets_[0];
-    const std::int64_t periods = periodsBeyondTable(from);
-    const std::size_t span = spanAt(from - periods);
-    // In a table that repeats, its last span is cut short where the table begins again.
-    const bool isSteady = span + 1 < from_.size() ? to - periods < from_[span + 1] : !repeats_;
-    return isSteady ? std::optional(offsets_[span]) : std::nullopt;
+ZoneRules::Surroundings ZoneRules::surroundingsOf(std::int64_t utc) const noexcept {
+    const std::size_t last = offsets_.size() - 1;
+    const std::int64_t periods = last == 0 ? 0 : periodsBeyondTable(utc);
+    const std::size_t span = last == 0 ? 0 : spanAt(utc - periods);
+    const std::size_t former = span == 0 ? 0 : span - 1, next = std::min(span + 1, last);
+    Surroundings around{from_[former] + periods,
+                        kForEver,
+                        {offsets_[former], offsets_[span], offsets_[next]},
+                        {localFrom_[span] + periods, kForEver}};
+    if (next != span) around.localChange[1] = localFrom_[next] + periods;
+    // Where rules repeat, the table begins again somewhere inside its last span.
+    if (next != last) around.to = from_[next + 1] + periods;
+    if (next == last && repeats_) around.to = from_[last] + periods;
+    return around;
 }
 
 ZoneRules::Instants ZoneRules::instantsAt(std::int64_t local) const noexcept {

@@ -2,7 +2,6 @@
 
 #include <cstdint>
 #include <memory>
-#include <optional>
 #include <string>
 #include <vector>
 
@@ -46,8 +45,18 @@ class KX_EXPORT ZoneRules {
         return offsets_[spanAt(utc - periodsBeyondTable(utc))];
     }
     [[nodiscard]] Instants instantsAt(std::int64_t local) const noexcept;
-    /// The offset from one moment to another; absent if it changes between.
-    [[nodiscard]] std::optional<std::int32_t> steadyOffset(std::int64_t from, std::int64_t to) const noexcept;
+    /// The time around a moment in which the clocks change twice at most.
+    struct Surroundings {
+        std::int64_t from, to;
+        std::int32_t offset[3];       // in their order
+        std::int64_t localChange[2];  // the first local times that the second and the third alone give
+
+        /// The offset by which a local time means the earlier of its instants.
+        [[nodiscard]] std::int32_t offsetAtLocal(std::int64_t local) const noexcept {
+            return offset[(local >= localChange[0]) + (local >= localChange[1])];
+        }
+    };
+    [[nodiscard]] Surroundings surroundingsOf(std::int64_t utc) const noexcept;
 
     /// No other rules of the process have it, also after these are gone; never 0.
     [[nodiscard]] std::uint64_t serial() const noexcept { return serial_; }
