@@ -54,7 +54,7 @@ TEST_F(KXMemoryCacheTest, LimitsHoldAfterEverySet) {
         {"no limit", 0, 0, "abcde", "abcde"},
         {"the oldest leaves", 3, 0, "abcde", "cde"},
         {"what was read is spared", 3, 0, "abcAd", "acd"},
-        {"once", 3, 0, "abcAdefg", "efg"},
+        {"until the hand has been round", 3, 0, "abcAdefg", "afg"},
         {"set again, it is new", 3, 0, "abcad", "acd"},
         {"cost", 0, 25, "abcd", "cd"},
         {"both", 3, 25, "abcd", "cd"},

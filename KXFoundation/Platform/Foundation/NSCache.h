@@ -20,8 +20,9 @@ namespace kx {
 /// thread; a hit takes no lock and writes nothing that threads share but the value's own count and a mark in
 /// its entry.
 ///
-/// When a limit is reached, what was not asked for since it was set (or since it was last spared) leaves
-/// first, the oldest before the others. Every operation takes constant time, amortised.
+/// When a limit is reached, a hand walks on from the oldest value towards the newest, then round again; it
+/// spares what was asked for since it last came by, and the first other value leaves. Every operation takes
+/// constant time, amortised.
 class KX_EXPORT NSCache : public Subclass<NSCache, NSObject> {
   public:
     bool init();

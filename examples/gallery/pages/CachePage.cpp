@@ -29,8 +29,8 @@ template <class Statistics>
 void addStatistics(Column& column, const Statistics& statistics) {
     column.pair(text("cache.values"), std::to_string(statistics.count));
     column.pair(text("cache.cost"), std::to_string(statistics.cost));
-    column.pair(text("cache.hits"),
-                std::to_string(statistics.hits) + " / " + std::to_string(statistics.misses));
+    column.pair(text("cache.hits"), std::to_string(statistics.hits));
+    column.pair(text("cache.misses"), std::to_string(statistics.misses));
     column.pair(text("cache.evictions"), std::to_string(statistics.evictions));
 }
 
@@ -60,9 +60,10 @@ void CachePage::fill() {
         cache_->setObject(std::string(kValueSize, static_cast<char>('a' + i)), keyOf(i));
 }
 
-/// What memory has evicted comes from disk, and takes the place of another value in memory.
+/// The newest first: they are in memory. What memory has evicted comes from disk, and takes another's place
+/// there.
 void CachePage::read() {
-    for (int i = 0; i < kValues; ++i) static_cast<void>(cache_->objectForKey(keyOf(i)));
+    for (int i = kValues - 1; i >= 0; --i) static_cast<void>(cache_->objectForKey(keyOf(i)));
 }
 
 void CachePage::toggleAge() {
