@@ -38,8 +38,11 @@ void addDay(Column& column, bool hasAMPM) {
     for (const char* locale : kLocales) {
         cells.push_back(label(locale, 13, true));
         const auto dates = datesIn(locale);
-        for (const std::int64_t minutes : kMinutes)
-            cells.push_back(label(dates->convertMinutesToTimeString(minutes, hasAMPM, false).value_or("")));
+        for (const std::int64_t minutes : kMinutes) {
+            auto time = label(dates->convertMinutesToTimeString(minutes, hasAMPM, false).value_or(""));
+            time->setAlignment(NSTextAlignment::Center);  // whichever way the locale writes
+            cells.push_back(time);
+        }
     }
     column.grid(cells, 1 + std::size(kMinutes), 20, 4);
 }
