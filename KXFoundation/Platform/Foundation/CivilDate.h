@@ -18,14 +18,16 @@ struct CivilDate {
     bool operator==(const CivilDate&) const = default;
 };
 
-/// The quotient rounded down, for a positive divisor.
+/// The quotient rounded down, for a positive divisor: one unsigned division of what the value or, if it is
+/// negative, its complement counts.
 [[nodiscard]] constexpr std::int64_t floorDivide(std::int64_t value, std::int64_t divisor) noexcept {
-    return value / divisor - (value % divisor < 0);
+    const std::int64_t sign = value >> 63;
+    const auto count = static_cast<std::uint64_t>(value ^ sign) / static_cast<std::uint64_t>(divisor);
+    return static_cast<std::int64_t>(count) ^ sign;
 }
 /// What that leaves: 0 to divisor - 1.
 [[nodiscard]] constexpr std::int64_t floorModulo(std::int64_t value, std::int64_t divisor) noexcept {
-    const std::int64_t rest = value % divisor;
-    return rest < 0 ? rest + divisor : rest;
+    return value - floorDivide(value, divisor) * divisor;
 }
 
 /// Month 1 to 12; a day beyond the month's end counts on into the next one.
