@@ -1,3 +1,4 @@
+#include <KXFoundation/Cache/KXDiskCache.h>
 #include <KXFoundation/Platform/Foundation/NSUserDefaults.h>
 #include <KXFoundation/Platform/Runtime/Environment.h>
 #include <KXFoundation/Platform/Runtime/Module.h>
@@ -39,6 +40,23 @@ class Keychain final : public PersistedThing {
                            *static_cast<const SodiumModule*>(openModule("sodium").value())};
 };
 
+class DiskCache final : public PersistedThing {
+  public:
+    bool save(const std::string& name, const std::string& text) override {
+        cache_->setObject(text, name);
+        return load(name) == text && cache_->synchronize();
+    }
+    std::optional<std::string> load(const std::string& name) override {
+        const Value found = cache_->objectForKey(name);
+        const auto text = found.asString();
+        return text ? std::optional(std::string(*text)) : std::nullopt;
+    }
+
+  private:
+    std::shared_ptr<KXDiskCache> cache_ =
+        KXDiskCache::initWithPath(*baseDirectory(BaseDirectory::Cache) + "/app");
+};
+
 template <class Thing>
 std::unique_ptr<PersistedThing> opened() {
     return std::make_unique<Thing>();
@@ -48,7 +66,8 @@ std::unique_ptr<PersistedThing> opened() {
 
 const std::vector<PersistedKind>& persistedKinds() {
     static const std::vector<PersistedKind> kinds{{"defaults", opened<Defaults>, false},
-                                                  {"keychain", opened<Keychain>, true}};
+                                                  {"keychain", opened<Keychain>, true},
+                                                  {"diskCache", opened<DiskCache>, false}};
     return kinds;
 }
 

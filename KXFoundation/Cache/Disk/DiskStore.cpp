@@ -135,8 +135,7 @@ Result<void> DiskStore::set(std::string_view key, const StoredValue& value) {
     if (key.size() > kLongestKey || payload.size() > kLargestValue)
         return Error{ErrorKind::TooLarge, 0, "a value or key for " + folder_};
     const MutexLock lock(mutex_);
-    leaveIfReplaced();
-    if (auto opened = open(); !opened) return opened;
+    if (auto opened = openToChange(); !opened) return opened;
     const PageLock page(*this);
     if (!page.result()) return page.result();
     if (limits_.cost != 0 && payload.size() > limits_.cost) {
@@ -150,8 +149,7 @@ Result<void> DiskStore::set(std::string_view key, const StoredValue& value) {
 
 Result<void> DiskStore::remove(std::string_view key) {
     const MutexLock lock(mutex_);
-    leaveIfReplaced();
-    if (auto opened = open(); !opened) return opened;
+    if (auto opened = openToChange(); !opened) return opened;
     const PageLock page(*this);
     if (!page.result()) return page.result();
     if (!index_.find(hashOfKey(key))) return {};
@@ -161,8 +159,7 @@ Result<void> DiskStore::remove(std::string_view key) {
 /// Begins a new segment with an entry that clears; the files before it are deleted later.
 Result<void> DiskStore::clear() {
     const MutexLock lock(mutex_);
-    leaveIfReplaced();
-    if (auto opened = open(); !opened) return opened;
+    if (auto opened = openToChange(); !opened) return opened;
     const PageLock page(*this);
     if (!page.result()) return page.result();
     if (Segment* last = index_.last()) last->isSealed = true;

@@ -37,7 +37,7 @@ struct DiskStatistics {
 /// process follows the log. Private to Cache. Any thread.
 ///
 /// The folder is opened at the first call. Where that or a change fails, nothing has changed and the error is
-/// answered; the folder is tried again a second later at the earliest.
+/// answered; readers try the folder again a second later at the earliest, a change at once.
 class DiskStore {
   public:
     /// Files that are done with are deleted on the queue.
@@ -74,8 +74,10 @@ class DiskStore {
 
     // Opening and following the log.
     Result<void> open() KX_REQUIRES(mutex_);
+    Result<void> openToChange() KX_REQUIRES(mutex_);
     Result<void> openPage() KX_REQUIRES(mutex_);
     Result<void> load() KX_REQUIRES(mutex_);
+    Result<std::vector<std::uint32_t>> segmentNumbers();
     Result<void> loadSegment(std::uint32_t number, Position tail) KX_REQUIRES(mutex_);
     void mendLast(bool isDamaged) KX_REQUIRES(mutex_);
     void follow() KX_REQUIRES(mutex_) {

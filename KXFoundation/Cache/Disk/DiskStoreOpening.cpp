@@ -12,7 +12,6 @@ namespace kx::disk {
 namespace {
 
 constexpr auto kLookAgainAfter = std::chrono::seconds(1);
-constexpr std::uint32_t kFewSegments = 64;  // more than so many are read anew, as the folder lists them
 
 std::string headerPathIn(const std::string& folder) {
     return folder + "/header";
@@ -39,6 +38,12 @@ Result<void> DiskStore::open() {
     return opened;
 }
 
+Result<void> DiskStore::openToChange() {
+    leaveIfReplaced();
+    whyClosed_ = std::nullopt;
+    return open();
+}
+
 Result<void> DiskStore::openPage() {
     const std::string path = headerPathIn(folder_);
     if (auto made = makeDirectories(*files_, folder_); !made && made.error().kind != ErrorKind::Denied)
@@ -46,6 +51,7 @@ Result<void> DiskStore::openPage() {
     auto page = HeaderPage::open(*files_, path, HeaderPage::Access::ReadWrite);
     if (!page) {
         Error why = std::move(page).error();
+        if (why.kind != ErrorKind::Denied) return why;
         page = HeaderPage::open(*files_, path, HeaderPage::Access::Read);  // reading may go on all the same
         if (!page) return why;
         logError("disk cache, opened for reading only", why);
@@ -63,16 +69,11 @@ Result<void> DiskStore::openPage() {
 Result<void> DiskStore::load() {
     index_.clear();
     known_ = knownHead_ = {};
-    auto names = files_->list(folder_);
-    if (!names) return std::move(names).error();
-    std::vector<std::uint32_t> numbers;
-    for (const std::string& name : *names) {
-        if (const auto number = DiskSegment::numberOf(name)) numbers.push_back(*number);
-    }
-    std::ranges::sort(numbers);
+    auto numbers = segmentNumbers();
+    if (!numbers) return std::move(numbers).error();
     const Position tail = page_->tail();
     const Position head = page_->head();
-    for (const std::uint32_t number : numbers) {
+    for (const std::uint32_t number : *numbers) {
         if (number >= head.segment) {
             if (auto done = loadSegment(number, tail); !done) return done;
         } else if (page_->isWritable()) {
@@ -87,6 +88,18 @@ Result<void> DiskStore::load() {
     if (page_->isWritable() && known_ > tail) page_->setTail(known_);
     if (page_->isWritable()) publishHead();
     return {};
+}
+
+/// In their order.
+Result<std::vector<std::uint32_t>> DiskStore::segmentNumbers() {
+    auto names = files_->list(folder_);
+    if (!names) return std::move(names).error();
+    std::vector<std::uint32_t> numbers;
+    for (const std::string& name : *names) {
+        if (const auto number = DiskSegment::numberOf(name)) numbers.push_back(*number);
+    }
+    std::ranges::sort(numbers);
+    return numbers;
 }
 
 Result<void> DiskStore::loadSegment(std::uint32_t number, Position tail) {
@@ -139,11 +152,11 @@ void DiskStore::replay() {
     const Position tail = page_->tail();
     const Position head = page_->head();
     const std::uint32_t first = std::max({known_.segment, head.segment, std::uint32_t{1}});
-    if (tail.segment > first && tail.segment - first > kFewSegments) {
-        if (auto done = load(); !done) logError("disk cache", done.error());
-        return;
-    }
-    for (std::uint32_t number = first; tail > known_ && number <= tail.segment; ++number) {
+    using Numbers = std::vector<std::uint32_t>;
+    auto numbers = first < tail.segment ? segmentNumbers() : Result<Numbers>(Numbers{tail.segment});
+    if (!numbers) return logError("disk cache", numbers.error());
+    for (const std::uint32_t number : *numbers) {
+        if (number < first || number > tail.segment || tail <= known_) continue;
         if (auto done = replaySegment(number, tail); !done) return logError("disk cache", done.error());
     }
     known_ = std::max(known_, tail);

@@ -31,19 +31,21 @@ struct CacheEntry {
         if (!visited.load(std::memory_order_relaxed)) visited.store(true, std::memory_order_relaxed);
     }
 
-    std::atomic<CacheEntry*> next{nullptr};  // in the bucket
-    const std::uint64_t hash;
-    const Value value;
-    const std::size_t keySize;
-    std::atomic<bool> visited{false};
     const std::chrono::nanoseconds time;
     const std::uint64_t cost;
     CacheEntry* older = nullptr;  // the order of their coming; after unlinking: the next one to destroy
     CacheEntry* newer = nullptr;
 
+    // What a hit looks at, beside the key.
+    std::atomic<CacheEntry*> next{nullptr};  // in the bucket
+    const std::uint64_t hash;
+    const Value value;
+    const std::size_t keySize;
+    std::atomic<bool> visited{false};
+
   private:
     CacheEntry(Value v, std::size_t size, const Facts& facts) noexcept
-        : hash(facts.hash), value(std::move(v)), keySize(size), time(facts.time), cost(facts.cost) {}
+        : time(facts.time), cost(facts.cost), hash(facts.hash), value(std::move(v)), keySize(size) {}
     ~CacheEntry() = default;
 };
 

@@ -68,13 +68,17 @@ std::chrono::nanoseconds NSCache::expiredBefore() const noexcept {
     return now - std::chrono::nanoseconds(static_cast<std::int64_t>(nanoseconds));
 }
 
+bool NSCache::isExpired(const CacheEntry& entry) const noexcept {
+    return ageLimit_.load(std::memory_order_relaxed) != 0 && entry.time < expiredBefore();
+}
+
 /// For a caller that is inside an EpochReading.
 const CacheEntry* NSCache::find(std::string_view key) const {
     const std::uint64_t hash = hashOf(key);
     for (;;) {
         CacheShard& shard = shardFor(hash);
         CacheEntry* const entry = shard.find(hash, key);
-        if (entry) return entry->time < expiredBefore() ? nullptr : entry;
+        if (entry) return isExpired(*entry) ? nullptr : entry;
         if (&shard == &shardFor(hash)) return nullptr;  // else it was split meanwhile
     }
 }

@@ -92,6 +92,7 @@ class KX_EXPORT NSCache : public Subclass<NSCache, NSObject> {
     [[nodiscard]] bool isOver(const Change& change) const noexcept;
     [[nodiscard]] bool isOver() const noexcept { return isOver(Change()); }
     [[nodiscard]] std::chrono::nanoseconds expiredBefore() const noexcept;
+    [[nodiscard]] bool isExpired(const CacheEntry& entry) const noexcept;
     void apply(const Change& change) const noexcept;
     DiscardedEntries makeRoom(CacheShard& shard, const CacheEntry* keep, Change change)
         KX_REQUIRES(shard.mutex());
