@@ -147,10 +147,11 @@ def halves():
 
 
 def turned(path, degrees):
+    """To be turned clockwise when it is shown; the program counts the other way round."""
     upright = path.with_suffix(".upright.mp4")
     encode(upright, CLIP, halves(), 10, H264)
     subprocess.run(["ffmpeg", "-v", "error", "-y", "-i", str(upright), *EXACT, "-c", "copy",
-                    "-metadata:s:v:0", "rotate=%d" % degrees, str(path)], check=True)
+                    "-metadata:s:v:0", "rotate=%d" % (360 - degrees), str(path)], check=True)
     upright.unlink()
 
 

@@ -132,7 +132,7 @@ TEST_F(KXPhotoUtilsTest, AnAlbumThatCannotBeMadeIsNone) {
     const ScopedPort<FileSystem> scope(files);
     files->setRoom(0);
     EXPECT_EQ(KXPhotoUtils::defaultAlbum(), nullptr);
-    EXPECT_THAT(log.lines(), ElementsAre(StartsWith("Error creating album: NSPOSIXErrorDomain ")));
+    EXPECT_THAT(log.lines(), ElementsAre(StartsWith("Error creating album: NSPOSIXErrorDomain 28: ")));
 }
 
 TEST_F(KXPhotoUtilsTest, WhoWouldWaitForHimselfGetsNone) {

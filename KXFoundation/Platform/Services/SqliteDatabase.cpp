@@ -1,3 +1,5 @@
+#include <cerrno>
+
 #include <sqlite3.h>
 
 #include <KXFoundation/Platform/Services/SqliteDatabase.h>
@@ -61,7 +63,8 @@ void SqliteDatabase::Closer::operator()(sqlite3* database) const {
 }
 
 Error SqliteDatabase::error() const {
-    return {kindOf(sqlite3_errcode(database_.get())), 0,
+    const ErrorKind kind = kindOf(sqlite3_errcode(database_.get()));
+    return {kind, kind == ErrorKind::Full ? ENOSPC : 0,
             std::string("photo index: ") + sqlite3_errmsg(database_.get())};
 }
 

@@ -72,7 +72,9 @@ Result<void> PhotoStore::withIndex(const Step& step) const {
 
 /// Nothing is made, and a home that cannot be written is read all the same.
 Result<void> PhotoStore::reading(const Step& step) const {
-    if (folder_.empty() || !isThere(indexPath_)) return {};
+    if (folder_.empty()) return {};
+    const auto info = files_->info(indexPath_);
+    if (info ? info->size == 0 : isMissing(info.error())) return {};
     const auto held = lock(kIndexLock);
     if (!held && held.error().kind != ErrorKind::Denied) return held.error();
     auto index = PhotoIndex::open(indexPath_);
