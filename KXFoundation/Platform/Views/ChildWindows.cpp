@@ -16,14 +16,20 @@ std::shared_ptr<NSWindow> NSWindow::parentWindow() const {
     return parent_ ? std::static_pointer_cast<NSWindow>(parent_->weak_from_this().lock()) : nullptr;
 }
 
+/// Whether it is that window or one of its child windows, at whatever depth.
+bool NSWindow::isInside(const NSWindow& other) const noexcept {
+    const NSWindow* window = this;
+    while (window && window != &other) window = window->parent_;
+    return window != nullptr;
+}
+
 void NSWindow::addChildWindow(const std::shared_ptr<NSWindow>& given, NSWindowOrderingMode ordered) {
     if (!given) return;
     const auto child = given;  // the argument may live in a list that changes now
     const auto held = self();
-    for (const NSWindow* window = this; window; window = window->parent_) {
-        if (window == child.get()) return callerError(className() + ": a window cannot be put into itself");
-    }
+    if (isInside(*child)) return callerError(className() + ": a window cannot be put into itself");
     if (child->isVisible() || child->parent_) child->orderOut();
+    if (child->parent_ || isInside(*child)) return;  // a hook has put it elsewhere, or this one into it
     const bool isAbove = ordered == NSWindowOrderingMode::Above;
     childWindows_.insert(isAbove ? childWindows_.end() : childWindows_.begin(), child);
     child->parent_ = this;

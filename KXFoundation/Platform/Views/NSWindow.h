@@ -144,6 +144,7 @@ class KX_EXPORT NSWindow : public Subclass<NSWindow, NSResponder> {
     void drawTree(GraphicsContext& context, NSRect dirty);
     void drawOnParent(GraphicsContext& context, NSRect dirty);
 
+    [[nodiscard]] bool isInside(const NSWindow& other) const noexcept;
     void detach();
     void fitToParent();
     [[nodiscard]] bool isDrawnAt(NSPoint point);

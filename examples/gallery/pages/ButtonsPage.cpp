@@ -44,17 +44,13 @@ void ButtonsPage::build(Column& column, Gallery&) {
     column.title(text("buttons.title"));
     column.paragraph(text("buttons.explanation"));
     column.space(12);
-    const auto clicks = label(std::to_string(clicks_));
-    const auto count = [this, clicks] {
-        clicks->setStringValue(std::to_string(++clicks_));
-        clicks->sizeToFit();
-    };
+    const auto clicks = column.pair(text("buttons.clicks"), std::to_string(clicks_));
+    const auto count = [this, clicks] { clicks->setStringValue(std::to_string(++clicks_)); };
     const auto evenly = pushButton("button.add", count);
     NSButton_Custom::setEnlargeEdge(evenly, 20);
     const auto unevenly = pushButton("button.add", count);
     NSButton_Custom::setEnlargeEdgeWithTop(unevenly, 0, 60, 30, 10);
     column.row({withArea(evenly, {220, 100}), withArea(unevenly, {220, 100})}, 100);
-    column.row({label(text("buttons.clicks")), clicks}, 20);
     column.space(16);
     column.row({confirmButton(KXConfirmButton::Style::blue, true),
                 confirmButton(KXConfirmButton::Style::green, false)},
