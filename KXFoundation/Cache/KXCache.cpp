@@ -5,6 +5,7 @@
 #include <KXFoundation/Cache/KXMemoryCache.h>
 #include <KXFoundation/Cache/KXYYDiskCache.h>
 #include <KXFoundation/Cache/KXYYMemoryCache.h>
+#include <KXFoundation/Cache/StoreMaking.h>
 #include <KXFoundation/Platform/Foundation/ApplicationFolder.h>
 #include <KXFoundation/Platform/Runtime/DispatchQueue.h>
 #include <KXFoundation/Platform/Runtime/Environment.h>
@@ -27,26 +28,15 @@ std::optional<std::string> folderOf(std::optional<std::string_view> nameSpace) {
     return *caches + "/" + applicationFolder(*nameSpace);
 }
 
-template <class Protocol>
-std::shared_ptr<Protocol> allocated(const Class& cls) {
-    return objectCast<Protocol>(cls.allocate());
-}
-
-std::shared_ptr<KXMemoryCacheProtocol> madeMemoryCache(const Class& cls,
-                                                       std::optional<std::string_view> name) {
-    auto store = allocated<KXMemoryCacheProtocol>(cls);
-    return store && store->init(name) ? store : nullptr;
-}
-
 bool initDiskCache(KXDiskCacheProtocol& store, std::optional<std::string_view> place, KXCache::Form form) {
     if (form == KXCache::Form::Path) return store.init(place);
     if (auto* own = dynamic_cast<KXNameSpaceInitializer*>(&store)) return own->initWithNameSpace(place);
     return store.init(folderOf(place));
 }
 
-std::shared_ptr<KXDiskCacheProtocol> madeDiskCache(const Class& cls, std::optional<std::string_view> place,
+std::shared_ptr<KXDiskCacheProtocol> madeDiskCache(KXStoreClass cls, std::optional<std::string_view> place,
                                                    KXCache::Form form) {
-    auto store = allocated<KXDiskCacheProtocol>(cls);
+    auto store = allocatedStore<KXDiskCacheProtocol>(cls);
     return store && initDiskCache(*store, place, form) ? store : nullptr;
 }
 
@@ -73,8 +63,8 @@ bool KXCache::init(KXStoreClass memoryCacheClass, KXStoreClass diskCacheClass,
     if (!Super::init()) return false;
     if (!memoryCacheClass.conformsTo(KXMemoryCacheProtocol::classObject())) return false;
     if (!diskCacheClass.conformsTo(KXDiskCacheProtocol::classObject())) return false;
-    memory_ = madeMemoryCache(*memoryCacheClass.get(), place);
-    disk_ = madeDiskCache(*diskCacheClass.get(), place, form);
+    memory_ = madeStore<KXMemoryCacheProtocol>(memoryCacheClass, place);
+    disk_ = madeDiskCache(diskCacheClass, place, form);
     return true;
 }
 

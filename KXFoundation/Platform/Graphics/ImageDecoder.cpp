@@ -1,3 +1,5 @@
+#include <utility>
+
 #include <KXFoundation/Platform/Graphics/GIF/GIFImage.h>
 #include <KXFoundation/Platform/Graphics/ImageDecoder.h>
 #include <KXFoundation/Platform/Graphics/JpegCodec.h>
@@ -26,6 +28,12 @@ const ImageFormat* imageFormatOf(std::span<const std::byte> data) {
 Result<std::shared_ptr<NSBitmapImageRep>> decodeImage(std::span<const std::byte> data) {
     if (const ImageFormat* format = imageFormatOf(data)) return format->decode(data);
     return Error{ErrorKind::Unsupported, 0, "unknown picture format"};
+}
+
+Result<std::shared_ptr<NSBitmapImageRep>> decodeImageKeepingData(Value data) {
+    auto bitmap = decodeImage(data.asData().value_or(std::span<const std::byte>()));
+    if (bitmap) (*bitmap)->setEncodedData(std::move(data));
+    return bitmap;
 }
 
 }  // namespace kx

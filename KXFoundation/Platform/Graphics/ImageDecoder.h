@@ -8,6 +8,7 @@
 #include <KXFoundation/Platform/Graphics/NSImageRep.h>
 #include <KXFoundation/Platform/Runtime/Export.h>
 #include <KXFoundation/Platform/Runtime/Result.h>
+#include <KXFoundation/Platform/Runtime/Value.h>
 
 namespace kx {
 
@@ -27,5 +28,7 @@ struct ImageFormat {
 /// Any thread.
 [[nodiscard]] KX_EXPORT Result<std::shared_ptr<NSBitmapImageRep>> decodeImage(
     std::span<const std::byte> data);
+/// The same from a data value (Unsupported for any other), which the bitmap keeps as its encodedData().
+[[nodiscard]] KX_EXPORT Result<std::shared_ptr<NSBitmapImageRep>> decodeImageKeepingData(Value data);
 
 }  // namespace kx

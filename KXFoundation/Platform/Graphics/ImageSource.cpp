@@ -87,7 +87,7 @@ std::shared_ptr<NSImageRep> ImageSource::imageRepAtIndex(std::size_t index) {
 
 void ImageSource::prepareFrames() {
     if (count() == 1) {
-        auto picture = decodeImage(*data_.asData());
+        auto picture = decodeImageKeepingData(data_);
         frames_.push_back(picture ? *picture : nullptr);
     } else if (!decodeWhole()) {
         const auto streamed = std::make_shared<StreamedFrames>(gif_);

@@ -20,7 +20,7 @@ constexpr std::uint64_t kLargestFile = std::uint64_t{256} << 20;
 Result<std::shared_ptr<NSBitmapImageRep>> readBitmap(const std::string& path) {
     auto contents = readFile(FileSystem::slot().current(), path, kLargestFile);
     if (!contents) return contents.error();
-    auto bitmap = decodeImage(std::as_bytes(std::span(*contents)));
+    auto bitmap = decodeImageKeepingData(Value::data(std::as_bytes(std::span(*contents))));
     if (bitmap) return bitmap;
     Error error = bitmap.error();
     error.where = path + ": " + error.where;
@@ -84,7 +84,7 @@ std::shared_ptr<NSImage> NSImage::initWithSize(NSSize size) {
 }
 
 std::shared_ptr<NSImage> NSImage::initWithData(std::span<const std::byte> data) {
-    auto bitmap = decodeImage(data);
+    auto bitmap = decodeImageKeepingData(Value::data(data));
     return bitmap ? initWithBitmap(*bitmap) : nullptr;
 }
 
@@ -125,7 +125,15 @@ std::shared_ptr<NSImage> NSImage::imageNamed(std::optional<std::string_view> nam
 }
 
 void NSImage::addRepresentation(std::shared_ptr<NSImageRep> representation) {
-    if (representation) representations_.push_back(std::move(representation));
+    if (!representation) return;
+    representations_.push_back(std::move(representation));
+    ++changes_;
+}
+
+std::uint64_t NSImage::changeCount() const noexcept {
+    std::uint64_t count = changes_;
+    for (const auto& rep : representations_) count += rep->changeCount();
+    return count;
 }
 
 std::shared_ptr<NSImageRep> NSImage::bestRepresentation(double scale) const {

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <cstddef>
+#include <cstdint>
 #include <memory>
 #include <optional>
 #include <span>
@@ -18,7 +19,8 @@
 namespace kx {
 
 /// A picture: a size in points and the representations it can be drawn from. One thread at a time while it is
-/// changed. Archives keep its size and its pixels: of a picture that a callback draws, what it draws at a
+/// changed. Archives keep its size and its pixels: of a picture read from encoded bytes and not
+/// changed since these very bytes, which it therefore holds; of one that a callback draws, what it draws at a
 /// pixel to the point.
 class KX_EXPORT NSImage : public Subclass<NSImage, NSObject>, public NSSecureCoding {
   public:
@@ -42,12 +44,18 @@ class KX_EXPORT NSImage : public Subclass<NSImage, NSObject>, public NSSecureCod
 
     /// Points.
     [[nodiscard]] NSSize size() const noexcept { return size_; }
-    void setSize(NSSize size) noexcept { size_ = size; }
+    void setSize(NSSize size) noexcept {
+        size_ = size;
+        ++changes_;
+    }
 
     [[nodiscard]] const std::vector<std::shared_ptr<NSImageRep>>& representations() const noexcept {
         return representations_;
     }
     void addRepresentation(std::shared_ptr<NSImageRep> representation);
+    /// Grows with its size's changes, with every representation that is added, and with the counts of these:
+    /// who keeps something computed from the picture sees by it whether it still holds.
+    [[nodiscard]] std::uint64_t changeCount() const noexcept;
 
     /// The one to draw where a point is `scale` pixels: the smallest bitmap that has enough of them, else one
     /// that draws at any resolution, else the largest bitmap; none if the picture is empty.
@@ -77,6 +85,7 @@ class KX_EXPORT NSImage : public Subclass<NSImage, NSObject>, public NSSecureCod
 
   private:
     NSSize size_;
+    std::uint64_t changes_ = 0;
     std::vector<std::shared_ptr<NSImageRep>> representations_;
 };
 

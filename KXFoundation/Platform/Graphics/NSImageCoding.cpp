@@ -1,4 +1,7 @@
+#include <utility>
+
 #include <KXFoundation/Platform/Foundation/NSCoder.h>
+#include <KXFoundation/Platform/Graphics/ImageDecoder.h>
 #include <KXFoundation/Platform/Graphics/NSImage.h>
 #include <KXFoundation/Platform/Graphics/PngCodec.h>
 #include <KXFoundation/Platform/Runtime/Log.h>
@@ -13,6 +16,10 @@ constexpr std::string_view kPlace = "frame", kBitmaps = "bitmaps";
 [[maybe_unused]] const bool isRegistered = (registerSecureCoding<NSImage>(), true);
 
 void addEncoded(ArrayBuilder& list, const NSBitmapImageRep& bitmap) {
+    if (Value origin = bitmap.encodedData(); !origin.isNull()) {
+        list.add(std::move(origin));
+        return;
+    }
     auto encoded = encodePng(bitmap);
     if (!encoded) return logError("picture", encoded.error());
     list.add(Value::data(*std::move(encoded)));
@@ -36,13 +43,12 @@ void NSImage::encodeWithCoder(NSCoder& coder) const {
 bool NSImage::initWithCoder(NSCoder& coder) {
     if (!init(coder.decodeRect(kPlace).value_or(NSRect()).size)) return false;
     const Value list = coder.decode(kBitmaps);
-    std::uint64_t pixels =
-        0;  // of all bitmaps: an archive of a few bytes must not ask for more than a file may
+    // Of all bitmaps: an archive of a few bytes must not ask for more than a file may.
+    std::uint64_t pixels = 0;
     for (const Value& encoded : list.elements()) {
-        const auto data = encoded.asData();
-        auto bitmap = decodePng(data.value_or(std::span<const std::byte>()));
+        auto bitmap = decodeImageKeepingData(encoded);
         if (!bitmap) return false;
-        pixels += (*bitmap)->pixels().size();
+        pixels += std::as_const(**bitmap).pixels().size();
         if (pixels > NSBitmapImageRep::pixelLimit()) return false;
         addRepresentation(*std::move(bitmap));
     }

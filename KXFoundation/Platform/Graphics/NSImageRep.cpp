@@ -1,5 +1,6 @@
 #include <atomic>
 #include <new>
+#include <utility>
 
 #include <KXFoundation/Platform/Graphics/GraphicsContext.h>
 #include <KXFoundation/Platform/Graphics/NSImageRep.h>
@@ -41,6 +42,11 @@ std::shared_ptr<NSBitmapImageRep> NSBitmapImageRep::bitmapWithSize(NSSize points
         return side >= 1 && side < kLongestSide + 1.0 ? static_cast<std::uint32_t>(side) : 0;
     };
     return bitmapWithPixels(cut(points.width), cut(points.height));
+}
+
+void NSBitmapImageRep::setEncodedData(Value data) noexcept {
+    encodedData_ = std::move(data);
+    changesWhenDecoded_ = changeCount();
 }
 
 std::uint32_t NSBitmapImageRep::pixelAt(std::uint32_t x, std::uint32_t y) const noexcept {

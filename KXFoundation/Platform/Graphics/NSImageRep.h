@@ -1,5 +1,6 @@
 #pragma once
 
+#include <atomic>
 #include <cstddef>
 #include <cstdint>
 #include <functional>
@@ -12,6 +13,7 @@
 #include <KXFoundation/Platform/Graphics/NSColorSpace.h>
 #include <KXFoundation/Platform/Runtime/Export.h>
 #include <KXFoundation/Platform/Runtime/NSObject.h>
+#include <KXFoundation/Platform/Runtime/Value.h>
 
 namespace kx {
 
@@ -23,6 +25,9 @@ class KX_EXPORT NSImageRep : public Subclass<NSImageRep, NSObject> {
     /// Pixels; 0 where the representation draws at any resolution.
     [[nodiscard]] virtual std::uint32_t pixelsWide() const noexcept { return 0; }
     [[nodiscard]] virtual std::uint32_t pixelsHigh() const noexcept { return 0; }
+
+    /// Grows with every change of its contents that it knows of. Any thread.
+    [[nodiscard]] virtual std::uint64_t changeCount() const noexcept { return 0; }
 
     /// Draws the whole picture into the rectangle; false if it could not.
     virtual bool draw(GraphicsContext& context, NSRect into, double opacity) const = 0;
@@ -55,10 +60,26 @@ class KX_EXPORT NSBitmapImageRep : public Subclass<NSBitmapImageRep, NSImageRep>
     [[nodiscard]] std::uint32_t pixelsWide() const noexcept override { return wide_; }
     [[nodiscard]] std::uint32_t pixelsHigh() const noexcept override { return high_; }
 
-    [[nodiscard]] std::span<std::uint32_t> pixels() noexcept { return {pixels_.get(), count()}; }
+    /// For writing: counts as a change.
+    [[nodiscard]] std::span<std::uint32_t> pixels() noexcept {
+        changes_.fetch_add(1, std::memory_order_relaxed);
+        return {pixels_.get(), count()};
+    }
     [[nodiscard]] std::span<const std::uint32_t> pixels() const noexcept { return {pixels_.get(), count()}; }
     /// The pixel of that column and row; 0 outside.
     [[nodiscard]] std::uint32_t pixelAt(std::uint32_t x, std::uint32_t y) const noexcept;
+
+    [[nodiscard]] std::uint64_t changeCount() const noexcept override {
+        return changes_.load(std::memory_order_relaxed);
+    }
+
+    /// The encoded bytes, in any format that decodeImage reads, that the pixels were read from; null if they
+    /// come from elsewhere, or pixels() were taken for writing since. Archives keep these bytes.
+    [[nodiscard]] Value encodedData() const noexcept {
+        return changeCount() == changesWhenDecoded_ ? encodedData_ : Value();
+    }
+    /// Said by who has just read the pixels from there.
+    void setEncodedData(Value data) noexcept;
 
     /// The name of the colour space that the pixels are said to be in, one of kx::NS...ColorSpace. It is kept
     /// for who asks: all of them are sRGB here.
@@ -79,6 +100,9 @@ class KX_EXPORT NSBitmapImageRep : public Subclass<NSBitmapImageRep, NSImageRep>
     std::uint32_t high_ = 0;
     std::string colorSpaceName_{NSDeviceRGBColorSpace};
     std::unique_ptr<std::uint32_t[]> pixels_;
+    std::atomic<std::uint64_t> changes_{0};  // readers that hold no const bitmap count too
+    std::uint64_t changesWhenDecoded_ = 0;
+    Value encodedData_;
 };
 
 /// A picture drawn by a callback whenever it is shown, at the resolution of that place.
