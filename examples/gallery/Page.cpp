@@ -8,6 +8,7 @@
 #include "pages/CalendarPage.h"
 #include "pages/ColoursPage.h"
 #include "pages/DevicePage.h"
+#include "pages/ImageCachePage.h"
 #include "pages/KeychainPage.h"
 #include "pages/LanguagePage.h"
 #include "pages/LinksPage.h"
@@ -46,6 +47,7 @@ constexpr PageEntry kPages[] = {
     {"album", "page.album", makePage<AlbumPage>},
     {"animation", "page.animation", makePage<AnimationPage>},
     {"pictures", "page.pictures", makePage<PicturesPage>},
+    {"image-cache", "page.image_cache", makePage<ImageCachePage>},
     {"colours", "page.colours", makePage<ColoursPage>},
     {"toast", "page.toast", makePage<ToastPage>},
     {"mask", "page.mask", makePage<MaskPage>},
