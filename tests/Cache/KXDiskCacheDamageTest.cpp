@@ -108,6 +108,12 @@ TEST_F(KXDiskCacheDamageTest, DamagedFolders) {
          0},
         {"a segment number that is far ahead",
          [](auto& t) { patch(t.folder + "/header", 16, std::string(8, '\x7F')); }, kValues, 0},
+        {"a head of an earlier start of the machine",
+         [](auto& t) {
+             patch(t.folder + "/header", 8, std::string("\x88\x13\0\0\1\0\0\0", 8));
+             patch(t.folder + "/header", 24, "earlier!");
+         },
+         kValues, 0},
         {"strange files",
          [](auto& t) { t.directory.write("cache/segment-zz", "x"), t.directory.makeDirectory("cache/a"); },
          kValues, 0},
