@@ -2,7 +2,7 @@
 """bench_table.py takes medians, picks the clock, and tells a bound that holds from one that is missed."""
 import unittest
 
-from bench_table import medians, read_bounds, table
+from bench_table import every_row, medians, read_bounds, table
 
 
 def run(name, cpu, real, unit="ns", kind="iteration"):
@@ -22,6 +22,14 @@ class BenchTable(unittest.TestCase):
             rows, holds = table({"a/b": {"kx": ours, "peer": 10, "other": 1}}, bounds)
             self.assertEqual({row[1]: row[5] for row in rows[1:]}, {"kx": "", "peer": verdict, "other": ""})
             self.assertEqual(holds, verdict == "holds")
+
+    def test_bounds_on_counters(self):
+        text = "a/b share >= 0.77\na/b size <= 1.03\na/c share >= 1\n"
+        for share, size, verdicts in ((0.77, 1.0, ["holds", "holds"]), (0.7, 1.1, ["MISSED", "MISSED"])):
+            ours, peer = run("a/b/kx", 1, 1) | {"share": share, "size": size}, run("a/b/peer", 1, 1) | {"share": 9}
+            rows, holds, missing = every_row([ours, peer], text)
+            self.assertEqual([row[5] for row in rows if row[5]], verdicts)
+            self.assertEqual((holds, missing), (verdicts[0] == "holds", [("a/c", "share")]))
 
 
 if __name__ == "__main__":

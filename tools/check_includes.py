@@ -36,6 +36,7 @@ SUBSYSTEMS = {  # beside Platform, Core and the folder itself
 EXCEPTIONS = {  # file pattern: what it may include beside the above
     "AppEnvironment/*Link*": ("Localization",),
     "AppEnvironment/*Feedback*": ("Localization",),
+    "Localization/LoadTimeInterceptions.cpp": ("UI",),  # the one list of what is exchanged
 }
 PICTURES = ("Platform/Graphics", "Platform/Views")
 

@@ -75,7 +75,8 @@ class KX_EXPORT KXAppUtils {
     static void cancelCheckAppInfo();
 
     /// Has the desktop open the address in the program that is registered for its scheme. Returns at once;
-    /// a text that is no address, or has no scheme, opens nothing.
+    /// a text that is no address, or has no scheme, opens nothing. One given just before the process exits
+    /// may stay unopened.
     static void openURLString(std::optional<std::string_view> address);
     static void openURL(const std::optional<NSURL>& address);
 

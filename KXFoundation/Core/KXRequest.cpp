@@ -34,7 +34,7 @@ void KXRequest::requestMethod(const Method& method, Callback callback,
                               CallbackWithUserInfo callbackWithUserInfo, bool autoClean) {
     if (!method) return callerError("KXRequest: no method to run");
     if (identifier_ >= 1) return refuse(callback, callbackWithUserInfo);
-    const auto alive = shared_from_this();  // the method and the callbacks may drop the last reference
+    const auto alive = weak_from_this().lock();  // the method and the callbacks may drop the last reference
     setupNotification();
     timedOut_ = false;
     Error error = KXError::errorWithCode(0);
@@ -62,7 +62,7 @@ void KXRequest::requestMethodCallbackWithUserInfo(const Method& method,
 }
 
 void KXRequest::refuse(const Callback& callback, const CallbackWithUserInfo& callbackWithUserInfo) const {
-    const auto alive = shared_from_this();
+    const auto alive = weak_from_this().lock();
     if (callback) callback(false, requestBusyError());
     if (callbackWithUserInfo) callbackWithUserInfo(false, requestBusyError(), {});
 }
@@ -77,8 +77,9 @@ void KXRequest::startTimeout() {
 
 void KXRequest::endByTimeout() {
     timedOut_ = true;
+    const std::uint64_t ended = waits_ + 1;
     callback(false, requestTimeoutError());
-    clean();
+    if (waits_ <= ended) clean();  // else a callback has done so, and may have started the next request
 }
 
 KXRequest::Error KXRequest::requestBusyError() const {
@@ -121,7 +122,7 @@ void KXRequest::callback(bool success, const Error& error) {
 }
 
 void KXRequest::callback(bool success, const Error& error, const Value& userInfo) {
-    const auto alive = shared_from_this();
+    const auto alive = weak_from_this().lock();
     ++waits_;
     // Copies: a callback may clean the object or start its next request.
     if (const auto call = callback_) call(success, error);

@@ -1,8 +1,10 @@
+#include <array>
 #include <atomic>
 #include <chrono>
 #include <utility>
 
 #include <KXFoundation/DateTime/KXDateUtils.h>
+#include <KXFoundation/DateTime/TimesOfDay.h>
 #include <KXFoundation/Platform/Foundation/ClockFormatSetting.h>
 #include <KXFoundation/Platform/Foundation/NSNotificationCenter.h>
 #include <KXFoundation/Platform/Foundation/NSNotificationNames.h>
@@ -18,6 +20,10 @@ struct Shared {
 };
 
 constinit ProcessState<Shared> shared;
+
+constexpr std::int64_t kSecondsPerDay = 86'400;
+// Up to here every whole second is a date of its own, counted from 1970 and from 2001.
+constexpr std::int64_t kExactSeconds = std::int64_t{1} << 52;
 
 /// How the user's locale writes an hour.
 struct HourForm {
@@ -45,19 +51,6 @@ HourForm hourForm() {
     return form;
 }
 
-using Template = std::optional<std::string_view>;  // as formatters take them
-
-const Template& templateFor(bool hasAMPM, bool isAMPMFirst) noexcept {
-    static constexpr Template kPlain = "HH:mm", kMarkerFirst = "ahh:mm", kMarkerLast = "hh:mma";
-    if (!hasAMPM) return kPlain;
-    return isAMPMFirst ? kMarkerFirst : kMarkerLast;
-}
-
-const Template& userTemplate() {
-    const HourForm form = hourForm();
-    return templateFor(form.hasMarker, form.isMarkerFirst);
-}
-
 /// The 64-bit product, wrapped around where it does not fit.
 std::int64_t secondsOf(std::int64_t minutes) noexcept {
     return static_cast<std::int64_t>(static_cast<std::uint64_t>(minutes) * 60);
@@ -65,16 +58,42 @@ std::int64_t secondsOf(std::int64_t minutes) noexcept {
 
 }  // namespace
 
+enum class KXDateUtils::Form : std::uint8_t { Plain, MarkerFirst, MarkerLast };
+
+/// The texts of a formatter that nobody else knows. No setting of it can change, so the texts of each form
+/// are learned from it once.
+struct KXDateUtils::OwnTexts {
+    static constexpr std::size_t kForms = 3;
+
+    std::array<std::atomic<const TimesOfDay*>, kForms> ready{};  // none: ask the formatter
+    std::atomic<Form> last{};                                    // what the formatter's pattern stands for
+    // Changed under the lock. What was learned stays to the end: a conversion may be under way with it.
+    std::array<std::unique_ptr<const TimesOfDay>, kForms> learned;
+    std::array<bool, kForms> wasTried{};
+    bool isOver = false;
+
+    void learn(Form form, const NSDateFormatter& formatter) {
+        const auto index = static_cast<std::size_t>(form);
+        if (isOver || std::exchange(wasTried[index], true)) return;
+        learned[index] = TimesOfDay::learn(formatter);
+        ready[index].store(learned[index].get(), std::memory_order_release);
+    }
+};
+
 std::shared_ptr<KXDateUtils> KXDateUtils::sharedInstance() {
     return shared.get().dates;
 }
 
+KXDateUtils::KXDateUtils() : own_(std::make_unique<OwnTexts>()) {}
+
 bool KXDateUtils::init() {
     if (!Super::init()) return false;
-    auto formatter = make<NSDateFormatter>();
-    formatter->setTimeZone(NSTimeZone::timeZoneForSecondsFromGMT(0));
-    formatter->setLocalizedDateFormatFromTemplate(userTemplate());
-    setSingleDateTimeFormatter(std::move(formatter));
+    {
+        const MutexLock lock(mutex_);
+        formatter_ = make<NSDateFormatter>();
+        formatter_->setTimeZone(NSTimeZone::timeZoneForSecondsFromGMT(0));
+        usePattern(userForm());
+    }
     NSNotificationCenter::defaultCenter().addObserver(self(), &KXDateUtils::appWillEnterForeground,
                                                       NSApplicationWillBecomeActiveNotification);
     return true;
@@ -82,6 +101,22 @@ bool KXDateUtils::init() {
 
 KXDateUtils::~KXDateUtils() {
     NSNotificationCenter::defaultCenter().removeObserver(*this);
+}
+
+KXDateUtils::Form KXDateUtils::formFor(bool hasAMPM, bool isAMPMFirst) noexcept {
+    if (!hasAMPM) return Form::Plain;
+    return isAMPMFirst ? Form::MarkerFirst : Form::MarkerLast;
+}
+
+KXDateUtils::Form KXDateUtils::userForm() {
+    const HourForm form = hourForm();
+    return formFor(form.hasMarker, form.isMarkerFirst);
+}
+
+const std::optional<std::string_view>& KXDateUtils::templateOf(Form form) noexcept {
+    static constexpr std::optional<std::string_view> kTemplates[OwnTexts::kForms] = {"HH:mm", "ahh:mm",
+                                                                                     "hh:mma"};
+    return kTemplates[static_cast<std::size_t>(form)];
 }
 
 bool KXDateUtils::hasAMPM() {
@@ -93,19 +128,34 @@ bool KXDateUtils::isAMPMFirst() const {
 }
 
 std::string KXDateUtils::getTimeFormat() const {
-    return std::string(*userTemplate());
+    return std::string(*templateOf(userForm()));
 }
 
-std::optional<std::string> KXDateUtils::convert(std::int64_t seconds,
-                                                const std::optional<std::string_view>& timeTemplate) const {
+void KXDateUtils::usePattern(Form form) const {
+    if (!formatter_) return;
+    formatter_->setLocalizedDateFormatFromTemplate(templateOf(form));
+    own_->last.store(form, std::memory_order_relaxed);
+}
+
+std::optional<std::string> KXDateUtils::convert(std::int64_t seconds, Form form) const {
+    const auto* times = own_->ready[static_cast<std::size_t>(form)].load(std::memory_order_acquire);
+    if (!times || seconds > kExactSeconds || seconds < -kExactSeconds)
+        return convertByFormatter(seconds, form);
+    if (own_->last.load(std::memory_order_relaxed) != form) own_->last.store(form, std::memory_order_relaxed);
+    const std::int64_t rest = seconds % kSecondsPerDay;
+    return times->at(static_cast<std::uint32_t>(rest < 0 ? rest + kSecondsPerDay : rest));
+}
+
+std::optional<std::string> KXDateUtils::convertByFormatter(std::int64_t seconds, Form form) const {
     const MutexLock lock(mutex_);
     if (!formatter_) return std::nullopt;
-    formatter_->setLocalizedDateFormatFromTemplate(timeTemplate);
+    usePattern(form);
+    own_->learn(form, *formatter_);
     return formatter_->stringFromDate(NSDate::dateWithTimeIntervalSince1970(static_cast<double>(seconds)));
 }
 
 std::optional<std::string> KXDateUtils::convertSecondsToTimeString(std::int64_t seconds) const {
-    return convert(seconds, userTemplate());
+    return convert(seconds, userForm());
 }
 
 std::optional<std::string> KXDateUtils::convertMinutesToTimeString(std::int64_t minutes) const {
@@ -114,7 +164,7 @@ std::optional<std::string> KXDateUtils::convertMinutesToTimeString(std::int64_t 
 
 std::optional<std::string> KXDateUtils::convertMinutesToTimeString(std::int64_t minutes, bool hasAMPM,
                                                                    bool isAMPMFirst) const {
-    return convert(secondsOf(minutes), templateFor(hasAMPM, isAMPMFirst));
+    return convert(secondsOf(minutes), formFor(hasAMPM, isAMPMFirst));
 }
 
 std::optional<std::string> KXDateUtils::AMSymbol() const {
@@ -130,20 +180,29 @@ std::optional<std::string> KXDateUtils::PMSymbol() const {
 void KXDateUtils::appWillEnterForeground() {
     {
         const MutexLock lock(mutex_);
-        if (formatter_) formatter_->setLocalizedDateFormatFromTemplate(userTemplate());
+        usePattern(userForm());
     }
     DispatchQueue::main().after(std::chrono::seconds(1), [] {
         NSNotificationCenter::defaultCenter().postNotificationName(KXDateUtilsUpdateTimeNotification);
     });
 }
 
+/// From now on others may change the formatter, so that conversions have to ask it.
+void KXDateUtils::endOwnTexts() const {
+    if (std::exchange(own_->isOver, true)) return;
+    for (auto& times : own_->ready) times.store(nullptr, std::memory_order_release);
+    usePattern(own_->last.load(std::memory_order_relaxed));
+}
+
 std::shared_ptr<NSDateFormatter> KXDateUtils::singleDateTimeFormatter() const {
     const MutexLock lock(mutex_);
+    endOwnTexts();
     return formatter_;
 }
 
 void KXDateUtils::setSingleDateTimeFormatter(std::shared_ptr<NSDateFormatter> formatter) {
     const MutexLock lock(mutex_);
+    endOwnTexts();
     formatter_.swap(formatter);  // the former one is released after the lock
 }
 

@@ -23,15 +23,18 @@ inline constinit const NSNotificationName KXDateUtilsUpdateTimeNotification{
 /// or 24 hours (the desktop's setting where it has one). The language chosen inside the application plays no
 /// part.
 ///
-/// Any thread; conversions on one object take turns, so a formatter must not call back into its object.
+/// Any thread. Conversions take no lock until somebody asks for the formatter or replaces it; from then on
+/// those on one object take turns, and a formatter must not call back into its object.
 class KX_EXPORT KXDateUtils : public Subclass<KXDateUtils, NSObject> {
   public:
     /// The process's own one, made at first use.
     [[nodiscard]] static std::shared_ptr<KXDateUtils> sharedInstance();
 
+    KXDateUtils();
+    ~KXDateUtils() override;
+
     /// Another one, with an observer of its own. Its formatter keeps the locale of this moment.
     bool init();
-    ~KXDateUtils() override;
 
     /// Whether the user's times have an AM/PM marker. A changed setting is seen at the next call; while
     /// nothing changes a call costs a few atomic loads.
@@ -43,7 +46,9 @@ class KX_EXPORT KXDateUtils : public Subclass<KXDateUtils, NSObject> {
     [[nodiscard]] std::string getTimeFormat() const;
 
     // The time of day, counted from midnight and starting over after a day; -1 minute is 23:59. None without
-    // a formatter. Allocates nothing but a text of more than 15 bytes.
+    // a formatter. Any count of minutes and of up to 2^52 seconds is exact (its seconds are computed in 64
+    // bits and wrap around); above, seconds are rounded as a double is, and beyond 4e18 there is no text.
+    // Allocates nothing but a text of more than 15 bytes.
     [[nodiscard]] std::optional<std::string> convertSecondsToTimeString(std::int64_t seconds) const;
     [[nodiscard]] std::optional<std::string> convertMinutesToTimeString(std::int64_t minutes) const;
     /// In the form that the flags ask for, whatever the user's is; without AM/PM the last one says nothing.
@@ -57,16 +62,26 @@ class KX_EXPORT KXDateUtils : public Subclass<KXDateUtils, NSObject> {
     /// Called at each activation of the application.
     void appWillEnterForeground();
 
-    /// In GMT. Conversions and activations change its pattern.
+    /// In GMT. Conversions and activations change its pattern. Whoever asks may change it, so conversions go
+    /// through it from then on, which takes them some three times as long.
     [[nodiscard]] std::shared_ptr<NSDateFormatter> singleDateTimeFormatter() const;
     void setSingleDateTimeFormatter(std::shared_ptr<NSDateFormatter> formatter);
 
   private:
-    [[nodiscard]] std::optional<std::string> convert(
-        std::int64_t seconds, const std::optional<std::string_view>& timeTemplate) const;
+    enum class Form : std::uint8_t;
+    struct OwnTexts;
+
+    [[nodiscard]] static Form formFor(bool hasAMPM, bool isAMPMFirst) noexcept;
+    [[nodiscard]] static Form userForm();
+    [[nodiscard]] static const std::optional<std::string_view>& templateOf(Form form) noexcept;
+    [[nodiscard]] std::optional<std::string> convert(std::int64_t seconds, Form form) const;
+    [[nodiscard]] std::optional<std::string> convertByFormatter(std::int64_t seconds, Form form) const;
+    void usePattern(Form form) const KX_REQUIRES(mutex_);
+    void endOwnTexts() const KX_REQUIRES(mutex_);
 
     mutable Mutex mutex_;
     std::shared_ptr<NSDateFormatter> formatter_ KX_GUARDED_BY(mutex_);
+    const std::unique_ptr<OwnTexts> own_;
 };
 
 }  // namespace kx

@@ -1,5 +1,4 @@
 #include <KXFoundation/DateTime/NSCalendar_CalendricalCalculations.h>
-#include <KXFoundation/Platform/Foundation/CivilDate.h>
 #include <KXFoundation/Platform/Runtime/ProcessState.h>
 
 namespace kx {
@@ -52,9 +51,7 @@ Date withTime(const Date& date, std::int32_t second) {
 }
 
 Date withWeekday(const Date& date, int weekday) {
-    return changed(date, [=](WallTime time) {
-        return WallTime{time.day - weekdayFromDays(time.day) + weekday, 0};
-    });
+    return changed(date, [=](WallTime time) { return WallTime{time.day - time.weekday() + weekday, 0}; });
 }
 
 }  // namespace
@@ -105,10 +102,7 @@ std::int64_t Calculations::totalWeekInMonth(const Date& date) {
 }
 
 std::int64_t Calculations::firstDayOfWeekInThisMonth(const Date& date) {
-    const auto time = calendar().wallTime(date);
-    if (!time) return 0;
-    return floorModulo(
-        weekdayFromDays(time->day - civilFromDays(time->day).day + 1) - calendar().firstWeekday(), 7);
+    return calendar().daysBeforeMonth(date);
 }
 
 std::int64_t Calculations::numberOfUnit(NSCalendarUnit unit, const Date& fromDate, const Date& toDate) {
@@ -142,15 +136,10 @@ Date Calculations::lastDayInWeek(const Date& date) {
     return withWeekday(date, 7);
 }
 Date Calculations::firstDayInMonth(const Date& date) {
-    return changed(date, [](WallTime time) {
-        return WallTime{time.day - civilFromDays(time.day).day + 1, 0};
-    });
+    return calendar().firstDayOfMonth(date);
 }
 Date Calculations::lastDayInMonth(const Date& date) {
-    return changed(date, [](WallTime time) {
-        const CivilDate civil = civilFromDays(time.day);
-        return WallTime{time.day - civil.day + daysInMonth(civil.year, civil.month), 0};
-    });
+    return calendar().lastDayOfMonth(date);
 }
 
 }  // namespace kx

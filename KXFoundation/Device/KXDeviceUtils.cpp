@@ -9,6 +9,9 @@ namespace kx {
 
 namespace {
 
+/// A service that must be started first takes 100 to 200 ms.
+constexpr std::chrono::milliseconds kBiometricsPatience{400};
+
 constexpr std::string_view kPhone = "iPhone";
 constexpr std::string_view kTablet = "iPad";
 
@@ -70,7 +73,7 @@ bool KXDeviceUtils::isSupportBiometric() {
 }
 
 bool KXDeviceUtils::isSupportFaceID() {
-    const auto type = Biometrics::slot().current().type();
+    const auto type = Biometrics::slot().current().type(kBiometricsPatience);
     return type && *type == BiometryType::Face;  // a machine that cannot tell has none
 }
 

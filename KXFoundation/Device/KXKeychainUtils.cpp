@@ -16,10 +16,23 @@ Value KXKeychainUtils::getKeychainQuery(std::optional<std::string_view> key) {
         .build();
 }
 
+namespace {
+
+/// What an object's own encoding throws is one more reason why it cannot be archived.
+Result<std::string> archived(const Value& object) {
+    try {
+        return NSKeyedArchiver::archivedDataWithRootObject(object);
+    } catch (const NSException& exception) {
+        return Error{ErrorKind::Unsupported, 0, exception.reason()};
+    }
+}
+
+}  // namespace
+
 void KXKeychainUtils::save(const Value& object, std::optional<std::string_view> key) {
     const Value query = getKeychainQuery(key);
     static_cast<void>(SecItemDelete(query));
-    const auto archive = NSKeyedArchiver::archivedDataWithRootObject(object);
+    const auto archive = archived(object);
     if (!archive) return log(LogLevel::Warning, "归档到keychain失败:" + archive.error().message());
     const Value data = Value::data(std::as_bytes(std::span(*archive)));
     static_cast<void>(SecItemAdd(DictionaryBuilder(query).set(kSecValueData, data).build()));

@@ -15,8 +15,8 @@ namespace kx {
 
 /// Small values and objects in the keychain, each under a key, as keyed archives. Every failure is silent but
 /// two, which are logged: what cannot be archived, and an NSException from a class's own decoding. No
-/// instances; any thread. A call waits for a file or for the Secret Service, for kKeychainTimeout at the
-/// longest each time it asks it; see keychainCapability() for which serves.
+/// instances; any thread. A call waits for a file or for the Secret Service; a service that is silent for
+/// kKeychainTimeout is not asked again for as long. See keychainCapability() for which serves.
 class KX_EXPORT KXKeychainUtils {
   public:
     KXKeychainUtils() = delete;
@@ -26,8 +26,8 @@ class KX_EXPORT KXKeychainUtils {
     [[nodiscard]] static Value getKeychainQuery(std::optional<std::string_view> key);
 
     /// Deletes what is under the key, then adds this: a number, text, data, date, array, dictionary or an
-    /// object with NSSecureCoding. What cannot be archived leaves nothing under the key. Another thread may
-    /// find nothing there in between.
+    /// object with NSSecureCoding. What cannot be archived, be it for an NSException of its own encoding,
+    /// leaves nothing under the key. Another thread may find nothing there in between.
     static void save(const Value& object, std::optional<std::string_view> key);
 
     /// What is under the key if its class is that one, else null. An object's class must be the very one

@@ -42,7 +42,6 @@ bool KXDeviceUtils::hasTorch() {
 }
 
 float KXDeviceUtils::torchLevel() {
-    if (!hasTorch()) return 0;
     const auto level = torch().level();
     return level ? *level : 0;
 }

@@ -9,6 +9,7 @@
 #include <KXFoundation/Platform/Views/NSCollectionViewFlowLayout.h>
 #include <KXFoundation/Platform/Views/NSTextField.h>
 #include <KXFoundation/Platform/Views/NSTextView.h>
+#include <KXFoundation/UI/NSButton_Custom.h>
 
 namespace kx {
 
@@ -57,6 +58,10 @@ void intercept() {
     }
     flipsHorizontallyInOppositeLayoutDirectionOperation.implement(
         NSCollectionViewFlowLayout::classObject(), [](NSObject&) { return KXLocalizationUtils::isRTL(); });
+    hitTestOperation.implement(NSButton::classObject(), [](NSObject& receiver, NSPoint point) {
+        const auto button = std::static_pointer_cast<NSButton>(receiver.weak_from_this().lock());
+        return NSButton_Custom::hitTest(button, point);
+    });
 }
 
 }  // namespace

@@ -1,6 +1,8 @@
 #include <algorithm>
+#include <array>
 
 #include <KXFoundation/Media/NSColor_HEX.h>
+#include <KXFoundation/Platform/Foundation/NSScanner.h>
 #include <KXFoundation/Platform/Foundation/Utf16Text.h>
 #include <KXFoundation/Platform/Graphics/NSColor.h>
 
@@ -10,24 +12,17 @@ namespace {
 
 constexpr std::size_t kLongestCode = 9;  // "0x#FF8800"
 
-/// -1 for what is no digit.
-constexpr int digit(char16_t unit) noexcept {
-    if (unit >= u'0' && unit <= u'9') return unit - u'0';
-    if (unit >= u'A' && unit <= u'F') return unit - u'A' + 10;
-    return -1;
-}
-
-/// The digits at the start of the pair, behind white space.
-unsigned scannedHex(std::u16string_view pair) noexcept {
-    while (!pair.empty() && isWhitespaceOrNewline(pair.front())) pair.remove_prefix(1);
-    unsigned value = 0;
-    for (; !pair.empty() && digit(pair.front()) >= 0; pair.remove_prefix(1))
-        value = 16 * value + static_cast<unsigned>(digit(pair.front()));
-    return value;
+/// As the scanner reads it: what is beyond ASCII is white space or no digit.
+constexpr char asciiOf(char16_t unit) noexcept {
+    if (isWhitespaceOrNewline(unit)) return ' ';
+    return unit < 0x80 ? static_cast<char>(unit) : '?';
 }
 
 double channel(std::u16string_view digits, std::size_t index) noexcept {
-    return static_cast<float>(scannedHex(digits.substr(2 * index, 2))) / 255.0F;
+    const std::array pair = {asciiOf(digits[2 * index]), asciiOf(digits[2 * index + 1])};
+    std::uint32_t value = 0;
+    NSScanner(std::string_view(pair.data(), pair.size())).scanHexInt(value);
+    return static_cast<float>(value) / 255.0F;
 }
 
 }  // namespace

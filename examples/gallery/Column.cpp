@@ -1,8 +1,12 @@
 #include "Column.h"
 
+#include <cmath>
+
 #include <KXFoundation/Localization/KXLocalizationUtils.h>
 #include <KXFoundation/Platform/Graphics/NSColor.h>
 #include <KXFoundation/Platform/Graphics/NSFont.h>
+#include <KXFoundation/Platform/Views/NSCollectionView.h>
+#include <KXFoundation/Platform/Views/NSCollectionViewFlowLayout.h>
 
 namespace gallery {
 
@@ -52,6 +56,19 @@ void Column::row(const std::vector<std::shared_ptr<NSView>>& views, double heigh
         x += width + 10;
     }
     y_ += height + 8;
+}
+
+void Column::grid(const std::vector<std::shared_ptr<NSView>>& cells, std::size_t columns, double rowHeight,
+                  double gap) {
+    auto layout = make<NSCollectionViewFlowLayout>();  // asks isRTL() whether to mirror its rows
+    const double count = static_cast<double>(columns);
+    layout->setItemSize({std::floor((width_ - (count - 1) * gap) / count), rowHeight});
+    layout->setMinimumInteritemSpacing(gap);
+    layout->setMinimumLineSpacing(gap);
+    auto view = make<NSCollectionView>();
+    view->setCollectionViewLayout(layout);
+    view->setItemViews(cells);
+    add(view, layout->contentHeight(cells.size(), width_));
 }
 
 void Column::title(std::string_view words) {

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <cstddef>
 #include <memory>
 #include <string>
 #include <string_view>
@@ -31,7 +32,10 @@ class Column {
     /// A view over the whole width; the height is its own where it is 0 here.
     void add(const std::shared_ptr<kx::NSView>& view, double height = 0);
     /// Views in one line, each in its present width.
-    void row(const std::vector<std::shared_ptr<kx::NSView>>& views, double height);
+    void row(const std::vector<std::shared_ptr<kx::NSView>>& views, double height = 28);
+    /// Cells in rows of so many columns over the whole width.
+    void grid(const std::vector<std::shared_ptr<kx::NSView>>& cells, std::size_t columns, double rowHeight,
+              double gap = 8);
     void space(double height) { y_ += height; }
 
     [[nodiscard]] double y() const { return y_; }

@@ -99,6 +99,7 @@ void Gallery::addSideList(NSView& root) {
     const auto title = label(text("app.title"), 15, true);
     column.add(title, title->frame().size.height);
     column.space(10);
+    const double step = std::min(38.0, (size.height - column.y() - 12) / double(pages().size()));
     for (const PageEntry& entry : pages()) {
         auto button = make<NSButton>();
         button->setTitle(text(entry.titleKey));
@@ -106,7 +107,7 @@ void Gallery::addSideList(NSView& root) {
         button->setAction([this, name = entry.name](NSControl&) {
             if (name != pages()[chosen_].name) show(name);  // a page keeps what was done on it
         });
-        column.add(button, 30);
+        column.add(button, step - 8);
     }
     root.addSubview(side);
 }

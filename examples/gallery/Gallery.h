@@ -25,6 +25,10 @@ class Gallery {
     bool show(std::string_view page);
     /// Makes side list and page anew before the next drawing, in the language of that moment.
     void rebuild();
+    /// Does what a person would do on the page, once it has been drawn.
+    void demonstrate() {
+        if (page_) page_->demonstrate(*this);
+    }
 
   private:
     class Root;

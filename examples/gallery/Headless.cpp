@@ -19,13 +19,15 @@ namespace {
 
 constexpr const char* kLanguages[] = {"en", "ar", "zh-Hans", "de"};
 
-/// A folder for the settings of this run, removed at its end.
+/// A folder for the settings of this run and the pictures that it exports, removed at its end.
 class TemporarySettings {
   public:
     TemporarySettings() {
         std::string path = (std::filesystem::temp_directory_path() / "kx-gallery-XXXXXX").string();
         if (mkdtemp(path.data())) path_ = path;
-        for (const char* folder : {"XDG_CONFIG_HOME", "XDG_DATA_HOME"}) setenv(folder, path_.c_str(), 1);
+        for (const char* folder : {"XDG_CACHE_HOME", "XDG_CONFIG_HOME", "XDG_DATA_HOME"})
+            setenv(folder, path_.c_str(), 1);
+        std::ofstream(path_ + "/user-dirs.dirs") << "XDG_PICTURES_DIR=\"" << path_ << "/Pictures\"\n";
     }
     ~TemporarySettings() {
         std::error_code ignored;
@@ -38,11 +40,14 @@ class TemporarySettings {
     std::string path_;
 };
 
-bool writePicture(NSWindow& window, const std::string& path) {
+bool writePicture(Gallery& gallery, const std::string& path) {
+    NSWindow& window = *gallery.window();
     const auto surface = std::dynamic_pointer_cast<OffscreenSurface>(window.surface());
     if (!surface) return false;
     window.displayIfNeeded();
     drainQueues();  // what the page began when it was shown
+    gallery.demonstrate();
+    drainQueues();
     window.displayIfNeeded();
     const auto png = surface->png();
     if (!png) return false;
@@ -56,7 +61,7 @@ bool drawPage(Gallery& gallery, std::string_view name, const std::string& direct
         KXLocalizationUtils::setSelectLanguage(language);
         gallery.show(name);
         const std::string path = directory + "/" + std::string(name) + "-" + language + ".png";
-        if (!writePicture(*gallery.window(), path)) {
+        if (!writePicture(gallery, path)) {
             std::fprintf(stderr, "gallery: cannot write %s\n", path.c_str());
             return false;
         }

@@ -1,12 +1,26 @@
 #include "Page.h"
 
+#include "pages/AlbumPage.h"
+#include "pages/AnimationPage.h"
 #include "pages/ApplicationPage.h"
+#include "pages/ButtonsPage.h"
+#include "pages/CachePage.h"
+#include "pages/CalendarPage.h"
 #include "pages/ColoursPage.h"
+#include "pages/DevicePage.h"
 #include "pages/KeychainPage.h"
 #include "pages/LanguagePage.h"
+#include "pages/LinksPage.h"
+#include "pages/LoadingPage.h"
+#include "pages/MaskPage.h"
 #include "pages/ObjectsPage.h"
+#include "pages/OncePage.h"
 #include "pages/PicturesPage.h"
 #include "pages/RequestsPage.h"
+#include "pages/ScreenPage.h"
+#include "pages/TextPage.h"
+#include "pages/TimePage.h"
+#include "pages/ToastPage.h"
 
 namespace gallery {
 
@@ -22,9 +36,23 @@ constexpr PageEntry kPages[] = {
     {"objects", "page.objects", makePage<ObjectsPage>},
     {"application", "page.application", makePage<ApplicationPage>},
     {"requests", "page.requests", makePage<RequestsPage>},
+    {"cache", "page.cache", makePage<CachePage>},
+    {"links", "page.links", makePage<LinksPage>},
+    {"time", "page.time", makePage<TimePage>},
+    {"calendar", "page.calendar", makePage<CalendarPage>},
+    {"device", "page.device", makePage<DevicePage>},
     {"keychain", "page.keychain", makePage<KeychainPage>},
+    {"text", "page.text", makePage<TextPage>},
+    {"album", "page.album", makePage<AlbumPage>},
+    {"animation", "page.animation", makePage<AnimationPage>},
     {"pictures", "page.pictures", makePage<PicturesPage>},
     {"colours", "page.colours", makePage<ColoursPage>},
+    {"toast", "page.toast", makePage<ToastPage>},
+    {"mask", "page.mask", makePage<MaskPage>},
+    {"loading", "page.loading", makePage<LoadingPage>},
+    {"buttons", "page.buttons", makePage<ButtonsPage>},
+    {"screen", "page.screen", makePage<ScreenPage>},
+    {"once", "page.once", makePage<OncePage>},
 };
 
 }  // namespace

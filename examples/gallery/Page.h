@@ -18,6 +18,9 @@ class Page {
 
     /// Fills the page from the top down. `gallery` outlives the page.
     virtual void build(Column& column, Gallery& gallery) = 0;
+
+    /// Does what a person would do on the page, for a picture of it without one. The page has been built.
+    virtual void demonstrate(Gallery& /*gallery*/) {}
 };
 
 /// The table of pages, in the order of the side list.

@@ -209,5 +209,34 @@ TEST_F(KXRequestTest, TimesOutUnlessItWasAnswered) {
     clock->advance(std::chrono::hours(1));
 }
 
+TEST_F(KXRequestTest, ATimeOutMayStartTheNextRequest) {
+    const testing::ScopedQueues queues;
+    const auto clock = std::make_shared<ManualClock>();
+    const ScopedPort<Clock> scope(clock);
+    request->setTimeout(std::chrono::seconds(3));
+    const auto startAnew = [&](bool, const auto&) {
+        request->clean();
+        request->requestMethod(answering(13), callback(), false);
+    };
+    request->requestMethod(answering(12), startAnew, false);
+    clock->advance(std::chrono::seconds(3));
+    EXPECT_EQ(request->identifier(), 13);
+    postAnswer(13);
+    EXPECT_THAT(calls, ElementsAre("C yes -"));
+}
+
+/// Answers to the last while it goes.
+class FarewellRequest : public Subclass<FarewellRequest, HarbourRequest> {
+  public:
+    ~FarewellRequest() override { callback(true, nullptr, "farewell"); }
+};
+
+TEST_F(KXRequestTest, ADerivedDestructorMayAnswer) {
+    auto farewell = make<FarewellRequest>();
+    farewell->setCallbackWithUserInfo(callbackWithUserInfo());
+    farewell = nullptr;
+    EXPECT_THAT(calls, ElementsAre("U yes - \"farewell\""));
+}
+
 }  // namespace
 }  // namespace kx

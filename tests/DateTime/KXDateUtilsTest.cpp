@@ -1,4 +1,5 @@
 #include <thread>
+#include <tuple>
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
@@ -45,7 +46,8 @@ TEST(KXDateUtils, WritesTheTimeOfDayByFlags) {
         {"en_US", 1439, "23:59", "11:59 PM"},
         {"en_US", 1440, "00:00", "12:00 AM"},
         {"en_US", -1, "23:59", "11:59 PM"},
-        {"en_US", 1'000'000'000'000, "10:40", "10:40 AM"},  // 1.9 million years
+        {"en_US", 1'000'000'000'000, "10:40", "10:40 AM"},      // 1.9 million years
+        {"en_US", std::int64_t{1} << 62, "00:00", "12:00 AM"},  // wraps around to 0 seconds
         {"zh_CN", 845, "14:05", "下午02:05"},
         {"ko_KR", 845, "14:05", "오후 02:05"},
         {"ja_JP", 0, "00:00", "午前12:00"},  // though the locale itself would write 00
@@ -135,6 +137,41 @@ TEST(KXDateUtils, UsesTheFormatterThatItIsGiven) {
     dates->appWillEnterForeground();
 }
 
+TEST(KXDateUtils, WritesWhatAFormatterWouldAtEveryMinute) {
+    for (const char* locale : {"en_US", "zh_TW", "ko_KR", "ja_JP", "de_DE", "es_MX", "pt_PT", "ar_EG",
+                               "fa_IR", "bg_BG", "hi_IN", "my_MM", "fi_FI", "th_TH"}) {
+        Desk desk;
+        desk.platform.locale().setLocale(locale);
+        const auto dates = KXDateUtils::sharedInstance();
+        const auto formatter = make<NSDateFormatter>();
+        formatter->setTimeZone(NSTimeZone::timeZoneForSecondsFromGMT(0));
+        for (const auto& [form, hasAMPM, isFirst] :
+             {std::tuple("HH:mm", false, false), {"hh:mma", true, false}, {"ahh:mm", true, true}}) {
+            formatter->setLocalizedDateFormatFromTemplate(form);
+            for (std::int64_t minute = -1500; minute < 1500; ++minute) {
+                ASSERT_EQ(dates->convertMinutesToTimeString(minute, hasAMPM, isFirst),
+                          formatter->stringFromDate(
+                              NSDate::dateWithTimeIntervalSince1970(static_cast<double>(minute * 60))))
+                    << locale << " " << form << " " << minute;
+            }
+        }
+    }
+}
+
+TEST(KXDateUtils, HandsOutItsFormatterAsTheLastConversionLeftIt) {
+    Desk desk;
+    const auto dates = KXDateUtils::sharedInstance();
+    for (int i = 0; i < 2; ++i) (void)dates->convertMinutesToTimeString(845, true, false);
+    for (int i = 0; i < 2; ++i) (void)dates->convertMinutesToTimeString(845, false, false);
+    const auto formatter = dates->singleDateTimeFormatter();
+    EXPECT_EQ(formatter->dateFormat(), "HH:mm");
+    formatter->setTimeZone(NSTimeZone::timeZoneForSecondsFromGMT(3600));
+    EXPECT_EQ(plain(dates->convertMinutesToTimeString(845, true, false)), "03:05 PM");
+    EXPECT_TRUE(formatter->dateFormat().starts_with("hh:mm"));
+    formatter->setLocale(NSLocale::localeWithLocaleIdentifier("zh_CN"));
+    EXPECT_EQ(dates->convertMinutesToTimeString(845, true, false), "下午03:05");
+}
+
 TEST(KXDateUtils, EachActivationRefreshesAndTellsASecondLater) {
     const auto clock = std::make_shared<ManualClock>();
     const ScopedPort<Clock> clockScope(clock);
@@ -156,7 +193,7 @@ TEST(KXDateUtils, EachActivationRefreshesAndTellsASecondLater) {
     }
 }
 
-TEST(KXDateUtils, ConversionsTakeTurns) {
+TEST(KXDateUtils, ThreadsConvertAsTheyLike) {
     Desk desk;
     const auto dates = KXDateUtils::sharedInstance();
     const auto convert = [&](bool hasAMPM, const char* want) {
@@ -166,6 +203,8 @@ TEST(KXDateUtils, ConversionsTakeTurns) {
         EXPECT_EQ(wrong, 0) << want;
     };
     std::thread other(convert, true, "02:05 PM");
+    convert(false, "14:05");
+    EXPECT_NE(dates->singleDateTimeFormatter(), nullptr);  // from now on through the formatter
     convert(false, "14:05");
     other.join();
 }

@@ -99,7 +99,7 @@ TEST(KXDeviceUtils, FaceRecognitionIsWhatTheSystemSays) {
     class InjectedBiometrics final : public Biometrics {
       public:
         explicit InjectedBiometrics(Result<BiometryType> type) : type_(std::move(type)) {}
-        Result<BiometryType> type() override { return type_; }
+        Result<BiometryType> type(std::chrono::milliseconds) override { return type_; }
 
       private:
         Result<BiometryType> type_;

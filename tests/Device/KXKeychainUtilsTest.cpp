@@ -30,7 +30,10 @@ class Harbour : public Subclass<Harbour, NSObject>, public NSSecureCoding {
         harbour->name = std::move(name);
         return harbour;
     }
-    void encodeWithCoder(NSCoder& coder) const override { coder.encode("name", name); }
+    void encodeWithCoder(NSCoder& coder) const override {
+        if (name == "unwritten") throw NSException("NSGeneric", "no name yet");
+        coder.encode("name", name);
+    }
     bool initWithCoder(NSCoder& coder) override {
         name = coder.decodeString("name").value_or("");
         if (name == "exception") throw NSException("NSGeneric", "no such harbour");
@@ -127,6 +130,9 @@ TEST_F(KXKeychainUtilsTest, OnlyTwoFailuresAreLogged) {
     ASSERT_EQ(log.lines().size(), 2u);
     EXPECT_TRUE(log.lines()[1].starts_with("归档到keychain失败:")) << log.lines()[1];
     EXPECT_EQ(KXKeychainUtils::load<Harbour>("Kiel"), nullptr) << "the old one went first";
+    KXKeychainUtils::save(Value(Harbour::named("unwritten")), "Kiel");
+    ASSERT_EQ(log.lines().size(), 3u);
+    EXPECT_TRUE(log.lines()[2].starts_with("归档到keychain失败:no name yet")) << log.lines()[2];
 }
 
 TEST_F(KXKeychainUtilsTest, ASaveReplacesTwoFilesAtMost) {

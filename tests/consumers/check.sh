@@ -47,7 +47,7 @@ no_folder_is_named() {
     ! grep -rIl -e "$scratch" -e "$build" "$scratch/moved-there" || { echo "these files name a build folder"; exit 1; }
 }
 
-# Each shared library carries its major version, and the modules lie where it looks for them.
+# Each shared library carries its major version.
 names_are_right() {
     local library name
     find "$scratch/moved-there" -name 'libKXFoundation*.so' | while read -r library; do
@@ -55,11 +55,20 @@ names_are_right() {
         [ "$name" = "$(basename "$library").${version%%.*}" ] || { echo "$library is named $name"; exit 1; }
         [ -e "$(dirname "$library")/$name" ] || { echo "$name is not installed"; exit 1; }
     done
-    [ -n "$(find "$scratch/moved-there" -path '*/KXFoundation/kx-desktop.so')" ] || { echo "a module is missing"; exit 1; }
+}
+
+# Both components together install every module that was built; Foundation alone at least the desktop's services.
+modules_are_there() {
+    local built wanted=kx-desktop.so
+    [ "$component" = Foundation ] || wanted=$(find "$build"/lib* -name 'kx-*.so' -printf '%f\n' | sort -u)
+    for built in $wanted; do
+        [ -n "$(find "$scratch/moved-there" -path "*/KXFoundation/$built")" ] || { echo "$built is not installed"; exit 1; }
+    done
 }
 
 installed
 names_are_right
+modules_are_there
 no_folder_is_named
 through_cmake
 through_pkg_config

@@ -11,7 +11,8 @@
 
 namespace kx::testing {
 
-/// A file system that counts its calls and fails as a test asks, over a real one. Any thread.
+/// A file system that counts its calls and fails as a test asks, over a real one. Syncs are counted and
+/// remembered, but cost nothing: no test loses its power in earnest. Any thread.
 ///
 ///     auto files = std::make_shared<FaultyFileSystem>();
 ///     const ScopedPort<FileSystem> scope(files);
@@ -31,7 +32,8 @@ class FaultyFileSystem final : public FileSystem {
         Size,
         Truncate,
         Sync,
-        Lock,  // of a file
+        Lock,
+        Map,  // of a file
     };
     enum class Then : std::uint8_t {
         Recovers,     ///< the calls after the failing one work
@@ -51,6 +53,13 @@ class FaultyFileSystem final : public FileSystem {
     void failCall(std::size_t number, int systemError = EIO, Then then = Then::Recovers);
     /// The disk has room for so many more bytes; a write beyond them fills it, then fails with ENOSPC.
     void setRoom(std::uint64_t bytes);
+    /// From now on remembers what is not synced, so that dropUnsynced() can take it away.
+    void rememberUnsynced();
+    /// A power cut: the files fall back to what was last synced (a file or name whose directory was not
+    /// synced goes, or comes back), what was written through mappings included. Nothing may be using them.
+    void dropUnsynced();
+    /// The bytes that were read with readAt since the last resetCounts().
+    [[nodiscard]] std::uint64_t bytesRead() const;
     /// Every call works again, with room without bound.
     void heal();
 
@@ -64,10 +73,12 @@ class FaultyFileSystem final : public FileSystem {
 
   private:
     class Faults;
+    class Journal;
     class FaultyFile;
 
     std::shared_ptr<FileSystem> below_;
     std::shared_ptr<Faults> faults_;
+    std::shared_ptr<Journal> journal_;
 };
 
 }  // namespace kx::testing

@@ -37,6 +37,15 @@ ScriptProcess::~ScriptProcess() {
     if (child_ > 0) ::waitpid(child_, nullptr, 0);
 }
 
+void ScriptProcess::writeLine(const std::string& line) {
+    const std::string text = line + '\n';
+    for (std::size_t written = 0; written < text.size();) {
+        const ssize_t count = ::write(input_, text.data() + written, text.size() - written);
+        if (count > 0) written += static_cast<std::size_t>(count);
+        if (count < 0 && errno != EINTR) return;
+    }
+}
+
 std::string ScriptProcess::readLine() {
     std::string line;
     char c = 0;

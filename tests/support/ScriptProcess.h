@@ -17,6 +17,8 @@ class ScriptProcess {
     ScriptProcess(const ScriptProcess&) = delete;
     ScriptProcess& operator=(const ScriptProcess&) = delete;
 
+    /// Gives the script a line of input.
+    void writeLine(const std::string& line);
     /// Waits for the next line; empty if the script has ended.
     std::string readLine();
     /// Waits for that very line; false if the script ends before it.

@@ -151,6 +151,13 @@ class SimulatedWorld::ScheduledFiles final : public FileSystem {
             if (locked && !std::exchange(isLocked_, true)) scheduler_->fileLocked();
             return locked;
         }
+        void unlock() override {
+            file_->unlock();
+            if (std::exchange(isLocked_, false)) scheduler_->fileUnlocked();
+        }
+        Result<std::unique_ptr<FileMapping>> map(std::uint64_t size, Access access) override {
+            return then().map(size, access);
+        }
         ~ScheduledFile() override {
             if (isLocked_) scheduler_->fileUnlocked();
         }

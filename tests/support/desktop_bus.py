@@ -1,6 +1,7 @@
 """desktop_bus.py [portal] [reader | no-reader]: a message bus of its own with the services named.
 
-Prints the bus's address ("" where this machine cannot have one), then a line per call. Ends when its input ends.
+Prints the bus's address ("" where this machine cannot have one), then a line per call. A line of its input changes
+one of the portal's settings, "SCHEMA KEY VALUE"; the end of the input is its end.
 """
 import os
 import subprocess
@@ -16,10 +17,30 @@ except ImportError:
     sys.exit()
 
 OPENER = "org.freedesktop.portal.OpenURI"
+SETTINGS = "org.freedesktop.portal.Settings"
 FINGERPRINTS = "net.reactivated.Fprint"
 
 
 class Portal(dbus.service.Object):
+    def __init__(self, bus):
+        super().__init__(bus, "/org/freedesktop/portal/desktop")
+        self.settings = {("org.gnome.desktop.interface", "clock-format"): "24h",
+                         ("org.cinnamon.desktop.interface", "clock-use-24h"): True}
+
+    @dbus.service.method(SETTINGS, in_signature="ss", out_signature="v")
+    def Read(self, schema, key):
+        if (schema, key) not in self.settings:
+            raise dbus.DBusException("no such setting", name="org.freedesktop.portal.Error.NotFound")
+        return self.settings[schema, key]
+
+    @dbus.service.signal(SETTINGS, signature="ssv")
+    def SettingChanged(self, schema, key, value):
+        pass
+
+    def change(self, line):
+        schema, key, value = line.split()
+        self.SettingChanged(schema, key, {"true": True, "false": False}.get(value, value))
+
     @dbus.service.method(OPENER, in_signature="ssa{sv}", out_signature="o")
     def OpenURI(self, _parent, address, _options):
         print(f"opened {address}")
@@ -53,13 +74,19 @@ def main():
     names, services = [], []
     if "portal" in sys.argv:
         names.append(dbus.service.BusName("org.freedesktop.portal.Desktop", bus))
-        services.append(Portal(bus, "/org/freedesktop/portal/desktop"))
+        services.append(Portal(bus))
     if "reader" in sys.argv or "no-reader" in sys.argv:
         names.append(dbus.service.BusName(FINGERPRINTS, bus))
         services.append(Fingerprints(bus, "reader" in sys.argv))
     print(address)
     loop = GLib.MainLoop()
-    threading.Thread(target=lambda: (sys.stdin.read(), loop.quit()), daemon=True).start()
+
+    def listen():
+        for line in sys.stdin:
+            GLib.idle_add(services[0].change, line)
+        loop.quit()
+
+    threading.Thread(target=listen, daemon=True).start()
     loop.run()
     daemon.kill()
     daemon.wait()

@@ -18,14 +18,16 @@ struct CivilDate {
     bool operator==(const CivilDate&) const = default;
 };
 
-/// The quotient rounded down, for a positive divisor.
+/// The quotient rounded down, for a positive divisor: one unsigned division of what the value or, if it is
+/// negative, its complement counts.
 [[nodiscard]] constexpr std::int64_t floorDivide(std::int64_t value, std::int64_t divisor) noexcept {
-    return value / divisor - (value % divisor < 0);
+    const std::int64_t sign = value >> 63;
+    const auto count = static_cast<std::uint64_t>(value ^ sign) / static_cast<std::uint64_t>(divisor);
+    return static_cast<std::int64_t>(count) ^ sign;
 }
 /// What that leaves: 0 to divisor - 1.
 [[nodiscard]] constexpr std::int64_t floorModulo(std::int64_t value, std::int64_t divisor) noexcept {
-    const std::int64_t rest = value % divisor;
-    return rest < 0 ? rest + divisor : rest;
+    return value - floorDivide(value, divisor) * divisor;
 }
 
 /// Month 1 to 12; a day beyond the month's end counts on into the next one.
@@ -39,22 +41,25 @@ struct CivilDate {
     return era * kDaysPer400Years + dayOfEra - 719'468;
 }
 
+/// By multiplications where it can: Cassio Neri and Lorenz Schneider, "Euclidean affine functions and their
+/// application to calendar algorithms".
 [[nodiscard]] constexpr CivilDate civilFromDays(std::int64_t days) noexcept {
     days += 719'468;
     const std::int64_t era = floorDivide(days, kDaysPer400Years);
-    const auto dayOfEra = static_cast<unsigned>(days - era * kDaysPer400Years);
-    const unsigned yearOfEra = (dayOfEra - dayOfEra / 1460 + dayOfEra / 36'524 - dayOfEra / 146'096) / 365;
-    const unsigned dayOfYear = dayOfEra - (365 * yearOfEra + yearOfEra / 4 - yearOfEra / 100);
-    const unsigned monthFromMarch = (5 * dayOfYear + 2) / 153;
-    const auto month = static_cast<int>(monthFromMarch < 10 ? monthFromMarch + 3 : monthFromMarch - 9);
-    return {era * 400 + yearOfEra + (month <= 2), month,
-            static_cast<int>(dayOfYear - (153 * monthFromMarch + 2) / 5 + 1)};
+    const std::uint32_t quarters = 4 * static_cast<std::uint32_t>(days - era * kDaysPer400Years) + 3;
+    const std::uint32_t century = quarters / 146'097;
+    const std::uint64_t years = std::uint64_t{2'939'745} * (quarters % 146'097 | 3);
+    const std::uint32_t dayOfYear = static_cast<std::uint32_t>(years) / 2'939'745 / 4;  // from March
+    const std::uint32_t months = 2141 * dayOfYear + 197'913;
+    const bool isNextYear = dayOfYear >= 306;
+    const std::int64_t year = era * 400 + century * 100 + static_cast<std::uint32_t>(years >> 32);
+    return {year + isNextYear, static_cast<int>(months >> 16) - (isNextYear ? 12 : 0),
+            static_cast<int>((months & 0xFFFF) / 2141) + 1};
 }
 
 [[nodiscard]] constexpr int daysInMonth(std::int64_t year, int month) noexcept {
-    constexpr int kLengths[] = {31, 28, 31, 30, 31, 30, 31, 31, 30, 31, 30, 31};
-    const bool isLeap = year % 4 == 0 && (year % 100 != 0 || year % 400 == 0);
-    return month == 2 && isLeap ? 29 : kLengths[month - 1];
+    if (month != 2) return 30 | (month + (month >> 3));
+    return year % 4 == 0 && (year % 100 != 0 || year % 400 == 0) ? 29 : 28;
 }
 
 /// 1 for Sunday to 7 for Saturday.

@@ -30,8 +30,15 @@ icu::UnicodeString wide(std::string_view text) {
 constexpr UDate k1950 = -631'152'000'000.0;  // milliseconds from 1970
 
 struct IcuDateFormat::Format {
-    std::unique_ptr<icu::SimpleDateFormat>
-        icu;  // none if the locale has no data or the pattern makes no sense
+    /// None if the locale has no data or the pattern makes no sense.
+    std::unique_ptr<icu::SimpleDateFormat> icu;
+    std::int32_t offset = 0;  // of its zone
+
+    void useOffset(std::int32_t wanted) {
+        if (wanted == offset) return;
+        icu->adoptTimeZone(new icu::SimpleTimeZone(wanted * 1000, icu::UnicodeString()));
+        offset = wanted;
+    }
 };
 
 IcuDateFormat::IcuDateFormat(std::string_view pattern, const std::string& localeIdentifier)
@@ -47,6 +54,7 @@ IcuDateFormat::IcuDateFormat(std::string_view pattern, const std::string& locale
         gregorian->setGregorianChange(kBeforeAllTime, status);
     }
     made->adoptCalendar(calendar.release());
+    made->adoptTimeZone(icu::TimeZone::getGMT()->clone());
     if (U_SUCCESS(status)) format_->icu = std::move(made);
 }
 
@@ -55,7 +63,7 @@ IcuDateFormat::~IcuDateFormat() = default;
 std::optional<std::string> IcuDateFormat::format(double utc, std::int32_t offset) const {
     const MutexLock lock(mutex_);
     if (!format_->icu) return std::nullopt;
-    format_->icu->adoptTimeZone(new icu::SimpleTimeZone(offset * 1000, icu::UnicodeString()));
+    format_->useOffset(offset);
     icu::UnicodeString text;
     UErrorCode status = U_ZERO_ERROR;
     format_->icu->format(utc * 1000, text, nullptr, status);
@@ -66,7 +74,7 @@ std::optional<std::string> IcuDateFormat::format(double utc, std::int32_t offset
 std::optional<IcuDateFormat::Parsed> IcuDateFormat::parse(std::string_view text) const {
     const MutexLock lock(mutex_);
     if (!format_->icu) return std::nullopt;
-    format_->icu->adoptTimeZone(icu::TimeZone::getGMT()->clone());
+    format_->useOffset(0);
     const icu::UnicodeString given = wide(text);
     icu::ParsePosition position;
     const UDate milliseconds = format_->icu->parse(given, position);

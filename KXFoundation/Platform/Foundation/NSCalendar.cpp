@@ -1,4 +1,5 @@
 #include <algorithm>
+#include <cmath>
 
 #include <KXFoundation/Platform/Foundation/LocalTime.h>
 #include <KXFoundation/Platform/Foundation/LocaleDates.h>
@@ -16,6 +17,7 @@ constexpr NSCalendarUnit kClockUnits = NSCalendarUnitHour | NSCalendarUnitMinute
 // No field reaches this far inside the years held; sums of such fields are far from overflowing.
 constexpr std::int64_t kLargestField = std::int64_t{1} << 46;
 
+constexpr std::int64_t kNanosecondsPerSecond = 1'000'000'000;
 constexpr std::int64_t kMostDays = 2 * kLastSecond / kSecondsPerDay;
 
 /// A field's value, its first where it is undefined; absent if it is beyond all use.
@@ -110,8 +112,8 @@ NSDateComponents NSCalendar::components(NSCalendarUnit units, const std::optiona
     if (units & NSCalendarUnitWeekday) fields.setWeekday(weekdayFromDays(time.day));
     if (units & kWeekUnits) addWeekFields(fields, units, time.day);
     if (units & NSCalendarUnitNanosecond) {
-        const double fraction = date->timeIntervalSince1970() -
-                                static_cast<double>(*local - zone_->rules().offsetAt(*wholeSeconds(date)));
+        const double seconds = date->timeIntervalSince1970();
+        const double fraction = seconds - std::floor(seconds);
         fields.setNanosecond(static_cast<std::int64_t>(fraction * 1e9));
     }
     return fields;
@@ -136,12 +138,14 @@ std::optional<NSDate> NSCalendar::dateFromComponents(
     if (!components || !hasDateOrTime(*components)) return std::nullopt;
     const auto day = dayOf(*components);
     const auto second = secondOf(*components);
-    const auto nanosecond = fieldOr(0, components->nanosecond());
-    if (!day || !second || !nanosecond) return std::nullopt;
-    if (*day < -kMostDays || *day > kMostDays) return std::nullopt;
-    const std::int64_t utc = zone_->rules().instantsAt(*day * kSecondsPerDay + *second).before;
-    const auto date = NSDate::dateWithTimeIntervalSince1970(static_cast<double>(utc) +
-                                                            static_cast<double>(*nanosecond) * 1e-9);
+    if (!day || !second || *day < -kMostDays || *day > kMostDays) return std::nullopt;
+    const std::int64_t nanosecond =
+        components->nanosecond() == NSDateComponentUndefined ? 0 : components->nanosecond();
+    const std::int64_t local =
+        *day * kSecondsPerDay + *second + floorDivide(nanosecond, kNanosecondsPerSecond);
+    const auto date = NSDate::dateWithTimeIntervalSince1970(
+        static_cast<double>(zone_->rules().instantsAt(local).before) +
+        static_cast<double>(floorModulo(nanosecond, kNanosecondsPerSecond)) * 1e-9);
     return wholeSeconds(date) ? std::optional(date) : std::nullopt;
 }
 
@@ -150,6 +154,10 @@ bool NSCalendar::isDateInSameDayAsDate(const std::optional<NSDate>& date,
     const auto one = localSeconds(date);
     const auto two = localSeconds(other);
     return one && two && DayAndSecond(*one).day == DayAndSecond(*two).day;
+}
+
+int NSCalendar::WallTime::weekday() const noexcept {
+    return weekdayFromDays(day);
 }
 
 std::optional<NSCalendar::WallTime> NSCalendar::wallTime(const std::optional<NSDate>& date) const noexcept {
@@ -164,18 +172,6 @@ std::optional<NSDate> NSCalendar::dateFromWallTime(WallTime time) const noexcept
     const std::int64_t utc = zone_->rules().instantsAt(time.day * kSecondsPerDay + time.second).before;
     if (utc < kFirstSecond || utc > kLastSecond) return std::nullopt;
     return NSDate::dateWithTimeIntervalSince1970(static_cast<double>(utc));
-}
-
-NSRange NSCalendar::rangeOfUnit(NSCalendarUnit smaller, NSCalendarUnit larger,
-                                const std::optional<NSDate>& date) const {
-    const auto local = localSeconds(date);
-    if (!local || larger != NSCalendarUnitMonth) return {};
-    const std::int64_t day = DayAndSecond(*local).day;
-    const CivilDate civil = civilFromDays(day);
-    const auto length = static_cast<std::uint64_t>(daysInMonth(civil.year, civil.month));
-    if (smaller == NSCalendarUnitDay) return {1, length};
-    const auto column = static_cast<std::uint64_t>(columnOf(day - civil.day + 1));
-    return smaller == NSCalendarUnitWeekOfMonth ? NSRange{1, (column + length + 6) / 7} : NSRange();
 }
 
 std::uint64_t NSCalendar::ordinalityOfUnit(NSCalendarUnit smaller, NSCalendarUnit larger,

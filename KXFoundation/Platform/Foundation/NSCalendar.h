@@ -9,6 +9,7 @@
 #include <KXFoundation/Platform/Foundation/NSDate.h>
 #include <KXFoundation/Platform/Foundation/NSDateComponents.h>
 #include <KXFoundation/Platform/Foundation/NSLocale.h>
+#include <KXFoundation/Platform/Foundation/NSRange.h>
 #include <KXFoundation/Platform/Foundation/NSTimeZone.h>
 #include <KXFoundation/Platform/Runtime/Export.h>
 #include <KXFoundation/Platform/Runtime/NSObject.h>
@@ -17,14 +18,6 @@ namespace kx {
 
 /// The Gregorian calendar, for all of time (it knows no Julian one before 1582).
 inline constexpr std::string_view NSCalendarIdentifierGregorian = "gregorian";
-
-/// A stretch of numbers.
-struct NSRange {
-    std::uint64_t location = 0;
-    std::uint64_t length = 0;  ///< 0 where there is no answer
-
-    bool operator==(const NSRange&) const = default;
-};
 
 /// Converts between instants and the fields of a date in one time zone, and steps from unit to unit.
 ///
@@ -50,13 +43,25 @@ class KX_EXPORT NSCalendar : public Subclass<NSCalendar, NSObject> {
     /// larger are counted on the wall clock, so that a day with a change of clocks is one day.
     [[nodiscard]] NSDateComponents components(NSCalendarUnit units, const std::optional<NSDate>& from,
                                               const std::optional<NSDate>& to) const;
-    /// A moment on the wall clock, for code that asks much of one date.
+    /// A moment on the wall clock, for code that changes a date's day or time of day.
     struct WallTime {
         std::int64_t day;     ///< from 1970-01-01
-        std::int32_t second;  ///< of the day
+        std::int32_t second;  ///< of the day, 0 to 86,399
+
+        /// 1 for Sunday to 7 for Saturday.
+        [[nodiscard]] KX_EXPORT int weekday() const noexcept;
     };
+    /// What the wall clock shows at the date, without the fraction of its second.
     [[nodiscard]] std::optional<WallTime> wallTime(const std::optional<NSDate>& date) const noexcept;
+    /// The instant at which it shows that. A second beyond the day's end counts on into the next day.
     [[nodiscard]] std::optional<NSDate> dateFromWallTime(WallTime time) const noexcept;
+
+    // What a page of a calendar asks of a month. A thread remembers the last one that it was asked about, so
+    // that further questions about it cost a few nanoseconds. 00:00 of its first and its last day:
+    [[nodiscard]] std::optional<NSDate> firstDayOfMonth(const std::optional<NSDate>& date) const noexcept;
+    [[nodiscard]] std::optional<NSDate> lastDayOfMonth(const std::optional<NSDate>& date) const noexcept;
+    /// How many days of its first week lie before the month: 0 to 6.
+    [[nodiscard]] std::int64_t daysBeforeMonth(const std::optional<NSDate>& date) const noexcept;
 
     /// The instant of year, month, day, hour, minute, second and nanosecond; other fields are not looked at.
     /// An undefined one counts as its first (year 1, 1 January, 00:00:00); none if all are. Lenient: a field
@@ -111,6 +116,18 @@ class KX_EXPORT NSCalendar : public Subclass<NSCalendar, NSObject> {
         std::int64_t first, next;
     };
     [[nodiscard]] std::optional<Days> daysOfUnit(NSCalendarUnit unit, std::int64_t day) const noexcept;
+    struct MonthDays {
+        std::int64_t first;  // from 1970-01-01
+        std::int64_t length;
+        std::int64_t weekday;  // of the first one
+    };
+    struct KnownMonth;
+    [[nodiscard]] static MonthDays monthOfDay(std::int64_t day) noexcept;
+    [[nodiscard]] std::int64_t columnOf(const MonthDays& month) const noexcept;
+    [[nodiscard]] const KnownMonth* knownMonth(const std::optional<NSDate>& date) const noexcept;
+    [[nodiscard]] const KnownMonth* learnMonth(NSDate date) const noexcept;
+    [[nodiscard]] std::optional<MonthDays> measuredMonth(const std::optional<NSDate>& date) const noexcept;
+    [[nodiscard]] std::optional<MonthDays> monthDays(const std::optional<NSDate>& date) const noexcept;
     [[nodiscard]] std::int64_t firstInstantOf(std::int64_t day) const noexcept;
     [[nodiscard]] std::int64_t nominalSeconds(std::int64_t utc) const noexcept;
     [[nodiscard]] std::int64_t moved(std::int64_t utc, std::int64_t months, std::int64_t days) const noexcept;

@@ -135,20 +135,21 @@ std::int64_t NSCalendar::nominalSeconds(std::int64_t utc) const noexcept {
     return firstInstantOf(day) == utc ? day * kSecondsPerDay : local;
 }
 
+/// Both dates count by the fraction of the first one's second: from 0.9 to 1.1 no second has passed.
 NSDateComponents NSCalendar::components(NSCalendarUnit units, const std::optional<NSDate>& from,
                                         const std::optional<NSDate>& to) const {
     NSDateComponents difference;
     const auto start = wholeSeconds(from);
-    const auto end = wholeSeconds(to);
-    if (!start || !end) return difference;
-    const bool isForward = *start <= *end;
+    if (!start || !wholeSeconds(to)) return difference;
+    const std::int64_t end = *start + static_cast<std::int64_t>(to->timeIntervalSinceDate(*from));
+    const bool isForward = *start <= end;
     std::int64_t instant = *start;
     std::int64_t local = nominalSeconds(*start);
-    const std::int64_t localEnd = nominalSeconds(*end);
+    const std::int64_t localEnd = nominalSeconds(end);
     for (const NSCalendarUnit unit : kUnits) {
         if (!(units & unit)) continue;
         std::int64_t count =
-            secondsIn(unit) ? (*end - instant) / secondsIn(unit) : unitsBetween(unit, local, localEnd);
+            secondsIn(unit) ? (end - instant) / secondsIn(unit) : unitsBetween(unit, local, localEnd);
         // The wall clock may show less on the later of two dates, where it went back between them.
         if (isForward ? count < 0 : count > 0) count = 0;
         const std::int64_t months = count * monthsIn(unit);

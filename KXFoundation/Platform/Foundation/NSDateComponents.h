@@ -34,6 +34,7 @@ class KX_EXPORT NSDateComponents {
     [[nodiscard]] std::int64_t hour() const noexcept { return hour_; }
     [[nodiscard]] std::int64_t minute() const noexcept { return minute_; }
     [[nodiscard]] std::int64_t second() const noexcept { return second_; }
+    /// Of a date, 0 to 999,999,999; as exact as an NSDate is, a tenth of a microsecond today.
     [[nodiscard]] std::int64_t nanosecond() const noexcept { return nanosecond_; }
     /// 1 for Sunday to 7 for Saturday.
     [[nodiscard]] std::int64_t weekday() const noexcept { return weekday_; }

@@ -1,5 +1,6 @@
 #include <algorithm>
 #include <bit>
+#include <charconv>
 #include <optional>
 
 #include <KXFoundation/Platform/Foundation/StringTableReader.h>
@@ -48,17 +49,8 @@ char* findQuoteOrBackslash(char* at, char* end) noexcept {
 }
 
 std::optional<char32_t> hexUnit(const char* at, const char* end) noexcept {
-    if (end - at < 4) return std::nullopt;
-    char32_t unit = 0;
-    for (int i = 0; i < 4; ++i) {
-        const char c = at[i];
-        const int digit = c >= '0' && c <= '9'   ? c - '0'
-                          : c >= 'a' && c <= 'f' ? c - 'a' + 10
-                          : c >= 'A' && c <= 'F' ? c - 'A' + 10
-                                                 : -1;
-        if (digit < 0) return std::nullopt;
-        unit = unit << 4 | static_cast<char32_t>(digit);
-    }
+    std::uint32_t unit = 0;
+    if (end - at < 4 || std::from_chars(at, at + 4, unit, 16).ptr != at + 4) return std::nullopt;
     return unit;
 }
 

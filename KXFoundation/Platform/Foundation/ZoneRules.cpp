@@ -1,4 +1,5 @@
 #include <algorithm>
+#include <atomic>
 #include <limits>
 
 #include <KXFoundation/Platform/Foundation/CivilDate.h>
@@ -11,6 +12,7 @@ namespace {
 constexpr std::int64_t kPeriod = kDaysPer400Years * kSecondsPerDay;
 constexpr int kBucketBits = 23;  // 97 days: seldom two changes in one bucket
 constexpr std::int64_t kLargestOffset = 48 * 3600;
+constexpr std::int64_t kForEver = std::numeric_limits<std::int64_t>::max();
 
 }  // namespace
 
@@ -28,6 +30,11 @@ ZoneRules::ZoneRules(const std::vector<Span>& spans, bool repeats) : repeats_(re
     fillBuckets();
 }
 
+std::uint64_t ZoneRules::nextSerial() noexcept {
+    static constinit std::atomic<std::uint64_t> last{0};
+    return last.fetch_add(1, std::memory_order_relaxed) + 1;
+}
+
 void ZoneRules::fillBuckets() {
     if (from_.size() == 1) return;
     std::size_t span = 0;
@@ -41,13 +48,31 @@ std::size_t ZoneRules::spanAt(std::int64_t utc) const noexcept {
     if (utc < from_[1]) return 0;
     const auto bucket = static_cast<std::size_t>((utc - from_[1]) >> kBucketBits);
     std::size_t span = bucket < buckets_.size() ? buckets_[bucket] : from_.size() - 1;
-    while (span + 1 < from_.size() && from_[span + 1] <= utc) ++span;
+    const auto isOver = [&] { return span + 1 < from_.size() && from_[span + 1] <= utc; };
+    span += isOver() ? 1 : 0;  // as often as not: no branch, which would be guessed wrong
+    while (isOver()) ++span;
     return span;
 }
 
 std::int64_t ZoneRules::periodsBeyondTable(std::int64_t seconds) const noexcept {
     if (!repeats_ || seconds < from_.back()) return 0;
     return ((seconds - from_.back()) / kPeriod + 1) * kPeriod;
+}
+
+ZoneRules::Surroundings ZoneRules::surroundingsOf(std::int64_t utc) const noexcept {
+    const std::size_t last = offsets_.size() - 1;
+    const std::int64_t periods = last == 0 ? 0 : periodsBeyondTable(utc);
+    const std::size_t span = last == 0 ? 0 : spanAt(utc - periods);
+    const std::size_t former = span == 0 ? 0 : span - 1, next = std::min(span + 1, last);
+    Surroundings around{from_[former] + periods,
+                        kForEver,
+                        {offsets_[former], offsets_[span], offsets_[next]},
+                        {localFrom_[span] + periods, kForEver}};
+    if (next != span) around.localChange[1] = localFrom_[next] + periods;
+    // Where rules repeat, the table begins again somewhere inside its last span.
+    if (next != last) around.to = from_[next + 1] + periods;
+    if (next == last && repeats_) around.to = from_[last] + periods;
+    return around;
 }
 
 ZoneRules::Instants ZoneRules::instantsAt(std::int64_t local) const noexcept {

@@ -45,8 +45,24 @@ class KX_EXPORT ZoneRules {
         return offsets_[spanAt(utc - periodsBeyondTable(utc))];
     }
     [[nodiscard]] Instants instantsAt(std::int64_t local) const noexcept;
+    /// The time around a moment in which the clocks change twice at most.
+    struct Surroundings {
+        std::int64_t from, to;
+        std::int32_t offset[3];       // in their order
+        std::int64_t localChange[2];  // the first local times that the second and the third alone give
+
+        /// The offset by which a local time means the earlier of its instants.
+        [[nodiscard]] std::int32_t offsetAtLocal(std::int64_t local) const noexcept {
+            return offset[(local >= localChange[0]) + (local >= localChange[1])];
+        }
+    };
+    [[nodiscard]] Surroundings surroundingsOf(std::int64_t utc) const noexcept;
+
+    /// No other rules of the process have it, also after these are gone; never 0.
+    [[nodiscard]] std::uint64_t serial() const noexcept { return serial_; }
 
   private:
+    [[nodiscard]] static std::uint64_t nextSerial() noexcept;
     void fillBuckets();
     [[nodiscard]] std::size_t spanAt(std::int64_t utc) const noexcept;
     [[nodiscard]] std::int64_t periodsBeyondTable(std::int64_t seconds) const noexcept;
@@ -57,6 +73,7 @@ class KX_EXPORT ZoneRules {
     std::vector<std::int64_t> localFrom_;  // first local time that only the span's own offset gives
     std::vector<std::uint16_t> buckets_;   // the span in force where the bucket begins
     bool repeats_ = false;
+    std::uint64_t serial_ = nextSerial();
 };
 
 }  // namespace kx

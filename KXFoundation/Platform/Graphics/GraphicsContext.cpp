@@ -167,6 +167,7 @@ NSRect GraphicsContext::clipBounds() const {
 }
 
 NSRect GraphicsContext::pixelAligned(NSRect rect) const {
+    if (native_->turnsOrSkews()) return rect;  // no edge of it could lie on pixels' edges
     double left = rect.origin.x, top = rect.origin.y, right = rect.maxX(), bottom = rect.maxY();
     cairo_user_to_device(native_->cairo, &left, &top);
     cairo_user_to_device(native_->cairo, &right, &bottom);

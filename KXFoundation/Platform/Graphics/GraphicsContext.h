@@ -56,7 +56,8 @@ class KX_EXPORT GraphicsContext {
     [[nodiscard]] double scale() const noexcept;
     /// What can still be drawn on, in the coordinates of the moment.
     [[nodiscard]] NSRect clipBounds() const;
-    /// The rectangle with its edges moved to the nearest pixel edges, so that it is drawn crisp at any scale.
+    /// The rectangle with its edges moved to the nearest pixel edges, so that it is drawn crisp at any scale;
+    /// as it is where the coordinates are turned.
     [[nodiscard]] NSRect pixelAligned(NSRect rect) const;
 
     // Shapes. A corner radius is held to half of the shorter side.

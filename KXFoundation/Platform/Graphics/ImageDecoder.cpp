@@ -16,10 +16,15 @@ constexpr ImageFormat kFormats[] = {
 
 }  // namespace
 
-Result<std::shared_ptr<NSBitmapImageRep>> decodeImage(std::span<const std::byte> data) {
+const ImageFormat* imageFormatOf(std::span<const std::byte> data) {
     for (const ImageFormat& format : kFormats) {
-        if (format.sniff(data)) return format.decode(data);
+        if (format.sniff(data)) return &format;
     }
+    return nullptr;
+}
+
+Result<std::shared_ptr<NSBitmapImageRep>> decodeImage(std::span<const std::byte> data) {
+    if (const ImageFormat* format = imageFormatOf(data)) return format->decode(data);
     return Error{ErrorKind::Unsupported, 0, "unknown picture format"};
 }
 

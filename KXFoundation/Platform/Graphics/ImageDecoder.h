@@ -19,6 +19,9 @@ struct ImageFormat {
     Result<std::shared_ptr<NSBitmapImageRep>> (*decode)(std::span<const std::byte> data);
 };
 
+/// The format that the bytes begin like; none if there is none.
+[[nodiscard]] KX_EXPORT const ImageFormat* imageFormatOf(std::span<const std::byte> data);
+
 /// The picture in the encoded bytes; its format is found from the bytes themselves. Unsupported if none fits,
 /// TooLarge beyond NSBitmapImageRep::pixelLimit() (before anything is allocated), Corrupt for damaged data.
 /// Any thread.

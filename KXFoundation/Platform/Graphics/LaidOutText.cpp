@@ -1,44 +1,23 @@
 #include <algorithm>
 #include <cmath>
-#include <functional>
-#include <optional>
 
 #include <pango/pangocairo.h>
 
-#include <KXFoundation/Platform/Graphics/FontFace.h>
+#include <KXFoundation/Platform/Graphics/FontDescription.h>
 #include <KXFoundation/Platform/Graphics/LaidOutText.h>
 #include <KXFoundation/Platform/Graphics/NSFont.h>
-#include <KXFoundation/Platform/Graphics/RecentCache.h>
-#include <KXFoundation/Platform/Graphics/TextContext.h>
+#include <KXFoundation/Platform/Graphics/ThreadTexts.h>
+#include <KXFoundation/Platform/Graphics/UsableText.h>
 
 namespace kx {
 
 namespace {
-
-// Pango counts in 1/1024 point in 32 bits, so 2,097,151 points are the end of its world; half of that is
-// ours.
-constexpr double kWidestLine = 1'000'000;
-constexpr std::size_t kLongestText = 65'536;
 
 double points(int units) noexcept {
     return units / double{PANGO_SCALE};
 }
 int units(double points) noexcept {
     return static_cast<int>(std::lround(points * PANGO_SCALE));
-}
-
-/// The text that is set: whole characters of valid UTF-8 up to the limit that its size allows.
-std::string usableText(const std::string& text, double pointSize) {
-    const std::size_t limit = std::min(kLongestText, static_cast<std::size_t>(kWidestLine / pointSize));
-    std::string_view part = std::string_view(text).substr(0, limit);
-    if (part.size() < text.size()) {
-        while (!part.empty() && (static_cast<unsigned char>(text[part.size()]) & 0xC0) == 0x80)
-            part.remove_suffix(1);
-    }
-    char* valid = g_utf8_make_valid(part.data(), static_cast<gssize>(part.size()));
-    std::string answer = valid;
-    g_free(valid);
-    return answer;
 }
 
 bool isBlank(gunichar letter) {
@@ -66,17 +45,6 @@ std::string withBreaks(const std::string& text) {
     return broken;
 }
 
-void setFont(PangoLayout* layout, const NSFont& font) {
-    const FontFace& face = font.face();
-    PangoFontDescription* description = pango_font_description_new();
-    pango_font_description_set_family(description, face.family.c_str());
-    pango_font_description_set_weight(description, static_cast<PangoWeight>(face.weight));
-    pango_font_description_set_style(description, face.italic ? PANGO_STYLE_ITALIC : PANGO_STYLE_NORMAL);
-    pango_font_description_set_absolute_size(description, font.pointSize() * PANGO_SCALE);
-    pango_layout_set_font_description(layout, description);
-    pango_font_description_free(description);
-}
-
 bool hasWidth(const TextFlow& flow) noexcept {
     return flow.width < kWidestLine;
 }
@@ -89,12 +57,21 @@ std::uint32_t lineLimit(const TextFlow& flow) noexcept {
     return std::min<std::uint32_t>(flow.maximumLines, 1'000'000);
 }
 
+/// A word that is broken because it alone is too wide gets no hyphen: it may be a name or an address.
+void breakWithoutHyphens(PangoLayout* layout) {
+    PangoAttrList* attributes = pango_attr_list_new();
+    pango_attr_list_insert(attributes, pango_attr_insert_hyphens_new(FALSE));
+    pango_layout_set_attributes(layout, attributes);
+    pango_attr_list_unref(attributes);
+}
+
 void setFlow(PangoLayout* layout, const TextFlow& flow) {
     pango_layout_set_auto_dir(layout, flow.direction == WritingDirection::Natural);
     pango_layout_set_justify(layout, flow.alignment == NSTextAlignment::Justified);
     if (breaksLines(flow)) {
         pango_layout_set_width(layout, units(std::max(flow.width, 0.0)));
         pango_layout_set_wrap(layout, PANGO_WRAP_WORD_CHAR);
+        breakWithoutHyphens(layout);
     }
     if (const std::uint32_t limit = lineLimit(flow)) {
         pango_layout_set_ellipsize(layout, PANGO_ELLIPSIZE_END);
@@ -105,10 +82,10 @@ void setFlow(PangoLayout* layout, const TextFlow& flow) {
 PangoLayout* makeLayout(const TextContext& context, const TextLayout& text) {
     const bool rightToLeft = text.flow().direction == WritingDirection::RightToLeft;
     PangoLayout* layout = pango_layout_new(rightToLeft ? context.rightToLeft() : context.leftToRight());
-    std::string usable = usableText(text.text(), text.font()->pointSize());
+    std::string usable = usableText(text.text(), letterLimit(text.font()->pointSize()));
     if (breaksLines(text.flow())) usable = withBreaks(usable);
     pango_layout_set_text(layout, usable.data(), static_cast<int>(usable.size()));
-    setFont(layout, *text.font());
+    pango_layout_set_font_description(layout, describedFont(*text.font()).get());
     setFlow(layout, text.flow());
     return layout;
 }
@@ -168,62 +145,21 @@ void LaidOutText::draw(cairo_t* cairo, NSPoint topLeft) const {
     cairo_new_path(cairo);
 }
 
-namespace {
-
-struct TextKey {
-    std::string text;
-    std::uint64_t font;
-    TextFlow flow;
-    bool operator==(const TextKey&) const = default;
-};
-
-struct TextKeyHash {
-    std::size_t operator()(const TextKey& key) const noexcept {
-        const std::size_t text = std::hash<std::string>{}(key.text);
-        const std::size_t width = std::hash<double>{}(key.flow.width);
-        return (text * 31 + std::hash<std::uint64_t>{}(key.font)) * 31 + width;
-    }
-};
-
-/// What one thread remembers. Lines hold some KiB each, a measure about a hundred bytes.
-struct ThreadTexts {
-    TextContext context;
-    RecentCache<TextKey, std::shared_ptr<const LaidOutText>, TextKeyHash> lines{128};
-    RecentCache<TextKey, std::shared_ptr<const LaidOutText>, TextKeyHash> longLines{1};
-    RecentCache<TextKey, TextMeasure, TextKeyHash> measures{2048};
-};
-
-constexpr std::size_t kLongText = 4096;  // bytes; of texts beyond that only the latest are remembered
-
-ThreadTexts& threadTexts() {
-    thread_local std::unique_ptr<ThreadTexts> texts;
-    if (!texts || texts->context.source() != &FontSource::slot().current()) {
-        texts.reset();
-        texts.reset(new ThreadTexts{TextContext(FontSource::slot().shared())});
-    }
-    return *texts;
-}
-
-TextKey keyOf(const TextLayout& text) {
-    return {text.text(), text.font()->identity(), text.flow()};
-}
-
-}  // namespace
-
 std::shared_ptr<const LaidOutText> LaidOutText::of(const TextLayout& text) {
-    ThreadTexts& texts = threadTexts();
+    ThreadTexts& texts = *ThreadTexts::current();
     auto& lines = text.text().size() > kLongText ? texts.longLines : texts.lines;
-    TextKey key = keyOf(text);
-    if (auto* found = lines.find(key)) return *found;
-    return lines.add(std::move(key), std::make_shared<LaidOutText>(texts.context, text));
+    const TextQuery query{text.text(), text.font()->identity(), text.flow()};
+    if (auto* found = lines.find(query)) return *found;
+    return lines.add(TextKey(query), std::make_shared<LaidOutText>(texts.context, text));
 }
 
-TextMeasure LaidOutText::measureOf(const TextLayout& text) {
-    if (text.text().size() > kLongText) return of(text)->measure();
-    ThreadTexts& texts = threadTexts();
-    TextKey key = keyOf(text);
-    if (const TextMeasure* found = texts.measures.find(key)) return *found;
-    return texts.measures.add(std::move(key), of(text)->measure());
+TextMeasure LaidOutText::measureOf(std::string_view text, const std::shared_ptr<NSFont>& font,
+                                   const TextFlow& flow) {
+    if (text.size() > kLongText) return of({text, font, flow})->measure();
+    auto& measures = ThreadTexts::current()->measures;
+    const TextQuery query{text, font->identity(), flow};
+    if (const TextMeasure* found = measures.find(query)) return *found;
+    return measures.add(TextKey(query), of({text, font, flow})->measure());
 }
 
 }  // namespace kx

@@ -28,8 +28,9 @@ class LaidOutText {
 
     /// The calling thread's laid out text for this one, made or remembered.
     static std::shared_ptr<const LaidOutText> of(const TextLayout& text);
-    /// Its measure, which is remembered for longer than the lines.
-    static TextMeasure measureOf(const TextLayout& text);
+    /// The measure of such a text, which is remembered for longer than the lines. The font is not absent.
+    static TextMeasure measureOf(std::string_view text, const std::shared_ptr<NSFont>& font,
+                                 const TextFlow& flow);
 
   private:
     struct Line {

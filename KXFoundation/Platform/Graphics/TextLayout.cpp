@@ -8,7 +8,7 @@ TextLayout::TextLayout(std::string_view text, std::shared_ptr<NSFont> font, cons
     : text_(text), font_(font ? std::move(font) : NSFont::systemFontOfSize(0)), flow_(flow) {}
 
 TextMeasure TextLayout::measure() const {
-    return LaidOutText::measureOf(*this);
+    return LaidOutText::measureOf(text_, font_, flow_);
 }
 
 }  // namespace kx

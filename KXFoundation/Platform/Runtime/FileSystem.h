@@ -15,7 +15,23 @@
 
 namespace kx {
 
-/// An open file. Closed by its destructor. One thread at a time, but for readAt, which any may call.
+/// A part of a file as memory, until its destructor; the file may be closed before. What other processes and
+/// writeAt change in the file shows in it.
+class KX_EXPORT FileMapping {
+  public:
+    virtual ~FileMapping() = default;
+    /// Bytes beyond the end of the file may be touched only once the file has grown over them: see
+    /// GuardedRead.h.
+    [[nodiscard]] std::span<std::byte> bytes() const noexcept { return bytes_; }
+
+  protected:
+    explicit FileMapping(std::span<std::byte> bytes) noexcept : bytes_(bytes) {}
+
+  private:
+    std::span<std::byte> bytes_;
+};
+
+/// An open file. Closed by its destructor. One thread at a time, but for readAt and sync, which any may call.
 class KX_EXPORT File {
   public:
     virtual ~File() = default;
@@ -31,9 +47,14 @@ class KX_EXPORT File {
 
     static constexpr std::chrono::seconds kLongestLock{10};
     enum class Lock : std::uint8_t { Shared, Exclusive };
-    /// Takes an advisory lock on the whole file, across processes; given back when the file is closed. Busy
-    /// if another holds it for kLongestLock, as a stopped process does.
+    /// Takes an advisory lock on the whole file, across processes; given back by unlock() or when the file is
+    /// closed. Busy if another holds it for kLongestLock, as a stopped process does.
     virtual Result<void> lock(Lock kind) = 0;
+    virtual void unlock() = 0;
+
+    enum class Access : std::uint8_t { Read, ReadWrite };
+    /// The first `size` bytes of the file as memory.
+    virtual Result<std::unique_ptr<FileMapping>> map(std::uint64_t size, Access access) = 0;
 };
 
 /// The port of the file system: POSIX, or a double that fails, tears and forgets as a test asks.

@@ -7,6 +7,7 @@
 #include <dirent.h>
 #include <fcntl.h>
 #include <sys/file.h>
+#include <sys/mman.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
@@ -33,6 +34,12 @@ auto untilUninterrupted(Call call) {
 }
 
 constexpr std::chrono::microseconds kLongestSleep{2000};
+
+class PosixMapping final : public FileMapping {
+  public:
+    PosixMapping(void* start, std::size_t size) : FileMapping({static_cast<std::byte*>(start), size}) {}
+    ~PosixMapping() override { ::munmap(bytes().data(), bytes().size()); }
+};
 
 class PosixFile final : public File {
   public:
@@ -89,6 +96,14 @@ class PosixFile final : public File {
             if (Clock::now() >= end) return Error{ErrorKind::Busy, EWOULDBLOCK, path_};
             std::this_thread::sleep_for(sleep);
         }
+    }
+    void unlock() override { ::flock(descriptor_, LOCK_UN); }
+
+    Result<std::unique_ptr<FileMapping>> map(std::uint64_t size, Access access) override {
+        const int protection = access == Access::Read ? PROT_READ : PROT_READ | PROT_WRITE;
+        void* start = ::mmap(nullptr, size, protection, MAP_SHARED, descriptor_, 0);
+        if (start == MAP_FAILED) return failed(path_);
+        return std::unique_ptr<FileMapping>(std::make_unique<PosixMapping>(start, size));
     }
 
   private:

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <chrono>
 #include <cstdint>
 #include <memory>
 
@@ -17,9 +18,9 @@ class KX_EXPORT Biometrics {
   public:
     virtual ~Biometrics() = default;
 
-    /// The kind of sensor there is; an error if it cannot be told. Waits for a fraction of a second at most;
-    /// after a time-out it answers TimedOut for a minute without asking.
-    virtual Result<BiometryType> type() = 0;
+    /// The kind of sensor there is; an error if it cannot be told. Waits that long at most; after a time-out
+    /// it answers TimedOut for a minute without asking.
+    virtual Result<BiometryType> type(std::chrono::milliseconds patience) = 0;
 
     static PortSlot<Biometrics>& slot();
     static std::shared_ptr<Biometrics> makeDefault();

@@ -2,6 +2,8 @@
 #include <algorithm>
 #include <cstdint>
 
+#include <KXFoundation/Platform/Runtime/DispatchQueue.h>
+#include <KXFoundation/Platform/Runtime/Semaphore.h>
 #include <KXFoundation/Platform/Services/Biometrics.h>
 #include <KXFoundation/Platform/Services/BusAddress.h>
 #include <KXFoundation/Platform/Services/CapabilityProbes.h>
@@ -58,6 +60,23 @@ std::string otherOpener() {
     return program ? "; addresses are opened with " + *program : "; nothing here can open addresses";
 }
 
+/// The keychain's own choice, which it makes once and in its own time: on another thread where the patience
+/// is shorter than that.
+std::optional<KeychainCapability> keychainCapabilityWithin(Patience patience) {
+    if (patience >= kKeychainTimeout) return keychainCapability();
+    struct Choosing {
+        Semaphore done;
+        KeychainCapability made;
+    };
+    const auto choosing = std::make_shared<Choosing>();
+    DispatchQueue::shared().async([choosing] {
+        choosing->made = keychainCapability();
+        choosing->done.signal();
+    });
+    return choosing->done.waitFor(std::max(patience, Patience::zero())) ? std::optional(choosing->made)
+                                                                        : std::nullopt;
+}
+
 }  // namespace
 
 Capability probeBus(Patience patience) {
@@ -67,10 +86,11 @@ Capability probeBus(Patience patience) {
     return {"bus", reply == DesktopReply::Answered, opener.bus + ": " + reasonFor(reply)};
 }
 
-/// The keychain's own choice, which it makes once and in its own time.
-Capability probeKeyring(Patience) {
+Capability probeKeyring(Patience patience) {
     using Store = KeychainCapability::Store;
-    const KeychainCapability chosen = keychainCapability();
+    const auto made = keychainCapabilityWithin(patience);
+    if (!made) return {"keyring", false, reasonFor(DesktopReply::TimedOut)};
+    const KeychainCapability& chosen = *made;
     if (chosen.store == Store::File) return {"keyring", true, "an encrypted file: " + chosen.why};
     return {"keyring", chosen.store != Store::None, chosen.why};
 }
@@ -85,8 +105,8 @@ Capability probePortal(Patience patience) {
     return {"portal", true, "opens addresses, version " + std::to_string(version)};
 }
 
-Capability probeBiometrics(Patience) {
-    const auto type = Biometrics::slot().current().type();
+Capability probeBiometrics(Patience patience) {
+    const auto type = Biometrics::slot().current().type(std::max(patience, Patience::zero()));
     if (!type) return {"biometrics", false, type.error().message()};
     const bool isThere = *type != BiometryType::None;
     return {"biometrics", isThere, isThere ? "a fingerprint reader" : "no fingerprint reader"};

@@ -24,16 +24,14 @@ Error failure(DesktopReply reply) {
 
 }  // namespace
 
-FprintBiometrics::FprintBiometrics(std::chrono::milliseconds patience) : patience_(patience) {}
-
-Result<BiometryType> FprintBiometrics::type() {
+Result<BiometryType> FprintBiometrics::type(std::chrono::milliseconds patience) {
     const Clock& clock = Clock::slot().current();
     if (clock.now() < silentUntil_.load(std::memory_order_relaxed)) return failure(DesktopReply::TimedOut);
     const DesktopModule* module = desktopModule();
     if (!module || !module->biometrics) return Error{ErrorKind::Unsupported, 0, "fingerprint service"};
     bool hasReader = false;
     const DesktopReply reply = module->biometrics->hasFingerprintReader(
-        systemBusAddress().c_str(), static_cast<std::uint32_t>(patience_.count()), &hasReader);
+        systemBusAddress().c_str(), static_cast<std::uint32_t>(patience.count()), &hasReader);
     if (reply == DesktopReply::TimedOut)
         silentUntil_.store(clock.now() + kPauseAfterTimeout, std::memory_order_relaxed);
     if (reply != DesktopReply::Answered) return failure(reply);

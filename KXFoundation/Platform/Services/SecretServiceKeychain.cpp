@@ -1,7 +1,6 @@
-#include <cstdio>
-
 #include <KXFoundation/Platform/Foundation/PercentEncoding.h>
 #include <KXFoundation/Platform/Foundation/Utf8Validation.h>
+#include <KXFoundation/Platform/Runtime/Clock.h>
 #include <KXFoundation/Platform/Services/SecretServiceKeychain.h>
 
 namespace kx {
@@ -58,6 +57,21 @@ SecretServiceKeychain::SecretServiceKeychain(const DesktopSecrets& secrets, std:
       application_(attribute(application)),
       timeoutMilliseconds_(static_cast<std::uint32_t>(timeout.count())) {}
 
+template <class Ask>
+DesktopReply SecretServiceKeychain::reply(Ask ask) {
+    const std::chrono::milliseconds timeout(timeoutMilliseconds_);
+    const Clock& clock = Clock::slot().current();
+    const auto start = clock.now();
+    if (start < silentUntil_.load(std::memory_order_relaxed)) return DesktopReply::TimedOut;
+    const DesktopReply reply = ask();
+    const auto end = clock.now();
+    // While a dialogue is open, calls are TimedOut at once; when it ends they may go on at once too.
+    const bool hasWaited = end - start >= timeout / 2;
+    if (reply == DesktopReply::TimedOut && hasWaited)
+        silentUntil_.store(end + timeout, std::memory_order_relaxed);
+    return reply;
+}
+
 Result<void> SecretServiceKeychain::probe() {
     return outcome(secrets_.probe(busAddress_.c_str(), timeoutMilliseconds_));
 }
@@ -70,9 +84,10 @@ Result<std::string> SecretServiceKeychain::copy(const KeychainItem& item) {
     const auto take = [](void* into, const void* bytes, std::size_t size) {
         static_cast<std::string*>(into)->assign(static_cast<const char*>(bytes), size);
     };
-    const DesktopReply reply =
-        secrets_.copy(busAddress_.c_str(), &secret, timeoutMilliseconds_, take, &data, &found);
-    if (auto done = outcome(reply, found); !done) return std::move(done).error();
+    const DesktopReply answer = reply([&] {
+        return secrets_.copy(busAddress_.c_str(), &secret, timeoutMilliseconds_, take, &data, &found);
+    });
+    if (auto done = outcome(answer, found); !done) return std::move(done).error();
     return data;
 }
 
@@ -80,16 +95,18 @@ Result<void> SecretServiceKeychain::add(const KeychainItem& item, std::string_vi
     if (data.size() > kMostBytes) return Error{ErrorKind::TooLarge, 0, "keychain item"};
     const Attributes attributes(application_, item);
     const DesktopSecret secret = attributes.secret();
-    return outcome(
-        secrets_.add(busAddress_.c_str(), &secret, data.data(), data.size(), timeoutMilliseconds_));
+    return outcome(reply([&] {
+        return secrets_.add(busAddress_.c_str(), &secret, data.data(), data.size(), timeoutMilliseconds_);
+    }));
 }
 
 Result<void> SecretServiceKeychain::remove(const KeychainItem& item) {
     const Attributes attributes(application_, item);
     const DesktopSecret secret = attributes.secret();
     bool found = false;
-    const DesktopReply reply = secrets_.remove(busAddress_.c_str(), &secret, timeoutMilliseconds_, &found);
-    return outcome(reply, found);
+    const DesktopReply answer =
+        reply([&] { return secrets_.remove(busAddress_.c_str(), &secret, timeoutMilliseconds_, &found); });
+    return outcome(answer, found);
 }
 
 }  // namespace kx

@@ -23,9 +23,9 @@ class KX_EXPORT SysfsTorch final : public Torch {
     Result<void> setLevel(float level) override;
 
   private:
-    /// The file of that name in the torch's folder; Missing without a torch.
-    Result<std::string> path(const char* attribute);
-    Result<std::uint32_t> number(const char* attribute);
+    /// The torch's folder; Missing without a torch.
+    Result<std::string> folder();
+    Result<std::uint32_t> number(const std::string& path);
 
     std::shared_ptr<FileSystem> files_;
     std::string directory_;

@@ -15,7 +15,7 @@ class KX_EXPORT Workspace {
 
     /// Has the program that is registered for the address's scheme open it. Returns at once; what comes of it
     /// is not reported, but for one log line if nothing on this machine can open addresses. An address
-    /// without a scheme opens nothing.
+    /// without a scheme opens nothing, and one given just before the process exits may stay unopened.
     virtual void openURL(const NSURL& address) = 0;
 
     static PortSlot<Workspace>& slot();

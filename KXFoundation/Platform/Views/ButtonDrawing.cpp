@@ -5,6 +5,7 @@
 #include <KXFoundation/Platform/Graphics/NSColor.h>
 #include <KXFoundation/Platform/Graphics/NSImage.h>
 #include <KXFoundation/Platform/Graphics/TextLayout.h>
+#include <KXFoundation/Platform/Views/CALayer.h>
 #include <KXFoundation/Platform/Views/ControlLook.h>
 #include <KXFoundation/Platform/Views/NSButton.h>
 
@@ -45,9 +46,11 @@ void NSButton::drawRect(GraphicsContext& context, NSRect) {
 
 void NSButton::drawBackground(GraphicsContext& context) const {
     const auto face = default_ ? NSColor::controlAccentColor() : NSColor::controlColor();
-    ControlLook::drawFace(context, bounds(), *face, default_ ? *face : *NSColor::separatorColor());
+    const double radius =
+        layer() && layer()->cornerRadius() > 0 ? layer()->cornerRadius() : ControlLook::kCornerRadius;
+    ControlLook::drawFace(context, bounds(), *face, default_ ? *face : *NSColor::separatorColor(), radius);
     if (isHighlighted()) {
-        context.fill(context.pixelAligned(bounds()), ControlLook::kCornerRadius,
+        context.fill(context.pixelAligned(bounds()), radius,
                      *NSColor::colorWithWhite(0, 0.15));
     }
     if (showsFocus()) ControlLook::drawFocusRing(context, bounds(), default_);

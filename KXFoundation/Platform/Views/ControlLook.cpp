@@ -5,10 +5,11 @@
 
 namespace kx::ControlLook {
 
-void drawFace(GraphicsContext& context, NSRect rect, const NSColor& fill, const NSColor& border) {
+void drawFace(GraphicsContext& context, NSRect rect, const NSColor& fill, const NSColor& border,
+              double cornerRadius) {
     const NSRect face = context.pixelAligned(rect);
-    context.fill(face, kCornerRadius, fill);
-    context.stroke(face, kCornerRadius, 1 / context.scale(), border);
+    context.fill(face, cornerRadius, fill);
+    context.stroke(face, cornerRadius, 1 / context.scale(), border);
 }
 
 void drawFocusRing(GraphicsContext& context, NSRect rect, bool onAccent) {

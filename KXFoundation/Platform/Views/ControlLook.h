@@ -20,7 +20,8 @@ inline constexpr double kImageMargin = 4;  ///< above and below a picture in a b
 inline constexpr double kDisabledOpacity = 0.4;
 
 /// A rounded face with a border of one pixel.
-void drawFace(GraphicsContext& context, NSRect rect, const NSColor& fill, const NSColor& border);
+void drawFace(GraphicsContext& context, NSRect rect, const NSColor& fill, const NSColor& border,
+              double cornerRadius = kCornerRadius);
 
 /// What tells that the control has the keys: a line inside its edge, in the accent colour or, on a face of
 /// that colour, in that of the text upon it.

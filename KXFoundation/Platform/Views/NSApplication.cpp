@@ -78,7 +78,8 @@ void NSApplication::displayIfNeeded() {
 
 void NSApplication::bringToFront(const std::shared_ptr<NSWindow>& window) {
     std::erase(windows_, window);
-    windows_.push_back(window);
+    const auto isAbove = [&](const auto& other) { return other->level() > window->level(); };
+    windows_.insert(std::ranges::find_if(windows_, isAbove), window);
 }
 
 void NSApplication::makeKey(const std::shared_ptr<NSWindow>& window) {

@@ -19,7 +19,8 @@ class KX_EXPORT NSApplication : public Subclass<NSApplication, NSResponder> {
     /// True on the main thread, and everywhere as long as there is no application. Any thread.
     [[nodiscard]] static bool isMainThread() noexcept;
 
-    /// The windows on the screen, back to front. The application keeps these alive.
+    /// The windows on the screen, back to front within their levels, and those of higher levels last. The
+    /// application keeps these alive. Child windows are their parents' (NSWindow::childWindows).
     [[nodiscard]] const std::vector<std::shared_ptr<NSWindow>>& windows() const noexcept { return windows_; }
     /// The window that the keys go to, none if there is none.
     [[nodiscard]] std::shared_ptr<NSWindow> keyWindow() const { return keyWindow_.lock(); }

@@ -24,7 +24,7 @@ class KX_EXPORT NSImageView : public Subclass<NSImageView, NSControl> {
 
     [[nodiscard]] std::shared_ptr<NSImage> image() const { return image_; }
     /// None shows nothing.
-    void setImage(std::shared_ptr<NSImage> image);
+    virtual void setImage(std::shared_ptr<NSImage> image);
     [[nodiscard]] NSImageScaling imageScaling() const noexcept { return scaling_; }
     void setImageScaling(NSImageScaling scaling);
 

@@ -62,6 +62,7 @@ void NSTextView::setTextColor(std::shared_ptr<NSColor> color) {
 void NSTextView::setMaxSize(NSSize size) {
     const auto side = [](double length) { return length > 0 ? length : 0; };
     maxSize_ = {side(size.width), side(size.height)};
+    invalidateIntrinsicContentSize();
 }
 
 NSSize NSTextView::fittingSize() const {
@@ -76,7 +77,8 @@ NSSize NSTextView::intrinsicContentSize() const {
 
 void NSTextView::drawRect(GraphicsContext& context, NSRect) {
     const TextLayout text(string_, font_, {.width = bounds().size.width, .alignment = alignment_});
-    context.drawText(text, {}, textColor_ ? *textColor_ : *NSColor::textColor());
+    const NSPoint crisp = context.pixelAligned({}).origin;  // a view may lie between pixels
+    context.drawText(text, crisp, textColor_ ? *textColor_ : *NSColor::textColor());
 }
 
 }  // namespace kx

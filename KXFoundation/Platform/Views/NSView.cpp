@@ -4,6 +4,7 @@
 
 #include <KXFoundation/Platform/Foundation/NSCoder.h>
 #include <KXFoundation/Platform/Runtime/CallerError.h>
+#include <KXFoundation/Platform/Views/CALayer.h>
 #include <KXFoundation/Platform/Views/NSApplication.h>
 #include <KXFoundation/Platform/Views/NSView.h>
 #include <KXFoundation/Platform/Views/NSWindow.h>
@@ -37,11 +38,14 @@ bool NSView::init(NSRect frame) {
 }
 
 bool NSView::init(NSCoder& coder) {
-    return NSView::init(coder.decodeRect("frame").value_or(NSRect()));
+    if (!NSView::init(coder.decodeRect("frame").value_or(NSRect()))) return false;
+    setWantsLayer(coder.decodeBoolean("wantsLayer").value_or(false));
+    return true;
 }
 
 void NSView::encodeWithCoder(NSCoder& coder) const {
     coder.encode("frame", frame_);
+    coder.encode("wantsLayer", wantsLayer());
 }
 
 bool NSView::allowsChange() const {
@@ -51,13 +55,6 @@ bool NSView::allowsChange() const {
 }
 
 // Place
-
-template <class Change>
-void NSView::redrawAround(Change change) {
-    invalidate(drawnExtent());
-    change();
-    invalidate(drawnExtent());
-}
 
 void NSView::setFrame(NSRect frame) {
     frame = usable(frame);
@@ -116,6 +113,13 @@ NSRect NSView::convertRectToView(NSRect rect, const NSView* view) const noexcept
 void NSView::setHidden(bool hidden) {
     if (hidden == hidden_ || !allowsChange()) return;
     redrawAround([&] { hidden_ = hidden; });
+    didShowOrHide();
+}
+
+bool NSView::isShown() const {
+    const NSView* view = this;
+    while (!view->hidden_ && view->superview_) view = view->superview_;
+    return !view->hidden_ && view->window_ && view->window_->isVisible();
 }
 
 void NSView::setAlphaValue(double alpha) {
@@ -129,6 +133,19 @@ void NSView::setClipsToBounds(bool clips) {
     redrawAround([&] { clips_ = clips; });
 }
 
+void NSView::setWantsLayer(bool wants) {
+    if (wants == wantsLayer() || !allowsChange()) return;
+    redrawAround([&] {
+        if (layer_) layer_->view_ = nullptr;
+        layer_ = wants ? make<CALayer>() : nullptr;
+        if (layer_) layer_->view_ = this;
+    });
+}
+
+double NSView::shownAlpha() const noexcept {
+    return layer_ ? layer_->presentation_.opacity.value_or(alpha_) : alpha_;
+}
+
 NSUserInterfaceLayoutDirection NSView::userInterfaceLayoutDirection() const noexcept {
     for (const NSView* view = this; view; view = view->superview_) {
         if (view->direction_) return *view->direction_;
@@ -140,6 +157,7 @@ void NSView::setUserInterfaceLayoutDirection(std::optional<NSUserInterfaceLayout
     if (direction == direction_ || !allowsChange()) return;
     direction_ = direction;
     invalidate(drawnExtent());  // the subviews follow
+    directionDidChange();
     setNeedsLayout();
 }
 
@@ -151,20 +169,31 @@ void NSView::setNeedsDisplay(NSRect rect) {
     if (allowsChange()) invalidate(rect.intersection(bounds()));
 }
 
+/// Where the view itself can leave marks, in its own coordinates.
+NSRect NSView::ownExtent() const {
+    return layer_ ? bounds().unionWith(layer_->shadowExtent()) : bounds();
+}
+
 /// Where the view and everything in it can leave marks, in its own coordinates.
 NSRect NSView::drawnExtent() const {
-    NSRect extent = bounds();
+    NSRect extent = ownExtent();
     if (clips_) return extent;
     for (const auto& view : subviews_) {
-        if (view->isSeen()) extent = extent.unionWith(view->drawnExtent().movedBy(view->frame_.origin));
+        if (view->isDrawn()) extent = extent.unionWith(view->placedInSuperview(view->drawnExtent()));
     }
     return extent;
 }
 
+/// From the view's coordinates to the superview's, as it is shown at the moment.
+NSRect NSView::placedInSuperview(NSRect rect) const {
+    if (layer_ && layer_->presentation_.moves()) rect = layer_->presentation_.moved(rect, frame_.size);
+    return rect.movedBy(frame_.origin);
+}
+
 /// Hands the rectangle up to the window, cut where something on the way hides it.
 void NSView::invalidate(NSRect rect) {
-    for (NSView* view = this; view->isSeen() && !rect.isEmpty(); view = view->superview_) {
-        rect = rect.movedBy(view->frame_.origin);
+    for (NSView* view = this; view->isDrawn() && !rect.isEmpty(); view = view->superview_) {
+        rect = view->placedInSuperview(rect);
         if (!view->superview_) {
             if (view->window_) view->window_->setNeedsDisplay(rect);
             return;

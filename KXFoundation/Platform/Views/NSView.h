@@ -15,9 +15,13 @@
 
 namespace kx {
 
+class CALayer;
 class GraphicsContext;
 class NSCoder;
+class NSGestureRecognizer;
+class NSLayoutConstraint;
 class NSWindow;
+class ViewConstraints;
 
 /// A rectangle of a window that draws itself and holds other views. A view owns its subviews; it knows its
 /// superview and window without keeping them alive.
@@ -29,7 +33,7 @@ class KX_EXPORT NSView : public Subclass<NSView, NSResponder> {
     bool init(NSRect frame = {});
     /// From an archive; what is missing or of a wrong type keeps its default.
     bool init(NSCoder& coder);
-    /// Writes "frame"; a subclass adds its own keys.
+    /// Writes "frame" and "wantsLayer"; a subclass adds its own keys.
     virtual void encodeWithCoder(NSCoder& coder) const;
     ~NSView() override;
 
@@ -47,6 +51,13 @@ class KX_EXPORT NSView : public Subclass<NSView, NSResponder> {
     /// The intrinsic size, with the present size for a side without an opinion.
     [[nodiscard]] virtual NSSize fittingSize() const;
     void sizeToFit();
+    /// The content asks for another size now. Constraints that follow it are solved again.
+    void invalidateIntrinsicContentSize();
+
+    /// Whether the frame is what setFrame() said (the default). Off, the constraints place the view (see
+    /// NSLayoutConstraint.h); while it is on, a constraint that wants the view elsewhere is left out.
+    [[nodiscard]] bool translatesAutoresizingMaskIntoConstraints() const noexcept { return placesItself_; }
+    void setTranslatesAutoresizingMaskIntoConstraints(bool translates);
 
     // Tree
 
@@ -66,6 +77,8 @@ class KX_EXPORT NSView : public Subclass<NSView, NSResponder> {
     virtual void viewDidMoveToSuperview() {}
     virtual void viewWillMoveToWindow(const std::shared_ptr<NSWindow>&) {}
     virtual void viewDidMoveToWindow() {}
+    /// isShown() may have another answer now.
+    virtual void viewDidShowOrHide() {}
     virtual void didAddSubview(NSView&) {}
     virtual void willRemoveSubview(NSView&) {}
 
@@ -86,15 +99,32 @@ class KX_EXPORT NSView : public Subclass<NSView, NSResponder> {
 
     [[nodiscard]] bool isHidden() const noexcept { return hidden_; }
     void setHidden(bool hidden);
+    /// Whether it is in a window on the screen, and neither it nor a view that holds it is hidden.
+    [[nodiscard]] bool isShown() const;
     /// 0 (unseen, untouchable) to 1; applies to the subviews too.
     [[nodiscard]] double alphaValue() const noexcept { return alpha_; }
     void setAlphaValue(double alpha);
     /// Whether subviews are cut at the bounds. The view's own drawing always is.
     [[nodiscard]] bool clipsToBounds() const noexcept { return clips_; }
     void setClipsToBounds(bool clips);
+    /// A view has a layer, with background, rounded corners, shadow and animations, once it wants one.
+    [[nodiscard]] bool wantsLayer() const noexcept { return layer_ != nullptr; }
+    void setWantsLayer(bool wants);
+    [[nodiscard]] const std::shared_ptr<CALayer>& layer() const noexcept { return layer_; }
     [[nodiscard]] NSUserInterfaceLayoutDirection userInterfaceLayoutDirection() const noexcept;
     /// Absent follows the superview; at the top it is left to right.
     void setUserInterfaceLayoutDirection(std::optional<NSUserInterfaceLayoutDirection> direction);
+
+    // Clicks
+
+    /// The recogniser watches the mouse in the view and in what the view holds, but for views there that take
+    /// the keys, as buttons do: those take the mouse too. It leaves the view it was with.
+    void addGestureRecognizer(const std::shared_ptr<NSGestureRecognizer>& recognizer);
+    void removeGestureRecognizer(const std::shared_ptr<NSGestureRecognizer>& recognizer);
+    [[nodiscard]] const std::vector<std::shared_ptr<NSGestureRecognizer>>& gestureRecognizers()
+        const noexcept {
+        return recognizers_;
+    }
 
     // Drawing and layout
 
@@ -129,36 +159,57 @@ class KX_EXPORT NSView : public Subclass<NSView, NSResponder> {
         if (property == value || !allowsChange()) return false;
         property = std::move(value);
         setNeedsDisplay();
+        if (followsContent_) invalidateIntrinsicContentSize();
         return true;
     }
 
   private:
+    friend class CALayer;
+    friend class NSLayoutConstraint;
     friend class NSWindow;
+    friend class ViewConstraints;
     friend class ViewDrawing;
 
     [[nodiscard]] bool isSeen() const noexcept { return !hidden_ && alpha_ > 0; }
+    [[nodiscard]] bool isDrawn() const noexcept { return !hidden_ && shownAlpha() > 0; }
+    [[nodiscard]] double shownAlpha() const noexcept;
+    [[nodiscard]] NSRect placedInSuperview(NSRect rect) const;
+    [[nodiscard]] NSRect ownExtent() const;
     [[nodiscard]] NSWindow* rootWindow() const noexcept;
     [[nodiscard]] NSPoint originInWindow() const noexcept;
     [[nodiscard]] NSRect drawnExtent() const;
     void invalidate(NSRect rect);
     template <class Change>
-    void redrawAround(Change change);
+    void redrawAround(Change change) {
+        invalidate(drawnExtent());
+        change();
+        invalidate(drawnExtent());
+    }
 
     void takeOut();
     void attachToWindow(NSWindow& window);
     void detachFromWindow();
     void willChangeWindow(const std::shared_ptr<NSWindow>& window);
     void didChangeWindow();
+    void didShowOrHide();
     void markLayoutUpwards() noexcept;
+    ViewConstraints& ensureConstraints();
+    void dropConstraintsAcross();
+    void directionDidChange();
 
     NSRect frame_;
     NSView* superview_ = nullptr;  // cleared by the superview before it dies
     NSWindow* window_ = nullptr;   // of a content view only; cleared by the window before it dies
     std::vector<std::shared_ptr<NSView>> subviews_;
+    std::shared_ptr<CALayer> layer_;
+    std::shared_ptr<ViewConstraints> constraints_;  // between the views in here; none at first
+    std::vector<std::shared_ptr<NSGestureRecognizer>> recognizers_;
     std::optional<NSUserInterfaceLayoutDirection> direction_;
     double alpha_ = 1;
     bool hidden_ = false;
     bool clips_ = false;
+    bool placesItself_ = true;
+    bool followsContent_ = false;  // a constraint's solution took the size that the content asks for
     bool needsLayout_ = true;
     bool subviewNeedsLayout_ = false;  // somewhere below
     bool moving_ = false;              // inside a hook of its own removal or addition

@@ -4,9 +4,11 @@
 
 #include <KXFoundation/Platform/Views/NSApplication.h>
 #include <KXFoundation/Platform/Views/NSView.h>
+#include <KXFoundation/Platform/Views/NSViewController.h>
 #include <KXFoundation/Platform/Views/NSWindow.h>
 
-/// A window's place, screen life and events; WindowDrawing.cpp holds its pixels.
+/// A window's place and screen life. WindowEvents.cpp holds its events, WindowDrawing.cpp its pixels,
+/// ChildWindows.cpp the windows inside it.
 namespace kx {
 
 namespace {
@@ -32,18 +34,29 @@ NSRect usable(NSRect frame) {
 
 }  // namespace
 
-bool NSWindow::init(NSRect frame) {
-    frame_ = usable(frame);
+bool NSWindow::init() {
     setContentView(make<NSView>());
     return Super::init();
 }
 
+bool NSWindow::init(NSRect frame) {
+    frame_ = usable(frame);
+    hasOwnFrame_ = true;
+    return NSWindow::init();
+}
+
 NSWindow::~NSWindow() {
     if (contentView_) contentView_->window_ = nullptr;
+    for (const auto& child : childWindows_) child->parent_ = nullptr;
 }
 
 void NSWindow::setFrame(NSRect frame) {
+    if (parent_) setNeedsDisplay(bounds());  // the parent shows what was under it
     frame_ = usable(frame);
+    hasOwnFrame_ = true;
+    if (parent_)
+        originInParent_ = {frame_.origin.x - parent_->frame_.origin.x,
+                           frame_.origin.y - parent_->frame_.origin.y};
     if (const auto surface = surface_) {
         surface->setFrame(frame_);
         takeSizeFromSurface();  // it may have taken another one
@@ -67,31 +80,53 @@ void NSWindow::setContentView(const std::shared_ptr<NSView>& given) {
 
 void NSWindow::fitContentView() {
     if (contentView_) contentView_->setFrame(bounds());
+    for (const auto& child : childWindows_) child->fitToParent();
     setNeedsDisplay(bounds());
+}
+
+void NSWindow::setContentViewController(std::shared_ptr<NSViewController> controller) {
+    contentViewController_ = std::move(controller);
+    if (const auto held = contentViewController_) setContentView(held->view());
 }
 
 // On the screen
 
 void NSWindow::orderFront() {
+    if (const auto parent = parentWindow())
+        return parent->addChildWindow(self(), NSWindowOrderingMode::Above);
     const auto application = NSApplication::sharedApplication();
     if (!surface_) openSurface();
+    const bool isNews = !isVisible();
     application->bringToFront(self());
+    if (isNews) didShowOrHide();
+}
+
+/// The window, or the one that it is inside of, came to the screen or left it.
+void NSWindow::didShowOrHide() {
+    const auto held = self();
+    if (const auto content = contentView_) content->didShowOrHide();
+    const auto children = childWindows_;
+    for (const auto& child : children) child->didShowOrHide();
 }
 
 void NSWindow::makeKeyAndOrderFront() {
     orderFront();
+    if (parent_) return;
     NSApplication::sharedApplication()->makeKey(self());
     if (surface_) surface_->activate();
 }
 
 void NSWindow::orderOut() {
     const auto held = self();
+    if (parent_) return detach();
     surface_ = nullptr;
     backing_ = nullptr;
     NSApplication::sharedApplication()->takeAway(*this);
+    didShowOrHide();
 }
 
 bool NSWindow::isVisible() const {
+    if (parent_) return parent_->isVisible();
     return NSApplication::sharedApplication()->shows(*this);
 }
 bool NSWindow::isKeyWindow() const {
@@ -128,45 +163,6 @@ void NSWindow::takeSizeFromSurface() {
     if (!surface_) return;
     frame_ = usable({frame_.origin, surface_->size()});
     fitContentView();
-}
-
-// Events
-
-void NSWindow::sendEvent(const NSEvent& event) {
-    const auto held = self();
-    switch (event.type) {
-        case NSEventType::MouseDown:
-            if (const auto view = viewFor(event)) view->mouseDown(event);
-            return;
-        case NSEventType::MouseDragged:
-            if (const auto view = mouseTarget_.lock()) view->mouseDragged(event);
-            return;
-        case NSEventType::MouseUp:
-            if (const auto view = mouseTarget_.lock()) {
-                mouseTarget_.reset();
-                view->mouseUp(event);
-            }
-            return;
-        case NSEventType::MouseMoved:
-            if (contentView_) {
-                if (const auto view = contentView_->hitTest(event.locationInWindow)) view->mouseMoved(event);
-            }
-            return;
-        case NSEventType::KeyDown:
-            return sendKey(&NSResponder::keyDown, event);
-        case NSEventType::KeyUp:
-            return sendKey(&NSResponder::keyUp, event);
-    }
-}
-
-/// The view under a mouse down, which from now on has the mouse and, if it wants them, the keys.
-std::shared_ptr<NSView> NSWindow::viewFor(const NSEvent& event) {
-    const auto content = contentView_;
-    auto view = content ? content->hitTest(event.locationInWindow) : nullptr;
-    mouseTarget_ = view;
-    showFocus(false);
-    if (view && view->acceptsFirstResponder()) makeFirstResponder(view);
-    return view;
 }
 
 std::string NSWindow::description() const {

@@ -5,6 +5,7 @@
 #include <optional>
 #include <string>
 #include <string_view>
+#include <vector>
 
 #include <KXFoundation/Platform/Foundation/NSGeometry.h>
 #include <KXFoundation/Platform/Graphics/NSAppearance.h>
@@ -14,8 +15,19 @@
 
 namespace kx {
 
+class GraphicsContext;
 class NSBitmapImageRep;
+class NSGestureRecognizer;
 class NSView;
+class NSViewController;
+
+/// Where a window stands among others of one parent.
+enum class NSWindowOrderingMode : std::int8_t { Below = -1, Above = 1 };
+
+/// Windows of a higher level stand in front of those of a lower one.
+using NSWindowLevel = std::int64_t;
+inline constexpr NSWindowLevel NSNormalWindowLevel = 0;
+inline constexpr NSWindowLevel NSFloatingWindowLevel = 3;
 
 /// A window: a tree of views under one content view, which always fills it. It gathers what has to be drawn
 /// again and gives its views the user's events. It gets a surface, and its pixels a place to be seen, when it
@@ -24,8 +36,10 @@ class KX_EXPORT NSWindow : public Subclass<NSWindow, NSResponder> {
   public:
     static constexpr NSRect kDefaultFrame{0, 0, 640, 480};
 
+    /// A window without a frame of its own: kDefaultFrame or, as a child window, its parent's content.
+    bool init();
     /// Points, on the screen; a side is held to 1 to 16,384. The content view is a plain one.
-    bool init(NSRect frame = kDefaultFrame);
+    bool init(NSRect frame);
     ~NSWindow() override;
 
     [[nodiscard]] NSRect frame() const noexcept { return frame_; }
@@ -37,22 +51,47 @@ class KX_EXPORT NSWindow : public Subclass<NSWindow, NSResponder> {
     [[nodiscard]] std::shared_ptr<NSView> contentView() const { return contentView_; }
     /// Sets the view's frame to the whole window. None leaves the window empty.
     void setContentView(const std::shared_ptr<NSView>& view);
+    [[nodiscard]] const std::shared_ptr<NSViewController>& contentViewController() const noexcept {
+        return contentViewController_;
+    }
+    /// Makes the controller's view the content view; none leaves that as it is.
+    void setContentViewController(std::shared_ptr<NSViewController> controller);
 
     /// Pixels to the point: the surface's, or 1 before there is one.
     [[nodiscard]] double backingScaleFactor() const;
     [[nodiscard]] NSAppearance appearance() const noexcept { return appearance_; }
     void setAppearance(NSAppearance appearance);
 
+    // Child windows
+
+    /// Shows the window inside this one, over its content and over or under its other child windows, and
+    /// keeps it alive. A child window is drawn on its parent's surface and after it; it is hit before it,
+    /// where it draws something. Its background is clear, and it never becomes the key window. Without a
+    /// frame of its own it has its parent's, whatever size that takes. It leaves the parent or the place on
+    /// the screen that it had. A window that holds this one, or this one itself, is a caller error.
+    void addChildWindow(const std::shared_ptr<NSWindow>& child, NSWindowOrderingMode ordered);
+    /// Takes the window away from whichever parent it has; this need not be this one.
+    void removeChildWindow(const std::shared_ptr<NSWindow>& child);
+    /// None for a window of its own.
+    [[nodiscard]] std::shared_ptr<NSWindow> parentWindow() const;
+    /// Back to front.
+    [[nodiscard]] const std::vector<std::shared_ptr<NSWindow>>& childWindows() const noexcept {
+        return childWindows_;
+    }
+
     // On the screen
 
-    /// Shows the window in front of the others. Without a display it has no surface, and is listed all the
-    /// same.
+    /// Shows the window in front of the others of its level. Without a display it has no surface, and is
+    /// listed all the same. A child window comes to the front among its parent's.
     void orderFront();
     void makeKeyAndOrderFront();
-    /// Takes the window from the screen and, unless somebody else holds it, destroys it.
+    /// Takes the window from the screen or from its parent and, unless somebody else holds it, destroys it.
     void orderOut();
     void close() { orderOut(); }
     [[nodiscard]] bool isVisible() const;
+    [[nodiscard]] NSWindowLevel level() const noexcept { return level_; }
+    /// Takes effect when the window is next ordered to the front.
+    void setLevel(NSWindowLevel level) noexcept { level_ = level; }
     [[nodiscard]] bool isKeyWindow() const;
     [[nodiscard]] bool isMainWindow() const;
     [[nodiscard]] const std::shared_ptr<WindowSurface>& surface() const noexcept { return surface_; }
@@ -94,13 +133,27 @@ class KX_EXPORT NSWindow : public Subclass<NSWindow, NSResponder> {
     friend class NSView;
 
     [[nodiscard]] NSRect bounds() const noexcept { return {{0, 0}, frame_.size}; }
+    void didShowOrHide();
     void openSurface();
     void surfaceDid(const SurfaceEvent& event);
     void takeSizeFromSurface();
     void fitContentView();
     [[nodiscard]] bool prepareBacking();
     void redraw(const PixelRect& pixels);
+    void layoutIfNeeded();
+    void drawTree(GraphicsContext& context, NSRect dirty);
+    void drawOnParent(GraphicsContext& context, NSRect dirty);
+
+    [[nodiscard]] bool isInside(const NSWindow& other) const noexcept;
+    void detach();
+    void fitToParent();
+    [[nodiscard]] bool isDrawnAt(NSPoint point);
+    [[nodiscard]] std::shared_ptr<NSWindow> childAt(NSPoint point);
+    [[nodiscard]] bool sendToChild(const NSEvent& event);
+
     [[nodiscard]] std::shared_ptr<NSView> viewFor(const NSEvent& event);
+    void beginTouch(const std::shared_ptr<NSView>& view, const NSEvent& event);
+    void endTouch(const NSEvent& event);
     void sendKey(void (NSResponder::*handler)(const NSEvent&), const NSEvent& event);
     void selectKeyView(int step);
     void showFocus(bool shown);
@@ -113,7 +166,17 @@ class KX_EXPORT NSWindow : public Subclass<NSWindow, NSResponder> {
     std::shared_ptr<WindowSurface> surface_;
     std::shared_ptr<NSBitmapImageRep> backing_;
     InvalidRegion invalid_;
+    std::shared_ptr<NSViewController> contentViewController_;
+    NSWindowLevel level_ = NSNormalWindowLevel;
+
+    NSWindow* parent_ = nullptr;  // cleared by the parent before it dies
+    NSPoint originInParent_;
+    bool hasOwnFrame_ = false;
+    std::vector<std::shared_ptr<NSWindow>> childWindows_;
+
+    std::weak_ptr<NSWindow> mouseChild_;  // which child window has the mouse while it is down
     std::weak_ptr<NSView> mouseTarget_;
+    std::vector<std::weak_ptr<NSGestureRecognizer>> touched_;
     std::weak_ptr<NSResponder> firstResponder_;
     bool showsFocus_ = false;
 };

@@ -185,6 +185,12 @@ std::shared_ptr<WindowSurface> NativeWindowSystem::makeSurface(NSRect frame, Han
     return std::make_shared<NativeSurface>(shared_from_this(), window, std::move(handler));
 }
 
+std::optional<NSSize> NativeWindowSystem::mainScreenSize() {
+    NSSize size;
+    if (!open() || !module_->screenSize(&size.width, &size.height)) return std::nullopt;
+    return size;
+}
+
 void NativeWindowSystem::takeEvents() {
     WindowModuleEvent event;
     bool any = false;

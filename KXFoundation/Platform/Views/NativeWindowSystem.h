@@ -23,6 +23,7 @@ class KX_EXPORT NativeWindowSystem final : public WindowSystem,
 
     /// None, and one log line from the module, if there is no display.
     [[nodiscard]] std::shared_ptr<WindowSurface> makeSurface(NSRect frame, Handler handler) override;
+    [[nodiscard]] std::optional<NSSize> mainScreenSize() override;
 
   private:
     friend class NativeSurface;

@@ -48,15 +48,18 @@ class KX_EXPORT OffscreenSurface final : public WindowSurface {
     std::string title_;
 };
 
-/// Makes off-screen surfaces of one scale: ScopedPort<WindowSystem>
+/// Makes off-screen surfaces of one scale, on a screen of that size in points: ScopedPort<WindowSystem>
 /// scope(std::make_shared<OffscreenWindowSystem>(2)).
 class KX_EXPORT OffscreenWindowSystem final : public WindowSystem {
   public:
-    explicit OffscreenWindowSystem(double scale = 1) : scale_(scale) {}
+    explicit OffscreenWindowSystem(double scale = 1, NSSize screen = {1440, 900})
+        : scale_(scale), screen_(screen) {}
     std::shared_ptr<WindowSurface> makeSurface(NSRect frame, Handler handler) override;
+    std::optional<NSSize> mainScreenSize() override { return screen_; }
 
   private:
     double scale_;
+    NSSize screen_;
 };
 
 }  // namespace kx

@@ -1,21 +1,53 @@
 #include <KXFoundation/Platform/Graphics/GraphicsContext.h>
+#include <KXFoundation/Platform/Graphics/NSColor.h>
+#include <KXFoundation/Platform/Views/CALayer.h>
+#include <KXFoundation/Platform/Views/FrameTimer.h>
 #include <KXFoundation/Platform/Views/NSView.h>
 #include <KXFoundation/Platform/Views/ViewDrawing.h>
 
 namespace kx {
 
 void ViewDrawing::draw(NSView& view, NSRect dirty) {
-    if (!view.isSeen()) return;
+    if (!view.isDrawn()) return;
+    const bool marksItsOwnExtentOnly = view.clipsToBounds() || view.subviews().empty();
+    if (marksItsOwnExtentOnly && view.placedInSuperview(view.ownExtent()).intersection(dirty).isEmpty())
+        return;
     const auto held = view.self();
     const GraphicsContext::SavedState state(context_);
-    const NSPoint origin = view.frame().origin;
-    context_.translate(origin.x, origin.y);
-    dirty = dirty.movedBy({-origin.x, -origin.y});
-    const double opacity = view.alphaValue();
+    dirty = enter(view, dirty);
+    const double opacity = view.shownAlpha();
     if (opacity < 1) context_.beginLayer();
+    drawLayer(view, dirty);
     drawContent(view, dirty);
     drawSubviews(view, dirty);
     if (opacity < 1) context_.endLayer(opacity);
+    if (const auto& layer = view.layer(); layer && layer->animates_) FrameTimer::didDraw(layer);
+}
+
+/// Gives the context the view's coordinates and answers `dirty` in them.
+NSRect ViewDrawing::enter(const NSView& view, NSRect dirty) {
+    const NSPoint origin = view.frame().origin;
+    context_.translate(origin.x, origin.y);
+    if (!view.layer() || !view.layer()->presentation_.moves()) return dirty.movedBy({-origin.x, -origin.y});
+    const LayerPresentation& shown = view.layer()->presentation_;
+    const NSSize size = view.frame().size;
+    context_.translate(shown.offset.x + size.width / 2, shown.offset.y + size.height / 2);
+    context_.rotate(shown.rotation);
+    context_.translate(-size.width / 2, -size.height / 2);
+    return view.drawnExtent();
+}
+
+void ViewDrawing::drawLayer(const NSView& view, NSRect dirty) {
+    const auto& layer = view.layer();
+    if (!layer || !layer->background_ || view.ownExtent().intersection(dirty).isEmpty()) return;
+    const NSRect shape = context_.pixelAligned(view.bounds());
+    if (layer->throwsShadow()) {
+        const auto& color = layer->shadowColor_;
+        context_.drawShadow(shape, layer->cornerRadius_,
+                            {color->colorWithAlphaComponent(color->alphaComponent() * layer->shadowOpacity_),
+                             layer->shadowRadius_, layer->shadowOffset_});
+    }
+    context_.fill(shape, layer->cornerRadius_, *layer->background_);
 }
 
 // A clip across pixels would blend a view's edge differently with every rectangle that is drawn: clips lie on
@@ -24,18 +56,25 @@ void ViewDrawing::drawContent(NSView& view, NSRect dirty) {
     dirty = dirty.intersection(view.bounds());
     if (dirty.isEmpty()) return;
     const GraphicsContext::SavedState state(context_);
-    context_.clip(context_.pixelAligned(view.bounds()));
+    clipToBounds(view);
     view.drawRect(context_, dirty);
 }
 
 void ViewDrawing::drawSubviews(NSView& view, NSRect dirty) {
+    if (view.subviews().empty()) return;
     if (view.clipsToBounds()) {
         dirty = dirty.intersection(view.bounds());
         if (dirty.isEmpty()) return;
-        context_.clip(context_.pixelAligned(view.bounds()));
+        clipToBounds(view);
     }
     const auto subviews = view.subviews();  // drawing may run application code that changes the tree
     for (const auto& subview : subviews) draw(*subview, dirty);
+}
+
+/// Rounded where the view cuts what it holds at rounded corners.
+void ViewDrawing::clipToBounds(const NSView& view) {
+    const double radius = view.clipsToBounds() && view.layer() ? view.layer()->cornerRadius_ : 0;
+    context_.clip(context_.pixelAligned(view.bounds()), radius);
 }
 
 }  // namespace kx

@@ -7,7 +7,8 @@ namespace kx {
 class GraphicsContext;
 class NSView;
 
-/// Draws a view and everything in it, back to front. Private to Views.
+/// Draws a view and everything in it, back to front: its layer's shadow and background, its own drawing, its
+/// subviews. Private to Views.
 class ViewDrawing {
   public:
     explicit ViewDrawing(GraphicsContext& context) : context_(context) {}
@@ -16,8 +17,11 @@ class ViewDrawing {
     void draw(NSView& view, NSRect dirty);
 
   private:
+    [[nodiscard]] NSRect enter(const NSView& view, NSRect dirty);
+    void drawLayer(const NSView& view, NSRect dirty);
     void drawContent(NSView& view, NSRect dirty);
     void drawSubviews(NSView& view, NSRect dirty);
+    void clipToBounds(const NSView& view);
 
     GraphicsContext& context_;
 };

@@ -1,8 +1,11 @@
 #include <algorithm>
 
 #include <KXFoundation/Platform/Runtime/CallerError.h>
+#include <KXFoundation/Platform/Views/CALayer.h>
+#include <KXFoundation/Platform/Views/NSGestureRecognizer.h>
 #include <KXFoundation/Platform/Views/NSView.h>
 #include <KXFoundation/Platform/Views/NSWindow.h>
+#include <KXFoundation/Platform/Views/ViewConstraints.h>
 
 /// How views come into and out of a tree and its window. Hooks run application code that may change the same
 /// tree, so nothing found before a hook is trusted after it, and whoever is worked on is held.
@@ -32,6 +35,8 @@ class Mark {
 
 NSView::~NSView() {
     for (const auto& view : subviews_) view->superview_ = nullptr;
+    for (const auto& recognizer : recognizers_) recognizer->view_ = nullptr;
+    if (layer_) layer_->view_ = nullptr;
 }
 
 std::shared_ptr<NSView> NSView::superview() const {
@@ -100,6 +105,7 @@ void NSView::takeOut() {
     if (parent) parent->willRemoveSubview(*this);
     if (superview_) {
         invalidate(drawnExtent());
+        dropConstraintsAcross();
         std::erase_if(superview_->subviews_, [&](const auto& view) { return view.get() == this; });
         superview_ = nullptr;
     } else if (window_) {
@@ -137,8 +143,17 @@ void NSView::willChangeWindow(const std::shared_ptr<NSWindow>& window) {
 
 void NSView::didChangeWindow() {
     viewDidMoveToWindow();
+    viewDidShowOrHide();
     const auto views = subviews_;
     for (const auto& view : views) view->didChangeWindow();
+}
+
+/// Of the view, of one that holds it, or of the window.
+void NSView::didShowOrHide() {
+    const auto held = self();
+    viewDidShowOrHide();
+    const auto views = subviews_;
+    for (const auto& view : views) view->didShowOrHide();
 }
 
 // Layout
@@ -158,12 +173,47 @@ void NSView::markLayoutUpwards() noexcept {
 
 void NSView::layoutSubtreeIfNeeded() {
     const auto held = self();
-    if (std::exchange(needsLayout_, false)) layout();
+    if (std::exchange(needsLayout_, false)) {
+        if (constraints_) constraints_->solve();
+        layout();
+    }
     if (!std::exchange(subviewNeedsLayout_, false)) return;
     const auto views = subviews_;
     for (const auto& view : views) {
         if (view->superview_ == this) view->layoutSubtreeIfNeeded();
     }
+}
+
+// Constraints
+
+ViewConstraints& NSView::ensureConstraints() {
+    if (!constraints_) constraints_ = std::make_shared<ViewConstraints>(*this);
+    return *constraints_;
+}
+
+void NSView::dropConstraintsAcross() {
+    for (const NSView* view = superview_; view; view = view->superview_) {
+        if (view->constraints_) view->constraints_->removeAcross(*this);
+    }
+}
+
+void NSView::invalidateIntrinsicContentSize() {
+    if (!allowsChange()) return;
+    for (const NSView* view = this; view; view = view->superview_) {
+        if (view->constraints_) view->constraints_->changed(*this);
+    }
+}
+
+/// Of the view or one that holds it: leading and trailing change sides in all that it holds.
+void NSView::directionDidChange() {
+    invalidateIntrinsicContentSize();
+    for (const auto& view : subviews_) view->directionDidChange();
+}
+
+void NSView::setTranslatesAutoresizingMaskIntoConstraints(bool translates) {
+    if (translates == placesItself_ || !allowsChange()) return;
+    placesItself_ = translates;
+    invalidateIntrinsicContentSize();
 }
 
 }  // namespace kx

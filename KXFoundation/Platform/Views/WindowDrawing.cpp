@@ -14,10 +14,12 @@
 namespace kx {
 
 double NSWindow::backingScaleFactor() const {
+    if (parent_) return parent_->backingScaleFactor();
     return surface_ ? surface_->scale() : 1;
 }
 
 void NSWindow::setNeedsDisplay(NSRect rect) {
+    if (parent_) return parent_->setNeedsDisplay(rect.intersection(bounds()).movedBy(originInParent_));
     const bool wasEmpty = invalid_.isEmpty();
     invalid_.add(rect.intersection(bounds()));
     if (wasEmpty && !invalid_.isEmpty()) wakeLoop();
@@ -25,6 +27,7 @@ void NSWindow::setNeedsDisplay(NSRect rect) {
 
 /// A loop of the application's own learns from the descriptor that there is something to lay out or draw.
 void NSWindow::wakeLoop() const {
+    if (parent_) return parent_->wakeLoop();
     if (surface_) EventLoop::main().perform([] {});
 }
 
@@ -35,10 +38,11 @@ void NSWindow::setAppearance(NSAppearance appearance) {
 }
 
 void NSWindow::displayIfNeeded() {
+    if (const auto parent = parentWindow()) return parent->displayIfNeeded();
     if (!surface_) return;
     const auto held = self();
     const auto surface = surface_;  // drawing may close the window
-    if (const auto content = contentView_) content->layoutSubtreeIfNeeded();
+    layoutIfNeeded();
     if (invalid_.isEmpty() || !prepareBacking()) return;
     const auto backing = backing_;
     const std::vector<PixelRect> changed =
@@ -46,6 +50,13 @@ void NSWindow::displayIfNeeded() {
     invalid_.clear();
     for (const PixelRect& rect : changed) redraw(rect);
     surface->present(*backing, changed);
+}
+
+void NSWindow::layoutIfNeeded() {
+    if (const auto content = contentView_) content->layoutSubtreeIfNeeded();
+    if (childWindows_.empty()) return;
+    const auto children = childWindows_;  // layout may run application code that changes the list
+    for (const auto& child : children) child->layoutIfNeeded();
 }
 
 /// Pixels of the surface's size; false if there can be none.
@@ -72,7 +83,24 @@ void NSWindow::redraw(const PixelRect& pixels) {
     const GraphicsContext::Current current(*context);
     context->clip(context->pixelAligned(dirty));
     context->fill(dirty, *NSColor::windowBackgroundColor());
-    if (const auto content = contentView_) ViewDrawing(*context).draw(*content, dirty);
+    drawTree(*context, dirty);
+}
+
+/// The content, and over it the child windows.
+void NSWindow::drawTree(GraphicsContext& context, NSRect dirty) {
+    if (const auto content = contentView_) ViewDrawing(context).draw(*content, dirty);
+    if (childWindows_.empty()) return;
+    const auto children = childWindows_;  // drawing may run application code that changes the list
+    for (const auto& child : children) child->drawOnParent(context, dirty);
+}
+
+void NSWindow::drawOnParent(GraphicsContext& context, NSRect dirty) {
+    dirty = dirty.movedBy({-originInParent_.x, -originInParent_.y}).intersection(bounds());
+    if (dirty.isEmpty()) return;
+    const GraphicsContext::SavedState state(context);
+    context.translate(originInParent_.x, originInParent_.y);
+    context.clip(context.pixelAligned(bounds()));
+    drawTree(context, dirty);
 }
 
 }  // namespace kx

@@ -2,6 +2,7 @@
 
 #include <functional>
 #include <memory>
+#include <optional>
 #include <span>
 #include <string_view>
 #include <variant>
@@ -55,6 +56,9 @@ class KX_EXPORT WindowSystem {
     /// A surface for a window of that frame (points, on the screen); none if there is no display to show it
     /// on.
     [[nodiscard]] virtual std::shared_ptr<WindowSurface> makeSurface(NSRect frame, Handler handler) = 0;
+
+    /// The main screen's size in points; none if there is no display.
+    [[nodiscard]] virtual std::optional<NSSize> mainScreenSize() { return std::nullopt; }
 
     static PortSlot<WindowSystem>& slot();
     static std::shared_ptr<WindowSystem> makeDefault();

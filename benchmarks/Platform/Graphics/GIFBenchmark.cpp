@@ -1,21 +1,21 @@
 // gif/<workload>/<who>: every frame composited into one reused, warm frame, on one thread.
 // gif-first-frame/large/<who>: from the bytes to the first finished frame.
-// gif-two-threads/large/<who>: as gif, by two threads that take turns at painting (wall time).
+// gif-two-threads/large/<who>: as gif, while a background thread unpacks ahead (wall time).
 //
 // The workloads are made by make_gifs.sh into the folder KX_GIF_WORKLOADS.
-#include <atomic>
 #include <cstdio>
 #include <cstdlib>
 #include <cstring>
 #include <fstream>
 #include <functional>
 #include <iterator>
+#include <memory>
 #include <string>
-#include <thread>
 #include <vector>
 
 #include <benchmark/benchmark.h>
 
+#include <KXFoundation/Platform/Graphics/GIF/GIFAheadDecoder.h>
 #include <KXFoundation/Platform/Graphics/GIF/GIFDecoder.h>
 
 #include "benchmarks/peers/gif_peers.h"
@@ -44,29 +44,14 @@ int withKX(std::span<const std::uint8_t> file, Bytes& scratch, const GIFSink& si
     return frames;
 }
 
-// Each thread unpacks every second frame, and paints it when it is that frame's turn.
 int withTwoThreads(std::span<const std::uint8_t> file, Bytes& scratch, const GIFSink& sink) {
     const auto reader = kx::GIFReader::open(file);
     if (!reader) return -1;
-    const kx::GIFContents contents = reader->contents();
     const kx::GIFPixels pixels = pixelsIn(scratch, reader->width(), reader->height());
-    kx::GIFCanvas canvas(reader->width(), reader->height());
-    std::atomic<std::size_t> turn = 0;
-    const auto everySecond = [&](std::size_t first) {
-        kx::GIFIndexPlane plane;
-        for (std::size_t i = first; i < contents.frames.size(); i += 2) {
-            benchmark::DoNotOptimize(plane.unpack(contents.frames[i]).ok());
-            for (std::size_t now = turn; now != i; now = turn) turn.wait(now);
-            canvas.paint(contents.frames[i], plane.indices(), pixels);
-            sink({reader->width(), reader->height(), scratch});
-            ++turn;
-            turn.notify_all();
-        }
-    };
-    std::thread other(everySecond, 1);
-    everySecond(0);
-    other.join();
-    return static_cast<int>(contents.frames.size());
+    kx::GIFAheadDecoder decoder(std::make_shared<const kx::GIFContents>(reader->contents()), reader->width(),
+                                reader->height());
+    while (decoder.next(pixels)) sink({reader->width(), reader->height(), scratch});
+    return static_cast<int>(decoder.position());
 }
 
 Bytes read(const std::string& name) {

@@ -2,9 +2,6 @@
 
 #include <KXFoundation/AppEnvironment/KXAppUtils.h>
 #include <KXFoundation/Platform/Foundation/NSBundle.h>
-#include <KXFoundation/Platform/Graphics/NSColor.h>
-#include <KXFoundation/Platform/Views/NSCollectionView.h>
-#include <KXFoundation/Platform/Views/NSCollectionViewFlowLayout.h>
 
 namespace gallery {
 
@@ -34,14 +31,7 @@ void addAnswers(Column& column) {
         const auto answer = KXAppUtils::getCloudLocaleBySelectedCountryBykey(key);
         cells.push_back(label(std::string(key) + " \u2192 " + orNone(answer)));
     }
-    auto layout = make<NSCollectionViewFlowLayout>();
-    layout->setItemSize({column.width() / 4 - 8, 22});
-    layout->setMinimumInteritemSpacing(8);
-    layout->setMinimumLineSpacing(2);
-    auto view = make<NSCollectionView>();
-    view->setCollectionViewLayout(layout);
-    view->setItemViews(cells);
-    column.add(view, layout->contentHeight(cells.size(), column.width()));
+    column.grid(cells, 4, 22, 2);
 }
 
 }  // namespace

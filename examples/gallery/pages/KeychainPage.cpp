@@ -1,13 +1,12 @@
 #include "pages/KeychainPage.h"
 
-#include <functional>
 #include <string>
 
 #include <KXFoundation/Device/KXKeychainUtils.h>
 #include <KXFoundation/Platform/Services/KeychainChoice.h>
-#include <KXFoundation/Platform/Views/NSButton.h>
 
 #include "Gallery.h"
+#include "PushButton.h"
 
 namespace gallery {
 
@@ -39,17 +38,6 @@ std::string_view nameOf(KeychainCapability::Store store) {
     return "general.none";
 }
 
-std::shared_ptr<NSButton> button(std::string_view key, Gallery& gallery, std::function<void()> action) {
-    auto made = make<NSButton>();
-    made->setTitle(text(key));
-    made->sizeToFit();
-    made->setAction([&gallery, action = std::move(action)](NSControl&) {
-        action();
-        gallery.rebuild();
-    });
-    return made;
-}
-
 }  // namespace
 
 KeychainPage::KeychainPage() {
@@ -68,9 +56,14 @@ void KeychainPage::build(Column& column, Gallery& gallery) {
     column.pair(text("keychain.other_class"),
                 orNone(KXKeychainUtils::loadDataForKey(kKey, ValueClass::NSString)));
     column.space(8);
-    column.row({button("button.save", gallery, saveOnceMore),
-                button("button.remove", gallery, [] { KXKeychainUtils::deleteKeyDataFor(kKey); })},
-               28);
+    const auto showingAnew = [&gallery](void (*change)()) {
+        return [&gallery, change] {
+            change();
+            gallery.rebuild();
+        };
+    };
+    column.row({pushButton("button.save", showingAnew(saveOnceMore)),
+                pushButton("button.remove", showingAnew([] { KXKeychainUtils::deleteKeyDataFor(kKey); }))});
 }
 
 }  // namespace gallery

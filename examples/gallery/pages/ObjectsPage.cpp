@@ -4,10 +4,12 @@
 
 #include <KXFoundation/Platform/Runtime/DispatchQueue.h>
 #include <KXFoundation/Platform/Runtime/Semaphore.h>
+#include <KXFoundation/Platform/Views/NSButton.h>
 #include <KXFoundation/Platform/Views/NSCollectionView.h>
 #include <KXFoundation/Platform/Views/NSCollectionViewFlowLayout.h>
 
 #include "Gallery.h"
+#include "PushButton.h"
 
 namespace gallery {
 
@@ -58,18 +60,6 @@ void ObjectsPage::add() {
     list_->addObject(object);
 }
 
-std::shared_ptr<NSButton> ObjectsPage::button(std::string_view key, Gallery& gallery,
-                                              void (ObjectsPage::*action)()) {
-    auto made = make<NSButton>();
-    made->setTitle(text(key));
-    made->sizeToFit();
-    made->setAction([this, &gallery, action](NSControl&) {
-        (this->*action)();
-        gallery.rebuild();
-    });
-    return made;
-}
-
 void ObjectsPage::build(Column& column, Gallery& gallery) {
     column.title(text("objects.title"));
     column.paragraph(text("objects.explanation"));
@@ -78,10 +68,15 @@ void ObjectsPage::build(Column& column, Gallery& gallery) {
     column.pair(text("objects.changes_b"), std::to_string(changesByB_));
     column.pair(text("objects.elements"), std::to_string(list_->count()));
     column.space(8);
-    column.row({button("button.add", gallery, &ObjectsPage::add),
-                button("button.remove", gallery, &ObjectsPage::remove),
-                button("button.clear", gallery, &ObjectsPage::clear)},
-               28);
+    const auto showingAnew = [this, &gallery](void (ObjectsPage::*change)()) {
+        return [this, &gallery, change] {
+            (this->*change)();
+            gallery.rebuild();
+        };
+    };
+    column.row({pushButton("button.add", showingAnew(&ObjectsPage::add)),
+                pushButton("button.remove", showingAnew(&ObjectsPage::remove)),
+                pushButton("button.clear", showingAnew(&ObjectsPage::clear))});
     column.space(12);
 
     constexpr std::int64_t kShown = 40;

@@ -5,7 +5,6 @@
 #include <vector>
 
 #include <KXFoundation/Core/KXList.h>
-#include <KXFoundation/Platform/Views/NSButton.h>
 
 #include "Page.h"
 
@@ -20,8 +19,6 @@ class ObjectsPage final : public Page {
   private:
     void changeFromTwoThreads();
     void add();
-    std::shared_ptr<kx::NSButton> button(std::string_view key, Gallery& gallery,
-                                         void (ObjectsPage::*action)());
     void remove() {
         if (!list_->isEmpty()) list_->removeLastObject();
     }

@@ -1,15 +1,14 @@
 #include "pages/RequestsPage.h"
 
 #include <algorithm>
-#include <functional>
 #include <utility>
 
 #include <KXFoundation/Core/KXRequestAnswer.h>
 #include <KXFoundation/Platform/Foundation/NotificationName.h>
 #include <KXFoundation/Platform/Runtime/DispatchQueue.h>
-#include <KXFoundation/Platform/Views/NSButton.h>
 
 #include "Gallery.h"
+#include "PushButton.h"
 
 namespace gallery {
 
@@ -57,14 +56,6 @@ class PrimesRequest : public Subclass<PrimesRequest, KXRequest> {
     }
 };
 
-std::shared_ptr<NSButton> button(std::string_view key, std::function<void()> action) {
-    auto made = make<NSButton>();
-    made->setTitle(text(key));
-    made->sizeToFit();
-    made->setAction([action = std::move(action)](NSControl&) { action(); });
-    return made;
-}
-
 std::string primesIn(const Value& response) {
     return std::to_string(response["primes"].asInteger().value_or(0));
 }
@@ -107,8 +98,8 @@ void RequestsPage::build(Column& column, Gallery& gallery) {
     column.title(text("requests.title"));
     column.paragraph(text("requests.explanation"));
     column.space(12);
-    column.row({button("requests.start", [this] { start(); }), button("requests.await", [this] { await(); })},
-               28);
+    column.row({pushButton("requests.start", [this] { start(); }),
+                pushButton("requests.await", [this] { await(); })});
     column.space(8);
     const bool isWaiting = request_->identifier() >= 1;
     column.pair(text("requests.state"), text(isWaiting ? "requests.waiting" : "requests.idle"));

@@ -1,3 +1,6 @@
+#include <chrono>
+#include <cmath>
+
 #include <gtest/gtest.h>
 #include <unicode/gregocal.h>
 
@@ -45,6 +48,12 @@ class Icu {
     UErrorCode status_ = U_ZERO_ERROR;
     icu::GregorianCalendar calendar_;
 };
+
+std::uint64_t daysIn(std::int64_t year, std::int64_t month) {
+    const std::chrono::year_month_day_last last(std::chrono::year(static_cast<int>(year)) /
+                                                static_cast<int>(month) / std::chrono::last);
+    return static_cast<unsigned>(last.day());
+}
 
 TEST(NSCalendar, HasTheFieldsThatIcuHas) {
     const testing::ScopedPlatform platform;
@@ -132,6 +141,72 @@ TEST(NSCalendar, CountsSeveralUnitsFromTheLargestOn) {
     EXPECT_EQ(difference, want);
     EXPECT_EQ(calendar->dateByAddingComponents(difference, from), to);
     EXPECT_EQ(calendar->components(16, from, std::nullopt), NSDateComponents());
+}
+
+/// What is remembered of a month says what fields say, where clocks change at its ends too.
+TEST(NSCalendar, MonthsAreWhatTheirFieldsSay) {
+    const testing::ScopedPlatform platform;
+    for (const char* zone : {"UTC", "America/New_York", "America/Santiago", "America/Havana",
+                             "America/Sao_Paulo", "Africa/Cairo", "Africa/Casablanca", "Asia/Amman",
+                             "Asia/Manila", "Australia/Lord_Howe", "Europe/Chisinau", "Pacific/Apia"}) {
+        const auto calendar = make<NSCalendar>();
+        calendar->setTimeZone(NSTimeZone::timeZoneWithName(zone));
+        // Four days and a bit at a time, and both ends of each month that comes.
+        for (std::int64_t utc = -4'000'000'000; utc < 14'000'000'000; utc += 359'999) {
+            auto fields = calendar->components(
+                kEverything, NSDate::dateWithTimeIntervalSince1970(static_cast<double>(utc)));
+            const auto length = static_cast<std::int64_t>(daysIn(fields.year(), fields.month()));
+            const auto at = [&](std::int64_t day) {
+                fields.setDay(day);
+                fields.setHour(0);
+                fields.setMinute(0);
+                fields.setSecond(0);
+                return calendar->dateFromComponents(fields);
+            };
+            const auto first = at(1), last = at(length);
+            for (const double seconds : {static_cast<double>(utc), first->timeIntervalSince1970(),
+                                         at(length + 1)->timeIntervalSince1970() - 0.25}) {
+                const auto date = NSDate::dateWithTimeIntervalSince1970(seconds);
+                if (calendar->components(NSCalendarUnitMonth, date).month() != fields.month()) continue;
+                ASSERT_EQ(calendar->firstDayOfMonth(date), first) << zone << " " << seconds;
+                ASSERT_EQ(calendar->lastDayOfMonth(date), last) << zone << " " << seconds;
+                ASSERT_EQ(calendar->rangeOfUnit(NSCalendarUnitDay, NSCalendarUnitMonth, date).length,
+                          static_cast<std::uint64_t>(length))
+                    << zone << " " << seconds;
+            }
+        }
+    }
+}
+
+TEST(NSCalendar, CountsFractionsOfSeconds) {
+    const testing::ScopedPlatform platform;
+    const auto calendar = make<NSCalendar>();
+    calendar->setTimeZone(NSTimeZone::timeZoneWithName("UTC"));
+    const struct {
+        double from, to;
+        std::int64_t days, seconds;
+    } rows[] = {{0.875, 1.125, 0, 0},      {1.125, 0.875, 0, 0},
+                {0.125, 1.125, 0, 1},      {0.875, 86'400.125, 0, 86'399},
+                {0.125, 86'400.875, 1, 0}, {86'400.125, 0.875, 0, -86'399},
+                {-0.5, 0.25, 0, 0},        {0.75, -86'399.5, -1, 0}};
+    for (const auto& [from, to, days, seconds] : rows) {
+        const auto difference = calendar->components(NSCalendarUnitDay | NSCalendarUnitSecond,
+                                                     NSDate::dateWithTimeIntervalSince1970(from),
+                                                     NSDate::dateWithTimeIntervalSince1970(to));
+        EXPECT_EQ(difference.day(), days) << from << " " << to;
+        EXPECT_EQ(difference.second(), seconds) << from << " " << to;
+    }
+    NSDateComponents fields;
+    fields.setYear(1970);
+    for (const auto& [nanosecond, want] : {std::pair<std::int64_t, double>{500'000'000, 0.5},
+                                           {-500'000'000, -0.5},
+                                           {172'800'250'000'000, 172'800.25}}) {
+        fields.setNanosecond(nanosecond);
+        const auto date = calendar->dateFromComponents(fields);
+        EXPECT_EQ(date, NSDate::dateWithTimeIntervalSince1970(want)) << nanosecond;
+        EXPECT_EQ(calendar->components(NSCalendarUnitNanosecond, date).nanosecond(),
+                  static_cast<std::int64_t>((want - std::floor(want)) * 1e9));
+    }
 }
 
 }  // namespace

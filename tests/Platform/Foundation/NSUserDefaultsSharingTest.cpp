@@ -3,15 +3,13 @@
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
-#include <sys/wait.h>
-#include <unistd.h>
 
 #include <KXFoundation/Platform/Foundation/NSUserDefaults.h>
 
 #include "support/CapturedLog.h"
 #include "support/ScopedPlatform.h"
 
-// Two objects of one identifier stand for two processes; the last test has real ones.
+// Two objects of one identifier stand for two processes; real ones are in tests/faults.
 
 namespace kx {
 namespace {
@@ -67,41 +65,6 @@ TEST_F(NSUserDefaultsSharingTest, ADeletedFileIsWrittenAgainWhole) {
     ASSERT_TRUE(settings->synchronize());
     EXPECT_EQ(defaults()->objectForKey("a"), Value(1));
     EXPECT_EQ(defaults()->objectForKey("b"), Value(2));
-}
-
-constexpr int kKeys = 200;
-
-std::string keyOf(char process, int number) {
-    return std::string(1, process) + std::to_string(number);
-}
-
-[[noreturn]] void setOwnKeys(char process) {
-    const auto settings = make<NSUserDefaults>("org.example.app");
-    bool good = true;
-    for (int i = 0; i < kKeys; ++i) {
-        settings->setObject(keyOf(process, i), i);
-        good = settings->synchronize() && good;
-    }
-    ::_exit(good ? 0 : 1);
-}
-
-TEST_F(NSUserDefaultsSharingTest, TwoProcessesLoseNoKey) {
-    std::vector<pid_t> children;
-    for (const char process : {'a', 'b'}) {
-        const pid_t child = ::fork();
-        ASSERT_GE(child, 0);
-        if (child == 0) setOwnKeys(process);
-        children.push_back(child);
-    }
-    for (const pid_t child : children) {
-        int status = 0;
-        ASSERT_EQ(::waitpid(child, &status, 0), child);
-        EXPECT_EQ(status, 0);
-    }
-    const auto settings = defaults();
-    for (const char process : {'a', 'b'}) {
-        for (int i = 0; i < kKeys; ++i) EXPECT_EQ(settings->objectForKey(keyOf(process, i)), Value(i));
-    }
 }
 
 }  // namespace

@@ -1,10 +1,12 @@
 #include <filesystem>
 #include <fstream>
+#include <thread>
 
 #include <gtest/gtest.h>
 #include <sys/stat.h>
 #include <sys/wait.h>
 
+#include <KXFoundation/Platform/Foundation/ClockFormatSetting.h>
 #include <KXFoundation/Platform/Runtime/Executor.h>
 #include <KXFoundation/Platform/Runtime/Module.h>
 #include <KXFoundation/Platform/Services/BusAddress.h>
@@ -91,11 +93,11 @@ TEST_F(DesktopServicesTest, ADeadBusIsLeftInTime) {
 TEST_F(DesktopServicesTest, ASensorOnADeadBusIsNotAskedForAgainAtOnce) {
     const testing::SilentSocket bus;
     platform_.environment().set("DBUS_SYSTEM_BUS_ADDRESS", "unix:path=" + bus.path());
-    FprintBiometrics biometrics(std::chrono::milliseconds(20));
-    EXPECT_EQ(biometrics.type().error().kind, ErrorKind::TimedOut);
+    FprintBiometrics biometrics;
+    EXPECT_EQ(biometrics.type(std::chrono::milliseconds(20)).error().kind, ErrorKind::TimedOut);
     platform_.environment().set("DBUS_SYSTEM_BUS_ADDRESS", "unix:path=/no/such/bus");
-    EXPECT_EQ(biometrics.type().error().kind, ErrorKind::TimedOut);
-    EXPECT_EQ(FprintBiometrics(kPatience).type().error().kind, ErrorKind::Missing);
+    EXPECT_EQ(biometrics.type(kPatience).error().kind, ErrorKind::TimedOut);
+    EXPECT_EQ(FprintBiometrics().type(kPatience).error().kind, ErrorKind::Missing);
 }
 
 TEST_F(DesktopServicesTest, FingerprintReaders) {
@@ -103,12 +105,12 @@ TEST_F(DesktopServicesTest, FingerprintReaders) {
                                                          {"no-reader", BiometryType::None}};
     for (const auto& [service, want] : rows) {
         if (!startBus({service})) GTEST_SKIP() << "no message bus can be started here";
-        const auto type = FprintBiometrics(kPatience).type();
+        const auto type = FprintBiometrics().type(kPatience);
         ASSERT_TRUE(type) << type.error().message();
         EXPECT_EQ(*type, want) << service;
     }
     ASSERT_TRUE(startBus({}));
-    EXPECT_EQ(FprintBiometrics(kPatience).type().error().kind, ErrorKind::Missing);
+    EXPECT_EQ(FprintBiometrics().type(kPatience).error().kind, ErrorKind::Missing);
 }
 
 TEST_F(DesktopServicesTest, ThePortalOpensAddressesButNoFiles) {
@@ -153,6 +155,38 @@ TEST_F(DesktopServicesTest, WhatCannotBeOpenedIsOneLine) {
     EXPECT_EQ(log.lines().size(), 1U);
 }
 
+/// Waits for the desktop's word, which comes on a thread of the module's own; false if it does not.
+bool becomes(const ClockFormatSetting& setting, ClockFormat want) {
+    const auto latest = std::chrono::steady_clock::now() + kPatience;
+    while (setting.clockFormat() != want && std::chrono::steady_clock::now() < latest)
+        std::this_thread::yield();
+    return setting.clockFormat() == want;
+}
+
+TEST_F(DesktopServicesTest, TheDesktopsClockSettingIsFollowed) {
+    struct {
+        const char* desktop;
+        std::string schema;
+        std::vector<std::string> changes;
+    } const rows[] = {
+        {"ubuntu:GNOME", "org.gnome.desktop.interface ", {"clock-format 12h", "clock-format 24h"}},
+        {"X-Cinnamon", "org.cinnamon.desktop.interface ", {"clock-use-24h false", "clock-use-24h true"}},
+    };
+    for (const auto& row : rows) {
+        if (!startBus({"portal"})) GTEST_SKIP() << "no message bus can be started here";
+        platform_.environment().set("XDG_CURRENT_DESKTOP", row.desktop);
+        const auto setting = ClockFormatSetting::makeDefault();
+        EXPECT_TRUE(becomes(*setting, ClockFormat::TwentyFourHour)) << row.desktop;
+        script_->writeLine("org.gnome.desktop.interface text-scaling-factor 12h");
+        script_->writeLine(row.schema + row.changes[0]);
+        EXPECT_TRUE(becomes(*setting, ClockFormat::TwelveHour)) << row.desktop;
+        script_->writeLine(row.schema + row.changes[1]);
+        EXPECT_TRUE(becomes(*setting, ClockFormat::TwentyFourHour)) << row.desktop;
+        script_->writeLine(row.schema + row.changes[1].substr(0, row.changes[1].find(' ')) + " never");
+        EXPECT_TRUE(becomes(*setting, ClockFormat::Unset)) << row.desktop;
+    }
+}
+
 /// The answer of that name.
 Capability capability(std::string_view name) {
     for (Capability& found : capabilities(kPatience)) {
@@ -170,7 +204,6 @@ TEST_F(DesktopServicesTest, CapabilitiesTellWhatWorksAndWhyNot) {
     EXPECT_TRUE(capability("display").works);
     platform_.environment().set("WAYLAND_DISPLAY", display.path() + "-gone");
     EXPECT_FALSE(capability("display").works);
-    const ScopedPort<Biometrics> patient(std::make_shared<FprintBiometrics>(kPatience));
     if (!startBus({"portal", "reader"})) GTEST_SKIP() << "no message bus can be started here";
     for (const char* name : {"bus", "portal", "biometrics"}) EXPECT_TRUE(capability(name).works) << name;
     ASSERT_TRUE(startBus({}));

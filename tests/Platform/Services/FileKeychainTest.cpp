@@ -3,8 +3,6 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 #include <sys/stat.h>
-#include <sys/wait.h>
-#include <unistd.h>
 
 #include <KXFoundation/Platform/Runtime/Module.h>
 #include <KXFoundation/Platform/Services/FileKeychain.h>
@@ -16,7 +14,6 @@
 namespace kx {
 namespace {
 
-using ::testing::ElementsAre;
 using testing::FaultyFileSystem;
 using ::testing::HasSubstr;
 using Call = FaultyFileSystem::Call;
@@ -30,13 +27,6 @@ struct FileKeychainTest : ::testing::Test {
     std::string valueOf(std::string_view name) const {
         auto found = keychain().copy({name, name});
         return found ? *found : "(" + std::string(errorKindName(found.error().kind)) + ")";
-    }
-    std::vector<std::string> fileNames() const {
-        std::vector<std::string> names;
-        for (const auto& entry : std::filesystem::directory_iterator(directory / "data/app"))
-            names.push_back(entry.path().filename());
-        std::ranges::sort(names);
-        return names;
     }
 
     testing::TemporaryDirectory directory;
@@ -138,61 +128,6 @@ TEST_F(FileKeychainTest, ADamagedFileIsSetAside) {
     }
 }
 
-/// Every call of deleting and adding fails in turn.
-struct FileKeychainFaultTest : FileKeychainTest, ::testing::WithParamInterface<FaultyFileSystem::Then> {};
-
-TEST_P(FileKeychainFaultTest, AFailingCallLosesNoOtherItem) {
-    EXPECT_TRUE(keychain().add({"other", "other"}, "kept").ok());
-    bool passed = false;
-    std::size_t number = 0;
-    while (!passed) {
-        ASSERT_LT(++number, 200u) << "no end of calls";
-        EXPECT_TRUE(keychain().add({"a", "a"}, "old").ok());
-        FileKeychain store = keychain();
-        files->failCall(number, number % 2 == 0 ? EIO : ENOSPC, GetParam());
-        files->resetCounts();
-        const bool removed = store.remove({"a", "a"}).ok();
-        const bool added = store.add({"a", "a"}, "new").ok();
-        passed = files->calls() < number;
-        files->heal();
-        const std::string found = valueOf("a");
-        EXPECT_TRUE(added ? found == "new"
-                          : found == "new" || found == kMissing || (!removed && found == "old"))
-            << "call " << number << " left " << found;
-        EXPECT_TRUE(!passed || (removed && added));
-        EXPECT_EQ(valueOf("other"), "kept") << "call " << number;
-    }
-    EXPECT_GT(number, 20u);
-    EXPECT_THAT(log.lines(), ElementsAre()) << "a failing disk is no damage";
-    if (GetParam() == FaultyFileSystem::Then::Recovers) {
-        EXPECT_THAT(fileNames(), ElementsAre("keychain", "keychain.key", "keychain.lock"));
-    }
-}
-
-/// The first save of all, with the key still to be made.
-TEST_P(FileKeychainFaultTest, AFailingFirstSaveIsMadeGoodByTheNext) {
-    for (std::size_t number = 1;; ++number) {
-        std::filesystem::remove_all(directory / "data");
-        FileKeychain store = keychain();
-        files->failCall(number, EIO, GetParam());
-        files->resetCounts();
-        const bool added = store.add({"a", "a"}, "first").ok();
-        const bool passed = files->calls() < number;
-        files->heal();
-        EXPECT_TRUE(!added || valueOf("a") == "first") << "call " << number;
-        EXPECT_TRUE(keychain().add({"b", "b"}, "second").ok()) << "call " << number;
-        EXPECT_EQ(valueOf("b"), "second") << "call " << number;
-        EXPECT_TRUE(!added || valueOf("a") == "first") << "call " << number << ", after the next";
-        if (passed) break;
-        ASSERT_LT(number, 100u);
-    }
-    EXPECT_THAT(log.lines(), ElementsAre());
-}
-
-INSTANTIATE_TEST_SUITE_P(After, FileKeychainFaultTest,
-                         ::testing::Values(FaultyFileSystem::Then::Recovers,
-                                           FaultyFileSystem::Then::StaysBroken));
-
 TEST_F(FileKeychainTest, ReadsWhereNothingCanBeWritten) {
     EXPECT_TRUE(keychain().add({"a", "a"}, "old").ok());
     std::filesystem::remove(directory / "data/app/keychain.lock");
@@ -200,39 +135,6 @@ TEST_F(FileKeychainTest, ReadsWhereNothingCanBeWritten) {
     EXPECT_EQ(valueOf("a"), "old");
     EXPECT_FALSE(keychain().add({"a", "a"}, "new").ok());
     EXPECT_EQ(valueOf("a"), "old");
-}
-
-constexpr int kItems = 30;
-
-[[noreturn]] void addOwnItems(FileKeychain keychain, char process) {
-    for (int i = 0; i < kItems; ++i) {
-        const std::string name = process + std::to_string(i);
-        static_cast<void>(keychain.remove({name, name}));
-        if (!keychain.add({name, name}, name)) ::_exit(1);
-    }
-    ::_exit(0);
-}
-
-TEST_F(FileKeychainTest, TwoProcessesLoseNoItem) {
-    std::vector<pid_t> children;
-    for (const char process : {'a', 'b'}) {
-        const pid_t child = ::fork();
-        ASSERT_GE(child, 0);
-        if (child == 0) addOwnItems(keychain(), process);
-        children.push_back(child);
-    }
-    for (const pid_t child : children) {
-        int status = 0;
-        ASSERT_EQ(::waitpid(child, &status, 0), child);
-        EXPECT_EQ(status, 0);
-    }
-    for (const char process : {'a', 'b'}) {
-        for (int i = 0; i < kItems; ++i) {
-            const std::string name = process + std::to_string(i);
-            EXPECT_EQ(valueOf(name), name);
-        }
-    }
-    EXPECT_THAT(log.lines(), ElementsAre());
 }
 
 }  // namespace

@@ -6,6 +6,7 @@
 #include <sys/un.h>
 #include <unistd.h>
 
+#include <KXFoundation/Platform/Runtime/ManualClock.h>
 #include <KXFoundation/Platform/Runtime/Module.h>
 #include <KXFoundation/Platform/Services/DesktopModule.h>
 #include <KXFoundation/Platform/Services/KeychainChoice.h>
@@ -112,6 +113,38 @@ TEST_F(SecretServiceKeychainTest, SilenceEndsWithTheTime) {
     EXPECT_EQ(store.copy({"a", "a"}).error().kind, ErrorKind::TimedOut);
     EXPECT_EQ(store.add({"a", "a"}, "x").error().kind, ErrorKind::TimedOut);
     EXPECT_EQ(store.remove({"a", "a"}).error().kind, ErrorKind::TimedOut);
+}
+
+/// A service that takes all the time there is, each time it is asked.
+struct SlowService {
+    static inline std::shared_ptr<ManualClock> clock;
+    static inline int asked = 0;
+
+    static DesktopReply wait(std::uint32_t milliseconds) {
+        ++asked;
+        clock->advance(std::chrono::milliseconds(milliseconds));
+        return DesktopReply::TimedOut;
+    }
+    static constexpr DesktopSecrets kTable{
+        .probe = [](const char*, std::uint32_t time) { return wait(time); },
+        .copy = [](const char*, const DesktopSecret*, std::uint32_t time, auto, void*,
+                   bool*) { return wait(time); },
+        .add = [](const char*, const DesktopSecret*, const void*, std::size_t,
+                  std::uint32_t time) { return wait(time); },
+        .remove = [](const char*, const DesktopSecret*, std::uint32_t time, bool*) { return wait(time); }};
+};
+
+TEST(SecretServiceKeychain, SilenceHoldsASaveUpOnce) {
+    SlowService::clock = std::make_shared<ManualClock>();
+    const ScopedPort<Clock> scope(SlowService::clock);
+    SecretServiceKeychain store(SlowService::kTable, "", "org.example.app", kKeychainTimeout);
+    for (const int round : {1, 2}) {
+        EXPECT_EQ(store.remove({"a", "a"}).error().kind, ErrorKind::TimedOut);
+        EXPECT_EQ(store.add({"a", "a"}, "x").error().kind, ErrorKind::TimedOut);
+        EXPECT_EQ(store.copy({"a", "a"}).error().kind, ErrorKind::TimedOut);
+        EXPECT_EQ(SlowService::asked, round);
+        SlowService::clock->advance(kKeychainTimeout);
+    }
 }
 
 TEST_F(SecretServiceKeychainTest, TheServiceIsChosenWhereItCanKeepItems) {

@@ -1,6 +1,6 @@
 #include <KXFoundation/Platform/Services/DesktopBiometrics.h>
 
-#include "BusQuestion.h"
+#include "BusConversation.h"
 #include "DesktopServices.h"
 
 namespace kx {
@@ -8,19 +8,15 @@ namespace kx {
 namespace {
 
 // fprintd's interface: https://fprint.freedesktop.org/fprintd-dev/Manager.html
-constexpr const char* kNoSuchDevice = "net.reactivated.Fprint.Error.NoSuchDevice";
-
 DesktopReply hasFingerprintReader(const char* busAddress, std::uint32_t timeoutMilliseconds,
                                   bool* hasReader) {
-    std::string refusal;
-    const DesktopReply reply = ask({.bus = busAddress,
-                                    .service = "net.reactivated.Fprint",
-                                    .path = "/net/reactivated/Fprint/Manager",
-                                    .interface = "net.reactivated.Fprint.Manager",
-                                    .method = "GetDefaultDevice"},
-                                   timeoutMilliseconds, nullptr, &refusal);
-    *hasReader = reply == DesktopReply::Answered;
-    return refusal == kNoSuchDevice ? DesktopReply::Answered : reply;
+    return converse(busAddress, timeoutMilliseconds, *hasReader, [](BusConversation& talk, bool& isThere) {
+        isThere = talk.call({.service = "net.reactivated.Fprint",
+                             .path = "/net/reactivated/Fprint/Manager",
+                             .interface = "net.reactivated.Fprint.Manager",
+                             .method = "GetDefaultDevice",
+                             .saysNone = "net.reactivated.Fprint.Error.NoSuchDevice"}) != nullptr;
+    });
 }
 
 }  // namespace

@@ -3,10 +3,9 @@
 
 #include <string>
 
-#include <gio/gio.h>
-
 #include <KXFoundation/Platform/Services/DesktopClockFormat.h>
 
+#include "BusConversation.h"
 #include "DesktopServices.h"
 
 namespace kx {
@@ -18,22 +17,19 @@ constexpr const char* kPortalPath = "/org/freedesktop/portal/desktop";
 constexpr const char* kSettings = "org.freedesktop.portal.Settings";
 constexpr int kPatienceMilliseconds = 10'000;  // the portal may have to be started first; nobody waits for it
 
+using Settings = std::unique_ptr<GSettings, Releases<g_object_unref>>;
+using Schema = std::unique_ptr<GSettingsSchema, Releases<g_settings_schema_unref>>;
+
 // Numbers of ClockFormat.
 constexpr std::uint32_t kUnset = 0, kTwelveHour = 1, kTwentyFourHour = 2;
 
 /// "12h", "24h" or a boolean that is true for 24 hours, in whatever variants they come.
-std::uint32_t formatOf(GVariant* value) {
-    if (g_variant_is_of_type(value, G_VARIANT_TYPE_VARIANT)) {
-        GVariant* const inner = g_variant_get_variant(value);
-        const std::uint32_t format = formatOf(inner);
-        g_variant_unref(inner);
-        return format;
-    }
-    if (g_variant_is_of_type(value, G_VARIANT_TYPE_BOOLEAN)) {
-        return g_variant_get_boolean(value) ? kTwentyFourHour : kTwelveHour;
-    }
-    if (!g_variant_is_of_type(value, G_VARIANT_TYPE_STRING)) return kUnset;
-    const std::string text = g_variant_get_string(value, nullptr);
+std::uint32_t formatOf(const BusValues& value) {
+    const auto is = [&](const GVariantType* type) { return g_variant_is_of_type(value.get(), type); };
+    if (is(G_VARIANT_TYPE_VARIANT)) return formatOf(BusValues(g_variant_get_variant(value.get())));
+    if (is(G_VARIANT_TYPE_BOOLEAN)) return g_variant_get_boolean(value.get()) ? kTwentyFourHour : kTwelveHour;
+    if (!is(G_VARIANT_TYPE_STRING)) return kUnset;
+    const std::string text = g_variant_get_string(value.get(), nullptr);
     return text == "12h" ? kTwelveHour : text == "24h" ? kTwentyFourHour : kUnset;
 }
 
@@ -72,17 +68,12 @@ class FollowedKey {
 
     void follow() {
         g_main_context_push_thread_default(context_);  // signals arrive in our loop
-        const auto flags = static_cast<GDBusConnectionFlags>(G_DBUS_CONNECTION_FLAGS_AUTHENTICATION_CLIENT |
-                                                             G_DBUS_CONNECTION_FLAGS_MESSAGE_BUS_CONNECTION);
-        GDBusConnection* const bus =
-            g_dbus_connection_new_for_address_sync(address_.c_str(), flags, nullptr, cancel_, nullptr);
-        const guint subscription = bus ? subscribe(bus) : 0;
-        GSettings* const settings = bus && askPortal(bus) ? nullptr : openSchema();
-        g_main_loop_run(loop_);
-        if (settings) g_object_unref(settings);
-        if (bus) {
-            g_dbus_connection_signal_unsubscribe(bus, subscription);
-            g_object_unref(bus);
+        {
+            const BusConnection bus = connectToBus(address_, cancel_);
+            const guint subscription = bus ? subscribe(bus.get()) : 0;
+            const Settings settings = bus && askPortal(bus.get()) ? nullptr : openSchema();
+            g_main_loop_run(loop_);
+            if (bus) g_dbus_connection_signal_unsubscribe(bus.get(), subscription);
         }
         g_main_context_pop_thread_default(context_);
     }
@@ -100,47 +91,37 @@ class FollowedKey {
         const char* key = nullptr;
         GVariant* value = nullptr;
         g_variant_get(arguments, "(&s&sv)", nullptr, &key, &value);
-        if (followed.key_ == key) followed.tell(value);
-        g_variant_unref(value);
+        const BusValues owner(value);
+        if (followed.key_ == key) followed.tell(owner);
     }
 
     bool askPortal(GDBusConnection* bus) {
-        GVariant* const answer = g_dbus_connection_call_sync(
+        const BusValues answer(g_dbus_connection_call_sync(
             bus, kPortal, kPortalPath, kSettings, "Read",
             g_variant_new("(ss)", schema_.c_str(), key_.c_str()), G_VARIANT_TYPE("(v)"),
-            G_DBUS_CALL_FLAGS_NONE, kPatienceMilliseconds, cancel_, nullptr);
-        if (!answer) return false;
-        GVariant* const value = g_variant_get_child_value(answer, 0);
-        tell(value);
-        g_variant_unref(value);
-        g_variant_unref(answer);
-        return true;
+            G_DBUS_CALL_FLAGS_NONE, kPatienceMilliseconds, cancel_, nullptr));
+        if (answer) tell(BusValues(g_variant_get_child_value(answer.get(), 0)));
+        return answer != nullptr;
     }
 
     /// Null where the schema or its key is not installed; to ask for such a one would end the process.
-    GSettings* openSchema() {
+    Settings openSchema() {
         GSettingsSchemaSource* const source = g_settings_schema_source_get_default();
-        GSettingsSchema* const found =
-            source ? g_settings_schema_source_lookup(source, schema_.c_str(), TRUE) : nullptr;
-        if (!found) return nullptr;
-        GSettings* settings = nullptr;
-        if (g_settings_schema_has_key(found, key_.c_str())) {
-            settings = g_settings_new_full(found, nullptr, nullptr);
-            g_signal_connect(settings, ("changed::" + key_).c_str(), G_CALLBACK(&FollowedKey::schemaChanged),
-                             this);
-            schemaChanged(settings, key_.c_str(), this);  // a key tells of its changes once it has been read
-        }
-        g_settings_schema_unref(found);
+        const Schema found(source ? g_settings_schema_source_lookup(source, schema_.c_str(), TRUE) : nullptr);
+        if (!found || !g_settings_schema_has_key(found.get(), key_.c_str())) return nullptr;
+        Settings settings(g_settings_new_full(found.get(), nullptr, nullptr));
+        g_signal_connect(settings.get(), ("changed::" + key_).c_str(),
+                         G_CALLBACK(&FollowedKey::schemaChanged), this);
+        schemaChanged(settings.get(), key_.c_str(),
+                      this);  // a key tells of its changes once it has been read
         return settings;
     }
 
     static void schemaChanged(GSettings* settings, const char* key, void* self) {
-        GVariant* const value = g_settings_get_value(settings, key);
-        static_cast<FollowedKey*>(self)->tell(value);
-        g_variant_unref(value);
+        static_cast<FollowedKey*>(self)->tell(BusValues(g_settings_get_value(settings, key)));
     }
 
-    void tell(GVariant* value) { changed_(changedContext_, formatOf(value)); }
+    void tell(const BusValues& value) { changed_(changedContext_, formatOf(value)); }
 
     const std::string address_, schema_, key_;
     const DesktopClockFormat::Changed changed_;

@@ -1,8 +1,6 @@
-#include <gio/gio.h>
-
 #include <KXFoundation/Platform/Services/DesktopOpener.h>
 
-#include "BusQuestion.h"
+#include "BusConversation.h"
 #include "DesktopServices.h"
 
 namespace kx {
@@ -18,45 +16,35 @@ constexpr const char* kOpener = "org.freedesktop.portal.OpenURI";
 constexpr std::chrono::seconds kLongestDialogue{120};
 
 DesktopReply reachBus(const char* busAddress, std::uint32_t timeoutMilliseconds) {
-    return ask({.bus = busAddress,
-                .service = "org.freedesktop.DBus",
-                .path = "/org/freedesktop/DBus",
-                .interface = "org.freedesktop.DBus",
-                .method = "GetId"},
-               timeoutMilliseconds);
+    return converse(busAddress, timeoutMilliseconds, [](BusConversation& talk) {
+        static constexpr const char* kBus = "org.freedesktop.DBus";
+        talk.call({kBus, "/org/freedesktop/DBus", kBus, "GetId"});
+    });
 }
 
 DesktopReply portalVersion(const char* busAddress, std::uint32_t timeoutMilliseconds,
                            std::uint32_t* version) {
-    GVariant* answer = nullptr;
-    const DesktopReply reply = ask({.bus = busAddress,
-                                    .service = kPortal,
-                                    .path = kPortalPath,
-                                    .interface = "org.freedesktop.DBus.Properties",
-                                    .method = "Get",
-                                    .arguments = g_variant_new("(ss)", kOpener, "version")},
-                                   timeoutMilliseconds, &answer);
-    if (reply != DesktopReply::Answered) return reply;
-    GVariant* value = nullptr;
-    if (g_variant_is_of_type(answer, G_VARIANT_TYPE("(v)"))) g_variant_get(answer, "(v)", &value);
-    const bool isNumber = value && g_variant_is_of_type(value, G_VARIANT_TYPE_UINT32);
-    *version = isNumber ? g_variant_get_uint32(value) : 0;
-    if (value) g_variant_unref(value);
-    g_variant_unref(answer);
-    return isNumber ? reply : DesktopReply::Refused;
+    return converse(
+        busAddress, timeoutMilliseconds, *version, [](BusConversation& talk, std::uint32_t& number) {
+            const auto answer = talk.call({kPortal, kPortalPath, "org.freedesktop.DBus.Properties", "Get",
+                                           g_variant_new("(ss)", kOpener, "version"), "(v)"});
+            if (!answer) return;
+            const BusValues variant(g_variant_get_child_value(answer.get(), 0));
+            const BusValues value(g_variant_get_variant(variant.get()));
+            if (!g_variant_is_of_type(value.get(), G_VARIANT_TYPE_UINT32))
+                return talk.fail(DesktopReply::Refused);
+            number = g_variant_get_uint32(value.get());
+        });
 }
 
 DesktopReply openAddress(const char* busAddress, const char* address, std::uint32_t timeoutMilliseconds) {
-    GVariantBuilder options;
-    g_variant_builder_init(&options, G_VARIANT_TYPE_VARDICT);
-    return ask({.bus = busAddress,
-                .service = kPortal,
-                .path = kPortalPath,
-                .interface = kOpener,
-                .method = "OpenURI",
-                .arguments = g_variant_new("(ssa{sv})", "", address, &options),
-                .staysFor = kLongestDialogue},
-               timeoutMilliseconds);
+    return converse(busAddress, timeoutMilliseconds, [address = std::string(address)](BusConversation& talk) {
+        GVariantBuilder options;
+        g_variant_builder_init(&options, G_VARIANT_TYPE_VARDICT);
+        talk.stayFor(kLongestDialogue);
+        talk.call({kPortal, kPortalPath, kOpener, "OpenURI",
+                   g_variant_new("(ssa{sv})", "", address.c_str(), &options)});
+    });
 }
 
 }  // namespace

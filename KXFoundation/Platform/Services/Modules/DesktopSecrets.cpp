@@ -1,5 +1,6 @@
 #include <algorithm>
 #include <memory>
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -8,7 +9,7 @@
 #include <KXFoundation/Platform/Services/DesktopSecrets.h>
 
 #include "DesktopServices.h"
-#include "SecretConversation.h"
+#include "SecretDialogue.h"
 
 namespace kx {
 
@@ -69,12 +70,11 @@ std::string pathIn(const BusValues& values, gsize index) {
 /// The steps of the service's interface: https://specifications.freedesktop.org/secret-service/latest/
 class Service {
   public:
-    explicit Service(SecretConversation& conversation) : talk_(conversation) {}
+    explicit Service(BusConversation& conversation) : talk_(conversation) {}
 
     /// The default collection; empty, and Refused, if there is none.
     std::string defaultCollection() {
-        const auto answer =
-            talk_.call({kServicePath, kService, "ReadAlias", g_variant_new("(s)", "default"), "(o)"});
+        const auto answer = call(kServicePath, kService, "ReadAlias", g_variant_new("(s)", "default"), "(o)");
         if (!answer) return {};
         const std::string path = pathIn(answer, 0);
         if (path != kNone) return path;
@@ -84,8 +84,8 @@ class Service {
 
     /// The items with these attributes, all unlocked in the end; false if that failed.
     bool findUnlocked(const Attributes& attributes, Paths& items) {
-        const auto answer = talk_.call({kServicePath, kService, "SearchItems",
-                                        g_variant_new("(@a{ss})", attributes.dictionary()), "(aoao)"});
+        const auto answer = call(kServicePath, kService, "SearchItems",
+                                 g_variant_new("(@a{ss})", attributes.dictionary()), "(aoao)");
         if (!answer) return false;
         items = pathsIn(answer, 0);
         const Paths locked = pathsIn(answer, 1);
@@ -96,22 +96,21 @@ class Service {
 
     bool unlock(const Paths& objects) {
         if (objects.empty()) return true;
-        const auto answer = talk_.call(
-            {kServicePath, kService, "Unlock", g_variant_new("(@ao)", pathArray(objects)), "(aoo)"});
+        const auto answer =
+            call(kServicePath, kService, "Unlock", g_variant_new("(@ao)", pathArray(objects)), "(aoo)");
         return answer && confirm(pathIn(answer, 1));
     }
 
-    bool secretOf(const std::string& item, const std::string& session, Bytes& data) {
+    std::optional<Bytes> secretOf(const std::string& item, const std::string& session) {
         const auto answer =
-            talk_.call({item, kItem, "GetSecret", g_variant_new("(o)", session.c_str()), "((oayays))"});
-        if (!answer) return false;
+            call(item, kItem, "GetSecret", g_variant_new("(o)", session.c_str()), "((oayays))");
+        if (!answer) return std::nullopt;
         const BusValues secret(g_variant_get_child_value(answer.get(), 0));
         const BusValues value(g_variant_get_child_value(secret.get(), 2));
         gsize size = 0;
         const auto* bytes =
             static_cast<const std::uint8_t*>(g_variant_get_fixed_array(value.get(), &size, 1));
-        data.assign(bytes, bytes + size);
-        return true;
+        return Bytes(bytes, bytes + size);
     }
 
     bool create(const std::string& collection, const std::string& session, const Attributes& attributes,
@@ -122,25 +121,31 @@ class Service {
                               g_variant_new_string(attributes.label().c_str()));
         g_variant_builder_add(&properties, "{sv}", "org.freedesktop.Secret.Item.Attributes",
                               attributes.dictionary());
-        const auto answer = talk_.call(
-            {collection, kCollection, "CreateItem",
-             g_variant_new("(a{sv}@(oayays)b)", &properties, plainSecret(session, data), TRUE), "(oo)"});
+        const auto answer =
+            call(collection, kCollection, "CreateItem",
+                 g_variant_new("(a{sv}@(oayays)b)", &properties, plainSecret(session, data), TRUE), "(oo)");
         return answer && confirm(pathIn(answer, 1));
     }
 
     bool erase(const std::string& item) {
-        const auto answer = talk_.call({item, kItem, "Delete", nullptr, "(o)"});
+        const auto answer = call(item, kItem, "Delete", nullptr, "(o)");
         return answer && confirm(pathIn(answer, 0));
     }
 
     std::string openSession() {
-        const auto answer = talk_.call({kServicePath, kService, "OpenSession",
-                                        g_variant_new("(sv)", "plain", g_variant_new_string("")), "(vo)"});
+        const auto answer = call(kServicePath, kService, "OpenSession",
+                                 g_variant_new("(sv)", "plain", g_variant_new_string("")), "(vo)");
         return answer ? pathIn(answer, 1) : std::string();
     }
 
   private:
-    bool confirm(const std::string& dialogue) { return dialogue == kNone || talk_.waitForDialogue(dialogue); }
+    BusValues call(const std::string& path, const char* interface, const char* method, GVariant* arguments,
+                   const char* answerType) {
+        return talk_.call({kSecretService, path, interface, method, arguments, answerType});
+    }
+    bool confirm(const std::string& dialogue) {
+        return dialogue == kNone || waitForDialogue(talk_, dialogue);
+    }
 
     static constexpr const char* kNone = "/";
     static constexpr const char* kServicePath = "/org/freedesktop/secrets";
@@ -148,34 +153,30 @@ class Service {
     static constexpr const char* kCollection = "org.freedesktop.Secret.Collection";
     static constexpr const char* kItem = "org.freedesktop.Secret.Item";
 
-    SecretConversation& talk_;
+    BusConversation& talk_;
 };
 
 DesktopReply probe(const char* busAddress, std::uint32_t timeoutMilliseconds) {
     return converse(busAddress, timeoutMilliseconds,
-                    [](SecretConversation& talk) { static_cast<void>(Service(talk).defaultCollection()); });
+                    [](BusConversation& talk) { static_cast<void>(Service(talk).defaultCollection()); });
 }
 
 DesktopReply copy(const char* busAddress, const DesktopSecret* secret, std::uint32_t timeoutMilliseconds,
                   void (*take)(void* context, const void* data, std::size_t size), void* context,
                   bool* found) {
-    struct Copied {
-        bool isThere = false;
-        Bytes data;
-    };
-    const auto copied = std::make_shared<Copied>();
-    const DesktopReply reply = converse(
-        busAddress, timeoutMilliseconds,
-        [copied, attributes = Attributes(*secret)](SecretConversation& talk) {
-            Service service(talk);
-            Paths items;
-            if (!service.findUnlocked(attributes, items) || items.empty()) return;
-            const std::string session = service.openSession();
-            copied->isThere = !session.empty() && service.secretOf(items.front(), session, copied->data);
-        });
+    std::optional<Bytes> copied;
+    const DesktopReply reply =
+        converse(busAddress, timeoutMilliseconds, copied,
+                 [attributes = Attributes(*secret)](BusConversation& talk, std::optional<Bytes>& data) {
+                     Service service(talk);
+                     Paths items;
+                     if (!service.findUnlocked(attributes, items) || items.empty()) return;
+                     const std::string session = service.openSession();
+                     if (!session.empty()) data = service.secretOf(items.front(), session);
+                 });
     if (reply != DesktopReply::Answered) return reply;
-    *found = copied->isThere;
-    if (copied->isThere) take(context, copied->data.data(), copied->data.size());
+    *found = copied.has_value();
+    if (copied) take(context, copied->data(), copied->size());
     return reply;
 }
 
@@ -184,7 +185,7 @@ DesktopReply add(const char* busAddress, const DesktopSecret* secret, const void
     const auto* first = static_cast<const std::uint8_t*>(data);
     return converse(
         busAddress, timeoutMilliseconds,
-        [attributes = Attributes(*secret), bytes = Bytes(first, first + size)](SecretConversation& talk) {
+        [attributes = Attributes(*secret), bytes = Bytes(first, first + size)](BusConversation& talk) {
             Service service(talk);
             const std::string collection = service.defaultCollection();
             if (collection.empty() || !service.unlock({collection})) return;
@@ -195,20 +196,16 @@ DesktopReply add(const char* busAddress, const DesktopSecret* secret, const void
 
 DesktopReply remove(const char* busAddress, const DesktopSecret* secret, std::uint32_t timeoutMilliseconds,
                     bool* found) {
-    const auto isThere = std::make_shared<bool>(false);
-    const DesktopReply reply =
-        converse(busAddress, timeoutMilliseconds,
-                 [isThere, attributes = Attributes(*secret)](SecretConversation& talk) {
-                     Service service(talk);
-                     Paths items;
-                     if (!service.findUnlocked(attributes, items)) return;
-                     *isThere = !items.empty();
-                     for (const std::string& item : items) {
-                         if (!service.erase(item)) return;
-                     }
-                 });
-    if (reply == DesktopReply::Answered) *found = *isThere;
-    return reply;
+    return converse(busAddress, timeoutMilliseconds, *found,
+                    [attributes = Attributes(*secret)](BusConversation& talk, bool& isThere) {
+                        Service service(talk);
+                        Paths items;
+                        if (!service.findUnlocked(attributes, items)) return;
+                        isThere = !items.empty();
+                        for (const std::string& item : items) {
+                            if (!service.erase(item)) return;
+                        }
+                    });
 }
 
 }  // namespace

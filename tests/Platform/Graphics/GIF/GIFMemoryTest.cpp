@@ -1,55 +1,9 @@
-#include <algorithm>
-#include <cstdlib>
-#include <new>
-
 #include <gtest/gtest.h>
 
 #include <KXFoundation/Platform/Graphics/GIF/GIFDecoder.h>
 
 #include "GIFCases.h"
-
-// This program counts what it takes from the heap.
-namespace {
-
-constexpr std::size_t kHeader = alignof(std::max_align_t);
-std::size_t taken = 0, peak = 0;
-
-void* take(std::size_t size) {
-    auto* block = static_cast<unsigned char*>(std::malloc(size + kHeader));
-    if (!block) std::abort();
-    *reinterpret_cast<std::size_t*>(block) = size;
-    taken += size;
-    peak = std::max(peak, taken);
-    return block + kHeader;
-}
-
-void giveBack(void* at) noexcept {
-    if (!at) return;
-    auto* block = static_cast<unsigned char*>(at) - kHeader;
-    taken -= *reinterpret_cast<std::size_t*>(block);
-    std::free(block);
-}
-
-}  // namespace
-
-void* operator new(std::size_t size) {
-    return take(size);
-}
-void* operator new[](std::size_t size) {
-    return take(size);
-}
-void operator delete(void* at) noexcept {
-    giveBack(at);
-}
-void operator delete[](void* at) noexcept {
-    giveBack(at);
-}
-void operator delete(void* at, std::size_t) noexcept {
-    giveBack(at);
-}
-void operator delete[](void* at, std::size_t) noexcept {
-    giveBack(at);
-}
+#include "support/CountedMemory.h"
 
 namespace kx {
 namespace {
@@ -64,14 +18,14 @@ struct Use {
 
 Use decodeAll(const std::vector<std::uint8_t>& file, GIFLimits limits = {}) {
     std::vector<std::uint8_t> canvas(kPlane * 4);
-    const std::size_t before = taken;
-    peak = taken;
+    const std::size_t before = testing::heldMemory();
+    testing::takePeakMemory();
     Use use;
     auto decoder = GIFDecoder::open(file, limits);
     for (auto frame = decoder->next({canvas.data(), kSide * 4}); frame && *frame;
          frame = decoder->next({canvas.data(), kSide * 4}))
         ++use.frames;
-    use.peak = peak - before;
+    use.peak = testing::takePeakMemory() - before;
     return use;
 }
 

@@ -1,0 +1,282 @@
+#include <algorithm>
+#include <cerrno>
+#include <utility>
+
+#include <KXFoundation/Cache/Disk/DiskStore.h>
+#include <KXFoundation/Platform/Runtime/GuardedRead.h>
+
+namespace kx::disk {
+
+/// The page's lock for one scope, with the index brought up to date under it.
+class DiskStore::PageLock {
+  public:
+    explicit PageLock(DiskStore& store) KX_THREAD_ANNOTATION(no_thread_safety_analysis)
+        : page_(*store.page_) {
+        if (!page_.isWritable()) {
+            result_ = Error{ErrorKind::Denied, EACCES, store.folder_};
+        } else if (result_ = page_.lock(); result_) {
+            isHeld_ = true;
+            store.follow();
+        }
+    }
+    ~PageLock() {
+        if (isHeld_) page_.unlock();
+    }
+    PageLock(const PageLock&) = delete;
+    PageLock& operator=(const PageLock&) = delete;
+    [[nodiscard]] const Result<void>& result() const noexcept { return result_; }
+
+  private:
+    HeaderPage& page_;
+    Result<void> result_;
+    bool isHeld_ = false;
+};
+
+DiskStore::DiskStore(std::string folder, std::shared_ptr<DispatchQueue> queue)
+    : folder_(std::move(folder)),
+      queue_(std::move(queue)),
+      files_(FileSystem::slot().shared()),
+      clock_(Clock::slot().shared()) {}
+
+Result<std::optional<DiskIndex::Place>> DiskStore::locate(std::string_view key) {
+    if (auto opened = open(); !opened) return Error(opened.error());
+    follow();
+    auto place = index_.find(hashOfKey(key));
+    if (place && isExpired(place->record())) place = std::nullopt;
+    return place;
+}
+
+Result<bool> DiskStore::contains(std::string_view key) {
+    const MutexLock lock(mutex_);
+    auto place = locate(key);
+    if (!place) return std::move(place).error();
+    return place->has_value();
+}
+
+std::optional<std::string> DiskStore::fileOf(std::string_view key) {
+    const MutexLock lock(mutex_);
+    const auto place = locate(key);
+    return place && *place ? std::optional((*place)->segment->file->path()) : std::nullopt;
+}
+
+Result<std::optional<DiskStore::Read>> DiskStore::prepareRead(std::string_view key) {
+    auto place = locate(key);
+    if (!place) return std::move(place).error();
+    if (!*place) return std::optional<Read>();
+    Segment& segment = *(*place)->segment;
+    const Record& record = (*place)->record();
+    auto mapping = segment.file->mapped(record.end());
+    if (!mapping) return std::move(mapping).error();
+    if (segment.isSealed) segment.file->close();
+    segment.used[(*place)->slot] = true;
+    return std::optional(Read{record.form,
+                              record.payloadSize,
+                              record.keyHash,
+                              {segment.file->number(), record.offset},
+                              segment.file->salt(),
+                              record.keySize,
+                              std::move(*mapping)});
+}
+
+Result<Value> DiskStore::get(std::string_view key) {
+    Read read;
+    {
+        const MutexLock lock(mutex_);
+        auto prepared = prepareRead(key);
+        ++(prepared && *prepared ? hits_ : misses_);
+        if (!prepared) return std::move(prepared).error();
+        if (!*prepared) return Value();
+        read = std::move(**prepared);
+    }
+    auto value = readValue(key, read);
+    if (!value && value.error().kind == ErrorKind::Corrupt) heal(key, read);
+    return value;
+}
+
+/// Copies the payload out of the mapping and looks whether it is what was written.
+Result<Value> DiskStore::readValue(std::string_view key, const Read& read) {
+    const auto entry = read.mapping->bytes().subspan(read.position.offset,
+                                                     sizeof(EntryHeader) + read.keySize + read.payloadSize);
+    const auto stored = entry.subspan(sizeof(EntryHeader));
+    std::vector<std::byte> payload;
+    payload.reserve(read.payloadSize);
+    EntryHeader header;
+    bool isOtherKey = false;
+    std::uint64_t hash = 0;
+    const bool isReadable = guardedRead(entry, [&] {
+        std::memcpy(static_cast<void*>(&header), entry.data(), sizeof header);
+        isOtherKey =
+            std::memcmp(stored.data(), key.data(), std::min<std::size_t>(key.size(), read.keySize)) != 0;
+        hash = appendAndHash(stored.subspan(read.keySize), payload);
+    });
+    const bool isWhole = isReadable && header.keySize == read.keySize &&
+                         header.payloadSize == read.payloadSize && header.payloadHash == hash &&
+                         header.check == header.expectedCheck(read.keyHash, read.salt, read.position.offset);
+    if (!isWhole)
+        return Error{ErrorKind::Corrupt, 0, folder_ + "/" + DiskSegment::nameOf(read.position.segment)};
+    if (isOtherKey || key.size() != read.keySize) return Value();  // of the same hash
+    if (read.form == Form::Data) return Value::data(std::move(payload));
+    return valueOf(read.form, payload);
+}
+
+/// Takes the entry out for every process, unless it is another one by now.
+void DiskStore::heal(std::string_view key, const Read& read) {
+    const MutexLock lock(mutex_);
+    if (!open()) return;
+    const PageLock page(*this);
+    const auto place = index_.find(read.keyHash);
+    if (!place || Position{place->segment->file->number(), place->record().offset} != read.position) return;
+    if (!page.result() || !append(Form::Removal, key, {}, Stamp::at(clock_->wallTime())))
+        index_.forget(*place);
+}
+
+Result<void> DiskStore::set(std::string_view key, const StoredValue& value) {
+    const auto payload = value.payload();
+    if (key.size() > kLongestKey || payload.size() > kLargestValue)
+        return Error{ErrorKind::TooLarge, 0, "a value or key for " + folder_};
+    const MutexLock lock(mutex_);
+    if (auto opened = openToChange(); !opened) return opened;
+    const PageLock page(*this);
+    if (!page.result()) return page.result();
+    if (limits_.cost != 0 && payload.size() > limits_.cost) {
+        if (!index_.find(hashOfKey(key))) return {};
+        return append(Form::Removal, key, {}, Stamp::at(clock_->wallTime()));
+    }
+    if (auto done = append(value.form(), key, payload, Stamp::at(clock_->wallTime())); !done) return done;
+    holdLimits(4 * payload.size() + (64 << 10));
+    return {};
+}
+
+Result<void> DiskStore::remove(std::string_view key) {
+    const MutexLock lock(mutex_);
+    if (auto opened = openToChange(); !opened) return opened;
+    const PageLock page(*this);
+    if (!page.result()) return page.result();
+    if (!index_.find(hashOfKey(key))) return {};
+    return append(Form::Removal, key, {}, Stamp::at(clock_->wallTime()));
+}
+
+/// Begins a new segment with an entry that clears; the files before it are deleted later.
+Result<void> DiskStore::clear() {
+    const MutexLock lock(mutex_);
+    if (auto opened = openToChange(); !opened) return opened;
+    const PageLock page(*this);
+    if (!page.result()) return page.result();
+    if (Segment* last = index_.last()) last->isSealed = true;
+    if (auto done = append(Form::Clearing, "", {}, Stamp::at(clock_->wallTime())); !done) return done;
+    index_.dropBefore({index_.last()->file->number(), 0});
+    publishHead();
+    return {};
+}
+
+/// The entry in one write at the tail, which then moves behind it.
+Result<void> DiskStore::append(Form form, std::string_view key, std::span<const std::byte> payload,
+                               Stamp stamp) {
+    const Segment* const last = index_.last();
+    if (!last || last->isSealed || last->end >= segmentSize_) {
+        if (auto rolled = roll(); !rolled) return rolled;
+    }
+    Segment& segment = *index_.last();
+    const auto offset = static_cast<std::uint32_t>(segment.end);
+    EntryHeader header;
+    header.payloadSize = static_cast<std::uint32_t>(payload.size());
+    header.seconds = stamp.seconds;
+    header.fraction = stamp.fraction;
+    header.form = form;
+    header.keySize = static_cast<std::uint16_t>(key.size());
+    if (entry_.size() < header.entrySize()) entry_.resize(header.entrySize());
+    std::memcpy(entry_.data() + sizeof header, key.data(), key.size());
+    header.payloadHash = copyAndHash(payload, entry_.data() + sizeof header + key.size());
+    const std::uint64_t keyHash = hashOfKey(key);
+    header.check = header.expectedCheck(keyHash, segment.file->salt(), offset);
+    std::memcpy(entry_.data(), &header, sizeof header);
+    auto written = segment.file->write(offset, std::span(entry_).first(header.entrySize()));
+    if (entry_.size() > kSmallestSegment * 4) entry_ = {};
+    if (!written) return written;
+
+    index_.apply(segment, {keyHash, offset, header.payloadSize, stamp, form, header.keySize});
+    known_ = {segment.file->number(), static_cast<std::uint32_t>(segment.end)};
+    page_->setTail(known_);
+    if (unsynced_.empty() || unsynced_.back() != segment.file->path())
+        unsynced_.push_back(segment.file->path());
+    return {};
+}
+
+/// Seals the last segment and begins the next one.
+Result<void> DiskStore::roll() {
+    Segment* const last = index_.last();
+    const std::uint32_t before = std::max(last ? last->file->number() : 0, page_->tail().segment);
+    if (last && !last->isSealed) {
+        if (auto sealed = last->file->seal(last->records, last->end); !sealed) return sealed;
+        last->isSealed = true;
+    }
+    auto made = DiskSegment::create(files_, folder_, before + 1);
+    if (!made) return std::move(made).error();
+    if (last) last->file->close();
+    Segment& next = index_.add(std::move(*made));
+    isFolderUnsynced_ = true;
+    known_ = {next.file->number(), static_cast<std::uint32_t>(next.end)};
+    page_->setTail(known_);
+    return {};
+}
+
+Result<void> DiskStore::synchronize() {
+    std::vector<std::string> unsynced;
+    std::shared_ptr<File> last;
+    bool isFolderUnsynced = false;
+    {
+        const MutexLock lock(mutex_);
+        if (auto opened = open(); !opened) return opened;
+        unsynced.swap(unsynced_);
+        isFolderUnsynced = std::exchange(isFolderUnsynced_, false);
+        if (!unsynced.empty() && index_.last() && unsynced.back() == index_.last()->file->path()) {
+            last = index_.last()->file->file();
+            unsynced.pop_back();
+        }
+    }
+    auto result = last ? last->sync() : Result<void>();
+    if (auto done = syncFiles(*files_, unsynced); !done) result = done;
+    if (isFolderUnsynced) {
+        if (auto done = files_->syncDirectory(folder_); !done) result = done;
+    }
+    if (!result) {  // what a failed sync has left unwritten is not tried again by the next one
+        const MutexLock lock(mutex_);
+        isFolderUnsynced_ = true;
+        if (Segment* segment = index_.last()) segment->isSealed = true;
+    }
+    return result;
+}
+
+DiskLimits DiskStore::limits() const {
+    const MutexLock lock(mutex_);
+    return limits_;
+}
+
+Result<void> DiskStore::setLimits(const DiskLimits& limits) {
+    const MutexLock lock(mutex_);
+    limits_ = limits;
+    segmentSize_ =
+        limits.cost == 0 ? kLargestSegment : std::clamp(limits.cost / 8, kSmallestSegment, kLargestSegment);
+    if (auto opened = open(); !opened) return opened;
+    const PageLock page(*this);
+    if (page.result()) holdLimits(0);
+    return page.result();
+}
+
+Result<DiskStatistics> DiskStore::statistics() {
+    const MutexLock lock(mutex_);
+    if (auto opened = open(); !opened) return Error(opened.error());
+    follow();
+    if (limits_.age > 0 && page_->isWritable()) {
+        const PageLock page(*this);
+        if (page.result()) holdLimits(0);
+    }
+    return DiskStatistics{hits_,
+                          misses_,
+                          evictions_,
+                          index_.liveCount(),
+                          index_.liveCost(),
+                          index_.liveBytes() + index_.deadBytes()};
+}
+
+}  // namespace kx::disk

@@ -1,0 +1,98 @@
+#include <KXFoundation/Cache/Disk/DiskStore.h>
+
+// How a store keeps its limits: the head of the log moves on, and files that lie before it go.
+
+namespace kx::disk {
+
+bool DiskStore::isExpired(const Record& record) const {
+    if (limits_.age <= 0) return false;
+    const std::chrono::duration<double> now = clock_->wallTime().time_since_epoch();
+    return now.count() - record.stamp.sinceEpoch() > limits_.age;
+}
+
+bool DiskStore::isOver() const {
+    return (limits_.count != 0 && index_.liveCount() > limits_.count) ||
+           (limits_.cost != 0 && index_.liveCost() > limits_.cost);
+}
+
+bool DiskStore::isWasteful() const {
+    return index_.deadBytes() > index_.liveBytes() + 2 * segmentSize_;
+}
+
+/// Drops from the old end of the log until the limits hold. What was read since it was written is spared once
+/// and goes to the new end; so does, where only dead entries are to go, every live one. The budget bounds how
+/// many bytes one call moves.
+void DiskStore::holdLimits(std::uint64_t budget) {
+    while (const auto place = index_.oldest()) {
+        const bool isLive = index_.isLive(*place);
+        const bool isTooOld = isLive && isExpired(place->record());
+        const bool over = isOver();
+        if (isLive && !isTooOld && !over && !isWasteful()) break;
+        if (isLive && !isTooOld) {
+            const std::uint64_t size = place->record().entrySize();
+            const bool isWanted = !over || place->segment->used[place->slot];
+            const bool isAffordable = size <= budget;
+            if (!over && !isAffordable) break;
+            if (isWanted && isAffordable && carry(*place)) {
+                budget -= size;
+            } else if (over) {
+                ++evictions_;
+            } else {
+                break;
+            }
+        } else if (isTooOld) {
+            ++evictions_;
+        }
+        index_.dropOldest();
+    }
+    publishHead();
+}
+
+/// Writes a live entry once more, at the tail; false if it cannot be read or written.
+bool DiskStore::carry(const Place& place) {
+    const Record record = place.record();
+    std::vector<std::byte> entry(record.entrySize());
+    const auto got = place.segment->file->readAt(record.offset, entry);
+    if (!got || *got != entry.size()) return false;
+    const auto header = readStruct<EntryHeader>(entry.data());
+    const auto payload = std::span<const std::byte>(entry).subspan(sizeof header + record.keySize);
+    if (header.payloadHash != hashOfContents(payload)) return false;
+    const std::string_view key(reinterpret_cast<const char*>(entry.data()) + sizeof header, record.keySize);
+    if (hashOfKey(key) != record.keyHash || !append(record.form, key, payload, record.stamp)) return false;
+    hasCarried_ = true;
+    return true;
+}
+
+void DiskStore::publishHead() {
+    const Position head = index_.head();
+    if (head > knownHead_) {
+        knownHead_ = head;
+        page_->setHead(head);
+    }
+    if (auto emptied = index_.takeEmptied(); !emptied.empty()) removeLater(std::move(emptied));
+}
+
+/// Values that were carried out of the files may have been synced there: their new place is synced first.
+/// Where that fails the files stay, until the folder is opened the next time.
+void DiskStore::removeLater(std::vector<std::string> paths) {
+    auto carriers = std::exchange(hasCarried_, false) ? unsynced_ : std::vector<std::string>();
+    queue_->async([files = files_, folder = folder_, paths = std::move(paths),
+                   carriers = std::move(carriers)] {
+        const bool isSafe = carriers.empty() || (syncFiles(*files, carriers) && files->syncDirectory(folder));
+        if (!isSafe) return;
+        for (const std::string& path : paths) (void)files->remove(path);
+    });
+}
+
+Result<void> syncFiles(FileSystem& files, const std::vector<std::string>& paths) {
+    Result<void> result;
+    for (const std::string& path : paths) {
+        auto file = files.open(path, FileSystem::Mode::Read);
+        if (!file && file.error().kind == ErrorKind::Missing) continue;  // dropped meanwhile
+        const auto done = file ? (*file)->sync() : Result<void>(std::move(file).error());
+        if (!done) result = done;
+    }
+    return result;
+}
+
+}  // namespace kx::disk

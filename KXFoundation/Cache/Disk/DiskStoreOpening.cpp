@@ -1,0 +1,204 @@
+#include <algorithm>
+#include <cerrno>
+
+#include <KXFoundation/Cache/Disk/DiskStore.h>
+#include <KXFoundation/Cache/Disk/SegmentReader.h>
+#include <KXFoundation/Platform/Runtime/Log.h>
+
+// How a store comes to know its folder: once as a whole, then entry by entry behind other processes.
+
+namespace kx::disk {
+
+namespace {
+
+constexpr auto kLookAgainAfter = std::chrono::seconds(1);
+
+std::string headerPathIn(const std::string& folder) {
+    return folder + "/header";
+}
+
+bool isUnreadable(const Error& error) noexcept {
+    return error.kind == ErrorKind::Corrupt || error.kind == ErrorKind::Ended;
+}
+
+}  // namespace
+
+Result<void> DiskStore::open() {
+    if (page_) return {};
+    const auto now = clock_->now();
+    if (whyClosed_ && now < lookAgainAt_) return *whyClosed_;
+    lookAgainAt_ = now + kLookAgainAfter;
+    whyClosed_ = std::nullopt;
+    auto opened = openPage();
+    if (!opened) {
+        page_ = nullptr;
+        index_.clear();
+        whyClosed_ = opened.error();
+    }
+    return opened;
+}
+
+Result<void> DiskStore::openToChange() {
+    leaveIfReplaced();
+    whyClosed_ = std::nullopt;
+    return open();
+}
+
+Result<void> DiskStore::openPage() {
+    const std::string path = headerPathIn(folder_);
+    if (auto made = makeDirectories(*files_, folder_); !made && made.error().kind != ErrorKind::Denied)
+        return made;
+    auto page = HeaderPage::open(*files_, path, HeaderPage::Access::ReadWrite);
+    if (!page) {
+        Error why = std::move(page).error();
+        if (why.kind != ErrorKind::Denied) return why;
+        page = HeaderPage::open(*files_, path, HeaderPage::Access::Read);  // reading may go on all the same
+        if (!page) return why;
+        logError("disk cache, opened for reading only", why);
+    }
+    page_ = std::move(*page);
+    if (!page_->isWritable()) return load();
+    if (auto locked = page_->lock(); !locked) return locked;
+    auto loaded = load();
+    page_->unlock();
+    return loaded;
+}
+
+/// The folder's whole log, whatever the header page says of its end: after a power cut it may say too little
+/// or too much.
+Result<void> DiskStore::load() {
+    index_.clear();
+    known_ = knownHead_ = {};
+    auto numbers = segmentNumbers();
+    if (!numbers) return std::move(numbers).error();
+    const Position tail = page_->tail();
+    const Position head = page_->head();
+    for (const std::uint32_t number : *numbers) {
+        if (number >= head.segment) {
+            if (auto done = loadSegment(number, tail); !done) return done;
+        } else if (page_->isWritable()) {
+            (void)files_->remove(folder_ + "/" + DiskSegment::nameOf(number));
+        }
+    }
+    index_.dropBefore(head);
+    if (const Segment* last = index_.last()) {
+        known_ = {last->file->number(), static_cast<std::uint32_t>(last->end)};
+    }
+    known_ = std::max(known_, tail);
+    if (page_->isWritable() && known_ > tail) page_->setTail(known_);
+    if (page_->isWritable()) publishHead();
+    return {};
+}
+
+/// In their order.
+Result<std::vector<std::uint32_t>> DiskStore::segmentNumbers() {
+    auto names = files_->list(folder_);
+    if (!names) return std::move(names).error();
+    std::vector<std::uint32_t> numbers;
+    for (const std::string& name : *names) {
+        if (const auto number = DiskSegment::numberOf(name)) numbers.push_back(*number);
+    }
+    std::ranges::sort(numbers);
+    return numbers;
+}
+
+Result<void> DiskStore::loadSegment(std::uint32_t number, Position tail) {
+    auto opened = DiskSegment::open(files_, folder_, number);
+    if (!opened) {
+        const Error& why = opened.error();
+        if (why.kind == ErrorKind::Missing) return {};
+        if (!isUnreadable(why)) return why;
+        // A process that was killed may have left the beginning of a next segment; all else is damage.
+        if (number <= tail.segment) logError("disk cache, segment dropped", why);
+        if (page_->isWritable()) (void)files_->remove(folder_ + "/" + DiskSegment::nameOf(number));
+        return {};
+    }
+    DiskSegment& file = **opened;
+    auto footer = readFooter(file);
+    if (!footer) return std::move(footer).error();
+    const bool isSealed = footer->has_value();
+    const std::uint64_t known = number == tail.segment ? tail.offset : sizeof(SegmentHeader);
+    auto entries = isSealed ? Result<SegmentEntries>(std::move(**footer))
+                            : walkEntries(file, sizeof(SegmentHeader), known);
+    if (!entries) return std::move(entries).error();
+    if (Segment* before = index_.last()) {
+        before->isSealed = true;
+        before->file->close();
+    }
+    Segment& segment = index_.add(std::move(*opened));
+    for (const Record& record : entries->records) index_.apply(segment, record);
+    segment.isSealed = isSealed;
+    if (!isSealed && number >= tail.segment) mendLast(entries->isDamaged);
+    return {};
+}
+
+/// Cuts off what a killed process left behind the last entry, so that nothing of it can be taken for an entry
+/// later. A segment that lost some of its own is written to no more.
+void DiskStore::mendLast(bool isDamaged) {
+    Segment& last = *index_.last();
+    if (isDamaged) logError("disk cache", Error{ErrorKind::Corrupt, 0, last.file->path()});
+    if (!page_->isWritable()) return;
+    if (isDamaged) {
+        (void)last.file->seal(last.records, last.end);
+        last.isSealed = true;
+        return;
+    }
+    const auto size = last.file->size();
+    last.isSealed = !size || (*size > last.end && !last.file->truncate(last.end));
+}
+
+/// Reads what other processes have appended, and drops what they have dropped.
+void DiskStore::replay() {
+    const Position tail = page_->tail();
+    const Position head = page_->head();
+    const std::uint32_t first = std::max({known_.segment, head.segment, std::uint32_t{1}});
+    using Numbers = std::vector<std::uint32_t>;
+    auto numbers = first < tail.segment ? segmentNumbers() : Result<Numbers>(Numbers{tail.segment});
+    if (!numbers) return logError("disk cache", numbers.error());
+    for (const std::uint32_t number : *numbers) {
+        if (number < first || number > tail.segment || tail <= known_) continue;
+        if (auto done = replaySegment(number, tail); !done) return logError("disk cache", done.error());
+    }
+    known_ = std::max(known_, tail);
+    if (head <= knownHead_) return;
+    knownHead_ = head;
+    index_.dropBefore(head);
+    static_cast<void>(index_.takeEmptied());  // whoever moved the head deletes them
+}
+
+Result<void> DiskStore::replaySegment(std::uint32_t number, Position tail) {
+    Segment* segment = index_.last();
+    if (!segment || segment->file->number() < number) {
+        auto opened = DiskSegment::open(files_, folder_, number);
+        if (!opened && opened.error().kind == ErrorKind::Missing) return {};
+        if (!opened) return std::move(opened).error();
+        if (segment) segment->isSealed = true;
+        segment = &index_.add(std::move(*opened));
+    }
+    const bool isLast = number == tail.segment;
+    auto entries = walkEntries(*segment->file, segment->end, isLast ? tail.offset : segment->end);
+    if (!entries) return std::move(entries).error();
+    for (const Record& record : entries->records) {
+        if (!isLast || record.end() <= tail.offset) index_.apply(*segment, record);
+    }
+    if (!isLast) {
+        segment->isSealed = true;
+        segment->file->close();
+    }
+    return {};
+}
+
+/// Somebody may have deleted the folder, or put another in its place.
+void DiskStore::leaveIfReplaced() {
+    const auto now = clock_->now();
+    if (!page_ || now < lookAgainAt_) return;
+    lookAgainAt_ = now + kLookAgainAfter;
+    const auto info = files_->info(headerPathIn(folder_));
+    const bool isSame = info ? info->identity == page_->identity() : info.error().kind != ErrorKind::Missing;
+    if (isSame && page_->isWritable()) return;
+    page_ = nullptr;
+    index_.clear();
+    unsynced_.clear();
+}
+
+}  // namespace kx::disk

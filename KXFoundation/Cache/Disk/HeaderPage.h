@@ -1,0 +1,61 @@
+#pragma once
+
+#include <atomic>
+#include <cstdint>
+#include <memory>
+#include <string>
+
+#include <KXFoundation/Cache/Disk/DiskFormat.h>
+#include <KXFoundation/Platform/Runtime/FileSystem.h>
+
+namespace kx::disk {
+
+/// The page that the processes of a folder share: where the log begins and ends, and the lock under which
+/// that changes. A process that finds the tail moved has entries to read. Never synced: after a power cut the
+/// segments say more. Private to Cache.
+class HeaderPage {
+  public:
+    enum class Access : bool { Read, ReadWrite };
+    /// Opens the page, and for writing makes it if it is missing or is none.
+    [[nodiscard]] static Result<std::unique_ptr<HeaderPage>> open(FileSystem& files, const std::string& path,
+                                                                  Access access);
+
+    [[nodiscard]] bool isWritable() const noexcept { return isWritable_; }
+    /// The file's inode: another page lies under the name if that has another one.
+    [[nodiscard]] std::uint64_t identity() const noexcept { return identity_; }
+
+    /// Between processes and between stores of one process.
+    [[nodiscard]] Result<void> lock() { return file_->lock(File::Lock::Exclusive); }
+    void unlock() { file_->unlock(); }
+
+    [[nodiscard]] Position head() const noexcept { return Position::unpacked(load(kHead)); }
+    [[nodiscard]] Position tail() const noexcept { return Position::unpacked(load(kTail)); }
+    void setHead(Position position) noexcept { store(kHead, position.packed()); }
+    /// Everything before the position is in the segments when this is called.
+    void setTail(Position position) noexcept { store(kTail, position.packed()); }
+
+  private:
+    static constexpr std::size_t kSize = 4096;
+    static constexpr std::size_t kHead = 8, kTail = 16;
+    static constexpr std::uint64_t kMagic = 0x0131'4448'5358'4B00;  // "\0KXSHD1\1"
+
+    HeaderPage(std::unique_ptr<File> file, std::unique_ptr<FileMapping> page, std::uint64_t identity,
+               bool writable)
+        : file_(std::move(file)), page_(std::move(page)), identity_(identity), isWritable_(writable) {}
+    [[nodiscard]] std::uint64_t& word(std::size_t offset) const noexcept {
+        return *reinterpret_cast<std::uint64_t*>(page_->bytes().data() + offset);
+    }
+    [[nodiscard]] std::uint64_t load(std::size_t offset) const noexcept {
+        return std::atomic_ref(word(offset)).load(std::memory_order_acquire);
+    }
+    void store(std::size_t offset, std::uint64_t value) noexcept {
+        std::atomic_ref(word(offset)).store(value, std::memory_order_release);
+    }
+
+    const std::unique_ptr<File> file_;
+    const std::unique_ptr<FileMapping> page_;
+    const std::uint64_t identity_;
+    const bool isWritable_;
+};
+
+}  // namespace kx::disk

@@ -1,0 +1,148 @@
+#include <utility>
+
+#include <KXFoundation/Cache/KXCache.h>
+#include <KXFoundation/Cache/KXDiskCache.h>
+#include <KXFoundation/Cache/KXMemoryCache.h>
+#include <KXFoundation/Cache/KXYYDiskCache.h>
+#include <KXFoundation/Cache/KXYYMemoryCache.h>
+#include <KXFoundation/Platform/Foundation/ApplicationFolder.h>
+#include <KXFoundation/Platform/Runtime/DispatchQueue.h>
+#include <KXFoundation/Platform/Runtime/Environment.h>
+
+namespace kx {
+
+namespace {
+
+/// The stores of this library are found by name even if nobody has asked for their classes before.
+void registerStores() {
+    static_cast<void>(KXMemoryCache::classObject());
+    static_cast<void>(KXDiskCache::classObject());
+    static_cast<void>(KXYYMemoryCache::classObject());
+    static_cast<void>(KXYYDiskCache::classObject());
+}
+
+std::optional<std::string> folderOf(std::optional<std::string_view> nameSpace) {
+    const auto caches = baseDirectory(BaseDirectory::Cache);
+    if (!caches || !nameSpace || nameSpace->empty()) return std::nullopt;
+    return *caches + "/" + applicationFolder(*nameSpace);
+}
+
+template <class Protocol>
+std::shared_ptr<Protocol> allocated(const Class& cls) {
+    return objectCast<Protocol>(cls.allocate());
+}
+
+std::shared_ptr<KXMemoryCacheProtocol> madeMemoryCache(const Class& cls,
+                                                       std::optional<std::string_view> name) {
+    auto store = allocated<KXMemoryCacheProtocol>(cls);
+    return store && store->init(name) ? store : nullptr;
+}
+
+bool initDiskCache(KXDiskCacheProtocol& store, std::optional<std::string_view> place, KXCache::Form form) {
+    if (form == KXCache::Form::Path) return store.init(place);
+    if (auto* own = dynamic_cast<KXNameSpaceInitializer*>(&store)) return own->initWithNameSpace(place);
+    return store.init(folderOf(place));
+}
+
+std::shared_ptr<KXDiskCacheProtocol> madeDiskCache(const Class& cls, std::optional<std::string_view> place,
+                                                   KXCache::Form form) {
+    auto store = allocated<KXDiskCacheProtocol>(cls);
+    return store && initDiskCache(*store, place, form) ? store : nullptr;
+}
+
+}  // namespace
+
+KXStoreClass::KXStoreClass(std::string_view name) {
+    registerStores();
+    class_ = Class::named(name);
+}
+
+std::shared_ptr<KXCache> KXCache::initWithPath(KXStoreClass memoryCacheClass, KXStoreClass diskCacheClass,
+                                               std::optional<std::string_view> path) {
+    return make<KXCache>(memoryCacheClass, diskCacheClass, path, Form::Path);
+}
+
+std::shared_ptr<KXCache> KXCache::initWithNameSpace(KXStoreClass memoryCacheClass,
+                                                    KXStoreClass diskCacheClass,
+                                                    std::optional<std::string_view> nameSpace) {
+    return make<KXCache>(memoryCacheClass, diskCacheClass, nameSpace, Form::NameSpace);
+}
+
+bool KXCache::init(KXStoreClass memoryCacheClass, KXStoreClass diskCacheClass,
+                   std::optional<std::string_view> place, Form form) {
+    if (!Super::init()) return false;
+    if (!memoryCacheClass.conformsTo(KXMemoryCacheProtocol::classObject())) return false;
+    if (!diskCacheClass.conformsTo(KXDiskCacheProtocol::classObject())) return false;
+    memory_ = madeMemoryCache(*memoryCacheClass.get(), place);
+    disk_ = madeDiskCache(*diskCacheClass.get(), place, form);
+    return true;
+}
+
+bool KXCache::containsObjectForKey(KXCacheKey key) {
+    return (memory_ && memory_->containsObjectForKey(key)) || (disk_ && disk_->containsObjectForKey(key));
+}
+
+void KXCache::containsObjectForKey(KXCacheKey key, KXCacheContains block) {
+    if (!block) return;
+    if (memory_ && memory_->containsObjectForKey(key)) {
+        DispatchQueue::shared().async(
+            [block = std::move(block), key = std::string(key.value_or(""))] { block(key, true); });
+    } else if (disk_) {
+        disk_->containsObjectForKey(key, std::move(block));
+    }
+}
+
+Value KXCache::objectForKey(KXCacheKey key) {
+    Value object = memory_ ? memory_->objectForKey(key) : Value();
+    if (!object.isNull() || !disk_) return object;
+    object = disk_->objectForKey(key);
+    if (!object.isNull() && memory_) memory_->setObject(object, key);
+    return object;
+}
+
+void KXCache::objectForKey(KXCacheKey key, KXCacheObject block) {
+    if (!block) return;
+    if (Value object = memory_ ? memory_->objectForKey(key) : Value(); !object.isNull()) {
+        DispatchQueue::shared().async([block = std::move(block), key = std::string(key.value_or("")),
+                                       object = std::move(object)] { block(key, object); });
+    } else if (disk_) {
+        disk_->objectForKey(key, [memory = memory_, block = std::move(block)](const std::string& found,
+                                                                              const Value& fromDisk) {
+            const bool fills = memory && !fromDisk.isNull() && !memory->containsObjectForKey(found);
+            if (fills) memory->setObject(fromDisk, found);
+            block(found, fromDisk);
+        });
+    }
+}
+
+void KXCache::setObject(Value object, KXCacheKey forKey) {
+    if (memory_) memory_->setObject(object, forKey);
+    if (disk_) disk_->setObject(std::move(object), forKey);
+}
+
+void KXCache::setObject(Value object, KXCacheKey forKey, KXCacheDone block) {
+    if (memory_) memory_->setObject(object, forKey);
+    if (disk_) disk_->setObject(std::move(object), forKey, std::move(block));
+}
+
+void KXCache::removeObjectForKey(KXCacheKey key) {
+    if (memory_) memory_->removeObjectForKey(key);
+    if (disk_) disk_->removeObjectForKey(key);
+}
+
+void KXCache::removeObjectForKey(KXCacheKey key, KXCacheKeyDone block) {
+    if (memory_) memory_->removeObjectForKey(key);
+    if (disk_) disk_->removeObjectForKey(key, std::move(block));
+}
+
+void KXCache::removeAllObjects() {
+    if (memory_) memory_->removeAllObjects();
+    if (disk_) disk_->removeAllObjects();
+}
+
+void KXCache::removeAllObjectsWithBlock(KXCacheDone block) {
+    if (memory_) memory_->removeAllObjects();
+    if (disk_) disk_->removeAllObjectsWithBlock(std::move(block));
+}
+
+}  // namespace kx

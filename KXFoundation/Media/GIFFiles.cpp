@@ -1,0 +1,79 @@
+#include <span>
+#include <utility>
+#include <vector>
+
+#include <KXFoundation/Media/GIFFiles.h>
+#include <KXFoundation/Media/KXGIFImageView.h>
+#include <KXFoundation/Platform/Graphics/NSImage.h>
+#include <KXFoundation/Platform/Runtime/FileSystem.h>
+#include <KXFoundation/Platform/Runtime/ProcessState.h>
+
+namespace kx {
+
+namespace {
+
+constexpr std::uint64_t kMostKept = 20;
+constexpr std::size_t kMostAtOnce = 4;
+constexpr std::uint64_t kLargestFile = std::uint64_t{1} << 30;
+
+constinit ProcessState<GIFFiles> files;
+
+/// The whole file as a data value, in one copy; null if it cannot be read.
+Value contentsOf(const std::string& path) {
+    auto file = FileSystem::slot().current().open(path, FileSystem::Mode::Read);
+    if (!file) return {};
+    const auto size = (*file)->size();
+    if (!size || *size > kLargestFile) return {};
+    std::vector<std::byte> bytes(*size);
+    const auto read = (*file)->readAt(0, bytes);
+    if (!read) return {};
+    bytes.resize(*read);
+    return Value::data(std::move(bytes));
+}
+
+GIFFiles::Outcome decodeFile(const std::string& path) {
+    GIFFiles::Outcome outcome;
+    const Value contents = contentsOf(path);
+    if (contents.isNull()) return outcome;
+    outcome.isReadable = true;
+    KXGIFImageView::kx_animatedGIFWithData(contents, [&](const auto& image) { outcome.image = image; });
+    return outcome;
+}
+
+}  // namespace
+
+GIFFiles& GIFFiles::shared() {
+    return files.get();
+}
+
+GIFFiles::GIFFiles() : cache_(make<NSCache>()), parseQueue_("gifParseQueue", kMostAtOnce) {
+    cache_->setCountLimit(kMostKept);
+}
+
+std::shared_ptr<NSImage> GIFFiles::kept(const std::string& path) const {
+    return objectCast<NSImage>(cache_->objectForKey(path).asObject());
+}
+
+void GIFFiles::keep(const std::string& path, const std::shared_ptr<NSImage>& image) {
+    cache_->setObject(Value(image), path);
+}
+
+GIFFiles::Outcome GIFFiles::decode(const std::string& path) {
+    MutexLock lock(mutex_);
+    if (const auto found = decodings_.find(path); found != decodings_.end()) {
+        const auto decoding = found->second;
+        while (!decoding->isDone) Executor::slot().current().wait(mutex_, done_);
+        return decoding->outcome;
+    }
+    const auto decoding = decodings_[path] = std::make_shared<Decoding>();
+    lock.unlock();
+    Outcome outcome = decodeFile(path);
+    lock.lock();
+    decoding->outcome = outcome;
+    decoding->isDone = true;
+    decodings_.erase(path);
+    Executor::slot().current().wake(done_);
+    return outcome;
+}
+
+}  // namespace kx

@@ -1,0 +1,52 @@
+#pragma once
+
+#include <atomic>
+#include <chrono>
+#include <cstddef>
+#include <cstdint>
+#include <string_view>
+
+#include <KXFoundation/Platform/Runtime/Value.h>
+
+namespace kx {
+
+/// One value of an NSCache with its key behind it, in one allocation. Private to Foundation.
+///
+/// What a reader without a lock touches does not change after the entry is linked, but for `next` and the
+/// visited bit; the rest belongs to the shard's lock.
+struct CacheEntry {
+    struct Facts {
+        std::uint64_t hash;
+        std::uint64_t cost;
+        std::chrono::nanoseconds time;  ///< by the cache's clock, when the value was set
+    };
+    [[nodiscard]] static CacheEntry* make(std::string_view key, Value value, const Facts& facts);
+    static void destroy(CacheEntry* entry) noexcept;
+
+    [[nodiscard]] std::string_view key() const noexcept {
+        return {reinterpret_cast<const char*>(this + 1), keySize};
+    }
+    /// A bit that is set already is not written again, so that readers of one value share its line.
+    void visit() noexcept {
+        if (!visited.load(std::memory_order_relaxed)) visited.store(true, std::memory_order_relaxed);
+    }
+
+    const std::chrono::nanoseconds time;
+    const std::uint64_t cost;
+    CacheEntry* older = nullptr;  // the order of their coming; after unlinking: the next one to destroy
+    CacheEntry* newer = nullptr;
+
+    // What a hit looks at, beside the key.
+    std::atomic<CacheEntry*> next{nullptr};  // in the bucket
+    const std::uint64_t hash;
+    const Value value;
+    const std::size_t keySize;
+    std::atomic<bool> visited{false};
+
+  private:
+    CacheEntry(Value v, std::size_t size, const Facts& facts) noexcept
+        : time(facts.time), cost(facts.cost), hash(facts.hash), value(std::move(v)), keySize(size) {}
+    ~CacheEntry() = default;
+};
+
+}  // namespace kx

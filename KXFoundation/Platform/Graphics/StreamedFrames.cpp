@@ -1,0 +1,25 @@
+#include <utility>
+
+#include <KXFoundation/Platform/Graphics/StreamedFrames.h>
+
+namespace kx {
+
+StreamedFrames::StreamedFrames(std::shared_ptr<const GIFFile> file)
+    : file_(std::move(file)),
+      shared_(std::make_shared<GIFFrameStream>(file_,
+                                               FrameMemory::regardless(GIFFrameStream::memoryFor(*file_)))) {}
+
+std::shared_ptr<GIFFrameStream> StreamedFrames::open() {
+    const MutexLock lock(mutex_);
+    if (lent_.expired()) {
+        // A count of its own, so that its end can be told.
+        const std::shared_ptr<GIFFrameStream> first(shared_.get(), [held = shared_](GIFFrameStream*) {});
+        lent_ = first;
+        return first;
+    }
+    if (auto memory = FrameMemory::within(GIFFrameStream::memoryFor(*file_)))
+        return std::make_shared<GIFFrameStream>(file_, std::move(*memory));
+    return shared_;
+}
+
+}  // namespace kx

@@ -1,0 +1,14 @@
+#pragma once
+
+#include <functional>
+#include <memory>
+#include <string_view>
+
+#include <KXFoundation/Platform/Views/NSButton.h>
+
+namespace gallery {
+
+/// A button as wide as its title, the text of `key`.
+[[nodiscard]] std::shared_ptr<kx::NSButton> pushButton(std::string_view key, std::function<void()> action);
+
+}  // namespace gallery

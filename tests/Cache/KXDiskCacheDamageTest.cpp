@@ -1,0 +1,200 @@
+#include <filesystem>
+#include <functional>
+#include <random>
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include <KXFoundation/Cache/KXDiskCache.h>
+#include <KXFoundation/Platform/Runtime/ManualClock.h>
+
+#include "support/CapturedLog.h"
+#include "support/FaultyFileSystem.h"
+#include "support/ScopedQueues.h"
+#include "support/TemporaryDirectory.h"
+
+namespace kx {
+namespace {
+
+namespace fs = std::filesystem;
+
+constexpr int kValues = 100;
+
+struct KXDiskCacheDamageTest : ::testing::Test {
+    std::shared_ptr<KXDiskCache> open() const { return KXDiskCache::initWithPath(folder); }
+    static std::string key(int number) { return "key " + std::to_string(number); }
+    static Value value(int number) { return std::string(200, static_cast<char>('a' + number % 26)); }
+    void fill() const {
+        const auto cache = open();
+        for (int i = 0; i < kValues; ++i) cache->setObject(value(i), key(i));
+    }
+    /// How many values are there; each of them is the right one.
+    static int whole(KXDiskCache& cache) {
+        int count = 0;
+        for (int i = 0; i < kValues; ++i) {
+            const Value found = cache.objectForKey(key(i));
+            if (found.isNull()) continue;
+            EXPECT_EQ(found, value(i)) << i;
+            ++count;
+        }
+        return count;
+    }
+    std::string segment() const {
+        for (const auto& entry : fs::directory_iterator(folder)) {
+            if (entry.path().filename() != "header") return entry.path();
+        }
+        return {};
+    }
+    static void patch(const std::string& path, std::uint64_t offset, std::string_view bytes) {
+        const auto file = FileSystem::slot().current().open(path, FileSystem::Mode::ReadWrite);
+        ASSERT_TRUE((*file)->writeAt(offset, std::as_bytes(std::span(bytes))));
+    }
+    std::size_t newLines() {
+        const std::size_t before = std::exchange(linesSeen, log.lines().size());
+        return linesSeen - before;
+    }
+
+    testing::TemporaryDirectory directory;
+    const std::string folder = directory / "cache";
+    std::shared_ptr<testing::FaultyFileSystem> files = std::make_shared<testing::FaultyFileSystem>();
+    std::shared_ptr<ManualClock> clock = std::make_shared<ManualClock>();
+    ScopedPort<FileSystem> filesScope{files};
+    ScopedPort<Clock> clockScope{clock};
+    testing::CapturedLog log;
+    std::size_t linesSeen = 0;
+    testing::ScopedQueues queues;
+};
+
+/// One byte of the segment is wrong, at each place in turn: at most one value is missed, with one line, and
+/// then all is well again.
+TEST_F(KXDiskCacheDamageTest, OneWrongByteCostsOneValue) {
+    fill();
+    const std::string good = directory.read("cache/" + fs::path(segment()).filename().string());
+    for (std::size_t at = 32; at < good.size(); at += 37) {
+        directory.write("cache/" + fs::path(segment()).filename().string(), good);
+        for (const auto& entry : fs::directory_iterator(folder)) {
+            if (entry.path() != segment() && entry.path().filename() != "header") fs::remove(entry.path());
+        }
+        patch(segment(), at, std::string(1, static_cast<char>(good[at] ^ 0x40)));
+        clock->advance(std::chrono::minutes(2));
+        newLines();
+        const auto cache = open();
+        EXPECT_GE(whole(*cache), kValues - 1) << at;
+        EXPECT_EQ(newLines(), 1u) << at;
+        cache->setObject("new", "new");
+        clock->advance(std::chrono::minutes(2));
+        const auto again = open();
+        EXPECT_GE(whole(*again), kValues - 1) << at;
+        EXPECT_EQ(again->objectForKey("new"), Value("new")) << at;
+        EXPECT_EQ(newLines(), 0u) << at;
+        fs::remove_all(folder);
+        fill();
+    }
+}
+
+TEST_F(KXDiskCacheDamageTest, DamagedFolders) {
+    const struct {
+        const char* what;
+        std::function<void(KXDiskCacheDamageTest&)> damage;
+        int least, lines;
+    } rows[] = {
+        {"segment cut in the middle", [](auto& t) { fs::resize_file(t.segment(), 10'000); }, 40, 1},
+        {"segment empty", [](auto& t) { fs::resize_file(t.segment(), 0); }, 0, 1},
+        {"segment's header wrong", [](auto& t) { patch(t.segment(), 3, "xx"); }, 0, 1},
+        {"noise behind the entries", [](auto& t) { patch(t.segment(), fs::file_size(t.segment()), "noise"); },
+         kValues, 0},
+        {"header gone", [](auto& t) { fs::remove(t.folder + "/header"); }, kValues, 0},
+        {"header of noise", [](auto& t) { patch(t.folder + "/header", 0, std::string(4096, 'x')); }, kValues,
+         0},
+        {"a segment number that is far ahead",
+         [](auto& t) { patch(t.folder + "/header", 16, std::string(8, '\x7F')); }, kValues, 0},
+        {"strange files",
+         [](auto& t) { t.directory.write("cache/segment-zz", "x"), t.directory.makeDirectory("cache/a"); },
+         kValues, 0},
+        {"a folder in a segment's place",
+         [](auto& t) { t.directory.makeDirectory("cache/segment-00000009"); }, 0, 1},
+        {"all gone", [](auto& t) { fs::remove_all(t.folder); }, 0, 0},
+    };
+    for (const auto& [what, damage, least, lines] : rows) {
+        fs::remove_all(folder);
+        fill();
+        damage(*this);
+        clock->advance(std::chrono::minutes(2));
+        newLines();
+        const auto cache = open();
+        EXPECT_GE(whole(*cache), least) << what;
+        cache->setObject("new", "new");
+        const bool isUsable = !fs::is_directory(folder + "/segment-00000009");
+        EXPECT_LE(newLines(), static_cast<std::size_t>(isUsable ? lines : 2)) << what;
+        if (!isUsable) continue;
+        EXPECT_EQ(open()->objectForKey("new"), Value("new")) << what;
+        EXPECT_GE(whole(*open()), least) << what;
+    }
+}
+
+/// What happens to an open store's files behind its back.
+TEST_F(KXDiskCacheDamageTest, FilesThatChangeWhileTheStoreIsOpen) {
+    fill();
+    const auto cache = open();
+    ASSERT_EQ(whole(*cache), kValues);
+    fs::resize_file(segment(), 10'000);  // mapped, and read before
+    const int left = whole(*cache);
+    EXPECT_GE(left, 40);
+    EXPECT_LT(left, kValues);
+    cache->setObject(1, "new");
+    EXPECT_EQ(cache->objectForKey("new"), Value(1));
+    fs::remove_all(folder);
+    clock->advance(std::chrono::seconds(2));
+    cache->setObject(2, "after");
+    EXPECT_EQ(cache->objectForKey("after"), Value(2));
+    EXPECT_EQ(open()->objectForKey("after"), Value(2)) << "in a new folder";
+    EXPECT_EQ(cache->totalCount(), 1u);
+}
+
+TEST_F(KXDiskCacheDamageTest, AFolderThatRefuses) {
+    fill();
+    const auto cache = open();
+    ASSERT_EQ(whole(*cache), kValues);
+    files->setRoom(100);
+    cache->setObject(std::string(5000, 'x'), key(0));
+    cache->setObject(std::string(5000, 'x'), "new");
+    EXPECT_EQ(whole(*cache), kValues) << "a full disk: nothing changed";
+    EXPECT_EQ(newLines(), 1u);
+    files->heal();
+    cache->setObject(1, "new");
+    EXPECT_EQ(cache->objectForKey("new"), Value(1));
+
+    // Not writable: opened for reading.
+    class ReadOnly final : public FileSystem {
+      public:
+        Result<std::unique_ptr<File>> open(const std::string& path, Mode mode) override {
+            if (mode != Mode::Read) return Error::fromErrno(EACCES, path);
+            return below->open(path, mode);
+        }
+        Result<Info> info(const std::string& path) override { return below->info(path); }
+        Result<std::vector<std::string>> list(const std::string& path) override { return below->list(path); }
+        Result<void> rename(const std::string&, const std::string& to) override {
+            return Error::fromErrno(EROFS, to);
+        }
+        Result<void> remove(const std::string& path) override { return Error::fromErrno(EROFS, path); }
+        Result<void> makeDirectory(const std::string& path) override { return Error::fromErrno(EROFS, path); }
+        Result<void> syncDirectory(const std::string&) override { return {}; }
+        const std::shared_ptr<FileSystem> below = FileSystem::makeDefault();
+    };
+    const ScopedPort<FileSystem> scope(std::make_shared<ReadOnly>());
+    const auto reader = open();
+    newLines();
+    EXPECT_EQ(whole(*reader), kValues);
+    reader->setObject(2, "new");
+    reader->removeAllObjects();
+    EXPECT_EQ(reader->objectForKey("new"), Value(1));
+    cache->setObject(3, "new");
+    EXPECT_EQ(reader->objectForKey("new"), Value(3)) << "others still write";
+    const auto nowhere = KXDiskCache::initWithPath(directory / "other");
+    nowhere->setObject(1, "a");
+    EXPECT_FALSE(nowhere->containsObjectForKey("a"));
+    EXPECT_GE(newLines(), 1u);
+}
+
+}  // namespace
+}  // namespace kx

@@ -1,0 +1,246 @@
+#include <algorithm>
+#include <atomic>
+#include <optional>
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include <KXFoundation/Media/NSImage_LoopCount.h>
+#include <KXFoundation/Media/TableViewCellGIFImageView.h>
+#include <KXFoundation/Platform/Graphics/ImageSource.h>
+#include <KXFoundation/Platform/Runtime/Executor.h>
+#include <KXFoundation/Platform/Runtime/FileSystem.h>
+#include <KXFoundation/Platform/Runtime/Observation.h>
+#include <KXFoundation/Platform/Runtime/ProcessState.h>
+
+#include "GIFFixture.h"
+
+namespace kx {
+namespace {
+
+using testing::colouredGIF;
+using ::testing::ElementsAre;
+using testing::TemporaryDirectory;
+
+Value dataOf(const std::vector<std::uint8_t>& bytes) {
+    return Value::data(std::as_bytes(std::span(bytes)));
+}
+
+TEST(NSImage_LoopCount, KeepsWhatItIsGivenAndTellsObservers) {
+    const auto image = NSImage::initWithSize({1, 1});
+    EXPECT_EQ(NSImage_LoopCount::images(image), nullptr);
+    EXPECT_EQ(NSImage_LoopCount::duration(image), 0);
+    EXPECT_EQ(NSImage_LoopCount::loopCount(image), 0);
+
+    std::vector<std::string> notices;
+    std::vector<ObservationToken> tokens;
+    for (const char* key : {"images", "duration", "loopCount"}) {
+        tokens.push_back(
+            observe(image, key, ChangeOptions::Both, [&](auto&, auto changed, ChangePhase phase) {
+                notices.push_back((phase == ChangePhase::Will ? "will " : "did ") + std::string(changed));
+            }));
+    }
+    const ImageList frames = std::make_shared<const std::vector<std::shared_ptr<NSImage>>>(2, image);
+    NSImage_LoopCount::setDuration(image, 1.1);
+    NSImage_LoopCount::setLoopCount(image, std::int64_t{1} << 40);
+    NSImage_LoopCount::setImages(image, frames);
+    EXPECT_EQ(NSImage_LoopCount::images(image), frames);
+    EXPECT_EQ(NSImage_LoopCount::duration(image), 1.1F);
+    EXPECT_EQ(NSImage_LoopCount::loopCount(image), std::int64_t{1} << 40);
+    EXPECT_THAT(notices, ElementsAre("will duration", "did duration", "will loopCount", "did loopCount",
+                                     "will images", "did images"));
+    NSImage_LoopCount::setImages(image, nullptr);
+    EXPECT_EQ(NSImage_LoopCount::images(image), nullptr);
+    NSImage_LoopCount::setDuration(nullptr, 1);
+    EXPECT_EQ(NSImage_LoopCount::duration(nullptr), 0);
+}
+
+TEST(KXGIFImageView, FrameDurations) {
+    class Source : public Subclass<Source, ImageSource> {
+      public:
+        std::optional<double> unclamped, delay;
+        Value propertiesAtIndex(std::size_t) const override {
+            DictionaryBuilder gif;
+            if (unclamped) gif.set(kUnclampedDelayTime, *unclamped);
+            if (delay) gif.set(kDelayTime, *delay);
+            return DictionaryBuilder().set(kGIFDictionary, gif.build()).build();
+        }
+    };
+    const struct {
+        std::optional<double> unclamped, delay;
+        float want;
+    } rows[] = {
+        {{}, 0.0, 0.1F},    {{}, 0.02, 0.02F},  {0.01, 0.5, 0.1F},   {{}, {}, 0.1F},
+        {0.05, 0.1, 0.05F}, {0.0109, {}, 0.1F}, {0.011, {}, 0.011F}, {-1.0, {}, 0.1F},
+    };
+    const auto source = make<Source>(dataOf({}));
+    for (const auto& row : rows) {
+        source->unclamped = row.unclamped;
+        source->delay = row.delay;
+        EXPECT_EQ(KXGIFImageView::frameDurationAtIndex(0, source), row.want)
+            << row.unclamped.value_or(-9) << ", " << row.delay.value_or(-9);
+    }
+    EXPECT_EQ(KXGIFImageView::frameDurationAtIndex(0, nullptr), 0.1F);
+}
+
+TEST(KXGIFImageView, DecodesData) {
+    const auto three = colouredGIF({5, 5, 20}, 4);
+    const struct {
+        const char* what;
+        Value data;
+        bool isImage;
+        std::size_t frames;
+        float duration;
+        std::int64_t loops;
+    } rows[] = {
+        {"three frames", dataOf(three), true, 3, 0.3F, 4},
+        {"no loop count", dataOf(colouredGIF({0, 0})), true, 2, 0.2F, 0},
+        {"one frame", dataOf(colouredGIF({5}, 3)), true, 0, 0, 0},
+        {"no frame", dataOf(colouredGIF({})), false, 0, 0, 0},
+        {"no picture", dataOf({1, 2, 3}), false, 0, 0, 0},
+        {"nothing", Value(), false, 0, 0, 0},
+    };
+    for (const auto& row : rows) {
+        int calls = 0;
+        std::shared_ptr<NSImage> image;
+        KXGIFImageView::kx_animatedGIFWithData(row.data, [&](const auto& given) {
+            ++calls;
+            image = given;
+        });
+        KXGIFImageView::kx_animatedGIFWithData(row.data, nullptr);
+        EXPECT_EQ(calls, 1) << row.what;
+        EXPECT_EQ(image != nullptr, row.isImage) << row.what;
+        const ImageList frames = NSImage_LoopCount::images(image);
+        ASSERT_EQ(frames ? frames->size() : 0, row.frames) << row.what;
+        EXPECT_FLOAT_EQ(NSImage_LoopCount::duration(image), row.duration) << row.what;
+        EXPECT_EQ(NSImage_LoopCount::loopCount(image), row.loops) << row.what;
+        for (std::size_t i = 0; i < row.frames; ++i) {
+            EXPECT_EQ(testing::frameOf((*frames)[i]), static_cast<int>(i)) << row.what;
+            EXPECT_EQ((*frames)[i]->size(), (NSSize{2, 2})) << row.what;
+        }
+        if (row.frames == 3) {
+            EXPECT_EQ(NSImage_LoopCount::duration((*frames)[2]), 0.2F);
+        }
+    }
+}
+
+/// Writes down what the base view is told.
+class Watched : public Subclass<Watched, KXGIFImageView> {
+  public:
+    std::vector<std::string> told;
+    void renderImageViewWithImg(const std::shared_ptr<NSImage>& image) override {
+        told.push_back(NSImage_LoopCount::images(image) ? "animation" : "picture");
+        Super::renderImageViewWithImg(image);
+    }
+    void setLoopCount(std::int64_t count) override { told.push_back("loops " + std::to_string(count)); }
+    void setImage(std::shared_ptr<NSImage> image) override {
+        told.push_back(image ? "image" : "no image");
+        Super::setImage(std::move(image));
+    }
+};
+
+struct Paths {
+    TemporaryDirectory directory;
+    std::string moving = testing::write(directory, "moving.gif", colouredGIF({5, 5}, 6));
+    std::string still = testing::write(directory, "still.gif", colouredGIF({5}));
+    std::string text = directory.write("text.gif", "no picture");
+};
+
+TEST(KXGIFImageView, ShowsTheFileAskedForLast) {
+    const Paths paths;
+    const ScopedProcessState process;
+    const auto view = make<Watched>(NSRect(0, 0, 9, 9));
+    const auto ask = [&](std::optional<std::string_view> path) {
+        view->setGIFPath(path);
+        drainQueues();
+        return std::exchange(view->told, {});
+    };
+    EXPECT_THAT(ask(paths.still), ElementsAre("picture", "image"));
+    EXPECT_THAT(ask(paths.moving), ElementsAre("animation", "loops 6"));
+    EXPECT_EQ(testing::frameOf(view->image()), 0) << "an animation leaves the image as it was";
+    EXPECT_EQ(view->loopCount(), 0);
+    EXPECT_THAT(ask(paths.text), ElementsAre("loops 0", "no image"));
+    EXPECT_THAT(ask(paths.directory / "missing"), ElementsAre("no image"));
+    EXPECT_THAT(ask(std::nullopt), ElementsAre("no image"));
+    EXPECT_EQ(view->filePath(), std::nullopt);
+
+    view->setGIFPath(paths.still);  // both are kept by now: at once
+    view->setGIFPath(paths.moving);
+    EXPECT_THAT(std::exchange(view->told, {}), ElementsAre("picture", "image", "animation", "loops 6"));
+    drainQueues();
+    EXPECT_THAT(view->told, ElementsAre());
+}
+
+TEST(KXGIFImageView, DiscardsWhatComesForAnEarlierPath) {
+    const Paths paths;
+    const ScopedProcessState process;
+    auto view = make<Watched>(std::optional<std::string_view>(paths.still));
+    view->setGIFPath(paths.moving);
+    drainQueues();
+    std::ranges::sort(view->told);  // the two files end in either order
+    EXPECT_THAT(view->told, ElementsAre("animation", "loops 0", "loops 6", "no image"));
+    view->told.clear();
+    view->setGIFPath(paths.still);  // was not kept
+    EXPECT_THAT(view->told, ElementsAre());
+    const std::weak_ptr<Watched> weak = view;
+    view = nullptr;
+    EXPECT_FALSE(weak.expired()) << "the operation keeps it until it has finished";
+    drainQueues();
+    EXPECT_TRUE(weak.expired());
+}
+
+/// Opens nothing until the gate is open, by the library's own means of waiting.
+class GatedFiles final : public FileSystem {
+  public:
+    std::atomic<int> opened = 0;
+
+    void openGate() {
+        const MutexLock lock(mutex_);
+        isOpen_ = true;
+        Executor::slot().current().wake(changed_);
+    }
+    Result<std::unique_ptr<File>> open(const std::string& path, Mode mode) override {
+        ++opened;
+        const MutexLock lock(mutex_);
+        while (!isOpen_) Executor::slot().current().wait(mutex_, changed_);
+        return below_->open(path, mode);
+    }
+    Result<Info> info(const std::string& path) override { return below_->info(path); }
+    Result<std::vector<std::string>> list(const std::string& path) override { return below_->list(path); }
+    Result<void> rename(const std::string& from, const std::string& to) override {
+        return below_->rename(from, to);
+    }
+    Result<void> remove(const std::string& path) override { return below_->remove(path); }
+    Result<void> makeDirectory(const std::string& path) override { return below_->makeDirectory(path); }
+    Result<void> syncDirectory(const std::string& path) override { return below_->syncDirectory(path); }
+
+  private:
+    const std::shared_ptr<FileSystem> below_ = FileSystem::makeDefault();
+    Mutex mutex_;
+    WaitPoint changed_;
+    bool isOpen_ = false;
+};
+
+TEST(KXGIFImageView, ConcurrentRequestsOfOnePathAreReadOnce) {
+    const Paths paths;
+    const ScopedProcessState process;
+    const auto files = std::make_shared<GatedFiles>();
+    const ScopedPort<FileSystem> scope(files);
+    std::vector<std::shared_ptr<Watched>> views;
+    for (int i = 0; i < 3; ++i) views.push_back(make<Watched>(std::optional<std::string_view>(paths.moving)));
+    drainQueues();  // all three wait
+    EXPECT_EQ(files->opened, 1);
+    files->openGate();
+    drainQueues();
+    for (const auto& view : views) EXPECT_THAT(view->told, ElementsAre("animation", "loops 6"));
+    EXPECT_EQ(files->opened, 1);
+}
+
+TEST(KXGIFImageView, InTableCellsIsNotHighlighted) {
+    const auto view = make<TableViewCellGIFImageView>();
+    view->setHighlighted(true);
+    EXPECT_FALSE(view->isHighlighted());
+}
+
+}  // namespace
+}  // namespace kx

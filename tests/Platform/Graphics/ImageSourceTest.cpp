@@ -1,0 +1,127 @@
+#include <cstring>
+#include <optional>
+
+#include <gtest/gtest.h>
+
+#include <KXFoundation/Platform/Graphics/GIF/GIFFrameStream.h>
+#include <KXFoundation/Platform/Graphics/ImageSource.h>
+#include <KXFoundation/Platform/Graphics/NSImage.h>
+#include <KXFoundation/Platform/Graphics/NSStreamedImageRep.h>
+
+#include "support/GIFWriter.h"
+
+namespace kx {
+namespace {
+
+using testing::GIFWriter;
+using testing::GIFWriterFrame;
+
+Value dataOf(const std::vector<std::uint8_t>& bytes) {
+    return Value::data(std::as_bytes(std::span(bytes)));
+}
+
+/// Frame i is all of colour i.
+GIFWriter fileOf(std::uint16_t side, std::size_t frames) {
+    GIFWriter file(side, side, {0, 0, 0, 10, 0, 0, 20, 0, 0, 30, 0, 0}, 2);
+    for (std::size_t i = 0; i < frames; ++i) {
+        GIFWriterFrame frame;
+        frame.width = frame.height = side;
+        frame.indices.assign(std::size_t{side} * side, static_cast<std::uint8_t>(i % 4));
+        file.frame(frame);
+    }
+    return file;
+}
+
+std::uint32_t colourOf(std::size_t frame) {
+    return 0xFF00'0000 | static_cast<std::uint32_t>(frame % 4 * 10) << 16;
+}
+
+TEST(ImageSource, TellsDelaysAndLoops) {
+    GIFWriter file(3, 2, {0, 0, 0, 9, 9, 9}, 2);
+    file.loopCount(7);
+    const struct {
+        std::optional<std::uint16_t> hundredths;
+        std::optional<double> unclamped, clamped;
+    } rows[] = {{5, 0.05, 0.05}, {2, 0.02, 0.02}, {1, 0.01, 0.1}, {0, 0.0, 0.1}, {{}, {}, {}}};
+    for (const auto& row : rows) {
+        GIFWriterFrame frame;
+        frame.width = frame.height = 1;
+        frame.indices = {1};
+        frame.delayHundredths = row.hundredths;
+        file.frame(frame);
+    }
+    const auto source = ImageSource::initWithData(dataOf(file.trailer().bytes()));
+    ASSERT_EQ(source->count(), std::size(rows));
+    EXPECT_EQ(source->properties()[ImageSource::kGIFDictionary][ImageSource::kLoopCount].asInteger(), 7);
+    for (std::size_t i = 0; i < std::size(rows); ++i) {
+        const Value properties = source->propertiesAtIndex(i);
+        const Value gif = properties[ImageSource::kGIFDictionary];
+        EXPECT_EQ(gif[ImageSource::kUnclampedDelayTime].asReal(), rows[i].unclamped) << "frame " << i;
+        EXPECT_EQ(gif[ImageSource::kDelayTime].asReal(), rows[i].clamped) << "frame " << i;
+        EXPECT_EQ(properties[ImageSource::kPixelWidth].asInteger(), 3) << "frame " << i;
+    }
+    EXPECT_TRUE(source->propertiesAtIndex(std::size(rows)).isNull());
+    EXPECT_EQ(source->imageRepAtIndex(std::size(rows)), nullptr);
+}
+
+TEST(ImageSource, CountsWhatCanBeShown) {
+    const auto png = std::vector<std::uint8_t>{0x89, 'P', 'N', 'G', '\r', '\n', 0x1A, '\n'};
+    const auto good = fileOf(4, 3).bytes();  // no trailer
+    const struct {
+        const char* what;
+        Value data;
+        std::optional<std::size_t> count;
+    } rows[] = {
+        {"a GIF", dataOf(good), 3},
+        {"its header", dataOf({good.begin(), good.begin() + 9}), 0},
+        {"a break in the third frame", dataOf({good.begin(), good.end() - 20}), 2},
+        {"another format", dataOf(png), 1},
+        {"no picture", dataOf({1, 2, 3}), 0},
+        {"no data", Value("GIF89a"), {}},
+    };
+    for (const auto& row : rows) {
+        const auto source = ImageSource::initWithData(row.data);
+        EXPECT_EQ(source ? std::optional(source->count()) : std::nullopt, row.count) << row.what;
+        if (source) {
+            EXPECT_EQ(source->imageRepAtIndex(0) != nullptr, row.count > 1U) << row.what;
+        }
+    }
+}
+
+TEST(ImageSource, KeepsSmallFilesWholeAndStreamsOthersInAnyOrder) {
+    const std::uint64_t before = FrameMemory::inUse();
+    for (const std::uint16_t side : {std::uint16_t{8}, std::uint16_t{800}}) {
+        const auto source = ImageSource::initWithData(dataOf(fileOf(side, 12).trailer().bytes()));
+        const bool isSmall = 12ULL * side * side * 4 < ImageSource::kSmall;
+        for (const std::size_t index : {std::size_t{0}, std::size_t{5}, std::size_t{3}, std::size_t{11}}) {
+            const auto rep = source->imageRepAtIndex(index);
+            EXPECT_EQ(objectCast<NSBitmapImageRep>(rep) != nullptr, isSmall);
+            EXPECT_EQ(objectCast<NSStreamedImageRep>(rep) != nullptr, !isSmall);
+            auto image = NSImage::initWithSize({double(side), double(side)});
+            image->addRepresentation(rep);
+            EXPECT_EQ(image->bitmapAtScale(1)->pixelAt(side / 2, 1), colourOf(index)) << index;
+        }
+        EXPECT_GT(FrameMemory::inUse(), before);
+    }
+    drainQueues();
+    EXPECT_EQ(FrameMemory::inUse(), before);
+}
+
+TEST(ImageSource, GivesPlayersStreamsOfTheirOwnAsFarAsMemoryGoes) {
+    const auto source = ImageSource::initWithData(dataOf(fileOf(1200, 4).trailer().bytes()));
+    const auto rep = objectCast<NSStreamedImageRep>(source->imageRepAtIndex(0));
+    std::vector<std::shared_ptr<GIFFrameStream>> streams;
+    do streams.push_back(rep->stream());
+    while (streams.size() < 9 && (streams.size() == 1 || streams.back().get() != streams.front().get()));
+    EXPECT_GT(streams.size(), 2U);
+    EXPECT_EQ(streams.back().get(), streams.front().get());
+    EXPECT_LE(FrameMemory::inUse(), FrameMemory::kBudget);
+    auto shown = streams.front()->bitmapAtIndex(1);  // given away: stays as it is
+    EXPECT_EQ(streams.front()->bitmapAtIndex(2)->pixelAt(0, 0), colourOf(2));
+    EXPECT_EQ(streams[1]->bitmapAtIndex(3)->pixelAt(0, 0), colourOf(3));
+    EXPECT_EQ(shown->pixelAt(0, 0), colourOf(1));
+    EXPECT_EQ(streams.front()->bitmapAtIndex(4), nullptr);
+}
+
+}  // namespace
+}  // namespace kx

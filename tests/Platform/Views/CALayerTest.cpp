@@ -1,0 +1,124 @@
+#include <cmath>
+#include <numbers>
+
+#include <gtest/gtest.h>
+
+#include <KXFoundation/Platform/Graphics/NSColor.h>
+#include <KXFoundation/Platform/Graphics/NSImageRep.h>
+#include <KXFoundation/Platform/Runtime/ManualClock.h>
+#include <KXFoundation/Platform/Views/CABasicAnimation.h>
+#include <KXFoundation/Platform/Views/CALayer.h>
+
+#include "ViewFixture.h"
+
+namespace kx {
+namespace {
+
+constexpr std::uint32_t kRed = 0xFFFF0000;
+
+struct Layer : ::testing::Test {
+    Layer() {
+        view->setWantsLayer(true);
+        view->layer()->setBackgroundColor(NSColor::colorWithRed(1, 0, 0, 1));
+        shown.content().addSubview(view);
+        ground = pixel(1, 1);
+    }
+    std::uint32_t pixel(std::uint32_t x, std::uint32_t y) {
+        shown.window->displayIfNeeded();
+        return shown.surface().bitmap()->pixelAt(x, y);
+    }
+    std::vector<std::uint32_t> pixels() {
+        shown.window->displayIfNeeded();
+        const auto all = shown.surface().bitmap()->pixels();
+        return {all.begin(), all.end()};
+    }
+    /// Frame by frame, as a loop does.
+    void pass(double seconds) {
+        for (long frame = std::lround(seconds * 60); frame >= 0; --frame) {
+            shown.window->displayIfNeeded();
+            clock->advance(std::chrono::nanoseconds(1'000'000'000 / 60));
+        }
+        shown.window->displayIfNeeded();
+    }
+    void animate(std::string_view keyPath, CABasicAnimation::AnimatedValue to, float count) {
+        const auto animation = CABasicAnimation::animationWithKeyPath(keyPath);
+        animation->setToValue(to);
+        animation->setDuration(1);
+        animation->setRepeatCount(count);
+        view->layer()->addAnimation(animation);
+    }
+
+    std::shared_ptr<ManualClock> clock = std::make_shared<ManualClock>();
+    ScopedPort<Clock> clockScope{clock};
+    testing::OffscreenWindow shown{{100, 100}};
+    std::shared_ptr<NSView> view = make<NSView>(NSRect(30, 40, 40, 20));
+    std::uint32_t ground = 0;
+};
+
+TEST_F(Layer, BackgroundCornersAndClipping) {
+    EXPECT_EQ(pixel(30, 40), kRed);
+    view->layer()->setCornerRadius(8);
+    EXPECT_EQ(pixel(30, 40), ground);
+    EXPECT_EQ(pixel(50, 50), kRed);
+    const auto inner = make<NSView>(NSRect(-10, -10, 60, 40));
+    inner->setWantsLayer(true);
+    inner->layer()->setBackgroundColor(NSColor::colorWithRed(0, 0, 1, 1));
+    view->addSubview(inner);
+    EXPECT_EQ(pixel(22, 32), 0xFF0000FFU);
+    view->layer()->setMasksToBounds(true);
+    EXPECT_TRUE(view->clipsToBounds());
+    EXPECT_EQ(pixel(22, 32), ground);
+    EXPECT_EQ(pixel(30, 40), ground) << "cut at the rounded corner";
+    EXPECT_EQ(pixel(50, 50), 0xFF0000FFU);
+    view->layer()->setOpacity(0);
+    EXPECT_EQ(pixel(50, 50), ground);
+}
+
+TEST_F(Layer, TheShadowReachesBeyondAViewThatClips) {
+    const auto before = pixels();
+    view->setClipsToBounds(true);
+    view->layer()->setShadowOpacity(1);
+    view->layer()->setShadowRadius(4);
+    view->layer()->setShadowOffset({0, 0});
+    EXPECT_NE(pixel(28, 50), ground);
+    EXPECT_EQ(pixel(50, 50), kRed);
+    EXPECT_EQ(pixel(50, 80), ground) << "faded out";
+    const auto whole = pixels();
+    view->setFrame({31, 40, 40, 20});
+    pixels();
+    view->setFrame({30, 40, 40, 20});
+    EXPECT_EQ(pixels(), whole) << "moved away and back, it leaves no trace";
+    view->layer()->setShadowOpacity(0);
+    EXPECT_EQ(pixels(), before);
+}
+
+TEST_F(Layer, AnimationsTurnMoveAndFadeAndEnd) {
+    const auto still = pixels();
+    animate("transform.rotation.z", std::numbers::pi, 1);
+    pass(0.5);
+    EXPECT_EQ(pixel(50, 35), kRed) << "upright now";
+    EXPECT_EQ(pixel(35, 50), ground);
+    pass(0.6);
+    EXPECT_EQ(pixels(), still);
+    EXPECT_EQ(view->layer()->animationCount(), 0U);
+    animate("position", NSPoint{70, 50}, 1);
+    pass(0.5);
+    EXPECT_EQ(pixel(32, 50), ground);
+    EXPECT_EQ(pixel(75, 50), kRed);
+    view->layer()->removeAllAnimations();
+    EXPECT_EQ(pixels(), still);
+    animate("opacity", 0.0, std::numeric_limits<float>::infinity());
+    pass(2.5);
+    EXPECT_NE(pixel(50, 50), kRed);
+    animate("position", 3.0, 1);
+    animate("opacity", NSPoint{1, 1}, 1);
+    animate("colour", 1.0, 1);
+    animate("transform.rotation.z", std::nan(""), 1);
+    view->layer()->removeAllAnimations();
+    EXPECT_EQ(pixels(), still);
+    pass(1);
+    EXPECT_EQ(clock->pendingTimers(), 0U);
+}
+
+}  // namespace
+}  // namespace kx

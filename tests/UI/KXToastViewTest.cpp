@@ -1,0 +1,213 @@
+#include <limits>
+
+#include <KXFoundation/Platform/Foundation/NSNotificationCenter.h>
+#include <KXFoundation/Platform/Graphics/NSImage.h>
+#include <KXFoundation/Platform/Views/NSImageView.h>
+#include <KXFoundation/Platform/Views/NSLayoutConstraint.h>
+#include <KXFoundation/Platform/Views/NSTextView.h>
+#include <KXFoundation/UI/KXToastView.h>
+
+#include "UI/TimedWindow.h"
+#include "support/CountedAllocations.h"
+
+namespace kx {
+namespace {
+
+using Toast = testing::TimedWindow;
+
+/// Calls back from its hooks.
+class HookedToast : public Subclass<HookedToast, KXToastView> {
+  public:
+    void willPresentToastView() override {
+        Super::willPresentToastView();
+        call(willPresent);
+    }
+    void willDismissToastView() override {
+        Super::willDismissToastView();
+        call(willDismiss);
+    }
+    void didDismissToastView() override {
+        ++removals;
+        call(didDismiss);
+    }
+
+    std::function<void(HookedToast&)> willPresent, willDismiss, didDismiss;
+    int removals = 0;
+
+  private:
+    void call(const std::function<void(HookedToast&)>& hook) {
+        const auto held = hook;
+        if (held) held(*this);
+    }
+};
+
+std::shared_ptr<HookedToast> hooked() {
+    return make<HookedToast>("Saved", nullptr);
+}
+
+void clearAll() {
+    NSNotificationCenter::defaultCenter().postNotificationName(
+        KXToastViewShouldDismissWithoutAnimationNotification);
+}
+
+TEST_F(Toast, StaysForItsTimeAndLeavesNothing) {
+    const struct {
+        double timeout, stays;
+    } rows[] = {{0, 40}, {0.3, 40}, {0.5, 0.5},
+                {3, 3},  {-1, 40},  {std::numeric_limits<double>::quiet_NaN(), 40}};
+    for (const auto& [timeout, stays] : rows) {
+        std::weak_ptr<KXToastView> watched;
+        {
+            const auto toast = KXToastView::initWithTitle("Saved", nullptr);
+            toast->showWithTimeout(timeout);
+            watched = toast;
+        }
+        pass(stays - 0.001);
+        EXPECT_EQ(children(), 1U) << "timeout " << timeout;
+        EXPECT_FALSE(watched.expired()) << "timeout " << timeout;
+        pass(0.001);
+        EXPECT_EQ(children(), 0U) << "timeout " << timeout;
+        EXPECT_TRUE(watched.expired()) << "timeout " << timeout;
+    }
+}
+
+TEST_F(Toast, LaysOutItsCardAndFollowsTheWindow) {
+    const auto toast = KXToastView::initWithTitle("A text that is long enough to need two lines or more",
+                                                  NSImage::initWithSize({30, 20}));
+    toast->show();
+    shown.window->displayIfNeeded();
+    const double text = toast->titleLbl()->fittingSize().height;
+    EXPECT_GT(text, 20);
+    EXPECT_EQ(toast->indicatorView()->frame(), NSRect(102.5, 0, 30, 20));
+    EXPECT_EQ(toast->titleLbl()->frame(), NSRect(6, 20, 223, text));
+    const NSSize card{235, 20 + text + 16};
+    for (const NSSize size : {NSSize{640, 480}, NSSize{300, 200}}) {
+        shown.window->setFrame({{}, size});
+        shown.window->displayIfNeeded();
+        EXPECT_EQ(toast->contentView()->frame(),
+                  NSRect({(size.width - card.width) / 2, (size.height - card.height) / 2}, card));
+    }
+    toast->titleLabelHeightConstraint()->setConstant(90);
+    toast->layoutSubtreeIfNeeded();
+    EXPECT_EQ(toast->contentView()->frame().size.height, 90);
+}
+
+TEST_F(Toast, AResizeAsksForNoMemory) {
+    const auto toast = KXToastView::initWithTitle("Saved", nullptr);
+    const auto resize = [&](double width) {
+        toast->setFrame({0, 0, width, 480});
+        toast->layoutSubtreeIfNeeded();
+    };
+    resize(500);
+    EXPECT_EQ(testing::allocationsOf([&] { resize(700); }), 0U);
+    EXPECT_EQ(toast->contentView()->frame().origin.x, (700 - 235) / 2.0);
+}
+
+TEST_F(Toast, OnePostClearsThoseThatListen) {
+    const auto visible = hooked();
+    const auto hidden = hooked();
+    const auto dismissed = hooked();
+    const auto transparent = hooked();
+    visible->show();
+    visible->show();
+    transparent->setAlphaValue(0);
+    int completed = 0;
+    for (const auto& toast : {dismissed, transparent}) {
+        toast->show();
+        toast->dismissWithCompleteBlock([&] { ++completed; });
+    }
+    EXPECT_EQ(completed, 2);
+    clearAll();
+    clearAll();
+    EXPECT_EQ(visible->removals, 1);
+    EXPECT_EQ(visible->window(), nullptr);
+    EXPECT_EQ(visible->indicatorView()->superview(), nullptr);
+    EXPECT_EQ(hidden->removals, 1);
+    EXPECT_EQ(dismissed->removals, 0) << "it has stopped listening";
+    EXPECT_NE(dismissed->window(), nullptr) << "until its time is up";
+    EXPECT_EQ(transparent->removals, 1) << "it was not dismissed";
+}
+
+TEST_F(Toast, AClickDismissesWhereItMay) {
+    for (const bool may : {false, true}) {
+        const auto toast = hooked();
+        toast->setShouldDismissWhenClicked(may);
+        toast->show();
+        shown.window->displayIfNeeded();
+        shown.surface().click({5, 5});
+        EXPECT_NE(toast->window(), nullptr);
+        clearAll();
+        EXPECT_EQ(toast->removals, may ? 0 : 1);
+        pass(40);
+    }
+}
+
+TEST_F(Toast, AThousandLeaveNothing) {
+    std::vector<std::weak_ptr<KXToastView>> watched;
+    for (int i = 0; i < 1000; ++i) {
+        const auto toast = KXToastView::initWithTitle("Saved", nullptr);
+        toast->showWithTimeout(1 + i % 3);
+        watched.push_back(toast);
+        if (i == 500) clearAll();
+    }
+    EXPECT_EQ(children(), 1000U);
+    pass(3);
+    EXPECT_EQ(children(), 0U);
+    EXPECT_EQ(clock->pendingTimers(), 0U);
+    EXPECT_TRUE(std::ranges::all_of(watched, [](const auto& toast) { return toast.expired(); }));
+    EXPECT_EQ(NSApplication::sharedApplication()->windows().size(), 1U);
+}
+
+TEST_F(Toast, HooksMayDoAnything) {
+    const auto again = [](HookedToast&) { clearAll(); };
+    const auto remove = [](HookedToast& toast) { toast.removeFromSuperview(); };
+    const auto closeAll = [&](HookedToast& toast) {
+        if (const auto window = toast.window()) window->close();
+        shown.window->close();
+    };
+    const auto another = [](HookedToast&) { hooked()->showWithTimeout(1); };
+    for (const std::function<void(HookedToast&)>& hook :
+         std::initializer_list<std::function<void(HookedToast&)>>{again, remove, another, closeAll}) {
+        shown.window->makeKeyAndOrderFront();
+        std::weak_ptr<HookedToast> watched;
+        for (auto HookedToast::*place :
+             {&HookedToast::willPresent, &HookedToast::willDismiss, &HookedToast::didDismiss}) {
+            auto toast = hooked();
+            toast.get()->*place = hook;
+            toast->setShouldDismissWhenClicked(true);
+            toast->showWithTimeout(2);
+            if (shown.window->surface()) shown.surface().click({9, 9});
+            watched = toast;
+            toast = nullptr;
+            clearAll();
+            pass(4);
+            EXPECT_TRUE(watched.expired());
+        }
+    }
+    EXPECT_EQ(children(), 0U);
+}
+
+TEST_F(Toast, WithoutAKeyWindowItComesAndGoes) {
+    shown.window->close();
+    const auto toast = KXToastView::initWithTitle(std::nullopt, nullptr);
+    EXPECT_EQ(toast->frame().size, NSSize());
+    toast->showWithTimeout(1);
+    const std::weak_ptr<NSWindow> window = toast->window();
+    EXPECT_FALSE(window.expired());
+    pass(1);
+    EXPECT_TRUE(window.expired());
+}
+
+TEST_F(Toast, AbsurdContentsAreShown) {
+    for (const std::string& text : {std::string(), std::string(1 << 20, 'x'), std::string("\xFF\xC0")}) {
+        for (const double side : {0.0, 1e12, -5.0}) {
+            KXToastView::initWithTitle(text, NSImage::initWithSize({side, side}))->showWithTimeout(1);
+            shown.window->displayIfNeeded();
+            pass(1);
+        }
+    }
+    EXPECT_EQ(children(), 0U);
+}
+
+}  // namespace
+}  // namespace kx
