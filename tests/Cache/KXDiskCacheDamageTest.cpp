@@ -65,12 +65,12 @@ struct KXDiskCacheDamageTest : ::testing::Test {
     testing::ScopedQueues queues;
 };
 
-/// One byte of the segment is wrong, at each place in turn: at most one value is missed, with one line, and
-/// then all is well again.
+/// One byte of the segment is wrong, at one place after another: at most one value is missed, with one line,
+/// and then all is well again.
 TEST_F(KXDiskCacheDamageTest, OneWrongByteCostsOneValue) {
     fill();
     const std::string good = directory.read("cache/" + fs::path(segment()).filename().string());
-    for (std::size_t at = 32; at < good.size(); at += 37) {
+    for (std::size_t at = 32; at < good.size(); at += 151) {
         directory.write("cache/" + fs::path(segment()).filename().string(), good);
         for (const auto& entry : fs::directory_iterator(folder)) {
             if (entry.path() != segment() && entry.path().filename() != "header") fs::remove(entry.path());
@@ -108,6 +108,12 @@ TEST_F(KXDiskCacheDamageTest, DamagedFolders) {
          0},
         {"a segment number that is far ahead",
          [](auto& t) { patch(t.folder + "/header", 16, std::string(8, '\x7F')); }, kValues, 0},
+        {"a head of an earlier start of the machine",
+         [](auto& t) {
+             patch(t.folder + "/header", 8, std::string("\x88\x13\0\0\1\0\0\0", 8));
+             patch(t.folder + "/header", 24, "earlier!");
+         },
+         kValues, 0},
         {"strange files",
          [](auto& t) { t.directory.write("cache/segment-zz", "x"), t.directory.makeDirectory("cache/a"); },
          kValues, 0},

@@ -60,7 +60,7 @@ class FaultyFileSystem::Journal {
         const std::lock_guard lock(mutex_);
         remembers_ = true;
         undos_.clear();
-        mapped_.clear();
+        for (const std::string& path : mapped_) remember(path, path);
     }
     /// Before the contents of the file change, or are mapped to be changed.
     void changing(const std::string& path) {
@@ -69,9 +69,8 @@ class FaultyFileSystem::Journal {
     }
     void mapping(const std::string& path) {
         const std::lock_guard lock(mutex_);
-        if (!remembers_) return;
-        remember(path, path);
-        mapped_.push_back(path);
+        if (remembers_) remember(path, path);
+        if (std::ranges::find(mapped_, path) == mapped_.end()) mapped_.push_back(path);
     }
     /// Before the name changes: made, removed or replaced.
     void naming(const std::string& path) {
@@ -94,7 +93,6 @@ class FaultyFileSystem::Journal {
         const std::lock_guard lock(mutex_);
         for (auto step = undos_.rbegin(); step != undos_.rend(); ++step) restore(*step);
         undos_.clear();
-        mapped_.clear();
     }
 
   private:

@@ -84,7 +84,7 @@ def main():
     def listen():
         for line in sys.stdin:
             GLib.idle_add(services[0].change, line)
-        loop.quit()
+        GLib.idle_add(loop.quit)  # in the loop: a call before it runs would be lost
 
     threading.Thread(target=listen, daemon=True).start()
     loop.run()

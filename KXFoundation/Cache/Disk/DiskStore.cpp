@@ -16,7 +16,7 @@ class DiskStore::PageLock {
             result_ = Error{ErrorKind::Denied, EACCES, store.folder_};
         } else if (result_ = page_.lock(); result_) {
             isHeld_ = true;
-            store.follow();
+            result_ = store.follow();
         }
     }
     ~PageLock() {
@@ -40,7 +40,7 @@ DiskStore::DiskStore(std::string folder, std::shared_ptr<DispatchQueue> queue)
 
 Result<std::optional<DiskIndex::Place>> DiskStore::locate(std::string_view key) {
     if (auto opened = open(); !opened) return Error(opened.error());
-    follow();
+    if (auto followed = follow(); !followed) return Error(followed.error());
     auto place = index_.find(hashOfKey(key));
     if (place && isExpired(place->record())) place = std::nullopt;
     return place;
@@ -165,7 +165,7 @@ Result<void> DiskStore::clear() {
     if (Segment* last = index_.last()) last->isSealed = true;
     if (auto done = append(Form::Clearing, "", {}, Stamp::at(clock_->wallTime())); !done) return done;
     index_.dropBefore({index_.last()->file->number(), 0});
-    publishHead();
+    publishHead(Dropped::ForGood);
     return {};
 }
 
@@ -266,7 +266,7 @@ Result<void> DiskStore::setLimits(const DiskLimits& limits) {
 Result<DiskStatistics> DiskStore::statistics() {
     const MutexLock lock(mutex_);
     if (auto opened = open(); !opened) return Error(opened.error());
-    follow();
+    if (auto followed = follow(); !followed) return Error(followed.error());
     if (limits_.age > 0 && page_->isWritable()) {
         const PageLock page(*this);
         if (page.result()) holdLimits(0);

@@ -79,11 +79,11 @@ class DiskStore {
     Result<void> load() KX_REQUIRES(mutex_);
     Result<std::vector<std::uint32_t>> segmentNumbers();
     Result<void> loadSegment(std::uint32_t number, Position tail) KX_REQUIRES(mutex_);
-    void mendLast(bool isDamaged) KX_REQUIRES(mutex_);
-    void follow() KX_REQUIRES(mutex_) {
-        if (page_->tail() > known_ || page_->head() > knownHead_) replay();
+    Result<void> mendLast(bool isDamaged) KX_REQUIRES(mutex_);
+    Result<void> follow() KX_REQUIRES(mutex_) {
+        return page_->tail() > known_ || page_->head() > knownHead_ ? replay() : Result<void>();
     }
-    void replay() KX_REQUIRES(mutex_);
+    Result<void> replay() KX_REQUIRES(mutex_);
     Result<void> replaySegment(std::uint32_t number, Position tail) KX_REQUIRES(mutex_);
     void leaveIfReplaced() KX_REQUIRES(mutex_);
 
@@ -93,8 +93,10 @@ class DiskStore {
     Result<void> roll() KX_REQUIRES(mutex_);
     void holdLimits(std::uint64_t budget) KX_REQUIRES(mutex_);
     bool carry(const Place& place) KX_REQUIRES(mutex_);
-    void publishHead() KX_REQUIRES(mutex_);
-    void removeLater(std::vector<std::string> paths) KX_REQUIRES(mutex_);
+    /// Whether what was in the dropped files may have come to stand elsewhere.
+    enum class Dropped : bool { ForGood, ForNewer };
+    void publishHead(Dropped dropped) KX_REQUIRES(mutex_);
+    void removeLater(std::vector<std::string> paths, Dropped dropped) KX_REQUIRES(mutex_);
 
     [[nodiscard]] bool isOver() const KX_REQUIRES(mutex_);
     [[nodiscard]] bool isExpired(const Record& record) const KX_REQUIRES(mutex_);
@@ -121,7 +123,6 @@ class DiskStore {
     std::vector<std::byte> entry_ KX_GUARDED_BY(mutex_);       // being written
     std::vector<std::string> unsynced_ KX_GUARDED_BY(mutex_);  // segments, the last one included
     bool isFolderUnsynced_ KX_GUARDED_BY(mutex_) = false;
-    bool hasCarried_ KX_GUARDED_BY(mutex_) = false;  // since files were last removed
     std::uint64_t hits_ KX_GUARDED_BY(mutex_) = 0;
     std::uint64_t misses_ KX_GUARDED_BY(mutex_) = 0;
     std::uint64_t evictions_ KX_GUARDED_BY(mutex_) = 0;

@@ -1,3 +1,5 @@
+#include <algorithm>
+
 #include <KXFoundation/Cache/Disk/DiskStore.h>
 
 // How a store keeps its limits: the head of the log moves on, and files that lie before it go.
@@ -45,7 +47,7 @@ void DiskStore::holdLimits(std::uint64_t budget) {
         }
         index_.dropOldest();
     }
-    publishHead();
+    publishHead(Dropped::ForNewer);
 }
 
 /// Writes a live entry once more, at the tail; false if it cannot be read or written.
@@ -58,27 +60,26 @@ bool DiskStore::carry(const Place& place) {
     const auto payload = std::span<const std::byte>(entry).subspan(sizeof header + record.keySize);
     if (header.payloadHash != hashOfContents(payload)) return false;
     const std::string_view key(reinterpret_cast<const char*>(entry.data()) + sizeof header, record.keySize);
-    if (hashOfKey(key) != record.keyHash || !append(record.form, key, payload, record.stamp)) return false;
-    hasCarried_ = true;
-    return true;
+    return hashOfKey(key) == record.keyHash && append(record.form, key, payload, record.stamp).ok();
 }
 
-void DiskStore::publishHead() {
+void DiskStore::publishHead(Dropped dropped) {
     const Position head = index_.head();
     if (head > knownHead_) {
         knownHead_ = head;
         page_->setHead(head);
     }
-    if (auto emptied = index_.takeEmptied(); !emptied.empty()) removeLater(std::move(emptied));
+    if (auto emptied = index_.takeEmptied(); !emptied.empty()) removeLater(std::move(emptied), dropped);
 }
 
-/// Values that were carried out of the files may have been synced there: their new place is synced first.
-/// Where that fails the files stay, until the folder is opened the next time.
-void DiskStore::removeLater(std::vector<std::string> paths) {
-    auto carriers = std::exchange(hasCarried_, false) ? unsynced_ : std::vector<std::string>();
-    queue_->async([files = files_, folder = folder_, paths = std::move(paths),
-                   carriers = std::move(carriers)] {
-        const bool isSafe = carriers.empty() || (syncFiles(*files, carriers) && files->syncDirectory(folder));
+/// Values in the files may have been synced there, and replaced or carried on by entries that are not synced
+/// yet: these are synced first. Where that fails the files stay, until the folder is opened the next time.
+void DiskStore::removeLater(std::vector<std::string> paths, Dropped dropped) {
+    std::erase_if(unsynced_,
+                  [&](const std::string& path) { return std::ranges::find(paths, path) != paths.end(); });
+    auto newer = dropped == Dropped::ForNewer ? unsynced_ : std::vector<std::string>();
+    queue_->async([files = files_, folder = folder_, paths = std::move(paths), newer = std::move(newer)] {
+        const bool isSafe = newer.empty() || (syncFiles(*files, newer) && files->syncDirectory(folder));
         if (!isSafe) return;
         for (const std::string& path : paths) (void)files->remove(path);
     });

@@ -81,12 +81,15 @@ Result<void> DiskStore::load() {
         }
     }
     index_.dropBefore(head);
-    if (const Segment* last = index_.last()) {
+    if (Segment* last = index_.last()) {
+        // After a power cut the page may tell of segments that never came to the disk; no new one takes their
+        // places, which others may know.
+        last->isSealed = last->isSealed || last->file->number() < tail.segment;
         known_ = {last->file->number(), static_cast<std::uint32_t>(last->end)};
     }
     known_ = std::max(known_, tail);
     if (page_->isWritable() && known_ > tail) page_->setTail(known_);
-    if (page_->isWritable()) publishHead();
+    if (page_->isWritable()) publishHead(Dropped::ForGood);
     return {};
 }
 
@@ -128,42 +131,44 @@ Result<void> DiskStore::loadSegment(std::uint32_t number, Position tail) {
     Segment& segment = index_.add(std::move(*opened));
     for (const Record& record : entries->records) index_.apply(segment, record);
     segment.isSealed = isSealed;
-    if (!isSealed && number >= tail.segment) mendLast(entries->isDamaged);
-    return {};
+    return !isSealed && number >= tail.segment ? mendLast(entries->isDamaged) : Result<void>();
 }
 
 /// Cuts off what a killed process left behind the last entry, so that nothing of it can be taken for an entry
 /// later. A segment that lost some of its own is written to no more.
-void DiskStore::mendLast(bool isDamaged) {
+Result<void> DiskStore::mendLast(bool isDamaged) {
     Segment& last = *index_.last();
     if (isDamaged) logError("disk cache", Error{ErrorKind::Corrupt, 0, last.file->path()});
-    if (!page_->isWritable()) return;
+    if (!page_->isWritable()) return {};
     if (isDamaged) {
         (void)last.file->seal(last.records, last.end);
         last.isSealed = true;
-        return;
+        return {};
     }
-    const auto size = last.file->size();
-    last.isSealed = !size || (*size > last.end && !last.file->truncate(last.end));
+    auto size = last.file->size();
+    if (!size) return std::move(size).error();
+    last.isSealed = *size > last.end && !last.file->truncate(last.end);
+    return {};
 }
 
 /// Reads what other processes have appended, and drops what they have dropped.
-void DiskStore::replay() {
+Result<void> DiskStore::replay() {
     const Position tail = page_->tail();
     const Position head = page_->head();
     const std::uint32_t first = std::max({known_.segment, head.segment, std::uint32_t{1}});
     using Numbers = std::vector<std::uint32_t>;
     auto numbers = first < tail.segment ? segmentNumbers() : Result<Numbers>(Numbers{tail.segment});
-    if (!numbers) return logError("disk cache", numbers.error());
+    if (!numbers) return std::move(numbers).error();
     for (const std::uint32_t number : *numbers) {
         if (number < first || number > tail.segment || tail <= known_) continue;
-        if (auto done = replaySegment(number, tail); !done) return logError("disk cache", done.error());
+        if (auto done = replaySegment(number, tail); !done) return done;
     }
     known_ = std::max(known_, tail);
-    if (head <= knownHead_) return;
+    if (head <= knownHead_) return {};
     knownHead_ = head;
     index_.dropBefore(head);
     static_cast<void>(index_.takeEmptied());  // whoever moved the head deletes them
+    return {};
 }
 
 Result<void> DiskStore::replaySegment(std::uint32_t number, Position tail) {
@@ -171,6 +176,10 @@ Result<void> DiskStore::replaySegment(std::uint32_t number, Position tail) {
     if (!segment || segment->file->number() < number) {
         auto opened = DiskSegment::open(files_, folder_, number);
         if (!opened && opened.error().kind == ErrorKind::Missing) return {};
+        if (!opened && isUnreadable(opened.error())) {
+            logError("disk cache, segment skipped", opened.error());
+            return {};
+        }
         if (!opened) return std::move(opened).error();
         if (segment) segment->isSealed = true;
         segment = &index_.add(std::move(*opened));
@@ -181,10 +190,8 @@ Result<void> DiskStore::replaySegment(std::uint32_t number, Position tail) {
     for (const Record& record : entries->records) {
         if (!isLast || record.end() <= tail.offset) index_.apply(*segment, record);
     }
-    if (!isLast) {
-        segment->isSealed = true;
-        segment->file->close();
-    }
+    segment->isSealed = segment->isSealed || !isLast || entries->isDamaged;
+    if (!isLast) segment->file->close();
     return {};
 }
 

@@ -33,26 +33,38 @@ struct Lanes128 {
     static Vector highBytes(Vector a, Vector b) { return _mm_unpackhi_epi8(a, b); }
     static Vector lowWords(Vector a, Vector b) { return _mm_unpacklo_epi16(a, b); }
     static Vector highWords(Vector a, Vector b) { return _mm_unpackhi_epi16(a, b); }
-    static Vector lowPairs(Vector a, Vector b) { return _mm_unpacklo_epi32(a, b); }
     static Vector upperHalf(Vector v) { return _mm_srli_si128(v, 8); }
     /// Products of 16-bit values, each two neighbours' added.
     static Vector multiply(Vector values, Vector weights) { return _mm_madd_epi16(values, weights); }
     static Vector add(Vector a, Vector b) { return _mm_add_epi32(a, b); }
-    /// The sums of two neighbours each, those of `a` first.
-    static Vector addNeighbours(Vector a, Vector b) {
-        const __m128 first = _mm_castsi128_ps(a), second = _mm_castsi128_ps(b);
-        return add(_mm_castps_si128(_mm_shuffle_ps(first, second, 0x88)),
-                   _mm_castps_si128(_mm_shuffle_ps(first, second, 0xDD)));
-    }
     /// Shifted right and rounded.
     static Vector rounded(Vector sums, int shift) {
         return _mm_sra_epi32(add(sums, all(1 << shift >> 1)), _mm_cvtsi32_si128(shift));
     }
+    static Vector wordsShiftedRight(Vector v, int bits) { return _mm_srli_epi16(v, bits); }
     static Vector shiftedRight(Vector v, int bits) { return _mm_srli_epi32(v, bits); }
     static Vector shiftedLeft(Vector v, int bits) { return _mm_slli_epi32(v, bits); }
     static Vector toWords(Vector a, Vector b) { return _mm_packs_epi32(a, b); }
     static Vector toBytes(Vector a, Vector b) { return _mm_packus_epi16(a, b); }
     static Vector leastBytes(Vector a, Vector b) { return _mm_min_epu8(a, b); }
+
+    static Vector colourBytes(Vector pixels) { return common(pixels, all(0x00FFFFFF)); }
+    /// The alpha of each pixel in all of its bytes.
+    static Vector spreadAlpha(Vector pixels) {
+        const Vector alpha = shiftedRight(pixels, 24);
+        const Vector twice = both(alpha, shiftedLeft(alpha, 8));
+        return both(twice, shiftedLeft(twice, 16));
+    }
+    /// Colours of new pixels, none above the old pixel's alpha, with that alpha; `alpha` is it in its place.
+    static Vector heldToAlpha(Vector colours, Vector old, Vector alpha) {
+        return both(leastBytes(colours, colourBytes(spreadAlpha(old))), alpha);
+    }
+    /// The same for one 32-bit value in all three colours.
+    static Vector greyPixels(Vector values, Vector old, Vector alpha) {
+        const Vector inWords = toWords(values, values), inBytes = toBytes(inWords, inWords);
+        const Vector twice = lowBytes(inBytes, inBytes);
+        return heldToAlpha(lowWords(twice, twice), old, alpha);
+    }
 
     /// Words of what lowBytes (first) and highBytes took apart, in the order it had.
     static void storeInOrder(std::int16_t* to, Vector first, Vector second) {
@@ -91,19 +103,34 @@ struct Lanes256 {
     static Vector highBytes(Vector a, Vector b) { return _mm256_unpackhi_epi8(a, b); }
     static Vector lowWords(Vector a, Vector b) { return _mm256_unpacklo_epi16(a, b); }
     static Vector highWords(Vector a, Vector b) { return _mm256_unpackhi_epi16(a, b); }
-    static Vector lowPairs(Vector a, Vector b) { return _mm256_unpacklo_epi32(a, b); }
     static Vector upperHalf(Vector v) { return _mm256_srli_si256(v, 8); }
     static Vector multiply(Vector values, Vector weights) { return _mm256_madd_epi16(values, weights); }
     static Vector add(Vector a, Vector b) { return _mm256_add_epi32(a, b); }
-    static Vector addNeighbours(Vector a, Vector b) { return _mm256_hadd_epi32(a, b); }
     static Vector rounded(Vector sums, int shift) {
         return _mm256_sra_epi32(add(sums, all(1 << shift >> 1)), _mm_cvtsi32_si128(shift));
     }
+    static Vector wordsShiftedRight(Vector v, int bits) { return _mm256_srli_epi16(v, bits); }
     static Vector shiftedRight(Vector v, int bits) { return _mm256_srli_epi32(v, bits); }
     static Vector shiftedLeft(Vector v, int bits) { return _mm256_slli_epi32(v, bits); }
     static Vector toWords(Vector a, Vector b) { return _mm256_packs_epi32(a, b); }
     static Vector toBytes(Vector a, Vector b) { return _mm256_packus_epi16(a, b); }
     static Vector leastBytes(Vector a, Vector b) { return _mm256_min_epu8(a, b); }
+
+    static Vector colourBytes(Vector pixels) { return common(pixels, all(0x00FFFFFF)); }
+    static Vector spreadAlpha(Vector pixels) {
+        const Vector order = _mm256_setr_epi8(3, 3, 3, 3, 7, 7, 7, 7, 11, 11, 11, 11, 15, 15, 15, 15,  //
+                                              3, 3, 3, 3, 7, 7, 7, 7, 11, 11, 11, 11, 15, 15, 15, 15);
+        return _mm256_shuffle_epi8(pixels, order);
+    }
+    static Vector heldToAlpha(Vector colours, Vector old, Vector alpha) {
+        return both(leastBytes(colours, colourBytes(spreadAlpha(old))), alpha);
+    }
+    static Vector greyPixels(Vector values, Vector old, Vector alpha) {
+        const Vector held = _mm256_min_epi32(_mm256_max_epi32(values, all(0)), shiftedRight(old, 24));
+        const Vector order = _mm256_setr_epi8(0, 0, 0, -1, 4, 4, 4, -1, 8, 8, 8, -1, 12, 12, 12, -1,  //
+                                              0, 0, 0, -1, 4, 4, 4, -1, 8, 8, 8, -1, 12, 12, 12, -1);
+        return both(_mm256_shuffle_epi8(held, order), alpha);
+    }
 
     static void storeInOrder(std::int16_t* to, Vector first, Vector second) {
         store(to, _mm256_permute2x128_si256(first, second, 0x20));
@@ -130,14 +157,6 @@ struct Lanes256 {
 };
 
 #endif
-
-/// The alpha of each pixel in all of its bytes.
-template <class Lanes>
-typename Lanes::Vector spreadAlpha(typename Lanes::Vector pixels) {
-    const auto alpha = Lanes::shiftedRight(pixels, 24);
-    const auto twice = Lanes::both(alpha, Lanes::shiftedLeft(alpha, 8));
-    return Lanes::both(twice, Lanes::shiftedLeft(twice, 16));
-}
 
 }  // namespace
 

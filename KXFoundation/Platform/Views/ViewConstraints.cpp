@@ -68,13 +68,13 @@ void ViewConstraints::gather() {
         if (!first || (constraint->hasSecond_ && !second)) continue;
         const bool isMirrored =
             first->userInterfaceLayoutDirection() == NSUserInterfaceLayoutDirection::RightToLeft;
-        Link link{constraint.get(), sideOf(*first, constraint->firstAttribute_, isMirrored), {}, 1, false};
+        Link link{constraint, sideOf(*first, constraint->firstAttribute_, isMirrored), {}, 1, false};
         if (second) link.second = sideOf(*second, constraint->secondAttribute_, isMirrored);
         const auto isDirected = [](NSLayoutAttribute attribute) {
             return attribute == NSLayoutAttribute::Leading || attribute == NSLayoutAttribute::Trailing;
         };
         if (isMirrored && isDirected(constraint->firstAttribute_)) link.sign = -1;
-        links_.push_back(link);
+        links_.push_back(std::move(link));
     }
 }
 

@@ -52,7 +52,7 @@ class ViewConstraints {
         LayoutTerm term = LayoutTerm::Length;
     };
     struct Link {
-        NSLayoutConstraint* constraint;
+        std::shared_ptr<NSLayoutConstraint> constraint;  // may be switched off while it is looked at
         Side first, second;
         double sign;  // of the constant
         bool isDone;

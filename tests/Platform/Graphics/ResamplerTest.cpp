@@ -116,7 +116,7 @@ TEST(Resampler, EqualsTheReferenceOnEveryMachine) {
         {37, 29, 91, 64, 91, 64},      // larger
         {61, 61, 61, 20, 61, 20},      // one side kept
         {50, 40, 20, 10, 20.7, 10.3},  // the part that fits
-        {50, 40, 21, 12, 20.3, 10},    // and beyond it
+        {50, 40, 21, 11, 20.3, 10.2},  // and a part of a pixel more
         {700, 300, 5, 3, 5, 3},        // hundreds of pixels in one
         {32'767, 2, 1, 1, 1, 1},       // weights of less than a unit
         {1, 1, 9, 5, 9, 5},           {3, 2, 2, 3, 2, 3}, {2, 900, 2, 7, 2, 7},
@@ -153,7 +153,7 @@ TEST(Resampler, MakesNothingOfSizesThatAreNone) {
     EXPECT_EQ(resampled(*from, 0, 4), nullptr);
     EXPECT_EQ(resampled(*from, 40'000, 1), nullptr);
     const auto to = NSBitmapImageRep::bitmapWithPixels(2, 2);
-    for (const double side : {0.0, -1.0, HUGE_VAL, double(NAN)}) resample(*from, *to, {2, side});
+    for (const double side : {0.0, -1.0, 1.0, HUGE_VAL, double(NAN)}) resample(*from, *to, {2, side});
     EXPECT_EQ(to->pixelAt(0, 0), 0U);
 }
 

@@ -16,10 +16,9 @@ class ChannelMixLoop {
   public:
     explicit ChannelMixLoop(const ChannelMix& mix) : bits_(mix.bits) {
         for (int c = 0; c < 3; ++c) {
-            std::int32_t blueGreen, redAlpha;
-            std::memcpy(&blueGreen, mix.weights[c], 4);
-            std::memcpy(&redAlpha, mix.weights[c] + 2, 4);
-            weights_[c] = Lanes::lowPairs(Lanes::all(blueGreen), Lanes::all(redAlpha));
+            const std::int16_t(&weights)[4] = mix.weights[c];
+            even_[c] = Lanes::all(pair(weights[0], weights[2]));
+            odd_[c] = Lanes::all(pair(weights[1], weights[3]));
         }
     }
 
@@ -48,39 +47,36 @@ class ChannelMixLoop {
         mixPixelsPlain(mix, from + i, count - i, to + i);
     }
 
+    static std::int32_t pair(std::int16_t low, std::int16_t high) {
+        return static_cast<std::int32_t>(static_cast<std::uint32_t>(static_cast<std::uint16_t>(high)) << 16 |
+                                         static_cast<std::uint16_t>(low));
+    }
+
+    static V alphaOf(V pixels) {
+        return Lanes::common(pixels, Lanes::all(static_cast<std::int32_t>(0xFF000000)));
+    }
+
     template <bool kGrey>
     V pixels(V old) const {
-        const V zero = Lanes::all(0);
-        const V first = Lanes::lowBytes(old, zero), second = Lanes::highBytes(old, zero);
-        const V colours = kGrey ? grey(first, second) : colour(first, second);
-        const V alpha = Lanes::all(static_cast<std::int32_t>(0xFF000000));
-        return Lanes::leastBytes(Lanes::both(colours, alpha),
-                                 Lanes::both(spreadAlpha<Lanes>(old), Lanes::common(old, alpha)));
+        return kGrey ? Lanes::greyPixels(channel(old, 0), old, alphaOf(old)) : colour(old);
     }
 
-    V channel(V first, V second, int c) const {
-        return Lanes::rounded(
-            Lanes::addNeighbours(Lanes::multiply(first, weights_[c]), Lanes::multiply(second, weights_[c])),
-            bits_);
+    /// One value for each pixel. A pixel's bytes at even places are blue and red, at odd ones green and
+    /// alpha.
+    V channel(V old, int c) const {
+        const V even = Lanes::common(old, Lanes::all(0x00FF00FF)), odd = Lanes::wordsShiftedRight(old, 8);
+        return Lanes::rounded(Lanes::add(Lanes::multiply(even, even_[c]), Lanes::multiply(odd, odd_[c])),
+                              bits_);
     }
 
-    /// One value in all bytes of its pixel.
-    V grey(V first, V second) const {
-        const V values = channel(first, second, 0);
-        const V words = Lanes::toWords(values, values), bytes = Lanes::toBytes(words, words);
-        const V twice = Lanes::lowBytes(bytes, bytes);
-        return Lanes::lowWords(twice, twice);
-    }
-
-    V colour(V first, V second) const {
-        const V blue = channel(first, second, 0), green = channel(first, second, 1),
-                red = channel(first, second, 2);
+    V colour(V old) const {
+        const V blue = channel(old, 0), green = channel(old, 1), red = channel(old, 2);
         const V planes = Lanes::toBytes(Lanes::toWords(blue, green), Lanes::toWords(red, red));
         const V pairs = Lanes::lowBytes(planes, Lanes::upperHalf(planes));
-        return Lanes::lowBytes(pairs, Lanes::upperHalf(pairs));
+        return Lanes::heldToAlpha(Lanes::lowBytes(pairs, Lanes::upperHalf(pairs)), old, alphaOf(old));
     }
 
-    V weights_[3];
+    V even_[3], odd_[3];
     int bits_;
 };
 

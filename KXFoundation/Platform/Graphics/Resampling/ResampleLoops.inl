@@ -3,9 +3,9 @@
 #include <KXFoundation/Platform/Graphics/Resampling/ResampleKernels.h>
 #include <KXFoundation/Platform/Graphics/VectorLanes.inl>
 
-/// The loops of ResampleKernels over registers of any width; see VectorLanes.inl for what a file that includes
-/// this must heed. Two 16-bit values and their weights are multiplied and added by one instruction, so
-/// everything goes in pairs: rows of a column, pixels of a row.
+/// The loops of ResampleKernels over registers of any width; see VectorLanes.inl for what a file that
+/// includes this must heed. Two 16-bit values and their weights are multiplied and added by one instruction,
+/// so everything goes in pairs: rows of a column, pixels of a row.
 namespace kx {
 
 namespace {
@@ -85,7 +85,7 @@ struct ResampleLoops {
 
     static void storeStep(const std::int16_t* words, std::uint32_t* to) {
         const V pixels = Lanes::bytesInOrder(Lanes::load(words), Lanes::load(words + kBytes / 2));
-        Lanes::store(to, Lanes::leastBytes(pixels, spreadAlpha<Lanes>(pixels)));
+        Lanes::store(to, Lanes::leastBytes(pixels, Lanes::spreadAlpha(pixels)));
     }
 
     static V words(V low, V high, int shift) {
@@ -103,28 +103,48 @@ struct ResampleLoops {
         }
     }
 
+    /// Of kBytes values, a quarter in each register. Named ones: an array would live in memory.
+    struct Sums {
+        V a, b, c, d;
+    };
+
+    static Sums loadSums(const std::int32_t* from) {
+        return {Lanes::load(from), Lanes::load(from + kBytes / 4), Lanes::load(from + kBytes / 2),
+                Lanes::load(from + kBytes / 4 * 3)};
+    }
+
+    static void storeSums(std::int32_t* to, const Sums& sums) {
+        Lanes::store(to, sums.a);
+        Lanes::store(to + kBytes / 4, sums.b);
+        Lanes::store(to + kBytes / 2, sums.c);
+        Lanes::store(to + kBytes / 4 * 3, sums.d);
+    }
+
+    static void addPair(Sums& sums, V first, V second, V weights) {
+        const V zero = Lanes::all(0);
+        const V low = Lanes::lowBytes(first, second), high = Lanes::highBytes(first, second);
+        sums.a = Lanes::add(sums.a, Lanes::multiply(Lanes::lowBytes(low, zero), weights));
+        sums.b = Lanes::add(sums.b, Lanes::multiply(Lanes::highBytes(low, zero), weights));
+        sums.c = Lanes::add(sums.c, Lanes::multiply(Lanes::lowBytes(high, zero), weights));
+        sums.d = Lanes::add(sums.d, Lanes::multiply(Lanes::highBytes(high, zero), weights));
+    }
+
     /// Adds the rows to the sums, which begin with the first group and become words with the last.
     template <bool kFirst, bool kLast>
     static void addGroup(Rows group, int shift, std::size_t from, std::size_t end, std::int32_t* sums,
                          std::int16_t* to) {
         const V zero = Lanes::all(0);
         for (std::size_t i = from; i < end; i += kBytes, sums += kBytes) {
-            V sum[4];
-            for (std::size_t q = 0; q < 4; ++q) sum[q] = kFirst ? zero : Lanes::load(sums + q * kBytes / 4);
+            Sums sum = kFirst ? Sums{zero, zero, zero, zero} : loadSums(sums);
             for (std::size_t k = 0; k < group.count; k += 2) {
-                const V a = Lanes::load(group.rows[k] + i), b = Lanes::load(group.rows[k + 1] + i);
-                const V low = Lanes::lowBytes(a, b), high = Lanes::highBytes(a, b);
-                const V both = Lanes::all(pairOf(group.weights + k));
-                sum[0] = Lanes::add(sum[0], Lanes::multiply(Lanes::lowBytes(low, zero), both));
-                sum[1] = Lanes::add(sum[1], Lanes::multiply(Lanes::highBytes(low, zero), both));
-                sum[2] = Lanes::add(sum[2], Lanes::multiply(Lanes::lowBytes(high, zero), both));
-                sum[3] = Lanes::add(sum[3], Lanes::multiply(Lanes::highBytes(high, zero), both));
+                addPair(sum, Lanes::load(group.rows[k] + i), Lanes::load(group.rows[k + 1] + i),
+                        Lanes::all(pairOf(group.weights + k)));
             }
-            if (kLast) {
-                Lanes::storeInOrder(to + i, words(sum[0], sum[1], shift), words(sum[2], sum[3], shift));
-            } else {
-                for (std::size_t q = 0; q < 4; ++q) Lanes::store(sums + q * kBytes / 4, sum[q]);
+            if (!kLast) {
+                storeSums(sums, sum);
+                continue;
             }
+            Lanes::storeInOrder(to + i, words(sum.a, sum.b, shift), words(sum.c, sum.d, shift));
         }
     }
 };

@@ -108,10 +108,13 @@ ResampleTaps resampleTaps(ResampleFilter filter, ResampleAxis axis, int mostBits
     const std::size_t count = (windows.largestCount() + taps.kStep - 1) / taps.kStep * taps.kStep;
     taps.count = static_cast<std::uint32_t>(count);
     taps.weights.resize(axis.target * count);
+    // A window that is cut short at the source's end is moved back: loops read `count` values of every one.
+    const std::uint32_t lastFirst = axis.source > taps.count ? axis.source - taps.count : 0;
     std::int16_t* to = taps.weights.data();
     for (const Window& window : windows.all()) {
-        taps.firsts.push_back(window.first);
-        quantise(windows.weightsOf(window), taps.bits, to);
+        const std::uint32_t first = std::min(window.first, lastFirst);
+        taps.firsts.push_back(first);
+        quantise(windows.weightsOf(window), taps.bits, to + (window.first - first));
         to += count;
     }
     return taps;

@@ -15,7 +15,8 @@ struct ResampleTaps {
 
     std::vector<std::uint32_t> firsts;  ///< of each target value: where its source values begin
     std::vector<std::int16_t> weights;  ///< `count` of each target value; together they are 1 << bits
-    std::uint32_t count = 0;            ///< a multiple of kStep; behind the last source value there are zeros
+    /// A multiple of kStep. Windows reach less than that beyond the source, with weights of 0.
+    std::uint32_t count = 0;
     int bits = 0;
 
     [[nodiscard]] const std::int16_t* weightsOf(std::size_t target) const noexcept {

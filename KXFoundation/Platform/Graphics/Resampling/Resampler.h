@@ -19,9 +19,9 @@ enum class ResampleFilter : std::uint8_t {
     Area,
     /// A windowed sinc over three lobes each way (C. E. Duchon, "Lanczos Filtering in One and Two
     /// Dimensions",
-    /// 1979). The default: at a quarter it keeps the detail that the mean blurs and lets through a ninth of
-    /// the
-    /// aliasing power, for twice the time. Beside hard edges it overshoots; the result is held to what a
+    /// 1979). The default: it keeps detail that the mean blurs, and holds back far more of what is too fine
+    /// for
+    /// the answer and would show as patterns. Beside hard edges it overshoots; the result is held to what a
     /// premultiplied pixel can be.
     Lanczos3,
 };
@@ -38,9 +38,8 @@ struct ResampleOptions {
 };
 
 /// Fills the bitmap `to` with the top left part of `from` drawn `extent` pixels large; the whole of it where
-/// the extent is the size of `to`. An extent may be fractional and need not be as large as `to`: what lies
-/// beyond repeats the edge. Nothing happens where a side of the extent is not above 0 or not finite.
-/// The bitmaps are two. Any thread.
+/// the extent is the size of `to`. An extent may be fractional; it ends in the last row and column of `to` or
+/// beyond them, else nothing happens, nor where it is not finite. The bitmaps are two. Any thread.
 KX_EXPORT void resample(const NSBitmapImageRep& from, NSBitmapImageRep& to, NSSize extent,
                         ResampleOptions options = {});
 
