@@ -79,10 +79,11 @@ bool KXImageCache::init(KXStoreClass memoryCacheClass, KXStoreClass diskCacheCla
     auto used = pathOrDefault(path);
     if (!Super::init() || !used || registry.get().find(*used)) return false;
     path_ = std::move(*used);
+    Stores made{madeStore<KXMemoryCacheProtocol>(memoryCacheClass, path_),
+                madeStore<KXDiskCacheProtocol>(diskCacheClass, path_)};
     {
         const MutexLock lock(mutex_);
-        stores_ = {madeStore<KXMemoryCacheProtocol>(memoryCacheClass, path_),
-                   madeStore<KXDiskCacheProtocol>(diskCacheClass, path_)};
+        stores_ = std::move(made);
     }
     return registry.get().add(path_, self());
 }

@@ -3,12 +3,14 @@
 #include <cstdint>
 #include <memory>
 
+#include <KXFoundation/Platform/Runtime/Export.h>
+
 namespace kx {
 
 class NSImage;
 
 /// What an image cache answers about images.
-class KXImageCacheProtocal {
+class KX_EXPORT KXImageCacheProtocal {
   public:
     virtual ~KXImageCacheProtocal() = default;
 
