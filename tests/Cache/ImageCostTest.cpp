@@ -6,6 +6,7 @@
 #include <KXFoundation/Cache/KXImageCache.h>
 #include <KXFoundation/Media/KXPhotoUtils.h>
 #include <KXFoundation/Platform/Graphics/NSImage.h>
+#include <KXFoundation/Platform/Runtime/Export.h>
 
 #include "support/CountedMemory.h"
 #include "support/ScopedPlatform.h"
@@ -15,7 +16,7 @@ int encodes = 0;
 }
 
 /// In front of libjpeg's: counts the pictures that are begun.
-extern "C" void jpeg_start_compress(void* codec, int writesAllTables) {
+extern "C" KX_EXPORT void jpeg_start_compress(void* codec, int writesAllTables) {
     using Start = void (*)(void*, int);
     static const auto start = reinterpret_cast<Start>(dlsym(RTLD_NEXT, "jpeg_start_compress"));
     ++encodes;

@@ -1,7 +1,8 @@
-#include <algorithm>
+#include <cstdint>
 #include <filesystem>
 #include <functional>
 #include <utility>
+#include <vector>
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
@@ -37,8 +38,11 @@ std::shared_ptr<NSBitmapImageRep> shades() {
     return bitmap;
 }
 
-std::span<const std::uint32_t> pixelsOf(const NSImage& image) {
-    return std::as_const(*image.largestBitmap()).pixels();
+/// A copy: a drawn image's bitmap lives no longer than this.
+std::vector<std::uint32_t> pixelsOf(const NSImage& image) {
+    const auto bitmap = image.largestBitmap();
+    const auto pixels = std::as_const(*bitmap).pixels();
+    return {pixels.begin(), pixels.end()};
 }
 
 Value originOf(const NSImage& image) {
@@ -178,7 +182,7 @@ TEST_F(KXImageCacheTest, ImagesAreOnDiskAfterARestart) {
         ASSERT_EQ(sourceOf(*open(), key, 3), 2) << key;
         const auto found = open()->getImageForKey(key);
         EXPECT_EQ(found->size(), image->size()) << key;
-        EXPECT_TRUE(std::ranges::equal(pixelsOf(*found), pixelsOf(*image))) << key;
+        EXPECT_EQ(pixelsOf(*found), pixelsOf(*image)) << key;
         EXPECT_EQ(originOf(*found) == bytes, keepsFile) << key;
     }
 }
