@@ -63,7 +63,7 @@ struct Found {
 std::shared_ptr<NSView> line(const std::string& words, NSSize size) {
     auto view = make<NSView>(NSRect({}, size));
     const auto shown = label(words, 12);
-    shown->setFrame(directed({{0, size.height - kLine}, {size.width, kLine}}, size.width));
+    shown->setFrame(directed({{0, (size.height - kLine) / 2}, {size.width, kLine}}, size.width));
     view->addSubview(shown);
     return view;
 }
@@ -165,6 +165,7 @@ void ImageCachePage::build(Column& column, Gallery& gallery) {
         for (const Found& found : state.found[i]) cells.push_back(tile(found));
         column.row(cells, kPicture.height + kLine);
     }
+    column.space(8);
     column.pair(text("cache.memory"), std::to_string(state.cache->memoryCache()->totalCount()));
     column.pair(text("cache.cost"), std::to_string(state.cache->memoryCache()->totalCost()));
     column.pair(text("cache.disk"), std::to_string(state.cache->diskCache()->totalCount()));
