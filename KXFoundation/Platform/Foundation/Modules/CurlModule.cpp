@@ -1,9 +1,11 @@
 #include <atomic>
+#include <cstdint>
 #include <cstdio>
 #include <memory>
 #include <string>
 
 #include <curl/curl.h>
+#include <dlfcn.h>
 
 #include <KXFoundation/Platform/Foundation/HTTPModule.h>
 #include <KXFoundation/Platform/Runtime/Module.h>
@@ -146,12 +148,24 @@ constexpr HTTPModule kModule{
     .close = close,
 };
 
+/// OpenSSL frees at exit what loadings that are still under way on other threads go on using. It offers to
+/// leave that out (OPENSSL_init_crypto(3), OPENSSL_INIT_NO_ATEXIT) to who asks first; looked up, for curl may
+/// be built over another library.
+void keepTlsUntilTheEnd() {
+    constexpr std::uint64_t kNoAtExit = 0x00080000;
+    using Init = int (*)(std::uint64_t options, const void* settings);
+    if (const auto init = reinterpret_cast<Init>(dlsym(RTLD_DEFAULT, "OPENSSL_init_crypto"))) {
+        init(kNoAtExit, nullptr);
+    }
+}
+
 }  // namespace
 
 }  // namespace kx
 
 /// The library opens a module once and under a lock, which is what curl asks for here.
 extern "C" __attribute__((visibility("default"))) const void* kxModule(const kx::ModuleHost* host) {
+    kx::keepTlsUntilTheEnd();
     if (curl_global_init(CURL_GLOBAL_DEFAULT) == CURLE_OK) return &kx::kModule;
     host->log("HTTPS: curl cannot be set up");
     return nullptr;
