@@ -65,7 +65,7 @@ class NativeSurface final : public WindowSurface {
     WindowSystem::Handler handler_;
     NSPoint mouse_;           // where it was last
     bool isPressed_ = false;  // the primary button
-    WindowModuleEvent key_;  // the last one, which typed the text that follows
+    WindowModuleEvent key_;   // the last one, which typed the text that follows
 };
 
 namespace {
