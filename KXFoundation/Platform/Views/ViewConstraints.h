@@ -42,8 +42,8 @@ class ViewConstraints {
     struct Place {
         NSView* view;
         std::shared_ptr<NSView> held;  // while there is a solution under way
-        std::size_t parent;  // of its superview's place; those of superviews come first
-        bool isGiven;        // its frame is as it is
+        std::size_t parent;            // of its superview's place; those of superviews come first
+        bool isGiven;                  // its frame is as it is
         std::optional<NSSize> fitting;
         LayoutAxis axes[2];
     };
