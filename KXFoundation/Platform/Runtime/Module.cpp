@@ -20,7 +20,7 @@ constexpr ModuleHost kHost{.log = [](const char* line) { log(LogLevel::Warning, 
 /// runs.
 std::string modulePath(const char* name) {
     Dl_info self;
-    if (!::dladdr(reinterpret_cast<const void*>(&openModule), &self) || !self.dli_fname) return {};
+    if (!::dladdr(reinterpret_cast<const void*>(&modulePath), &self) || !self.dli_fname) return {};
     // A program found through PATH knows only its name: then nothing beside it is looked at.
     if (self.dli_fname[0] != '/') return std::string(KX_MODULE_DIRECTORY "/kx-") + name + ".so";
     std::string beside = directoryOf(self.dli_fname) + "/KXFoundation/kx-" + name + ".so";
@@ -29,31 +29,36 @@ std::string modulePath(const char* name) {
     return beside;
 }
 
-Result<const void*> load(const char* name) {
+/// Not logError: of several modules that are lacking each has its line.
+Error lacking(std::string why) {
+    log(LogLevel::Warning, "module " + why);
+    return {ErrorKind::Unsupported, 0, std::move(why)};
+}
+
+Result<const void*> load(const char* name, std::uint32_t version) {
     const std::string path = modulePath(name);
-    if (::access(path.c_str(), R_OK) != 0) return Error::fromErrno(errno, path);
+    if (::access(path.c_str(), R_OK) != 0) return lacking(Error::fromErrno(errno, path).message());
     void* library = ::dlopen(path.c_str(), RTLD_NOW | RTLD_LOCAL);
     if (!library) {
         const char* why = ::dlerror();  // NOLINT(concurrency-mt-unsafe): the thread's own in every libc
-        return Error{ErrorKind::Failed, 0, why ? why : path};
+        return lacking(why ? why : path);
     }
     const auto entry = reinterpret_cast<ModuleEntry>(::dlsym(library, "kxModule"));
-    const void* table = entry ? entry(&kHost) : nullptr;
+    if (!entry) return lacking(path + ": not one of this library");
+    const void* table = entry(&kHost);
     if (!table) return Error{ErrorKind::Unsupported, 0, path};  // the module itself has logged why
+    if (*static_cast<const std::uint32_t*>(table) != version) return lacking(path + ": of another version");
     return table;
 }
 
 }  // namespace
 
-Result<const void*> openModule(const char* name) {
+Result<const void*> openModule(const char* name, std::uint32_t version) {
     static auto& mutex = *new std::mutex;
     static auto& opened = *new std::map<std::string, Result<const void*>, std::less<>>;
-    std::unique_lock lock(mutex);
+    const std::lock_guard lock(mutex);
     if (const auto found = opened.find(name); found != opened.end()) return found->second;
-    Result<const void*> result = opened.emplace(name, load(name)).first->second;
-    lock.unlock();
-    if (!result && result.error().kind != ErrorKind::Unsupported) logError("module", result.error());
-    return result;
+    return opened.emplace(name, load(name, version)).first->second;
 }
 
 }  // namespace kx

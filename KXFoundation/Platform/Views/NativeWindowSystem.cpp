@@ -193,9 +193,7 @@ NativeWindowSystem::~NativeWindowSystem() {
 }
 
 void NativeWindowSystem::find() {
-    const auto table = openModule("sdl");
-    if (table) module_ = static_cast<const WindowModule*>(*table);
-    if (module_ && module_->version != WindowModule::kVersion) module_ = nullptr;
+    if (const auto table = openModule<WindowModule>("sdl")) module_ = *table;
 }
 
 bool NativeWindowSystem::open() {
