@@ -18,6 +18,7 @@ except ImportError:
 
 OPENER = "org.freedesktop.portal.OpenURI"
 SETTINGS = "org.freedesktop.portal.Settings"
+PROXIES = "org.freedesktop.portal.ProxyResolver"
 FINGERPRINTS = "net.reactivated.Fprint"
 
 
@@ -45,6 +46,12 @@ class Portal(dbus.service.Object):
     def OpenURI(self, _parent, address, _options):
         print(f"opened {address}")
         return "/org/freedesktop/portal/desktop/request/1"
+
+    @dbus.service.method(PROXIES, in_signature="s", out_signature="as")
+    def Lookup(self, address):
+        return {"https://web.example/": ["http://proxy.example:3128", "direct://"],
+                "https://socks.example/": ["socks://proxy.example:1080"],
+                "https://none.example/": []}.get(address, ["direct://"])
 
     @dbus.service.method("org.freedesktop.DBus.Properties", in_signature="ss", out_signature="v")
     def Get(self, interface, name):

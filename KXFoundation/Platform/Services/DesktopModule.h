@@ -10,6 +10,7 @@ namespace kx {
 struct DesktopBiometrics;   // DesktopBiometrics.h: fprintd
 struct DesktopClockFormat;  // DesktopClockFormat.h: the desktop's 12/24-hour setting
 struct DesktopOpener;       // DesktopOpener.h: the portal that opens addresses
+struct DesktopProxies;      // DesktopProxies.h: the proxies that the user has set
 struct DesktopSecrets;      // DesktopSecrets.h: the Secret Service
 
 struct DesktopModule {
@@ -19,6 +20,7 @@ struct DesktopModule {
     const DesktopBiometrics* biometrics;
     const DesktopClockFormat* clockFormat;
     const DesktopOpener* opener;
+    const DesktopProxies* proxies;
     const DesktopSecrets* secrets;
 };
 

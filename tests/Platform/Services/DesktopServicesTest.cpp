@@ -7,6 +7,7 @@
 #include <sys/wait.h>
 
 #include <KXFoundation/Platform/Foundation/ClockFormatSetting.h>
+#include <KXFoundation/Platform/Foundation/ProxySettings.h>
 #include <KXFoundation/Platform/Runtime/Executor.h>
 #include <KXFoundation/Platform/Runtime/Module.h>
 #include <KXFoundation/Platform/Services/BusAddress.h>
@@ -153,6 +154,20 @@ TEST_F(DesktopServicesTest, WhatCannotBeOpenedIsOneLine) {
     workspace->openURL(*NSURL::URLWithString("https://example.org/"));
     drainQueues();
     EXPECT_EQ(log.lines().size(), 1U);
+}
+
+TEST_F(DesktopServicesTest, TheDesktopsProxiesAreAskedFor) {
+    const auto proxyFor = [](const std::string& host) {
+        return ProxySettings::makeDefault()->proxyFor("https://" + host + ".example/");
+    };
+    EXPECT_EQ(proxyFor("web"), "") << "no bus";
+    if (!startBus({"portal"})) GTEST_SKIP() << "no message bus can be started here";
+    EXPECT_EQ(proxyFor("web"), "http://proxy.example:3128");
+    EXPECT_EQ(proxyFor("socks"), "socks5h://proxy.example:1080");
+    EXPECT_EQ(proxyFor("inside"), "");
+    EXPECT_EQ(proxyFor("none"), "");
+    ASSERT_TRUE(startBus({}));
+    EXPECT_EQ(proxyFor("web"), "") << "no portal";
 }
 
 /// Waits for the desktop's word, which comes on a thread of the module's own; false if it does not.
