@@ -3,8 +3,8 @@
 #include <cstdint>
 
 /// The table between the library and its module of desktop services, which talks to the session and system
-/// buses through GIO (Modules/Desktop*.cpp). A service that the module lacks is a null pointer; whether the
-/// desktop answers shows at each call. Each service's header says on which threads it may be called.
+/// buses through GIO (Modules/Desktop*.cpp). Whether the desktop answers shows at
+/// each call. Each service's header says on which threads it may be called.
 namespace kx {
 
 struct DesktopBiometrics;   // DesktopBiometrics.h: fprintd
@@ -14,7 +14,7 @@ struct DesktopProxies;      // DesktopProxies.h: the proxies that the user has s
 struct DesktopSecrets;      // DesktopSecrets.h: the Secret Service
 
 struct DesktopModule {
-    static constexpr std::uint32_t kVersion = 1;
+    static constexpr std::uint32_t kVersion = 2;
 
     std::uint32_t version;
     const DesktopBiometrics* biometrics;

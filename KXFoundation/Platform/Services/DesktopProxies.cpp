@@ -26,7 +26,7 @@ class PortalProxies final : public ProxySettings {
     std::string proxyFor(const std::string& address) override {
         const auto bus = sessionBusAddress();
         const DesktopModule* const module = bus ? desktopModule() : nullptr;  // nobody to ask: not opened
-        if (!module || !module->proxies) return {};
+        if (!module) return {};
         std::string proxy;
         const auto take = [](void* into, const char* found) { *static_cast<std::string*>(into) = found; };
         static_cast<void>(
