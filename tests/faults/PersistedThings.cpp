@@ -37,7 +37,7 @@ class Keychain final : public PersistedThing {
 
   private:
     FileKeychain keychain_{*baseDirectory(BaseDirectory::Data) + "/app",
-                           *static_cast<const SodiumModule*>(openModule("sodium").value())};
+                           *openModule<SodiumModule>("sodium").value()};
 };
 
 class DiskCache final : public PersistedThing {

@@ -96,10 +96,8 @@ Result<URLAnswer> CurlLoading::run() {
 }  // namespace
 
 const HTTPModule* httpModule() {
-    const auto module = openModule("curl");
-    if (!module) return nullptr;
-    const auto* table = static_cast<const HTTPModule*>(*module);
-    return table->version == HTTPModule::kVersion ? table : nullptr;
+    const auto module = openModule<HTTPModule>("curl");
+    return module ? *module : nullptr;
 }
 
 CurlURLLoader::CurlURLLoader(URLLimits limits, std::string certificateFile)

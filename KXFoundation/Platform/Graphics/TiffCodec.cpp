@@ -11,9 +11,8 @@ namespace kx {
 namespace {
 
 const TiffModule* tiffModule() {
-    const auto module = openModule("tiff");
-    const auto* table = module ? static_cast<const TiffModule*>(*module) : nullptr;
-    return table && table->version == TiffModule::kVersion ? table : nullptr;
+    const auto module = openModule<TiffModule>("tiff");
+    return module ? *module : nullptr;
 }
 
 Error noModule() {

@@ -20,7 +20,7 @@ constexpr ModuleHost kHost{.log = [](const char* line) { log(LogLevel::Warning, 
 /// runs.
 std::string modulePath(const char* name) {
     Dl_info self;
-    if (!::dladdr(reinterpret_cast<const void*>(&openModule), &self) || !self.dli_fname) return {};
+    if (!::dladdr(reinterpret_cast<const void*>(&modulePath), &self) || !self.dli_fname) return {};
     // A program found through PATH knows only its name: then nothing beside it is looked at.
     if (self.dli_fname[0] != '/') return std::string(KX_MODULE_DIRECTORY "/kx-") + name + ".so";
     std::string beside = directoryOf(self.dli_fname) + "/KXFoundation/kx-" + name + ".so";
@@ -29,7 +29,7 @@ std::string modulePath(const char* name) {
     return beside;
 }
 
-Result<const void*> load(const char* name) {
+Result<const void*> load(const char* name, std::uint32_t version) {
     const std::string path = modulePath(name);
     if (::access(path.c_str(), R_OK) != 0) return Error::fromErrno(errno, path);
     void* library = ::dlopen(path.c_str(), RTLD_NOW | RTLD_LOCAL);
@@ -40,17 +40,19 @@ Result<const void*> load(const char* name) {
     const auto entry = reinterpret_cast<ModuleEntry>(::dlsym(library, "kxModule"));
     const void* table = entry ? entry(&kHost) : nullptr;
     if (!table) return Error{ErrorKind::Unsupported, 0, path};  // the module itself has logged why
+    if (*static_cast<const std::uint32_t*>(table) != version)
+        return Error{ErrorKind::Failed, 0, path + " is of another version"};
     return table;
 }
 
 }  // namespace
 
-Result<const void*> openModule(const char* name) {
+Result<const void*> openModule(const char* name, std::uint32_t version) {
     static auto& mutex = *new std::mutex;
     static auto& opened = *new std::map<std::string, Result<const void*>, std::less<>>;
     std::unique_lock lock(mutex);
     if (const auto found = opened.find(name); found != opened.end()) return found->second;
-    Result<const void*> result = opened.emplace(name, load(name)).first->second;
+    Result<const void*> result = opened.emplace(name, load(name, version)).first->second;
     lock.unlock();
     if (!result && result.error().kind != ErrorKind::Unsupported) logError("module", result.error());
     return result;

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <cstdint>
+#include <utility>
 
 #include <KXFoundation/Platform/Runtime/Export.h>
 #include <KXFoundation/Platform/Runtime/Result.h>
@@ -22,9 +23,17 @@ struct ModuleHost {
 using ModuleEntry = const void* (*)(const ModuleHost* host);
 
 /// Opens the module of that name ("sdl" is the file kx-sdl.so) and answers its table, the same one on every
-/// call. Missing if the file is not there, Failed if it cannot be loaded, Unsupported if it has nothing to
-/// offer here; asking again answers the same without another attempt. Opening takes milliseconds: not on a
-/// path that is hot. Any thread. A module is never closed.
-KX_EXPORT Result<const void*> openModule(const char* name);
+/// call. Missing if the file is not there, Failed if it cannot be loaded or its table is of another version,
+/// Unsupported if it has nothing to offer here; asking again answers the same without another attempt.
+/// Opening takes milliseconds: not on a path that is hot. Any thread. A module is never closed.
+KX_EXPORT Result<const void*> openModule(const char* name, std::uint32_t version);
+
+/// The same for a table type that names its version.
+template <class Table>
+Result<const Table*> openModule(const char* name) {
+    auto opened = openModule(name, Table::kVersion);
+    if (!opened) return std::move(opened).error();
+    return static_cast<const Table*>(*opened);
+}
 
 }  // namespace kx

@@ -9,12 +9,7 @@ namespace {
 constexpr VideoModule::Limits kLimits{.pixels = std::uint64_t{64} << 20, .milliseconds = 10'000};
 
 Result<const VideoModule*> videoModule() {
-    auto module = openModule("ffmpeg");
-    if (!module) return std::move(module).error();
-    const auto* const table = static_cast<const VideoModule*>(*module);
-    if (table->version != VideoModule::kVersion)
-        return Error{ErrorKind::Unsupported, 0, "video: a module of another version"};
-    return table;
+    return openModule<VideoModule>("ffmpeg");
 }
 
 ErrorKind kindOf(VideoModule::Reason::Kind kind) {

@@ -4,10 +4,8 @@
 namespace kx {
 
 const DesktopModule* desktopModule() {
-    const auto module = openModule("desktop");
-    if (!module) return nullptr;
-    const auto* table = static_cast<const DesktopModule*>(*module);
-    return table->version == DesktopModule::kVersion ? table : nullptr;
+    const auto module = openModule<DesktopModule>("desktop");
+    return module ? *module : nullptr;
 }
 
 }  // namespace kx

@@ -50,11 +50,9 @@ Result<std::shared_ptr<SecretServiceKeychain>> secretService(const std::optional
 Result<std::shared_ptr<FileKeychain>> file() {
     const auto folder = baseDirectory(BaseDirectory::Data);
     if (!folder) return Error{ErrorKind::Missing, 0, "data folder"};
-    const auto module = openModule("sodium");
-    if (!module) return module.error();
-    const auto* sodium = static_cast<const SodiumModule*>(*module);
-    if (sodium->version != SodiumModule::kVersion) return Error{ErrorKind::Unsupported, 0, "sodium module"};
-    return std::make_shared<FileKeychain>(*folder + "/" + applicationFolder(application()), *sodium);
+    const auto sodium = openModule<SodiumModule>("sodium");
+    if (!sodium) return sodium.error();
+    return std::make_shared<FileKeychain>(*folder + "/" + applicationFolder(application()), **sodium);
 }
 
 struct ProcessChoice {

@@ -162,9 +162,7 @@ NativeWindowSystem::~NativeWindowSystem() {
 }
 
 void NativeWindowSystem::find() {
-    const auto table = openModule("sdl");
-    if (table) module_ = static_cast<const WindowModule*>(*table);
-    if (module_ && module_->version != WindowModule::kVersion) module_ = nullptr;
+    if (const auto module = openModule<WindowModule>("sdl")) module_ = *module;
 }
 
 bool NativeWindowSystem::open() {

@@ -80,9 +80,9 @@ TEST_F(DesktopServicesTest, ADeadBusIsLeftInTime) {
     const testing::SilentSocket bus;
     ASSERT_TRUE(bus.isListening());
     const std::string address = "unix:path=" + bus.path();
-    const auto opened = openModule("desktop");
+    const auto opened = openModule<DesktopModule>("desktop");
     ASSERT_TRUE(opened) << opened.error().message();
-    const auto* module = static_cast<const DesktopModule*>(*opened);
+    const DesktopModule* module = *opened;
     EXPECT_EQ(module->opener->reachBus(address.c_str(), 20), DesktopReply::TimedOut);
     EXPECT_EQ(module->opener->openAddress(address.c_str(), "https://example.org/", 20),
               DesktopReply::TimedOut);

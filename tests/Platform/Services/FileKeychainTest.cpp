@@ -19,7 +19,7 @@ using ::testing::HasSubstr;
 using Call = FaultyFileSystem::Call;
 
 const SodiumModule& sodium() {
-    return *static_cast<const SodiumModule*>(openModule("sodium").value());
+    return *openModule<SodiumModule>("sodium").value();
 }
 
 struct FileKeychainTest : ::testing::Test {

@@ -28,7 +28,7 @@ constexpr std::chrono::milliseconds kPatient{20'000};
 constexpr std::chrono::milliseconds kImpatient{100};
 
 const DesktopSecrets& secrets() {
-    return *static_cast<const DesktopModule*>(openModule("desktop").value())->secrets;
+    return *openModule<DesktopModule>("desktop").value()->secrets;
 }
 
 struct SecretServiceKeychainTest : ::testing::Test {
