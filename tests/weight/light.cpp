@@ -9,9 +9,9 @@
 
 namespace {
 
-constexpr const char* kHeavy[] = {"curl",           "crypto", "libssl",  "sodium",   "secret", "gio-2",
-                                  "glib-2",         "SDL",    "avcodec", "avformat", "avutil", "cairo",
-                                  "KXFoundationUI", "kx-"};
+constexpr const char* kHeavy[] = {"curl",   "crypto", "libssl",         "sodium",   "secret", "gio-2",
+                                  "glib-2", "SDL",    "avcodec",        "avformat", "avutil", "cairo",
+                                  "icu",    "sqlite", "KXFoundationUI", "kx-"};
 
 /// The files that the process has mapped.
 std::set<std::string> mappedFiles() {

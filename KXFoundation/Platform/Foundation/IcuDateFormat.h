@@ -10,16 +10,17 @@
 
 namespace kx {
 
+struct IcuFormatter;
+
 /// Date patterns through ICU, for what DatePattern leaves to it: names, other calendars, fractions. ICU's own
 /// zone rules are never asked (they may be older than the system's): it gets an offset, or local time as if
 /// it were UTC. Any thread, one at a time. Private to Foundation.
 class IcuDateFormat {
   public:
     IcuDateFormat(std::string_view pattern, const std::string& localeIdentifier);
-    ~IcuDateFormat();
 
     /// The text for seconds from 1970 in UTC, shown that many seconds east of it. Absent if the pattern is
-    /// none.
+    /// none or the module for ICU is missing.
     [[nodiscard]] std::optional<std::string> format(double utc, std::int32_t offset) const;
 
     struct Parsed {
@@ -29,10 +30,13 @@ class IcuDateFormat {
     [[nodiscard]] std::optional<Parsed> parse(std::string_view text) const;
 
   private:
-    struct Format;
+    struct Closer {
+        void operator()(IcuFormatter* formatter) const;
+    };
 
     mutable Mutex mutex_;
-    std::unique_ptr<Format> format_ KX_GUARDED_BY(mutex_);
+    /// None if the module for ICU is missing, the locale has no data or the pattern makes no sense.
+    std::unique_ptr<IcuFormatter, Closer> formatter_ KX_GUARDED_BY(mutex_);
     bool namesZone_;
 };
 

@@ -1,9 +1,4 @@
-#include <unicode/calendar.h>
-#include <unicode/dtfmtsym.h>
-#include <unicode/dtptngen.h>
-#include <unicode/locid.h>
-#include <unicode/numsys.h>
-
+#include <KXFoundation/Platform/Foundation/IcuModule.h>
 #include <KXFoundation/Platform/Foundation/LocaleDates.h>
 #include <KXFoundation/Platform/Runtime/ProcessState.h>
 
@@ -22,25 +17,9 @@ struct KnownLocales {
 
 constinit ProcessState<KnownLocales> knownLocales;
 
-icu::Locale localeOf(const std::string& identifier) {
-    return identifier.size() <= kLongestIdentifier ? icu::Locale(identifier.c_str()) : icu::Locale::getRoot();
-}
-
-std::string utf8(const icu::UnicodeString& text) {
-    std::string bytes;
-    return text.toUTF8String(bytes);
-}
-
-std::array<std::string, 10> digitsOf(const icu::Locale& locale) {
-    std::array<std::string, 10> digits;
-    UErrorCode status = U_ZERO_ERROR;
-    const std::unique_ptr<icu::NumberingSystem> system(icu::NumberingSystem::createInstance(locale, status));
-    if (U_FAILURE(status) || system->isAlgorithmic() || system->getRadix() != 10) return digits;
-    const icu::UnicodeString all = system->getDescription();
-    for (std::int32_t i = 0; i < 10; ++i) {
-        digits[static_cast<std::size_t>(i)] = utf8(icu::UnicodeString(all.char32At(all.moveIndex32(0, i))));
-    }
-    return digits;
+/// What ICU is asked for: its root locale where no locale has such a name.
+const char* icuLocale(const std::string& identifier) noexcept {
+    return identifier.size() <= kLongestIdentifier ? identifier.c_str() : "";
 }
 
 }  // namespace
@@ -54,22 +33,16 @@ std::shared_ptr<const LocaleDates> LocaleDates::of(const std::string& identifier
 }
 
 LocaleDates::LocaleDates(const std::string& identifier) : identifier_(identifier) {
-    const icu::Locale locale = localeOf(identifier);
-    digits_ = digitsOf(locale);
-    UErrorCode status = U_ZERO_ERROR;
-    const icu::DateFormatSymbols symbols(locale, status);
-    std::int32_t count = 0;
-    const icu::UnicodeString* const halves = symbols.getAmPmStrings(count);
-    if (U_SUCCESS(status) && count == 2) {
-        am_ = utf8(halves[0]);
-        pm_ = utf8(halves[1]);
-    }
-    status = U_ZERO_ERROR;
-    const std::unique_ptr<icu::Calendar> calendar(icu::Calendar::createInstance(locale, status));
-    if (U_FAILURE(status)) return;
-    isGregorian_ = std::string_view(calendar->getType()) == "gregorian";
-    const auto first = calendar->getFirstDayOfWeek(status);
-    if (U_SUCCESS(status)) firstWeekday_ = first;
+    const IcuModule* const icu = icuModule();
+    if (!icu) return;
+    IcuLocale read;
+    am_.clear();
+    pm_.clear();
+    const IcuText am(am_), pm(pm_);
+    icu->readLocale(icuLocale(identifier), &read, &am, &pm);
+    std::ranges::copy(read.digits, digits_.begin());
+    isGregorian_ = read.isGregorian;
+    if (read.firstWeekday != 0) firstWeekday_ = read.firstWeekday;
 }
 
 std::string LocaleDates::pattern(std::string_view skeleton, ClockFormat format) const {
@@ -84,17 +57,16 @@ std::string LocaleDates::pattern(std::string_view skeleton, ClockFormat format) 
 std::string LocaleDates::bestPattern(std::string_view skeleton, ClockFormat format) const {
     // Asked for 12 hours, some locales (Japanese) would write 00 to 11.
     if (skeleton.find('h') != skeleton.npos) format = ClockFormat::TwelveHour;
-    UErrorCode status = U_ZERO_ERROR;
-    icu::Locale locale = localeOf(identifier_);
-    if (format == ClockFormat::TwelveHour) locale.setKeywordValue("hours", "h12", status);
-    if (format == ClockFormat::TwentyFourHour) locale.setKeywordValue("hours", "h23", status);
-    const std::unique_ptr<icu::DateTimePatternGenerator> generator(
-        icu::DateTimePatternGenerator::createInstance(locale, status));
-    if (U_FAILURE(status)) return {};
-    const icu::StringPiece bytes(skeleton.data(), static_cast<std::int32_t>(skeleton.size()));
-    const icu::UnicodeString best = generator->getBestPattern(icu::UnicodeString::fromUTF8(bytes),
-                                                              UDATPG_MATCH_HOUR_FIELD_LENGTH, status);
-    return U_SUCCESS(status) ? utf8(best) : std::string();
+    const char* const hours = format == ClockFormat::TwelveHour       ? "h12"
+                              : format == ClockFormat::TwentyFourHour ? "h23"
+                                                                      : nullptr;
+    std::string best;
+    const IcuText into(best);
+    if (const IcuModule* icu = icuModule()) {
+        icu->bestPattern(icuLocale(identifier_), hours, skeleton.data(),
+                         static_cast<std::int32_t>(skeleton.size()), &into);
+    }
+    return best;
 }
 
 }  // namespace kx

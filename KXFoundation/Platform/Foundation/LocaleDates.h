@@ -11,7 +11,8 @@
 #include <KXFoundation/Platform/Foundation/ClockFormatSetting.h>
 #include <KXFoundation/Platform/Runtime/Mutex.h>
 
-/// What the locale data (ICU) says about dates in one locale. Private to Foundation.
+/// What the locale data (ICU) says about dates in one locale. Private to Foundation. Where the module for ICU
+/// is missing: Latin digits, AM and PM, the Gregorian calendar, weeks from Sunday, no patterns.
 namespace kx {
 
 class LocaleDates {
@@ -38,9 +39,9 @@ class LocaleDates {
   private:
     [[nodiscard]] std::string bestPattern(std::string_view skeleton, ClockFormat format) const;
 
-    std::string identifier_, am_, pm_;
-    std::array<std::string, 10> digits_;
-    bool isGregorian_ = false;
+    std::string identifier_, am_ = "AM", pm_ = "PM";
+    std::array<std::string, 10> digits_{"0", "1", "2", "3", "4", "5", "6", "7", "8", "9"};
+    bool isGregorian_ = true;
     std::int64_t firstWeekday_ = 1;
     mutable Mutex mutex_;
     mutable std::map<std::pair<std::string, ClockFormat>, std::string> patterns_ KX_GUARDED_BY(mutex_);

@@ -2,8 +2,7 @@
 #include <array>
 #include <utility>
 
-#include <unicode/uloc.h>
-
+#include <KXFoundation/Platform/Foundation/IcuModule.h>
 #include <KXFoundation/Platform/Foundation/NSLocale.h>
 #include <KXFoundation/Platform/Foundation/PosixLocaleName.h>
 
@@ -117,15 +116,10 @@ struct Likely {
 Likely likelyParts(const PosixLocaleName& name) {
     const auto join = [](const std::string& part) { return part.empty() ? part : '_' + part; };
     const std::string identifier = name.language + join(name.script) + join(name.region);
-    char full[ULOC_FULLNAME_CAPACITY] = "";
-    char script[ULOC_SCRIPT_CAPACITY] = "";
-    char region[ULOC_COUNTRY_CAPACITY] = "";
-    UErrorCode status = U_ZERO_ERROR;
-    uloc_addLikelySubtags(identifier.c_str(), full, sizeof full, &status);
-    uloc_getScript(full, script, sizeof script, &status);
-    uloc_getCountry(full, region, sizeof region, &status);
-    if (status != U_ZERO_ERROR) return {};
-    return {script, region};
+    Likely likely;
+    const IcuText script(likely.script), region(likely.region);
+    if (const IcuModule* icu = icuModule()) icu->likelyParts(identifier.c_str(), &script, &region);
+    return likely;
 }
 
 }  // namespace

@@ -1,11 +1,18 @@
 #include <algorithm>
 
-#include <unicode/ustring.h>
-
+#include <KXFoundation/Platform/Foundation/IcuModule.h>
 #include <KXFoundation/Platform/Foundation/UnicodeText.h>
 #include <KXFoundation/Platform/Foundation/Utf16Text.h>
 
 namespace kx {
+
+namespace {
+
+char16_t upperAscii(char16_t unit) noexcept {
+    return unit >= u'a' && unit <= u'z' ? static_cast<char16_t>(unit - u'a' + u'A') : unit;
+}
+
+}  // namespace
 
 std::u16string utf16Of(std::string_view text) {
     std::u16string units;
@@ -23,11 +30,17 @@ std::u16string utf16Of(std::string_view text) {
 }
 
 std::u16string upperCased(std::u16string_view text) {
-    std::u16string upper(3 * text.size(), u'\0');  // no character grows further
-    UErrorCode status = U_ZERO_ERROR;
-    const auto size = u_strToUpper(upper.data(), static_cast<std::int32_t>(upper.size()), text.data(),
-                                   static_cast<std::int32_t>(text.size()), "", &status);
-    upper.resize(static_cast<std::size_t>(std::max(size, 0)));
+    const bool isAscii = std::ranges::all_of(text, [](char16_t unit) { return unit < 0x80; });
+    const IcuModule* const icu = isAscii ? nullptr : icuModule();
+    std::u16string upper(text);
+    if (!icu) {
+        std::ranges::transform(upper, upper.begin(), upperAscii);
+        return upper;
+    }
+    upper.resize(3 * text.size());  // no character grows further
+    const auto size = icu->upperCase(text.data(), static_cast<std::int32_t>(text.size()), upper.data(),
+                                     static_cast<std::int32_t>(upper.size()));
+    upper.resize(static_cast<std::size_t>(size));
     return upper;
 }
 

@@ -11,8 +11,8 @@ namespace kx {
 /// The UTF-8 text; each byte that is none becomes U+FFFD. Any thread.
 [[nodiscard]] KX_EXPORT std::u16string utf16Of(std::string_view text);
 
-/// In upper case, by Unicode's full mapping for no language in particular ("ß" becomes two units). Any
-/// thread.
+/// In upper case, by Unicode's full mapping for no language in particular ("ß" becomes two units);
+/// only the ASCII letters where the module for ICU is missing. Any thread.
 [[nodiscard]] KX_EXPORT std::u16string upperCased(std::u16string_view text);
 
 /// Tab, a line break (U+000A to U+000D, U+0085, U+2028, U+2029) or a separator of Unicode's category Zs.

@@ -3,6 +3,7 @@
 #include <sqlite3.h>
 
 #include <KXFoundation/Platform/Services/SqliteDatabase.h>
+#include <KXFoundation/Platform/Services/SqliteModule.h>
 #include <KXFoundation/Platform/Services/SqliteVfs.h>
 
 namespace kx {
@@ -28,29 +29,34 @@ ErrorKind kindOf(int code) {
     }
 }
 
-using Statement = std::unique_ptr<sqlite3_stmt, decltype([](sqlite3_stmt* s) { sqlite3_finalize(s); })>;
+/// The module's calls; there once a database is open.
+const SqliteModule& sqlite() {
+    return *sqliteModule();
+}
+
+using Statement = std::unique_ptr<sqlite3_stmt, decltype([](sqlite3_stmt* s) { sqlite().finalize(s); })>;
 
 void bind(sqlite3_stmt* statement, const SqliteDatabase::Row& parameters) {
     int index = 0;
     for (const auto& field : parameters) {
         ++index;
         if (field.isText)
-            sqlite3_bind_text64(statement, index, field.text.data(), field.text.size(), SQLITE_STATIC,
+            sqlite().bindText64(statement, index, field.text.data(), field.text.size(), SQLITE_STATIC,
                                 SQLITE_UTF8);
         else
-            sqlite3_bind_int64(statement, index, field.number);
+            sqlite().bindInt64(statement, index, field.number);
     }
 }
 
 SqliteDatabase::Row rowOf(sqlite3_stmt* statement) {
     SqliteDatabase::Row row;
-    for (int column = 0; column < sqlite3_column_count(statement); ++column) {
-        if (sqlite3_column_type(statement, column) == SQLITE_INTEGER) {
-            row.emplace_back(sqlite3_column_int64(statement, column));
+    for (int column = 0; column < sqlite().columnCount(statement); ++column) {
+        if (sqlite().columnType(statement, column) == SQLITE_INTEGER) {
+            row.emplace_back(sqlite().columnInt64(statement, column));
             continue;
         }
-        const auto* const text = static_cast<const char*>(sqlite3_column_blob(statement, column));
-        const auto size = static_cast<std::size_t>(sqlite3_column_bytes(statement, column));
+        const auto* const text = static_cast<const char*>(sqlite().columnBlob(statement, column));
+        const auto size = static_cast<std::size_t>(sqlite().columnBytes(statement, column));
         row.emplace_back(std::string(text ? text : "", size));
     }
     return row;
@@ -59,19 +65,21 @@ SqliteDatabase::Row rowOf(sqlite3_stmt* statement) {
 }  // namespace
 
 void SqliteDatabase::Closer::operator()(sqlite3* database) const {
-    sqlite3_close(database);
+    sqlite().close(database);
 }
 
 Error SqliteDatabase::error() const {
-    const ErrorKind kind = kindOf(sqlite3_errcode(database_.get()));
+    const ErrorKind kind = kindOf(sqlite().errorCode(database_.get()));
     return {kind, kind == ErrorKind::Full ? ENOSPC : 0,
-            std::string("photo index: ") + sqlite3_errmsg(database_.get())};
+            std::string("photo index: ") + sqlite().errorMessage(database_.get())};
 }
 
 Result<SqliteDatabase> SqliteDatabase::open(const std::string& path) {
+    const SqliteModule* const module = sqliteModule();
+    if (!module) return Error{ErrorKind::Unsupported, 0, "photo index: no module for it"};
     sqlite3* handle = nullptr;
-    const int code = sqlite3_open_v2(path.c_str(), &handle, SQLITE_OPEN_READWRITE | SQLITE_OPEN_CREATE,
-                                     sqliteVfsOverFileSystem());
+    const int code = module->openV2(path.c_str(), &handle, SQLITE_OPEN_READWRITE | SQLITE_OPEN_CREATE,
+                                    sqliteVfsOverFileSystem(*module));
     SqliteDatabase database(handle);
     if (!handle) return Error{ErrorKind::Failed, 0, "photo index: no memory"};
     if (code != SQLITE_OK) return database.error();
@@ -83,18 +91,18 @@ Result<SqliteDatabase> SqliteDatabase::open(const std::string& path) {
 
 Result<std::vector<SqliteDatabase::Row>> SqliteDatabase::run(const char* text, const Row& parameters) {
     sqlite3_stmt* prepared = nullptr;
-    if (sqlite3_prepare_v2(database_.get(), text, -1, &prepared, nullptr) != SQLITE_OK) return error();
+    if (sqlite().prepareV2(database_.get(), text, -1, &prepared, nullptr) != SQLITE_OK) return error();
     const Statement statement(prepared);
     bind(prepared, parameters);
     std::vector<Row> rows;
     int code = 0;
-    while ((code = sqlite3_step(prepared)) == SQLITE_ROW) rows.push_back(rowOf(prepared));
+    while ((code = sqlite().step(prepared)) == SQLITE_ROW) rows.push_back(rowOf(prepared));
     if (code != SQLITE_DONE) return error();
     return rows;
 }
 
 Result<void> SqliteDatabase::execute(const char* statements) {
-    if (sqlite3_exec(database_.get(), statements, nullptr, nullptr, nullptr) != SQLITE_OK) return error();
+    if (sqlite().execute(database_.get(), statements, nullptr, nullptr, nullptr) != SQLITE_OK) return error();
     return {};
 }
 

@@ -26,7 +26,7 @@ class SqliteDatabase {
     using Row = std::vector<Field>;
 
     /// Makes the file if it is missing. What cannot be written is opened to be read. What is no database is
-    /// found out at the first statement: Corrupt.
+    /// found out at the first statement: Corrupt. Unsupported where the module for SQLite is missing.
     static Result<SqliteDatabase> open(const std::string& path);
 
     /// Runs one statement with its parameters and answers all rows.

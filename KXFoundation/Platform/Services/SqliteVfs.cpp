@@ -6,6 +6,7 @@
 #include <sqlite3.h>
 
 #include <KXFoundation/Platform/Runtime/FileSystem.h>
+#include <KXFoundation/Platform/Services/SqliteModule.h>
 #include <KXFoundation/Platform/Services/SqliteVfs.h>
 
 namespace kx {
@@ -138,9 +139,9 @@ int fullPath(sqlite3_vfs*, const char* name, int size, char* into) {
     return SQLITE_OK;
 }
 
-sqlite3_vfs* makeVfs() {
+sqlite3_vfs* makeVfs(const SqliteModule& sqlite) {
     static sqlite3_vfs vfs{};
-    const sqlite3_vfs* const system = sqlite3_vfs_find(nullptr);
+    const sqlite3_vfs* const system = sqlite.findVfs(nullptr);
     vfs = *system;  // its random numbers, clock and pauses
     vfs.iVersion = 1;
     vfs.szOsFile = sizeof(SqliteFile);
@@ -151,14 +152,14 @@ sqlite3_vfs* makeVfs() {
     vfs.xDelete = remove;
     vfs.xAccess = access;
     vfs.xFullPathname = fullPath;
-    sqlite3_vfs_register(&vfs, 0);
+    sqlite.registerVfs(&vfs, 0);
     return &vfs;
 }
 
 }  // namespace
 
-const char* sqliteVfsOverFileSystem() {
-    static const sqlite3_vfs* const vfs = makeVfs();
+const char* sqliteVfsOverFileSystem(const SqliteModule& sqlite) {
+    static const sqlite3_vfs* const vfs = makeVfs(sqlite);
     return vfs->zName;
 }
 
