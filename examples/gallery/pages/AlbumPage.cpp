@@ -167,7 +167,7 @@ void AlbumPage::build(Column& column, Gallery& gallery) {
     exporting->setTitle(text("album.export"));
     exporting->sizeToFit();
     exporting->setAction([state = state_, &gallery](NSControl&) { state->exportFiles(gallery); });
-    column.row({exporting}, 28);
+    column.row({exporting});
     if (const auto& outcome = state_->outcome)
         column.pair(text("album.outcome"), outcome->empty() ? text("album.done") : *outcome);
     column.pair(text("album.count"), std::to_string(contents.count));

@@ -76,11 +76,10 @@ void CachePage::build(Column& column, Gallery& gallery) {
     column.title(text("cache.title"));
     column.paragraph(text("cache.explanation"));
     column.space(12);
-    column.row(
-        {button("cache.fill", gallery, [this] { fill(); }), button("cache.read", gallery, [this] { read(); }),
-         button("cache.age", gallery, [this] { toggleAge(); }),
-         button("button.clear", gallery, [this] { cache_->removeAllObjects(); })},
-        28);
+    column.row({button("cache.fill", gallery, [this] { fill(); }),
+                button("cache.read", gallery, [this] { read(); }),
+                button("cache.age", gallery, [this] { toggleAge(); }),
+                button("button.clear", gallery, [this] { cache_->removeAllObjects(); })});
     const double age = cache_->memoryCache()->ageLimit();
     column.space(8);
     column.pair(text("cache.age_limit"),

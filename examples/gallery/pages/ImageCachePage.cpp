@@ -155,8 +155,7 @@ void ImageCachePage::build(Column& column, Gallery& gallery) {
     column.row(
         {button("image_cache.store", thenRead([](State& s) { s.store(); })),
          button("image_cache.forget", thenRead([](State& s) { s.cache->memoryCache()->removeAllObjects(); })),
-         button("button.clear", thenRead([](State& s) { s.clear(); }))},
-        28);
+         button("button.clear", thenRead([](State& s) { s.clear(); }))});
     column.space(8);
     addHeads(column);
     for (std::size_t i = 0; i < state.found.size(); ++i) {
