@@ -6,9 +6,9 @@
 #include <KXFoundation/Cache/KXCache.h>
 #include <KXFoundation/Cache/KXDiskCache.h>
 #include <KXFoundation/Cache/KXMemoryCache.h>
-#include <KXFoundation/Platform/Views/NSButton.h>
 
 #include "Gallery.h"
+#include "PushButton.h"
 
 namespace gallery {
 
@@ -35,14 +35,10 @@ void addStatistics(Column& column, const Statistics& statistics) {
 }
 
 std::shared_ptr<NSButton> button(std::string_view key, Gallery& gallery, std::function<void()> action) {
-    auto made = make<NSButton>();
-    made->setTitle(text(key));
-    made->sizeToFit();
-    made->setAction([&gallery, action = std::move(action)](NSControl&) {
+    return pushButton(key, [&gallery, action = std::move(action)] {
         action();
         gallery.rebuild();
     });
-    return made;
 }
 
 }  // namespace
