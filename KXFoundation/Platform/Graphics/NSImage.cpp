@@ -7,7 +7,6 @@
 #include <KXFoundation/Platform/Graphics/ImageDecoder.h>
 #include <KXFoundation/Platform/Graphics/NSImage.h>
 #include <KXFoundation/Platform/Graphics/Resampling/Resampler.h>
-#include <KXFoundation/Platform/Runtime/FileSystem.h>
 #include <KXFoundation/Platform/Runtime/Log.h>
 #include <KXFoundation/Platform/Runtime/ProcessState.h>
 
@@ -18,9 +17,9 @@ namespace {
 constexpr std::uint64_t kLargestFile = std::uint64_t{256} << 20;
 
 Result<std::shared_ptr<NSBitmapImageRep>> readBitmap(const std::string& path) {
-    auto contents = readFile(FileSystem::slot().current(), path, kLargestFile);
+    auto contents = readImageFile(path, kLargestFile);
     if (!contents) return contents.error();
-    auto bitmap = decodeImageKeepingData(Value::data(std::as_bytes(std::span(*contents))));
+    auto bitmap = decodeImageKeepingData(*std::move(contents));
     if (bitmap) return bitmap;
     Error error = bitmap.error();
     error.where = path + ": " + error.where;
