@@ -3,6 +3,7 @@
 
 #include <KXFoundation/Platform/Graphics/BitmapPool.h>
 #include <KXFoundation/Platform/Graphics/GIF/GIFFrameStream.h>
+#include <KXFoundation/Platform/Graphics/GIF/GIFImage.h>
 
 namespace kx {
 
@@ -23,14 +24,6 @@ struct GIFFrameStream::State {
     std::shared_ptr<BitmapPool> pool;
     Bitmap last;  // the frame before the decoder's position; none at a start
 };
-
-namespace {
-
-GIFPixels pixelsOf(NSBitmapImageRep& bitmap) {
-    return {reinterpret_cast<std::uint8_t*>(bitmap.pixels().data()), std::size_t{bitmap.pixelsWide()} * 4};
-}
-
-}  // namespace
 
 GIFFrameStream::Bitmap GIFFrameStream::State::bitmapAtIndex(std::size_t index) {
     if (index >= file->contents->frames.size()) return nullptr;

@@ -216,12 +216,6 @@ std::size_t GIFContents::keyFrame(std::size_t index, std::uint32_t canvasWidth, 
     return 0;
 }
 
-float GIFFrame::duration() const noexcept {
-    if (!delayHundredths) return 0.1F;
-    const float seconds = static_cast<float>(*delayHundredths) / 100.0F;
-    return seconds < 0.011F ? 0.1F : seconds;
-}
-
 bool GIFFrame::coversCanvas(std::uint32_t canvasWidth, std::uint32_t canvasHeight) const noexcept {
     return rect.left == 0 && rect.top == 0 && rect.width >= canvasWidth && rect.height >= canvasHeight;
 }
