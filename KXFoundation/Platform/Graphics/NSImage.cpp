@@ -1,6 +1,5 @@
 #include <cmath>
 #include <map>
-#include <mutex>
 
 #include <KXFoundation/Platform/Foundation/NSBundle.h>
 #include <KXFoundation/Platform/Graphics/GraphicsContext.h>
@@ -8,6 +7,7 @@
 #include <KXFoundation/Platform/Graphics/NSImage.h>
 #include <KXFoundation/Platform/Graphics/Resampling/Resampler.h>
 #include <KXFoundation/Platform/Runtime/Log.h>
+#include <KXFoundation/Platform/Runtime/Mutex.h>
 #include <KXFoundation/Platform/Runtime/ProcessState.h>
 
 namespace kx {
@@ -56,8 +56,8 @@ std::string doubledPath(std::string_view path) {
 }
 
 struct NamedImages {
-    std::mutex mutex;
-    std::map<std::string, std::weak_ptr<NSImage>> images;  // by path, guarded by mutex
+    Mutex mutex;
+    std::map<std::string, std::weak_ptr<NSImage>> images KX_GUARDED_BY(mutex);  // by path
 };
 constinit ProcessState<NamedImages> namedImages;
 
@@ -115,7 +115,7 @@ std::shared_ptr<NSImage> NSImage::imageNamed(std::optional<std::string_view> nam
     const auto twice = bundle->pathForResource(std::string(*name) + "@2x", "png");
     if (!once && !twice) return nullptr;
     NamedImages& named = namedImages.get();
-    const std::lock_guard lock(named.mutex);
+    const MutexLock lock(named.mutex);
     std::weak_ptr<NSImage>& known = named.images[once ? *once : *twice];
     if (auto image = known.lock()) return image;
     auto image = imageOf(bitmapIn(once), bitmapIn(twice));
