@@ -1,4 +1,3 @@
-#include <algorithm>
 #include <utility>
 
 #include <KXFoundation/Platform/Graphics/BitmapPool.h>
@@ -66,8 +65,7 @@ void GIFFrameStream::prepare(std::size_t index, std::function<void(Bitmap)> done
 
 /// Three bitmaps: the one shown, the next one, and what a frame covers that asks to have it back.
 std::uint64_t GIFFrameStream::memoryFor(const GIFFile& file) noexcept {
-    std::uint64_t largest = 0;
-    for (const GIFFrame& frame : file.contents->frames) largest = std::max(largest, frame.rect.area());
+    const std::uint64_t largest = file.contents->largestFrame(NSBitmapImageRep::pixelLimit());
     return 3 * file.canvasBytes() + GIFAheadDecoder::planesFor(largest) * largest;
 }
 
