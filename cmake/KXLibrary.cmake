@@ -50,17 +50,24 @@ function(kx_keep_symbol library symbol)
   endif()
 endfunction()
 
-# kx_tests(<name> <Foundation|UI> file... [LABELS label...]): one test program over the library, each test known to
-# ctest. The label `threads` marks tests that run several threads: ./dev check repeats them under ThreadSanitizer.
+# kx_tests(<name> <Foundation|UI> file... [LABELS label] [ENVIRONMENT variable=value]): one test program over the
+# library, each test known to ctest, which runs it with that variable. The label `threads` marks tests that run several
+# threads: ./dev check repeats them under ThreadSanitizer.
 function(kx_tests name library)
-  cmake_parse_arguments(PARSE_ARGV 2 arg "" "" LABELS)
+  cmake_parse_arguments(PARSE_ARGV 2 arg "" "" "LABELS;ENVIRONMENT")
   add_executable(${name} ${arg_UNPARSED_ARGUMENTS})
   target_link_libraries(${name} PRIVATE KXFoundation::${library} kx_test_support_${library} kx_warnings)
   target_precompile_headers(${name} REUSE_FROM kx_test_support_Foundation)
   set_target_properties(${name} PROPERTIES
     RUNTIME_OUTPUT_DIRECTORY ${PROJECT_BINARY_DIR}/tests
     POSITION_INDEPENDENT_CODE OFF)  # as the owner of the precompiled header has it
-  gtest_discover_tests(${name} DISCOVERY_MODE PRE_TEST PROPERTIES TIMEOUT 120 LABELS "${arg_LABELS}")
+  set(properties TIMEOUT 120)
+  foreach(property LABELS ENVIRONMENT)  # gtest_discover_tests loses empty values
+    if(arg_${property})
+      list(APPEND properties ${property} ${arg_${property}})
+    endif()
+  endforeach()
+  gtest_discover_tests(${name} DISCOVERY_MODE PRE_TEST PROPERTIES ${properties})
 endfunction()
 
 # kx_fuzzer(<name> <Foundation|UI> file): a libFuzzer program in build/fuzz/fuzz/, its seeds in fuzz/corpus/<name>/.

@@ -2,9 +2,9 @@
 
 #include <algorithm>
 
+#include <KXFoundation/Platform/Foundation/NSUserDefaults.h>
 #include <KXFoundation/Platform/Graphics/GraphicsContext.h>
 #include <KXFoundation/Platform/Graphics/NSColor.h>
-#include <KXFoundation/Platform/Views/NSButton.h>
 
 #include "InspectingWindow.h"
 
@@ -16,6 +16,12 @@ namespace {
 
 constexpr double kSideWidth = 200;
 constexpr double kMargin = 28;
+constexpr double kLeastSide = 400;
+
+constexpr const char* kPageKey = "window.page";
+constexpr const char* kWidthKey = "window.width";
+constexpr const char* kHeightKey = "window.height";
+constexpr const char* kDarkKey = "window.dark";
 
 /// A plain area in one colour.
 class Area : public Subclass<Area, NSView> {
@@ -73,6 +79,25 @@ bool Gallery::show(std::string_view page) {
     return true;
 }
 
+void Gallery::restore() {
+    const NSUserDefaults& defaults = NSUserDefaults::standardUserDefaults();
+    show(defaults.stringForKey(kPageKey).value_or(""));
+    const double width = defaults.objectForKey(kWidthKey).asReal().value_or(kWidth);
+    const double height = defaults.objectForKey(kHeightKey).asReal().value_or(kHeight);
+    window_->setFrame({0, 0, std::max(width, kLeastSide), std::max(height, kLeastSide)});
+    if (defaults.objectForKey(kDarkKey).asBoolean().value_or(false))
+        window_->setAppearance(NSAppearance::Dark);
+}
+
+void Gallery::remember() const {
+    NSUserDefaults& defaults = NSUserDefaults::standardUserDefaults();
+    defaults.setObject(kPageKey, pages()[chosen_].name);
+    defaults.setObject(kWidthKey, window_->frame().size.width);
+    defaults.setObject(kHeightKey, window_->frame().size.height);
+    defaults.setObject(kDarkKey, window_->appearance() == NSAppearance::Dark);
+    defaults.synchronize();
+}
+
 void Gallery::rebuild() {
     root_->setNeedsLayout();
     root_->setNeedsDisplay();
@@ -119,6 +144,21 @@ void Gallery::addPage(NSView& root) {
     if (!page_) page_ = pages()[chosen_].make();
     Column column(*content, kMargin, 24, content->frame().size.width - 2 * kMargin);
     page_->build(column, *this);
+    const auto look = lookButton();
+    look->setFrame(
+        directed({content->frame().size.width - kMargin - 36, 24, 36, 28}, content->frame().size.width));
+    content->addSubview(look);
+}
+
+/// Changes between light and dark.
+std::shared_ptr<NSButton> Gallery::lookButton() const {
+    auto button = make<NSButton>();
+    button->setTitle("◐");
+    button->setAction([window = window_.get()](NSControl&) {
+        window->setAppearance(window->appearance() == NSAppearance::Dark ? NSAppearance::Light
+                                                                         : NSAppearance::Dark);
+    });
+    return button;
 }
 
 }  // namespace gallery

@@ -4,6 +4,7 @@
 #include <memory>
 #include <string_view>
 
+#include <KXFoundation/Platform/Views/NSButton.h>
 #include <KXFoundation/Platform/Views/NSView.h>
 #include <KXFoundation/Platform/Views/NSWindow.h>
 
@@ -23,6 +24,10 @@ class Gallery {
 
     /// Shows the page of that name; false if there is none.
     bool show(std::string_view page);
+    /// Takes up the page, size and look of the last time.
+    void restore();
+    /// Writes them to the user defaults.
+    void remember() const;
     /// Makes side list and page anew before the next drawing, in the language of that moment.
     void rebuild();
     /// Does what a person would do on the page, once it has been drawn.
@@ -35,6 +40,7 @@ class Gallery {
     void build(kx::NSView& root);
     void addSideList(kx::NSView& root);
     void addPage(kx::NSView& root);
+    [[nodiscard]] std::shared_ptr<kx::NSButton> lookButton() const;
 
     std::shared_ptr<kx::NSWindow> window_;
     std::shared_ptr<Root> root_;

@@ -33,6 +33,7 @@ int withoutDisplay() {
 int runInWindow(const std::string& page) {
     if (!namesDisplay()) return withoutDisplay();
     gallery::Gallery gallery;
+    gallery.restore();
     if (!page.empty() && !gallery.show(page)) {
         std::fprintf(stderr, "gallery: there is no page \"%s\"\n", page.c_str());
         return 1;
@@ -40,6 +41,7 @@ int runInWindow(const std::string& page) {
     gallery.window()->makeKeyAndOrderFront();
     if (!gallery.window()->surface()) return withoutDisplay();
     kx::NSApplication::sharedApplication()->run();
+    gallery.remember();
     return 0;
 }
 

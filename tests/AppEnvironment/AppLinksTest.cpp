@@ -144,10 +144,5 @@ TEST(AppVersion, ComesFromTheMainBundle) {
     EXPECT_EQ(KXAppUtils::currentAppVersionCode(), "");
 }
 
-TEST(KXAppUtils, ContactsAreNeverAuthorized) {
-    KXAppUtils::appContactsRequestAuthotizedWithCompletedBlock([](bool) { FAIL(); });
-    EXPECT_FALSE(KXAppUtils::isAppContactsAuthorized());
-}
-
 }  // namespace
 }  // namespace kx

@@ -205,15 +205,19 @@ TEST_F(KXDiskCacheTest, ASyncedSetAloneIsOneAppendAndOneSync) {
     EXPECT_EQ(files->calls(Call::Sync), 2u);
 }
 
-TEST_F(KXDiskCacheTest, OpeningReadsNoValue) {
+TEST_F(KXDiskCacheTest, OpeningReadsNoValueAndMapsOnce) {
     constexpr std::size_t kValues = 100'000;
     constexpr std::size_t kSize = 1024;
     const Value value = Value::data(std::vector<std::byte>(kSize, std::byte{1}));
     const auto cache = open();
     for (std::size_t i = 0; i < kValues; ++i) cache->setObject(value, "key " + std::to_string(i));
     files->resetCounts();
-    EXPECT_EQ(open()->totalCount(), kValues);
+    const auto opened = open();
+    EXPECT_EQ(opened->totalCount(), kValues);
     EXPECT_LT(files->bytesRead(), kValues * kSize / 8) << "tables, headers and keys alone";
+    for (std::size_t i = 0; i < kValues; ++i)
+        ASSERT_FALSE(opened->objectForKey("key " + std::to_string(i)).isNull());
+    EXPECT_EQ(files->calls(Call::Map), 1 + segments()) << "the header, and each segment once";
 }
 
 TEST_F(KXDiskCacheTest, TwoStoresSeeEachOthersValues) {

@@ -4,8 +4,10 @@ Prints the bus's address ("" where this machine cannot have one), then a line pe
 one of the portal's settings, "SCHEMA KEY VALUE"; the end of the input is its end.
 """
 import os
+import pathlib
 import subprocess
 import sys
+import tempfile
 import threading
 
 try:
@@ -16,8 +18,15 @@ try:
 except ImportError:
     sys.exit()
 
+# Whoever may connect may do anything; none of the machine's own services is started.
+CONFIGURATION = """<!DOCTYPE busconfig PUBLIC "-//freedesktop//DTD D-Bus Bus Configuration 1.0//EN"
+ "http://www.freedesktop.org/standards/dbus/1.0/busconfig.dtd">
+<busconfig><type>session</type><auth>EXTERNAL</auth><listen>unix:path={socket}</listen>
+<policy context="default"><allow send_destination="*" eavesdrop="true"/><allow eavesdrop="true"/><allow own="*"/></policy>
+</busconfig>"""
 OPENER = "org.freedesktop.portal.OpenURI"
 SETTINGS = "org.freedesktop.portal.Settings"
+PROXIES = "org.freedesktop.portal.ProxyResolver"
 FINGERPRINTS = "net.reactivated.Fprint"
 
 
@@ -46,6 +55,12 @@ class Portal(dbus.service.Object):
         print(f"opened {address}")
         return "/org/freedesktop/portal/desktop/request/1"
 
+    @dbus.service.method(PROXIES, in_signature="s", out_signature="as")
+    def Lookup(self, address):
+        return {"https://web.example/": ["http://proxy.example:3128", "direct://"],
+                "https://socks.example/": ["socks://proxy.example:1080"],
+                "https://none.example/": []}.get(address, ["direct://"])
+
     @dbus.service.method("org.freedesktop.DBus.Properties", in_signature="ss", out_signature="v")
     def Get(self, interface, name):
         return dbus.UInt32(4) if (interface, name) == (OPENER, "version") else dbus.String("none")
@@ -63,13 +78,14 @@ class Fingerprints(dbus.service.Object):
         return "/net/reactivated/Fprint/Device/0"
 
 
-def main():
-    try:
-        daemon = subprocess.Popen(["dbus-daemon", "--session", "--nofork", "--print-address"], stdout=subprocess.PIPE,
-                                  stdin=subprocess.DEVNULL, stderr=subprocess.DEVNULL, text=True)
-    except OSError:
-        return
-    address = daemon.stdout.readline().strip()
+def start_bus(folder):
+    configuration = folder / "bus.conf"
+    configuration.write_text(CONFIGURATION.format(socket=folder / "bus"))
+    return subprocess.Popen(["dbus-daemon", f"--config-file={configuration}", "--nofork", "--print-address"],
+                            stdout=subprocess.PIPE, stdin=subprocess.DEVNULL, stderr=subprocess.DEVNULL, text=True)
+
+
+def serve(address):
     bus = dbus.bus.BusConnection(address, mainloop=DBusGMainLoop())
     names, services = [], []
     if "portal" in sys.argv:
@@ -88,8 +104,17 @@ def main():
 
     threading.Thread(target=listen, daemon=True).start()
     loop.run()
-    daemon.kill()
-    daemon.wait()
+
+
+def main():
+    with tempfile.TemporaryDirectory() as folder:
+        try:
+            daemon = start_bus(pathlib.Path(folder))
+        except OSError:
+            return
+        serve(daemon.stdout.readline().strip())
+        daemon.kill()
+        daemon.wait()
     os._exit(0)  # the names are gone with the bus: nobody needs to give them back
 
 

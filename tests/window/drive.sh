@@ -21,7 +21,12 @@ started() {
         sleep 0.1
     done
     export DISPLAY=:$number
-    "$gallery" --page language &
+    opened --page language
+}
+
+# opened ARGUMENTS: the gallery runs and its window has the keys.
+opened() {
+    "$gallery" "$@" &
     program=$!
     window=$(timeout 20 xdotool search --sync --onlyvisible --pid $program | tail -1)
     xdotool windowfocus --sync "$window"
@@ -81,7 +86,19 @@ looks_like "the third page, by keys" "$scratch/pictures/application-de.png"
 is_still
 
 xdotool windowsize --sync "$window" 800 600
-[ "$(import -window "$window" png:- | identify -format %wx%h -)" = 800x600 ] || { echo "the window kept its size"; exit 1; }
+size() { import -window "$window" png:- | identify -format %wx%h -; }
+[ "$(size)" = 800x600 ] || { echo "the window kept its size"; exit 1; }
 keys --clearmodifiers Tab
 kill -0 $program || { echo "the gallery ended"; exit 1; }
+
+click 754 38  # dark
+sleep 1
+import -window "$window" "$scratch/dark.png"
+[ "$(identify -format '%[fx:p{400,590}.r<0.3]' "$scratch/dark.png")" = 1 ] || { echo "the window stayed light"; exit 1; }
+xdotool windowquit "$window"
+wait $program
+opened
+[ "$(size)" = 800x600 ] || { echo "the window forgot its size"; exit 1; }
+click 400 590  # nothing stands there
+looks_like "the window of the last time" "$scratch/dark.png"
 echo "the window works as the pictures say"

@@ -116,11 +116,14 @@ Result<void> DiskSegment::seal(std::span<const Record> records, std::uint64_t en
     return write(std::max(*end, entriesEnd), table);
 }
 
+/// Once for all entries: a mapping made anew faults every page in again. So it has room for the last entry
+/// too, which may begin just before the segment is full.
 Result<std::shared_ptr<const FileMapping>> DiskSegment::mapped(std::uint64_t end) {
+    constexpr std::uint64_t kRoom = 2 * kLargestSegment;
     if (mapping_ && mapping_->bytes().size() >= end) return mapping_;
     auto file = opened(FileSystem::Mode::Read);
     if (!file) return std::move(file).error();
-    auto mapping = (*file)->map(std::max(end, kLargestSegment), File::Access::Read);
+    auto mapping = (*file)->map(std::max(end, kRoom), File::Access::Read);
     if (!mapping) return std::move(mapping).error();
     mapping_ = std::move(*mapping);
     return mapping_;

@@ -5,6 +5,7 @@
 
 #include <KXFoundation/Platform/Foundation/CurlURLLoader.h>
 #include <KXFoundation/Platform/Foundation/HTTPModule.h>
+#include <KXFoundation/Platform/Foundation/ProxySettings.h>
 #include <KXFoundation/Platform/Runtime/Environment.h>
 #include <KXFoundation/Platform/Runtime/Module.h>
 
@@ -66,7 +67,8 @@ bool CurlLoading::take(void* self, const char* bytes, std::size_t count) {
 }
 
 bool CurlLoading::open(const URLLimits& limits, const std::string& certificateFile) {
-    const std::string proxy = firstVariable({"https_proxy", "HTTPS_PROXY", "all_proxy", "ALL_PROXY"});
+    std::string proxy = firstVariable({"https_proxy", "HTTPS_PROXY", "all_proxy", "ALL_PROXY"});
+    if (proxy.empty()) proxy = ProxySettings::slot().current().proxyFor(address_);
     const std::string noProxy = firstVariable({"no_proxy", "NO_PROXY"});
     const auto time =
         std::clamp<std::int64_t>(limits.time.count(), 1, std::numeric_limits<std::int32_t>::max());

@@ -37,8 +37,9 @@ class KX_EXPORT URLLoading {
     virtual void cancel() = 0;
 };
 
-/// The port to the web. The adapter speaks HTTPS through curl's module and follows the system's proxies
-/// (https_proxy, all_proxy, no_proxy) and trusted signers. Any thread.
+/// The port to the web. The adapter speaks HTTPS through curl's module and follows the system's trusted
+/// signers and proxies: those that the environment names (https_proxy, all_proxy, but for no_proxy), else the
+/// desktop's own (ProxySettings.h). Any thread, but preparing may wait for the desktop: not the main one.
 class KX_EXPORT URLLoader {
   public:
     virtual ~URLLoader() = default;

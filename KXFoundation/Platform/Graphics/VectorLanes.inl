@@ -37,6 +37,7 @@ struct Lanes128 {
     /// Products of 16-bit values, each two neighbours' added.
     static Vector multiply(Vector values, Vector weights) { return _mm_madd_epi16(values, weights); }
     static Vector add(Vector a, Vector b) { return _mm_add_epi32(a, b); }
+    static Vector addWords(Vector a, Vector b) { return _mm_add_epi16(a, b); }
     /// Shifted right and rounded.
     static Vector rounded(Vector sums, int shift) {
         return _mm_sra_epi32(add(sums, all(1 << shift >> 1)), _mm_cvtsi32_si128(shift));
@@ -106,6 +107,7 @@ struct Lanes256 {
     static Vector upperHalf(Vector v) { return _mm256_srli_si256(v, 8); }
     static Vector multiply(Vector values, Vector weights) { return _mm256_madd_epi16(values, weights); }
     static Vector add(Vector a, Vector b) { return _mm256_add_epi32(a, b); }
+    static Vector addWords(Vector a, Vector b) { return _mm256_add_epi16(a, b); }
     static Vector rounded(Vector sums, int shift) {
         return _mm256_sra_epi32(add(sums, all(1 << shift >> 1)), _mm_cvtsi32_si128(shift));
     }

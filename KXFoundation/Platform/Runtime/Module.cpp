@@ -29,19 +29,25 @@ std::string modulePath(const char* name) {
     return beside;
 }
 
+/// Not logError: of several modules that are lacking each has its line.
+Error lacking(std::string why) {
+    log(LogLevel::Warning, "module " + why);
+    return {ErrorKind::Unsupported, 0, std::move(why)};
+}
+
 Result<const void*> load(const char* name, std::uint32_t version) {
     const std::string path = modulePath(name);
-    if (::access(path.c_str(), R_OK) != 0) return Error::fromErrno(errno, path);
+    if (::access(path.c_str(), R_OK) != 0) return lacking(Error::fromErrno(errno, path).message());
     void* library = ::dlopen(path.c_str(), RTLD_NOW | RTLD_LOCAL);
     if (!library) {
         const char* why = ::dlerror();  // NOLINT(concurrency-mt-unsafe): the thread's own in every libc
-        return Error{ErrorKind::Failed, 0, why ? why : path};
+        return lacking(why ? why : path);
     }
     const auto entry = reinterpret_cast<ModuleEntry>(::dlsym(library, "kxModule"));
-    const void* table = entry ? entry(&kHost) : nullptr;
+    if (!entry) return lacking(path + ": not one of this library");
+    const void* table = entry(&kHost);
     if (!table) return Error{ErrorKind::Unsupported, 0, path};  // the module itself has logged why
-    if (*static_cast<const std::uint32_t*>(table) != version)
-        return Error{ErrorKind::Failed, 0, path + " is of another version"};
+    if (*static_cast<const std::uint32_t*>(table) != version) return lacking(path + ": of another version");
     return table;
 }
 
@@ -50,12 +56,9 @@ Result<const void*> load(const char* name, std::uint32_t version) {
 Result<const void*> openModule(const char* name, std::uint32_t version) {
     static auto& mutex = *new std::mutex;
     static auto& opened = *new std::map<std::string, Result<const void*>, std::less<>>;
-    std::unique_lock lock(mutex);
+    const std::lock_guard lock(mutex);
     if (const auto found = opened.find(name); found != opened.end()) return found->second;
-    Result<const void*> result = opened.emplace(name, load(name, version)).first->second;
-    lock.unlock();
-    if (!result && result.error().kind != ErrorKind::Unsupported) logError("module", result.error());
-    return result;
+    return opened.emplace(name, load(name, version)).first->second;
 }
 
 }  // namespace kx

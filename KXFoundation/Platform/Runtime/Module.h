@@ -23,17 +23,18 @@ struct ModuleHost {
 using ModuleEntry = const void* (*)(const ModuleHost* host);
 
 /// Opens the module of that name ("sdl" is the file kx-sdl.so) and answers its table, the same one on every
-/// call. Missing if the file is not there, Failed if it cannot be loaded or its table is of another version,
-/// Unsupported if it has nothing to offer here; asking again answers the same without another attempt.
-/// Opening takes milliseconds: not on a path that is hot. Any thread. A module is never closed.
+/// call. Unsupported, whatever the reason, if there is no such module, it is of another version or has
+/// nothing to offer here: one log line in the life of the process has said why, and asking again answers the
+/// same without another attempt. Opening takes milliseconds: not on a path that is hot. Any thread. A module
+/// is never closed.
 KX_EXPORT Result<const void*> openModule(const char* name, std::uint32_t version);
 
-/// The same for a table type that names its version.
+/// The same with the type of the table, which knows its version.
 template <class Table>
-Result<const Table*> openModule(const char* name) {
-    auto opened = openModule(name, Table::kVersion);
-    if (!opened) return std::move(opened).error();
-    return static_cast<const Table*>(*opened);
+[[nodiscard]] Result<const Table*> openModule(const char* name) {
+    auto table = openModule(name, Table::kVersion);
+    if (!table) return std::move(table).error();
+    return static_cast<const Table*>(*table);
 }
 
 }  // namespace kx

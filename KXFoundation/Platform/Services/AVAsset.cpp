@@ -81,6 +81,12 @@ Result<PixelBuffer> AVAssetImageGenerator::copyImageAtTime(CMTime time, CMTime* 
     return buffer;
 }
 
+Result<std::string> videoLibrary() {
+    const auto module = videoModule();
+    if (!module) return module.error();
+    return "FFmpeg " + std::string((*module)->libraryVersion());
+}
+
 Result<void> checkVideo(const std::string& path) {
     if (!canBePath(path)) return Error{ErrorKind::Missing, 0, path};
     auto module = videoModule();

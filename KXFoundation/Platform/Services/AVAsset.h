@@ -63,4 +63,7 @@ class KX_EXPORT AVAssetImageGenerator : public Subclass<AVAssetImageGenerator, N
 /// count. Fails as copyImageAtTime does.
 [[nodiscard]] KX_EXPORT Result<void> checkVideo(const std::string& path);
 
+/// What frames are taken with, for a person; Unsupported without the module.
+[[nodiscard]] KX_EXPORT Result<std::string> videoLibrary();
+
 }  // namespace kx

@@ -22,6 +22,8 @@ Capability probePortal(Patience patience);
 Capability probeKeyring(Patience patience);
 /// Whether HTTPS can be spoken, and by what.
 Capability probeCurl(Patience patience);
+/// Whether frames can be taken out of videos, and by what.
+Capability probeVideo(Patience patience);
 /// Whether there is a torch that this user may switch.
 Capability probeTorch(Patience patience);
 /// Whether there is a sensor for fingerprints or faces.

@@ -44,7 +44,7 @@ class Following {
     void begin(const std::string& address, const ClockKey& row) {
         const DesktopModule* module = desktopModule();
         const MutexLock lock(mutex_);
-        if (hasEnded_ || !module || !module->clockFormat) return;
+        if (hasEnded_ || !module) return;
         table_ = module->clockFormat;
         handle_ = table_->follow(address.c_str(), row.schema, row.key, &Following::take, this);
     }

@@ -3,22 +3,24 @@
 #include <cstdint>
 
 /// The table between the library and its module of desktop services, which talks to the session and system
-/// buses through GIO (Modules/Desktop*.cpp). A service that the module lacks is a null pointer; whether the
-/// desktop answers shows at each call. Each service's header says on which threads it may be called.
+/// buses through GIO (Modules/Desktop*.cpp). Whether the desktop answers shows at
+/// each call. Each service's header says on which threads it may be called.
 namespace kx {
 
 struct DesktopBiometrics;   // DesktopBiometrics.h: fprintd
 struct DesktopClockFormat;  // DesktopClockFormat.h: the desktop's 12/24-hour setting
 struct DesktopOpener;       // DesktopOpener.h: the portal that opens addresses
+struct DesktopProxies;      // DesktopProxies.h: the proxies that the user has set
 struct DesktopSecrets;      // DesktopSecrets.h: the Secret Service
 
 struct DesktopModule {
-    static constexpr std::uint32_t kVersion = 1;
+    static constexpr std::uint32_t kVersion = 2;
 
     std::uint32_t version;
     const DesktopBiometrics* biometrics;
     const DesktopClockFormat* clockFormat;
     const DesktopOpener* opener;
+    const DesktopProxies* proxies;
     const DesktopSecrets* secrets;
 };
 

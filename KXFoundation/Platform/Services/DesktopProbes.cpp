@@ -46,7 +46,7 @@ struct Opener {
         const DesktopModule* module = address ? desktopModule() : nullptr;
         if (!address) {
             lack = "the session names no bus";
-        } else if (!module || !module->opener) {
+        } else if (!module) {
             lack = "the module for desktop services is not installed";
         } else {
             table = module->opener;

@@ -20,7 +20,7 @@ bool openThroughPortal(const NSURL& address) {
     const auto bus = sessionBusAddress();
     if (!bus) return false;  // nobody to ask: the module need not be opened
     const DesktopModule* module = desktopModule();
-    if (!module || !module->opener) return false;
+    if (!module) return false;
     std::uint32_t version = 0;
     if (module->opener->portalVersion(bus->c_str(), kTimeoutMilliseconds, &version) != DesktopReply::Answered)
         return false;

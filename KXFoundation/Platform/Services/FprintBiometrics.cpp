@@ -28,7 +28,7 @@ Result<BiometryType> FprintBiometrics::type(std::chrono::milliseconds patience) 
     const Clock& clock = Clock::slot().current();
     if (clock.now() < silentUntil_.load(std::memory_order_relaxed)) return failure(DesktopReply::TimedOut);
     const DesktopModule* module = desktopModule();
-    if (!module || !module->biometrics) return Error{ErrorKind::Unsupported, 0, "fingerprint service"};
+    if (!module) return Error{ErrorKind::Unsupported, 0, "fingerprint service"};
     bool hasReader = false;
     const DesktopReply reply = module->biometrics->hasFingerprintReader(
         systemBusAddress().c_str(), static_cast<std::uint32_t>(patience.count()), &hasReader);

@@ -40,7 +40,7 @@ Result<std::shared_ptr<SecretServiceKeychain>> secretService(const std::optional
                                                              std::chrono::milliseconds timeout) {
     if (!busAddress) return Error{ErrorKind::Missing, 0, "session bus"};
     const DesktopModule* module = desktopModule();
-    if (!module || !module->secrets) return Error{ErrorKind::Unsupported, 0, "desktop module"};
+    if (!module) return Error{ErrorKind::Unsupported, 0, "desktop module"};
     auto service =
         std::make_shared<SecretServiceKeychain>(*module->secrets, *busAddress, application(), timeout);
     if (auto answered = service->probe(); !answered) return std::move(answered).error();

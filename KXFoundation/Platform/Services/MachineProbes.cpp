@@ -1,4 +1,4 @@
-// What the machine itself offers: network library, torch, fonts.
+// What the machine itself offers: libraries for network and videos, torch, fonts.
 #include <algorithm>
 #include <array>
 
@@ -6,6 +6,7 @@
 #include <KXFoundation/Platform/Foundation/HTTPModule.h>
 #include <KXFoundation/Platform/Runtime/Environment.h>
 #include <KXFoundation/Platform/Runtime/FileSystem.h>
+#include <KXFoundation/Platform/Services/AVAsset.h>
 #include <KXFoundation/Platform/Services/CapabilityProbes.h>
 #include <KXFoundation/Platform/Services/Torch.h>
 
@@ -55,6 +56,11 @@ Capability probeCurl(Patience) {
     const HTTPModule* module = httpModule();
     if (!module) return {"curl", false, "the module for HTTPS is not installed"};
     return {"curl", true, module->description()};
+}
+
+Capability probeVideo(Patience) {
+    const auto library = videoLibrary();
+    return {"video", library.ok(), library ? *library : library.error().message()};
 }
 
 Capability probeTorch(Patience) {

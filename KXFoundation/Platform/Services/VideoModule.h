@@ -7,7 +7,7 @@
 namespace kx {
 
 struct VideoModule {
-    static constexpr std::uint32_t kVersion = 1;
+    static constexpr std::uint32_t kVersion = 2;
 
     /// What a file may cost before it is given up.
     struct Limits {
@@ -27,6 +27,8 @@ struct VideoModule {
     using Allocate = std::uint32_t* (*)(void* context, std::uint32_t wide, std::uint32_t high);
 
     std::uint32_t version;
+    /// The version of the library behind the module.
+    const char* (*libraryVersion)();
     /// Whether the file holds a moving picture that this machine decodes: its first frame is decoded.
     bool (*check)(const char* path, const Limits* limits, Reason* reason);
     /// The frame that is shown at `time` (the first one before there is any, the last one after the end),

@@ -22,9 +22,10 @@ NSSize NSCollectionView::intrinsicContentSize() const {
 }
 
 void NSCollectionView::layout() {
-    if (!layout_) return;
+    const auto layout = layout_;  // a subclass's may have another one set
+    if (!layout) return;
     const auto items = subviews();
-    const auto attributes = layout_->layoutAttributes(items.size(), bounds().size.width);
+    const auto attributes = layout->layoutAttributes(items.size(), bounds().size.width);
     for (const auto& [item, frame] : attributes) items[item]->setFrame(frame);
 }
 

@@ -2,12 +2,24 @@
 
 #include <cstdint>
 #include <string>
+#include <string_view>
 
 #include <KXFoundation/Platform/Foundation/NSGeometry.h>
 
 namespace kx {
 
-enum class NSEventType : std::uint8_t { MouseDown, MouseDragged, MouseUp, MouseMoved, KeyDown, KeyUp };
+/// Plain mouse events are those of the primary button.
+enum class NSEventType : std::uint8_t {
+    MouseDown,
+    MouseDragged,
+    MouseUp,
+    MouseMoved,
+    RightMouseDown,
+    RightMouseUp,
+    ScrollWheel,
+    KeyDown,
+    KeyUp,
+};
 
 enum class NSEventModifierFlags : std::uint8_t { None = 0, Shift = 1, Control = 2, Option = 4, Command = 8 };
 
@@ -26,7 +38,18 @@ struct NSEvent {
     int clickCount = 0;        ///< 1 for a click, 2 for a double click
     bool isARepeat = false;    ///< of KeyDown: the key is held
     std::string characters{};  ///< what the key types; "\r", "\t" and " " for Enter, Tab and Space
+    NSPoint scrollingDelta{};  ///< of ScrollWheel: lines, towards the right and towards the top
 };
+
+// The characters of keys that type nothing.
+inline constexpr std::string_view NSUpArrowFunctionKey = "\uF700";
+inline constexpr std::string_view NSDownArrowFunctionKey = "\uF701";
+inline constexpr std::string_view NSLeftArrowFunctionKey = "\uF702";
+inline constexpr std::string_view NSRightArrowFunctionKey = "\uF703";
+inline constexpr std::string_view NSHomeFunctionKey = "\uF729";
+inline constexpr std::string_view NSEndFunctionKey = "\uF72B";
+inline constexpr std::string_view NSPageUpFunctionKey = "\uF72C";
+inline constexpr std::string_view NSPageDownFunctionKey = "\uF72D";
 
 /// Whether the key is held with one that makes a command of it, rather than typed.
 [[nodiscard]] inline bool isCommand(const NSEvent& event) {

@@ -19,6 +19,15 @@ void NSResponder::mouseUp(const NSEvent& event) {
 void NSResponder::mouseMoved(const NSEvent& event) {
     passOn(&NSResponder::mouseMoved, event);
 }
+void NSResponder::rightMouseDown(const NSEvent& event) {
+    passOn(&NSResponder::rightMouseDown, event);
+}
+void NSResponder::rightMouseUp(const NSEvent& event) {
+    passOn(&NSResponder::rightMouseUp, event);
+}
+void NSResponder::scrollWheel(const NSEvent& event) {
+    passOn(&NSResponder::scrollWheel, event);
+}
 void NSResponder::keyDown(const NSEvent& event) {
     passOn(&NSResponder::keyDown, event);
 }

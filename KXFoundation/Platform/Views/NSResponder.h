@@ -20,6 +20,9 @@ class KX_EXPORT NSResponder : public Subclass<NSResponder, NSObject> {
     virtual void mouseDragged(const NSEvent& event);
     virtual void mouseUp(const NSEvent& event);
     virtual void mouseMoved(const NSEvent& event);
+    virtual void rightMouseDown(const NSEvent& event);
+    virtual void rightMouseUp(const NSEvent& event);
+    virtual void scrollWheel(const NSEvent& event);
     virtual void keyDown(const NSEvent& event);
     virtual void keyUp(const NSEvent& event);
 

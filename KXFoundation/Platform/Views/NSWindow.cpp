@@ -71,6 +71,7 @@ void NSWindow::setTitle(std::string_view title) {
 
 void NSWindow::setContentView(const std::shared_ptr<NSView>& given) {
     const auto view = given;
+    const auto held = self();
     if (view == contentView_ || (view && view->moving_)) return;
     if (const auto former = contentView_) former->removeFromSuperview();
     if (!view || contentView_) return;
@@ -85,8 +86,9 @@ void NSWindow::fitContentView() {
 }
 
 void NSWindow::setContentViewController(std::shared_ptr<NSViewController> controller) {
-    contentViewController_ = std::move(controller);
-    if (const auto held = contentViewController_) setContentView(held->view());
+    const auto held = self();
+    contentViewController_ = controller;
+    if (controller) setContentView(controller->view());
 }
 
 // On the screen
@@ -94,10 +96,9 @@ void NSWindow::setContentViewController(std::shared_ptr<NSViewController> contro
 void NSWindow::orderFront() {
     if (const auto parent = parentWindow())
         return parent->addChildWindow(self(), NSWindowOrderingMode::Above);
-    const auto application = NSApplication::sharedApplication();
     if (!surface_) openSurface();
     const bool isNews = !isVisible();
-    application->bringToFront(self());
+    NSApplication::sharedApplication()->bringToFront(self());
     if (isNews) didShowOrHide();
 }
 
@@ -110,9 +111,10 @@ void NSWindow::didShowOrHide() {
 }
 
 void NSWindow::makeKeyAndOrderFront() {
+    const auto held = self();
     orderFront();
     if (parent_) return;
-    NSApplication::sharedApplication()->makeKey(self());
+    NSApplication::sharedApplication()->makeKey(held);
     if (surface_) surface_->activate();
 }
 

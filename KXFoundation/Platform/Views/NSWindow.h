@@ -99,7 +99,7 @@ class KX_EXPORT NSWindow : public Subclass<NSWindow, NSResponder> {
     // Events
 
     /// Finds the view that the event is for and calls it. A drag and its end go to the view that got the
-    /// mouse down.
+    /// mouse down, the secondary button and the wheel to the view under the mouse.
     virtual void sendEvent(const NSEvent& event);
     /// Where keys go first; the window itself if there is none. A view that has left the window is none.
     [[nodiscard]] std::shared_ptr<NSResponder> firstResponder() const;
@@ -151,6 +151,8 @@ class KX_EXPORT NSWindow : public Subclass<NSWindow, NSResponder> {
     [[nodiscard]] std::shared_ptr<NSWindow> childAt(NSPoint point);
     [[nodiscard]] bool sendToChild(const NSEvent& event);
 
+    [[nodiscard]] std::shared_ptr<NSView> viewAt(NSPoint point) const;
+    void sendUnder(void (NSResponder::*handler)(const NSEvent&), const NSEvent& event);
     [[nodiscard]] std::shared_ptr<NSView> viewFor(const NSEvent& event);
     void beginTouch(const std::shared_ptr<NSView>& view, const NSEvent& event);
     void endTouch(const NSEvent& event);

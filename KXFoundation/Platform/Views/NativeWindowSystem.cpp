@@ -53,7 +53,9 @@ class NativeSurface final : public WindowSurface {
 
   private:
     void takeSize() { module_.size(window_, &size_.width, &size_.height); }
+    void tookButton(NSEventType primary, NSEventType secondary, const WindowModuleEvent& event);
     void tookMouse(NSEventType type, const WindowModuleEvent& event);
+    void tookWheel(const WindowModuleEvent& event);
     void tookKey(NSEventType type, const WindowModuleEvent& event);
 
     const std::shared_ptr<NativeWindowSystem> system_;
@@ -61,8 +63,9 @@ class NativeSurface final : public WindowSurface {
     const std::uint32_t window_;
     NSSize size_;
     WindowSystem::Handler handler_;
-    bool isPressed_ = false;
-    WindowModuleEvent key_;  // the last one, which typed the text that follows
+    NSPoint mouse_;           // where it was last
+    bool isPressed_ = false;  // the primary button
+    WindowModuleEvent key_;   // the last one, which typed the text that follows
 };
 
 namespace {
@@ -76,8 +79,7 @@ NSEventModifierFlags modifiersOf(const WindowModuleEvent& event) {
     return flags;
 }
 
-/// What a key types by itself; the characters of all others arrive as Text. Cursor keys and their like type
-/// nothing.
+/// What a key types by itself; the characters of all others arrive as Text.
 std::string charactersOf(std::uint32_t key, NSEventType type) {
     switch (static_cast<WindowKey>(key)) {
         case WindowKey::Space:  // going down it arrives as Text
@@ -88,6 +90,22 @@ std::string charactersOf(std::uint32_t key, NSEventType type) {
         case WindowKey::Escape:
         case WindowKey::Delete:
             return std::string(1, static_cast<char>(key));
+        case WindowKey::Left:
+            return std::string(NSLeftArrowFunctionKey);
+        case WindowKey::Right:
+            return std::string(NSRightArrowFunctionKey);
+        case WindowKey::Up:
+            return std::string(NSUpArrowFunctionKey);
+        case WindowKey::Down:
+            return std::string(NSDownArrowFunctionKey);
+        case WindowKey::Home:
+            return std::string(NSHomeFunctionKey);
+        case WindowKey::End:
+            return std::string(NSEndFunctionKey);
+        case WindowKey::PageUp:
+            return std::string(NSPageUpFunctionKey);
+        case WindowKey::PageDown:
+            return std::string(NSPageDownFunctionKey);
         default:
             return {};
     }
@@ -95,13 +113,27 @@ std::string charactersOf(std::uint32_t key, NSEventType type) {
 
 }  // namespace
 
+void NativeSurface::tookButton(NSEventType primary, NSEventType secondary, const WindowModuleEvent& event) {
+    if (event.button > 1) return;  // no control has a use for the others
+    if (event.button == 0) isPressed_ = primary == NSEventType::MouseDown;
+    tookMouse(event.button == 0 ? primary : secondary, event);
+}
+
 void NativeSurface::tookMouse(NSEventType type, const WindowModuleEvent& event) {
-    if (event.button != 0) return;  // controls answer the primary button
+    mouse_ = {event.x, event.y};
     const auto handler = handler_;
     handler(NSEvent{.type = type,
-                    .locationInWindow = {event.x, event.y},
+                    .locationInWindow = mouse_,
                     .modifierFlags = modifiersOf(event),
                     .clickCount = static_cast<int>(event.clicks)});
+}
+
+void NativeSurface::tookWheel(const WindowModuleEvent& event) {
+    const auto handler = handler_;
+    handler(NSEvent{.type = NSEventType::ScrollWheel,
+                    .locationInWindow = mouse_,
+                    .modifierFlags = modifiersOf(event),
+                    .scrollingDelta = {event.x, event.y}});
 }
 
 void NativeSurface::tookKey(NSEventType type, const WindowModuleEvent& event) {
@@ -119,13 +151,13 @@ void NativeSurface::took(const WindowModuleEvent& event) {
     const auto handler = handler_;  // a window closed by its own event takes this surface with it
     switch (event.type) {
         case WindowEventType::MouseDown:
-            isPressed_ = isPressed_ || event.button == 0;
-            return tookMouse(NSEventType::MouseDown, event);
+            return tookButton(NSEventType::MouseDown, NSEventType::RightMouseDown, event);
         case WindowEventType::MouseUp:
-            isPressed_ = isPressed_ && event.button != 0;
-            return tookMouse(NSEventType::MouseUp, event);
+            return tookButton(NSEventType::MouseUp, NSEventType::RightMouseUp, event);
         case WindowEventType::MouseMoved:
             return tookMouse(isPressed_ ? NSEventType::MouseDragged : NSEventType::MouseMoved, event);
+        case WindowEventType::Wheel:
+            return tookWheel(event);
         case WindowEventType::KeyDown:
             return tookKey(NSEventType::KeyDown, event);
         case WindowEventType::KeyUp:
@@ -148,7 +180,6 @@ void NativeSurface::took(const WindowModuleEvent& event) {
             return handler(SurfaceCloseRequested());
         case WindowEventType::Nothing:
         case WindowEventType::MouseLeft:
-        case WindowEventType::Wheel:
         case WindowEventType::Quit:
             return;
     }
@@ -162,7 +193,7 @@ NativeWindowSystem::~NativeWindowSystem() {
 }
 
 void NativeWindowSystem::find() {
-    if (const auto module = openModule<WindowModule>("sdl")) module_ = *module;
+    if (const auto table = openModule<WindowModule>("sdl")) module_ = *table;
 }
 
 bool NativeWindowSystem::open() {
@@ -190,6 +221,7 @@ std::optional<NSSize> NativeWindowSystem::mainScreenSize() {
 }
 
 void NativeWindowSystem::takeEvents() {
+    const auto held = shared_from_this();  // an event may close the window that keeps this
     WindowModuleEvent event;
     bool any = false;
     while (module_->nextEvent(&event)) {

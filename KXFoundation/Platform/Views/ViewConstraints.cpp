@@ -37,7 +37,6 @@ void ViewConstraints::remove(NSLayoutConstraint& constraint) {
 }
 
 void ViewConstraints::removeAcross(const NSView& leaving) {
-    if (isSolving_) leftMeanwhile_.push_back(leaving.weak_from_this().lock());
     const auto reachesInto = [&](const std::shared_ptr<NSView>& item) {
         return item && item->isDescendantOf(leaving);
     };
@@ -61,7 +60,7 @@ void ViewConstraints::gather() {
     if (std::exchange(isGathered_, true)) return;
     places_.clear();
     links_.clear();
-    places_.push_back({&holder_, kNone, true, std::nullopt, {}});
+    places_.push_back({&holder_, nullptr, kNone, true, std::nullopt, {}});
     for (const auto& constraint : constraints_) {
         const auto first = constraint->firstItem();
         const auto second = constraint->secondItem();
@@ -82,7 +81,7 @@ std::size_t ViewConstraints::placeOf(NSView& view) {
     const auto found = std::ranges::find(places_, &view, &Place::view);
     if (found != places_.end()) return static_cast<std::size_t>(found - places_.begin());
     const std::size_t parent = placeOf(*view.superview_);
-    places_.push_back({&view, parent, true, std::nullopt, {}});
+    places_.push_back({&view, nullptr, parent, true, std::nullopt, {}});
     return places_.size() - 1;
 }
 
@@ -94,17 +93,33 @@ ViewConstraints::Side ViewConstraints::sideOf(NSView& view, NSLayoutAttribute at
 
 // Solving
 
+/// Holds the views for one solution: those that tell their fitting size may take any of them out of the tree.
+class ViewConstraints::Solving {
+  public:
+    explicit Solving(ViewConstraints& constraints) : constraints_(constraints) {
+        constraints_.isSolving_ = true;
+        for (Place& place : constraints_.places_) place.held = place.view->self();
+    }
+    ~Solving() {
+        for (Place& place : constraints_.places_) place.held = nullptr;
+        constraints_.isSolving_ = false;
+    }
+    Solving(const Solving&) = delete;
+    Solving& operator=(const Solving&) = delete;
+
+  private:
+    ViewConstraints& constraints_;
+};
+
 void ViewConstraints::solve() {
     if (isSolving_) return;  // asked for by a view that tells its fitting size
-    isSolving_ = true;
     gather();
+    const Solving solving(*this);
     forgetSolution();
     do {
         handOn();
     } while (takeFittingLength() || keepPresentPlace());
     moveViews();
-    isSolving_ = false;
-    leftMeanwhile_.clear();
 }
 
 void ViewConstraints::forgetSolution() {

@@ -41,8 +41,9 @@ class ViewConstraints {
     /// A view that a constraint names, or that holds one on the way to the holder.
     struct Place {
         NSView* view;
-        std::size_t parent;  // of its superview's place; those of superviews come first
-        bool isGiven;        // its frame is as it is
+        std::shared_ptr<NSView> held;  // while there is a solution under way
+        std::size_t parent;            // of its superview's place; those of superviews come first
+        bool isGiven;                  // its frame is as it is
         std::optional<NSSize> fitting;
         LayoutAxis axes[2];
     };
@@ -57,6 +58,8 @@ class ViewConstraints {
         double sign;  // of the constant
         bool isDone;
     };
+
+    class Solving;
 
     void gather();
     std::size_t placeOf(NSView& view);
@@ -75,8 +78,7 @@ class ViewConstraints {
     std::vector<std::shared_ptr<NSLayoutConstraint>> constraints_;
     bool isGathered_ = false;
     bool isSolving_ = false;
-    std::vector<std::shared_ptr<const NSObject>> leftMeanwhile_;  // places_ still names them
-    std::vector<Place> places_;                                   // the holder's first
+    std::vector<Place> places_;  // the holder's first
     std::vector<Link> links_;
 };
 

@@ -114,7 +114,7 @@ void NSView::takeOut() {
     if (window) didChangeWindow();
 }
 
-/// As the content view; the window has none now.
+/// As the content view; the window has none now, and its caller holds it.
 void NSView::attachToWindow(NSWindow& window) {
     const auto held = self();
     {

@@ -44,10 +44,13 @@ void NSWindow::sendEvent(const NSEvent& event) {
             }
             return endTouch(event);
         case NSEventType::MouseMoved:
-            if (contentView_) {
-                if (const auto view = contentView_->hitTest(event.locationInWindow)) view->mouseMoved(event);
-            }
-            return;
+            return sendUnder(&NSResponder::mouseMoved, event);
+        case NSEventType::RightMouseDown:
+            return sendUnder(&NSResponder::rightMouseDown, event);
+        case NSEventType::RightMouseUp:
+            return sendUnder(&NSResponder::rightMouseUp, event);
+        case NSEventType::ScrollWheel:
+            return sendUnder(&NSResponder::scrollWheel, event);
         case NSEventType::KeyDown:
             return sendKey(&NSResponder::keyDown, event);
         case NSEventType::KeyUp:
@@ -55,10 +58,18 @@ void NSWindow::sendEvent(const NSEvent& event) {
     }
 }
 
+std::shared_ptr<NSView> NSWindow::viewAt(NSPoint point) const {
+    const auto content = contentView_;  // a subclass's test may take it out
+    return content ? content->hitTest(point) : nullptr;
+}
+
+void NSWindow::sendUnder(void (NSResponder::*handler)(const NSEvent&), const NSEvent& event) {
+    if (const auto view = viewAt(event.locationInWindow)) ((*view).*handler)(event);
+}
+
 /// The view under a mouse down, which from now on has the mouse and, if it wants them, the keys.
 std::shared_ptr<NSView> NSWindow::viewFor(const NSEvent& event) {
-    const auto content = contentView_;
-    auto view = content ? content->hitTest(event.locationInWindow) : nullptr;
+    auto view = viewAt(event.locationInWindow);
     mouseTarget_ = view;
     showFocus(false);
     if (view && !parent_ && view->acceptsFirstResponder()) makeFirstResponder(view);
@@ -79,8 +90,7 @@ void NSWindow::beginTouch(const std::shared_ptr<NSView>& view, const NSEvent& ev
 void NSWindow::endTouch(const NSEvent& event) {
     const auto touched = std::exchange(touched_, {});
     if (touched.empty()) return;
-    const auto content = contentView_;
-    const NSTouch touch = touchOf(content ? content->hitTest(event.locationInWindow) : nullptr, event);
+    const NSTouch touch = touchOf(viewAt(event.locationInWindow), event);
     for (const auto& weak : touched) {
         const auto recognizer = weak.lock();
         const auto view = recognizer ? recognizer->view() : nullptr;

@@ -18,7 +18,8 @@ void redrawFocus(NSResponder* responder) {
 void collectKeyViews(const std::shared_ptr<NSView>& view, std::vector<std::shared_ptr<NSView>>& found) {
     if (view->isHidden() || view->alphaValue() <= 0) return;
     if (view->acceptsFirstResponder()) found.push_back(view);
-    for (const auto& subview : view->subviews()) collectKeyViews(subview, found);
+    const auto subviews = view->subviews();  // a subclass's answer may change the tree
+    for (const auto& subview : subviews) collectKeyViews(subview, found);
 }
 
 }  // namespace
@@ -36,6 +37,7 @@ std::shared_ptr<NSResponder> NSWindow::firstResponder() const {
 
 bool NSWindow::makeFirstResponder(const std::shared_ptr<NSResponder>& given) {
     const auto responder = given;
+    const auto held = self();
     const auto former = firstResponder();
     if (responder == former) return true;
     if (former && !former->resignFirstResponder()) return false;
@@ -54,9 +56,11 @@ void NSWindow::showFocus(bool shown) {
 }
 
 void NSWindow::selectKeyView(int step) {
-    if (!contentView_) return;
+    const auto held = self();
+    const auto content = contentView_;
+    if (!content) return;
     std::vector<std::shared_ptr<NSView>> views;
-    collectKeyViews(contentView_, views);
+    collectKeyViews(content, views);
     if (views.empty()) return;
     const auto count = static_cast<std::ptrdiff_t>(views.size());
     const auto present = std::ranges::find(views, firstResponder()) - views.begin();

@@ -4,6 +4,7 @@
 
 #include <KXFoundation/Platform/Foundation/CurlURLLoader.h>
 #include <KXFoundation/Platform/Foundation/NSURLSession.h>
+#include <KXFoundation/Platform/Foundation/ProxySettings.h>
 #include <KXFoundation/Platform/Runtime/DispatchQueue.h>
 #include <KXFoundation/Platform/Runtime/MainThread.h>
 
@@ -89,11 +90,25 @@ TEST_F(NSURLSessionTest, WhatItDoesNotLoadHasItsKind) {
     EXPECT_TRUE(load(server().address("/big?1000"), few));
 }
 
+/// A desktop whose every address goes through a proxy that nobody listens at.
+struct InjectedProxy final : ProxySettings {
+    std::string proxyFor(const std::string&) override {
+        ++asked;
+        return "http://127.0.0.1:1";
+    }
+    int asked = 0;
+};
+
 TEST_F(NSURLSessionTest, FollowsTheSystemsProxies) {
+    const auto desktop = std::make_shared<InjectedProxy>();
+    const ScopedPort<ProxySettings> scope(desktop);
+    EXPECT_FALSE(load(server().address("/big?1")));
+    EXPECT_EQ(desktop->asked, 1);
     platform_.environment().set("https_proxy", "http://127.0.0.1:1");
     EXPECT_FALSE(load(server().address("/big?1")));
     platform_.environment().set("no_proxy", "example.org,127.0.0.1");
     EXPECT_TRUE(load(server().address("/big?1")));
+    EXPECT_EQ(desktop->asked, 1) << "the environment goes first";
 }
 
 TEST_F(NSURLSessionTest, CancellingEndsALoadingOnce) {

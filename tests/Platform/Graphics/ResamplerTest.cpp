@@ -119,6 +119,7 @@ TEST(Resampler, EqualsTheReferenceOnEveryMachine) {
         {50, 40, 21, 11, 20.3, 10.2},  // and a part of a pixel more
         {700, 300, 5, 3, 5, 3},        // hundreds of pixels in one
         {32'767, 2, 1, 1, 1, 1},       // weights of less than a unit
+        {9, 32'767, 3, 2, 3, 2},       // more rows in one than are added up first
         {1, 1, 9, 5, 9, 5},           {3, 2, 2, 3, 2, 3}, {2, 900, 2, 7, 2, 7},
     };
     for (const auto& row : rows) {

@@ -7,6 +7,7 @@
 #include <sys/wait.h>
 
 #include <KXFoundation/Platform/Foundation/ClockFormatSetting.h>
+#include <KXFoundation/Platform/Foundation/ProxySettings.h>
 #include <KXFoundation/Platform/Runtime/Executor.h>
 #include <KXFoundation/Platform/Runtime/Module.h>
 #include <KXFoundation/Platform/Services/BusAddress.h>
@@ -82,7 +83,7 @@ TEST_F(DesktopServicesTest, ADeadBusIsLeftInTime) {
     const std::string address = "unix:path=" + bus.path();
     const auto opened = openModule<DesktopModule>("desktop");
     ASSERT_TRUE(opened) << opened.error().message();
-    const DesktopModule* module = *opened;
+    const DesktopModule* const module = *opened;
     EXPECT_EQ(module->opener->reachBus(address.c_str(), 20), DesktopReply::TimedOut);
     EXPECT_EQ(module->opener->openAddress(address.c_str(), "https://example.org/", 20),
               DesktopReply::TimedOut);
@@ -155,6 +156,20 @@ TEST_F(DesktopServicesTest, WhatCannotBeOpenedIsOneLine) {
     EXPECT_EQ(log.lines().size(), 1U);
 }
 
+TEST_F(DesktopServicesTest, TheDesktopsProxiesAreAskedFor) {
+    const auto proxyFor = [](const std::string& host) {
+        return ProxySettings::makeDefault()->proxyFor("https://" + host + ".example/");
+    };
+    EXPECT_EQ(proxyFor("web"), "") << "no bus";
+    if (!startBus({"portal"})) GTEST_SKIP() << "no message bus can be started here";
+    EXPECT_EQ(proxyFor("web"), "http://proxy.example:3128");
+    EXPECT_EQ(proxyFor("socks"), "socks5h://proxy.example:1080");
+    EXPECT_EQ(proxyFor("inside"), "");
+    EXPECT_EQ(proxyFor("none"), "");
+    ASSERT_TRUE(startBus({}));
+    EXPECT_EQ(proxyFor("web"), "") << "no portal";
+}
+
 /// Waits for the desktop's word, which comes on a thread of the module's own; false if it does not.
 bool becomes(const ClockFormatSetting& setting, ClockFormat want) {
     const auto latest = std::chrono::steady_clock::now() + kPatience;
@@ -198,7 +213,7 @@ Capability capability(std::string_view name) {
 TEST_F(DesktopServicesTest, CapabilitiesTellWhatWorksAndWhyNot) {
     EXPECT_EQ(capability("bus").detail, "the session names no bus");
     EXPECT_EQ(capability("display").detail, "the session names no display");
-    EXPECT_TRUE(capability("curl").works);
+    for (const char* name : {"curl", "video"}) EXPECT_TRUE(capability(name).works) << name;
     const testing::SilentSocket display;
     platform_.environment().set("WAYLAND_DISPLAY", display.path());
     EXPECT_TRUE(capability("display").works);

@@ -16,7 +16,6 @@ namespace {
 
 using testing::FaultyFileSystem;
 using ::testing::HasSubstr;
-using Call = FaultyFileSystem::Call;
 
 const SodiumModule& sodium() {
     return *openModule<SodiumModule>("sodium").value();
@@ -70,16 +69,6 @@ TEST_F(FileKeychainTest, IsEncryptedWithAKeyForItsOwnerAlone) {
     }
     EXPECT_TRUE(keychain().add({"harbour", "harbour"}, "Kiel lighthouse").ok());
     EXPECT_NE(directory.read("data/app/keychain"), box) << "a nonce of its own each time";
-}
-
-TEST_F(FileKeychainTest, DeletingAndAddingReplacesTwoFilesAtMost) {
-    for (const char* round : {"first", "second", "third"}) {
-        FileKeychain store = keychain();
-        files->resetCounts();
-        static_cast<void>(store.remove({"a", "a"}));
-        EXPECT_TRUE(store.add({"a", "a"}, round).ok());
-        EXPECT_EQ(files->calls(Call::Rename), 2u) << round;
-    }
 }
 
 /// Whatever happens to either file, the items are gone, nothing is overwritten, and one line says so.

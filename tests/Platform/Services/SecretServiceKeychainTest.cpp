@@ -1,10 +1,4 @@
-#include <array>
-#include <cstring>
-
 #include <gtest/gtest.h>
-#include <sys/socket.h>
-#include <sys/un.h>
-#include <unistd.h>
 
 #include <KXFoundation/Platform/Runtime/ManualClock.h>
 #include <KXFoundation/Platform/Runtime/Module.h>
@@ -13,9 +7,10 @@
 #include <KXFoundation/Platform/Services/SecretServiceKeychain.h>
 
 #include "Platform/Services/MockSecretService.h"
-#include "Platform/Services/PrivateBus.h"
 #include "support/CapturedLog.h"
 #include "support/ScopedPlatform.h"
+#include "support/ScriptProcess.h"
+#include "support/SilentSocket.h"
 
 namespace kx {
 namespace {
@@ -33,19 +28,20 @@ const DesktopSecrets& secrets() {
 
 struct SecretServiceKeychainTest : ::testing::Test {
     void SetUp() override {
-        if (bus.address().empty()) GTEST_SKIP() << "dbus-daemon is not installed";
+        if (address.empty()) GTEST_SKIP() << "no message bus can be started here";
     }
     SecretServiceKeychain keychain(std::chrono::milliseconds timeout = kPatient,
                                    const char* application = "org.example.app") const {
-        return {secrets(), bus.address(), application, timeout};
+        return {secrets(), address, application, timeout};
     }
 
     testing::ScopedPlatform platform;
-    testing::PrivateBus bus;
+    testing::ScriptProcess bus{"desktop_bus.py", {}};
+    const std::string address = bus.readLine();
 };
 
 TEST_F(SecretServiceKeychainTest, AnyBytesAreNamesAndData) {
-    const MockSecretService service(bus.address());
+    const MockSecretService service(address);
     const std::string names[] = {"",     "IDFV",  std::string("a\0b", 3),   "a%00b", "caf\xE9", "caf%E9",
                                  "café", "100 %", std::string(1 << 20, 'n')};
     SecretServiceKeychain store = keychain();
@@ -72,7 +68,7 @@ TEST_F(SecretServiceKeychainTest, AnyBytesAreNamesAndData) {
 }
 
 TEST_F(SecretServiceKeychainTest, ALockedCollectionIsUnlockedByThePerson) {
-    MockSecretService service(bus.address());
+    MockSecretService service(address);
     SecretServiceKeychain store = keychain();
     ASSERT_TRUE(store.add({"a", "a"}, "old").ok());
     service.lock(Person::Dismisses);
@@ -91,7 +87,7 @@ TEST_F(SecretServiceKeychainTest, ALockedCollectionIsUnlockedByThePerson) {
 }
 
 TEST_F(SecretServiceKeychainTest, ADialogueHoldsNobodyUp) {
-    MockSecretService service(bus.address());
+    MockSecretService service(address);
     service.lock(Person::IsAway);
     EXPECT_EQ(keychain(kImpatient).add({"a", "a"}, "x").error().kind, ErrorKind::TimedOut);
     SecretServiceKeychain store = keychain();
@@ -106,7 +102,7 @@ TEST_F(SecretServiceKeychainTest, ADialogueHoldsNobodyUp) {
 }
 
 TEST_F(SecretServiceKeychainTest, SilenceEndsWithTheTime) {
-    MockSecretService service(bus.address());
+    MockSecretService service(address);
     service.fallSilent();
     SecretServiceKeychain store = keychain(kImpatient);
     EXPECT_EQ(store.probe().error().kind, ErrorKind::TimedOut);
@@ -148,48 +144,28 @@ TEST(SecretServiceKeychain, SilenceHoldsASaveUpOnce) {
 }
 
 TEST_F(SecretServiceKeychainTest, TheServiceIsChosenWhereItCanKeepItems) {
-    EXPECT_EQ(chooseKeychain(bus.address(), kPatient).capability.store, Store::File) << "nobody on the bus";
-    MockSecretService service(bus.address());
-    const auto chosen = chooseKeychain(bus.address(), kPatient);
+    EXPECT_EQ(chooseKeychain(address, kPatient).capability.store, Store::File) << "nobody on the bus";
+    MockSecretService service(address);
+    const auto chosen = chooseKeychain(address, kPatient);
     EXPECT_EQ(chosen.capability.store, Store::SecretService) << chosen.capability.why;
     EXPECT_TRUE(chosen.store->add({"a", "a"}, "x").ok());
     EXPECT_EQ(service.items(), 1u);
 
-    platform.environment().set("DBUS_SESSION_BUS_ADDRESS", bus.address());
+    platform.environment().set("DBUS_SESSION_BUS_ADDRESS", address);
     EXPECT_EQ(keychainCapability().store, Store::SecretService) << "the process's own choice";
     EXPECT_EQ(*KeychainStore::slot().current().copy({"a", "a"}), "x");
     service.takeCollectionAway();
-    EXPECT_EQ(chooseKeychain(bus.address(), kPatient).capability.store, Store::File);
+    EXPECT_EQ(chooseKeychain(address, kPatient).capability.store, Store::File);
     EXPECT_EQ(keychainCapability().store, Store::SecretService) << "made once";
 }
-
-/// A socket that takes connections and never says a word.
-class SilentBus {
-  public:
-    SilentBus() {
-        sockaddr_un name{};
-        name.sun_family = AF_UNIX;
-        std::strncpy(name.sun_path, (directory_ / "bus").c_str(), sizeof name.sun_path - 1);
-        EXPECT_EQ(::bind(socket_, reinterpret_cast<const sockaddr*>(&name), sizeof name), 0);
-        EXPECT_EQ(::listen(socket_, 8), 0);
-    }
-    ~SilentBus() { ::close(socket_); }
-    SilentBus(const SilentBus&) = delete;
-    SilentBus& operator=(const SilentBus&) = delete;
-
-    [[nodiscard]] std::string address() const { return "unix:path=" + (directory_ / "bus"); }
-
-  private:
-    testing::TemporaryDirectory directory_;
-    const int socket_ = ::socket(AF_UNIX, SOCK_STREAM | SOCK_CLOEXEC, 0);
-};
 
 TEST(KeychainChoice, WithoutAServiceItIsTheFile) {
     const testing::ScopedPlatform platform;
     const testing::CapturedLog log;
-    const SilentBus silent;
+    const testing::SilentSocket silent;
+    ASSERT_TRUE(silent.isListening());
     const std::optional<std::string> rows[] = {std::nullopt, "", "nonsense", "unix:path=/nobody/listens",
-                                               silent.address()};
+                                               "unix:path=" + silent.path()};
     for (const auto& address : rows) {
         const auto chosen = chooseKeychain(address, kImpatient);
         EXPECT_EQ(chosen.capability.store, Store::File) << address.value_or("none");

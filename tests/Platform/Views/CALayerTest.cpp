@@ -3,35 +3,25 @@
 
 #include <gtest/gtest.h>
 
-#include <KXFoundation/Platform/Graphics/NSColor.h>
-#include <KXFoundation/Platform/Graphics/NSImageRep.h>
 #include <KXFoundation/Platform/Runtime/ManualClock.h>
 #include <KXFoundation/Platform/Views/CABasicAnimation.h>
-#include <KXFoundation/Platform/Views/CALayer.h>
 
 #include "ViewFixture.h"
 
 namespace kx {
 namespace {
 
-constexpr std::uint32_t kRed = 0xFFFF0000;
+using testing::filled;
+using testing::kBlue;
+using testing::kRed;
 
 struct Layer : ::testing::Test {
     Layer() {
-        view->setWantsLayer(true);
-        view->layer()->setBackgroundColor(NSColor::colorWithRed(1, 0, 0, 1));
         shown.content().addSubview(view);
         ground = pixel(1, 1);
     }
-    std::uint32_t pixel(std::uint32_t x, std::uint32_t y) {
-        shown.window->displayIfNeeded();
-        return shown.surface().bitmap()->pixelAt(x, y);
-    }
-    std::vector<std::uint32_t> pixels() {
-        shown.window->displayIfNeeded();
-        const auto all = shown.surface().bitmap()->pixels();
-        return {all.begin(), all.end()};
-    }
+    std::uint32_t pixel(std::uint32_t x, std::uint32_t y) { return shown.pixel(x, y); }
+    std::vector<std::uint32_t> pixels() { return shown.pixels(); }
     /// Frame by frame, as a loop does.
     void pass(double seconds) {
         for (long frame = std::lround(seconds * 60); frame >= 0; --frame) {
@@ -51,7 +41,7 @@ struct Layer : ::testing::Test {
     std::shared_ptr<ManualClock> clock = std::make_shared<ManualClock>();
     ScopedPort<Clock> clockScope{clock};
     testing::OffscreenWindow shown{{100, 100}};
-    std::shared_ptr<NSView> view = make<NSView>(NSRect(30, 40, 40, 20));
+    std::shared_ptr<NSView> view = filled({30, 40, 40, 20}, kRed);
     std::uint32_t ground = 0;
 };
 
@@ -60,16 +50,13 @@ TEST_F(Layer, BackgroundCornersAndClipping) {
     view->layer()->setCornerRadius(8);
     EXPECT_EQ(pixel(30, 40), ground);
     EXPECT_EQ(pixel(50, 50), kRed);
-    const auto inner = make<NSView>(NSRect(-10, -10, 60, 40));
-    inner->setWantsLayer(true);
-    inner->layer()->setBackgroundColor(NSColor::colorWithRed(0, 0, 1, 1));
-    view->addSubview(inner);
-    EXPECT_EQ(pixel(22, 32), 0xFF0000FFU);
+    view->addSubview(filled({-10, -10, 60, 40}, kBlue));
+    EXPECT_EQ(pixel(22, 32), kBlue);
     view->layer()->setMasksToBounds(true);
     EXPECT_TRUE(view->clipsToBounds());
     EXPECT_EQ(pixel(22, 32), ground);
     EXPECT_EQ(pixel(30, 40), ground) << "cut at the rounded corner";
-    EXPECT_EQ(pixel(50, 50), 0xFF0000FFU);
+    EXPECT_EQ(pixel(50, 50), kBlue);
     view->layer()->setOpacity(0);
     EXPECT_EQ(pixel(50, 50), ground);
 }

@@ -1,9 +1,6 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
-#include <KXFoundation/Platform/Graphics/NSColor.h>
-#include <KXFoundation/Platform/Graphics/NSImageRep.h>
-#include <KXFoundation/Platform/Views/CALayer.h>
 #include <KXFoundation/Platform/Views/NSButton.h>
 
 #include "ViewFixture.h"
@@ -13,21 +10,12 @@ namespace kx {
 namespace {
 
 using ::testing::ElementsAre;
-constexpr std::uint32_t kRed = 0xFFFF0000;
-constexpr std::uint32_t kBlue = 0xFF0000FF;
-
-std::shared_ptr<NSView> filled(NSRect frame, double red, double blue) {
-    auto view = make<NSView>(frame);
-    view->setWantsLayer(true);
-    view->layer()->setBackgroundColor(NSColor::colorWithRed(red, 0, blue, 1));
-    return view;
-}
+using testing::filled;
+using testing::kBlue;
+using testing::kRed;
 
 struct ChildWindow : ::testing::Test {
-    std::uint32_t pixel(std::uint32_t x, std::uint32_t y) {
-        shown.window->displayIfNeeded();
-        return shown.surface().bitmap()->pixelAt(x, y);
-    }
+    std::uint32_t pixel(std::uint32_t x, std::uint32_t y) { return shown.pixel(x, y); }
     testing::OffscreenWindow shown{{100, 100}};
     std::shared_ptr<NSWindow> child = make<NSWindow>();
 };
@@ -37,11 +25,11 @@ TEST_F(ChildWindow, IsDrawnInsideItsParentAndFollowsIt) {
     shown.window->addChildWindow(child, NSWindowOrderingMode::Above);
     EXPECT_EQ(child->frame(), shown.window->frame());
     EXPECT_EQ(pixel(50, 50), under) << "its background is clear";
-    child->contentView()->addSubview(filled({40, 40, 20, 20}, 1, 0));
+    child->contentView()->addSubview(filled({40, 40, 20, 20}, kRed));
     EXPECT_EQ(pixel(50, 50), kRed);
     EXPECT_THAT(shown.surface().lastChanged(), ElementsAre(PixelRect{40, 40, 20, 20}));
     const auto below = make<NSWindow>(NSRect(45, 45, 30, 30));
-    below->setContentView(filled({}, 0, 1));
+    below->setContentView(filled({}, kBlue));
     shown.window->addChildWindow(below, NSWindowOrderingMode::Below);
     EXPECT_EQ(pixel(50, 50), kRed);
     EXPECT_EQ(pixel(70, 70), kBlue);

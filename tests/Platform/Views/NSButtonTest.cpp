@@ -12,9 +12,7 @@ struct Button : ::testing::Test {
         button->setAction([this](NSControl&) { ++clicks; });
         shown.content().addSubview(button);
     }
-    void mouse(NSEventType type, NSPoint at) {
-        shown.surface().send(NSEvent{.type = type, .locationInWindow = at});
-    }
+    void mouse(NSEventType type, NSPoint at) { shown.mouse(type, at); }
 
     testing::OffscreenWindow shown{{100, 100}};
     std::shared_ptr<NSButton> button = make<NSButton>(NSRect(10, 10, 50, 20));

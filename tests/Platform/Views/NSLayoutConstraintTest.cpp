@@ -1,3 +1,6 @@
+#include <functional>
+#include <stdexcept>
+
 #include <gtest/gtest.h>
 
 #include <KXFoundation/Platform/Views/NSLayoutConstraint.h>
@@ -117,29 +120,38 @@ TEST_F(Constraints, TheyEndWhenAViewLeaves) {
     EXPECT_EQ(NSLayoutConstraint::constraintWithItem(a, Left, 5), nullptr);
 }
 
-/// A view that takes another one away, and lays out, while it is asked for its size.
+/// Does something while it is asked for its size.
 class Meddler : public Subclass<Meddler, NSView> {
   public:
     NSSize fittingSize() const override {
-        if (const auto above = superview()) {
-            above->layoutSubtreeIfNeeded();
-            if (above->subviews().size() > 1) above->subviews().front()->removeFromSuperview();
-        }
+        meddle();
         return {10, 10};
     }
+    std::function<void()> meddle;
 };
 
 TEST_F(Constraints, AViewMayChangeTheTreeWhileTheyAreSolved) {
+    const auto holder = make<NSView>(NSRect(0, 0, 50, 50));
     const auto meddler = make<Meddler>();
     meddler->setTranslatesAutoresizingMaskIntoConstraints(false);
+    root->addSubview(holder);
     root->addSubview(meddler);
+    holder->addSubview(b);
     equal(meddler, Left, root, Left, 3);
     equal(a, Left, meddler, Right, 3);
     equal(b, Left, a, Right, 3);
-    a = b = nullptr;
+    meddler->meddle = [] { throw std::runtime_error("no size"); };
+    EXPECT_THROW(root->layoutSubtreeIfNeeded(), std::runtime_error);
+    meddler->meddle = [&] {
+        root->layoutSubtreeIfNeeded();
+        if (!b) return;
+        holder->removeFromSuperview();
+        for (auto* view : {&a, &b}) std::exchange(*view, nullptr)->removeFromSuperview();
+    };
+    root->setNeedsLayout();
     root->layoutSubtreeIfNeeded();
     root->layoutSubtreeIfNeeded();
-    EXPECT_EQ(meddler->frame().origin.x, 3);
+    EXPECT_EQ(meddler->frame().origin.x, 3) << "after one that threw";
 }
 
 }  // namespace

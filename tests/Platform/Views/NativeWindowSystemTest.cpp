@@ -83,15 +83,32 @@ struct NativeWindows : ::testing::Test {
 
 using enum WindowEventType;
 
+/// Writes down what passes the controls.
+class Listener : public Subclass<Listener, NSView> {
+  public:
+    void rightMouseDown(const NSEvent& event) override { note("right down", event.locationInWindow); }
+    void rightMouseUp(const NSEvent& event) override { note("right up", event.locationInWindow); }
+    void scrollWheel(const NSEvent& event) override {
+        note("wheel", event.locationInWindow);
+        note("by", event.scrollingDelta);
+    }
+    void keyDown(const NSEvent& event) override { told += event.characters; }
+    bool acceptsFirstResponder() const override { return true; }
+    std::string told;
+
+  private:
+    void note(const char* what, NSPoint point) {
+        told +=
+            std::string(what) + " " + std::to_string(int(point.x)) + "," + std::to_string(int(point.y)) + " ";
+    }
+};
+
 TEST_F(NativeWindows, PassesMouseKeysAndSizesToTheWindow) {
     const auto window = open();
     std::string told;
     const auto button = make<NSButton>(NSRect(10, 10, 50, 20));
     button->setAction([&](NSControl&) { told += "click "; });
     window->contentView()->addSubview(button);
-    happens({{.type = MouseDown, .window = 1, .x = 20, .y = 20, .button = 1},
-             {.type = MouseUp, .window = 1, .x = 20, .y = 20, .button = 1}});
-    EXPECT_EQ(told, "") << "controls answer the primary button";
     happens({{.type = MouseDown, .window = 1, .x = 20, .y = 20},
              {.type = MouseUp, .window = 1, .x = 20, .y = 20}});
     EXPECT_EQ(std::exchange(told, ""), "click ");
@@ -103,6 +120,24 @@ TEST_F(NativeWindows, PassesMouseKeysAndSizesToTheWindow) {
     happens({{.type = Exposed, .window = 1}});
     ASSERT_EQ(display.presented.size(), 1U);
     EXPECT_EQ(display.presented[0].width, 120) << "what was lost is shown again";
+}
+
+TEST_F(NativeWindows, SecondaryButtonWheelAndCursorKeysPassControlsBy) {
+    const auto window = open();
+    const auto listener = make<Listener>();
+    window->setContentView(listener);
+    window->makeFirstResponder(listener);
+    const auto button = make<NSButton>(NSRect(10, 10, 50, 20));
+    button->setAction([&](NSControl&) { listener->told += "click "; });
+    listener->addSubview(button);
+    happens({{.type = MouseDown, .window = 1, .x = 20, .y = 20, .button = 1},
+             {.type = MouseUp, .window = 1, .x = 20, .y = 21, .button = 1},
+             {.type = MouseDown, .window = 1, .x = 20, .y = 22, .button = 2},
+             {.type = Wheel, .window = 1, .x = 1, .y = -2},
+             {.type = KeyDown, .window = 1, .key = std::uint32_t(WindowKey::Left)},
+             {.type = KeyDown, .window = 1, .key = std::uint32_t(WindowKey::PageDown)}});
+    EXPECT_EQ(listener->told, "right down 20,20 right up 20,21 wheel 20,21 by 1,-2 " +
+                                  std::string(NSLeftArrowFunctionKey) + std::string(NSPageDownFunctionKey));
 }
 
 TEST_F(NativeWindows, FocusMakesKeyAndActiveAndTellsOnceEach) {
@@ -150,6 +185,12 @@ TEST_F(NativeWindows, ASurfaceMayOutliveWhatMadeIt) {
     EXPECT_TRUE(display.destroyed.empty());
     surface.reset();
     EXPECT_EQ(display.destroyed, std::vector<std::uint32_t>{1});
+    {
+        const ScopedPort<WindowSystem> passing(std::make_shared<NativeWindowSystem>(kModule));
+        window = open();
+    }
+    happens({{.type = CloseRequested, .window = 2}});
+    EXPECT_EQ(window->surface(), nullptr) << "the event that ended the window system";
 }
 
 }  // namespace

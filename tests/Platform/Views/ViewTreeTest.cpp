@@ -35,11 +35,27 @@ class HookedView : public Subclass<HookedView, NSView> {
     void mouseDown(const NSEvent&) override { note("mouse down"); }
     void mouseUp(const NSEvent&) override { note("mouse up"); }
     void drawRect(GraphicsContext&, NSRect) override { note("draw"); }
+    void viewDidShowOrHide() override { run("show"); }
+    bool acceptsFirstResponder() const override { return true; }
+    bool resignFirstResponder() override {
+        run("resign");
+        return true;
+    }
+    std::shared_ptr<NSView> hitTest(NSPoint point) override {
+        run("hit test");
+        return Super::hitTest(point);
+    }
 
   private:
     void note(const std::string& what) {
         calls.push_back(what);
-        if (const auto found = inside.find(what); found != inside.end()) found->second();
+        run(what);
+    }
+    void run(const std::string& what) {
+        const auto found = inside.find(what);
+        if (found == inside.end()) return;
+        const auto call = found->second;  // it may clear the list, and drop this view
+        call();
     }
 };
 
@@ -148,16 +164,43 @@ TEST_F(ViewTree, AViewThatGoesInItsOwnEventOrDrawing) {
     }
 }
 
-TEST_F(ViewTree, AWindowThatClosesInsideItsOwnEvent) {
-    shown.content().addSubview(view);
-    view->inside["mouse down"] = [&] {
-        shown.window->close();
-        shown.window = nullptr;
+TEST_F(ViewTree, AWindowThatGoesWhileItIsAtWork) {
+    const struct {
+        std::string moment;
+        std::function<void()> work;
+    } rows[] = {
+        {"mouse down",
+         [&] {
+             shown.surface().click({10, 10});
+         }},
+        {"hit test",
+         [&] {
+             shown.mouse(NSEventType::MouseMoved, {10, 10});
+         }},
+        {"will leave window", [&] { shown.window->setContentView(nullptr); }},
+        {"will enter window", [&] { shown.window->setContentView(other); }},
+        {"resign", [&] { shown.window->makeFirstResponder(nullptr); }},
+        {"resign", [&] { shown.window->selectNextKeyView(); }},
+        {"show", [&] { make<NSWindow>()->addChildWindow(shown.window, NSWindowOrderingMode::Above); }},
     };
-    const auto surface = shown.window->surface();
-    static_cast<OffscreenSurface&>(*surface).click({10, 10});
-    EXPECT_EQ(view->window(), nullptr);
-    EXPECT_EQ(NSApplication::sharedApplication()->keyWindow(), nullptr);
+    for (const auto& [moment, work] : rows) {
+        shown.window = make<NSWindow>(NSRect(0, 0, 100, 100));
+        shown.window->makeKeyAndOrderFront();
+        shown.window->setContentView(view);
+        shown.window->makeFirstResponder(view);
+        view->addSubview(make<HookedView>());
+        const std::weak_ptr<NSWindow> watched = shown.window;
+        view->inside[moment] = other->inside[moment] = [&] {
+            view->inside.clear();
+            other->inside.clear();
+            shown.window->close();
+            shown.window = nullptr;
+            view = make<HookedView>(NSRect(0, 0, 50, 50));
+        };
+        work();
+        EXPECT_EQ(shown.window, nullptr) << moment;
+        EXPECT_TRUE(watched.expired()) << moment;
+    }
 }
 
 TEST_F(ViewTree, KeyAndMainWindowFollowTheFront) {

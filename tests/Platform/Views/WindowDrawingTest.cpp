@@ -79,19 +79,21 @@ std::shared_ptr<NSButton> button(const char* title, NSRect frame) {
     return made;
 }
 
+std::shared_ptr<NSTextField> field(const char* text, NSRect frame) {
+    const auto made = make<NSTextField>(frame);
+    made->setStringValue(text);
+    return made;
+}
+
 void addControls(NSView& content, const Texts& texts) {
     content.setUserInterfaceLayoutDirection(texts.direction);
-    const auto name = make<NSTextField>(NSRect(20, 20, 300, 28));
+    const auto name = field("", {20, 20, 300, 28});
     name->setPlaceholderString(texts.placeholder);
-    const auto value = make<NSTextField>(NSRect(20, 58, 300, 28));
-    value->setStringValue(texts.value);
-    const auto off = make<NSTextField>(NSRect(20, 96, 300, 28));
-    off->setStringValue(texts.value);
+    const auto off = field(texts.value, {20, 96, 300, 28});
     off->setEnabled(false);
-    const auto label = make<NSTextField>(NSRect(20, 134, 300, 20));
+    const auto label = field(texts.title, {20, 134, 300, 20});
     label->setEditable(false);
     label->setFont(NSFont::boldSystemFontOfSize(13));
-    label->setStringValue(texts.title);
     const auto paragraph = make<NSTextView>(NSRect(20, 160, 300, 60));
     paragraph->setString(texts.paragraph);
     const auto create = button(texts.title, {340, 20, 160, 28});
@@ -113,17 +115,13 @@ void addControls(NSView& content, const Texts& texts) {
     collection->setCollectionViewLayout(layout);
     collection->setItemViews(
         {button("1", {}), button("2", {}), button("3", {}), button("4", {}), button("5", {})});
-    for (const std::shared_ptr<NSView>& view :
-         std::initializer_list<std::shared_ptr<NSView>>{name, value, off, label, paragraph, create, pressed,
-                                                        disabled, pictured, natural, picture, collection}) {
-        content.addSubview(view);
-    }
-}
-
-std::vector<std::uint32_t> shownPixels(const testing::OffscreenWindow& shown) {
-    shown.window->displayIfNeeded();
-    const auto pixels = shown.surface().bitmap()->pixels();
-    return {pixels.begin(), pixels.end()};
+    const std::shared_ptr<NSView> all[] = {name,      field(texts.value, {20, 58, 300, 28}),
+                                           off,       label,
+                                           paragraph, create,
+                                           pressed,   disabled,
+                                           pictured,  natural,
+                                           picture,   collection};
+    for (const auto& view : all) content.addSubview(view);
 }
 
 TEST(WindowDrawing, OnlyWhatChangedIsDrawn) {
@@ -133,51 +131,25 @@ TEST(WindowDrawing, OnlyWhatChangedIsDrawn) {
     shown.content().addSubview(changing);
     shown.content().addSubview(still);
     shown.window->displayIfNeeded();
+    const auto dirty = [&](NSRect rect) { return [&, rect] { changing->setNeedsDisplay(rect); }; };
+    const auto move = [&](NSRect frame) { return [&, frame] { changing->setFrame(frame); }; };
     const struct {
         std::string what;
         std::function<void()> change;
         std::vector<PixelRect> want;
     } rows[] = {
         {"nothing", [] {}, {}},
-        {"a part",
-         [&] {
-             changing->setNeedsDisplay({1, 2, 3, 4});
-         },
-         {{22, 24, 6, 8}}},
-        {"beyond the bounds",
-         [&] {
-             changing->setNeedsDisplay({30, 10, 100, 100});
-         },
-         {{80, 40, 20, 20}}},
-        {"outside",
-         [&] {
-             changing->setNeedsDisplay({50, 0, 10, 10});
-         },
-         {}},
-        {"a fraction of a pixel",
-         [&] {
-             changing->setNeedsDisplay({0.3, 0.3, 0.1, 0.1});
-         },
-         {{20, 20, 1, 1}}},
-        {"a move",
-         [&] {
-             changing->setFrame({10, 60, 40, 20});
-         },
-         {{20, 20, 80, 40}, {20, 120, 80, 40}}},
-        {"the same frame",
-         [&] {
-             changing->setFrame({10, 60, 40, 20});
-         },
-         {}},
+        {"a part", dirty({1, 2, 3, 4}), {{22, 24, 6, 8}}},
+        {"beyond the bounds", dirty({30, 10, 100, 100}), {{80, 40, 20, 20}}},
+        {"outside", dirty({50, 0, 10, 10}), {}},
+        {"a fraction of a pixel", dirty({0.3, 0.3, 0.1, 0.1}), {{20, 20, 1, 1}}},
+        {"a move", move({10, 60, 40, 20}), {{20, 20, 80, 40}, {20, 120, 80, 40}}},
+        {"the same frame", move({10, 60, 40, 20}), {}},
         {"hiding", [&] { changing->setHidden(true); }, {{20, 120, 80, 40}}},
-        {"what is hidden",
-         [&] {
-             changing->setFrame({10, 50, 40, 20});
-         },
-         {}},
+        {"what is hidden", move({10, 50, 40, 20}), {}},
         {"showing", [&] { changing->setHidden(false); }, {{20, 100, 80, 40}}},
         {"removing", [&] { changing->removeFromSuperview(); }, {{20, 100, 80, 40}}},
-        {"what is removed", [&] { changing->setNeedsDisplay(); }, {}},
+        {"what is removed", dirty({0, 0, 40, 20}), {}},
     };
     const int before = still->drawn;
     for (const auto& [what, change, want] : rows) {
@@ -194,13 +166,10 @@ TEST(WindowDrawing, AViewDrawsInsideItsBoundsAndIsToldWhatIsDirty) {
     const testing::OffscreenWindow shown({60, 60});
     const auto swatch = make<Swatch>(NSRect(10, 10, 20, 20));
     shown.content().addSubview(swatch);
-    shown.window->displayIfNeeded();
-    const auto bitmap = shown.surface().bitmap();
-    constexpr std::uint32_t kRed = 0xFFFF0000;
-    EXPECT_EQ(bitmap->pixelAt(10, 10), kRed);
-    EXPECT_EQ(bitmap->pixelAt(29, 29), kRed);
-    EXPECT_NE(bitmap->pixelAt(9, 10), kRed);
-    EXPECT_NE(bitmap->pixelAt(30, 29), kRed);
+    EXPECT_EQ(shown.pixel(10, 10), testing::kRed);
+    EXPECT_EQ(shown.pixel(29, 29), testing::kRed);
+    EXPECT_NE(shown.pixel(9, 10), testing::kRed);
+    EXPECT_NE(shown.pixel(30, 29), testing::kRed);
     shown.window->setNeedsDisplay({0, 0, 12, 15});
     shown.window->displayIfNeeded();
     EXPECT_EQ(swatch->lastDirty, NSRect(0, 0, 2, 5));
@@ -211,17 +180,14 @@ TEST(WindowDrawing, ClippingCutsSubviews) {
     const auto frame = make<NSView>(NSRect(10, 10, 20, 20));
     frame->addSubview(make<Swatch>(NSRect(10, 10, 30, 30)));
     shown.content().addSubview(frame);
-    const auto outside = [&] {
-        shown.window->displayIfNeeded();
-        return shown.surface().bitmap()->pixelAt(35, 35) == 0xFFFF0000;
-    };
+    const auto outside = [&] { return shown.pixel(35, 35) == testing::kRed; };
     EXPECT_TRUE(outside());
     frame->setClipsToBounds(true);
     EXPECT_FALSE(outside());
     frame->setClipsToBounds(false);
     frame->setAlphaValue(0.5);
     EXPECT_FALSE(outside());
-    EXPECT_EQ(shown.surface().bitmap()->pixelAt(35, 35) >> 24, 255U) << "mixed with the window's background";
+    EXPECT_EQ(shown.pixel(35, 35) >> 24, 255U) << "mixed with the window's background";
 }
 
 /// The greatest difference in any channel of any pixel.
@@ -244,12 +210,12 @@ TEST(WindowDrawing, DrawnInPiecesItLooksAsDrawnWhole) {
         addControls(shown.content(), kArabic);
         shown.content().subviews()[3]->setAlphaValue(0.6);
         shown.content().subviews()[5]->setFrame({340.3, 20.6, 160, 28});
-        const auto whole = shownPixels(shown);
+        const auto whole = shown.pixels();
         for (const NSRect piece :
              {NSRect(0, 0, 100.3, 33.3), NSRect(90, 30, 300, 120.7), NSRect(333, 17, 9, 200)}) {
             shown.window->setNeedsDisplay(piece);
         }
-        EXPECT_LE(difference(shownPixels(shown), whole), 4) << "scale " << scale;
+        EXPECT_LE(difference(shown.pixels(), whole), 4) << "scale " << scale;
     }
 }
 
@@ -257,13 +223,13 @@ TEST(WindowDrawing, EveryControlLeavesItsMarks) {
     for (const Texts& texts : {kLatin, kArabic}) {
         const testing::OffscreenWindow shown({520, 310}, 2);
         addControls(shown.content(), texts);
-        const auto all = shownPixels(shown);
+        const auto all = shown.pixels();
         for (const auto& view : shown.content().subviews()) {
             view->setHidden(true);
-            EXPECT_FALSE(shownPixels(shown) == all) << view->description();
+            EXPECT_FALSE(shown.pixels() == all) << view->description();
             view->setHidden(false);
         }
-        EXPECT_TRUE(shownPixels(shown) == all);
+        EXPECT_TRUE(shown.pixels() == all);
     }
 }
 

@@ -26,6 +26,14 @@ void blendBytes(const std::uint8_t* const* rows, const std::int16_t* weights, st
     blend(rows, weights, rowCount, shift, values, to);
 }
 
+void sumBytes(const std::uint8_t* rows, std::size_t rowCount, std::size_t values, std::int16_t* to) {
+    for (std::size_t i = 0; i < values; ++i) {
+        int sum = 0;
+        for (std::size_t k = 0; k < rowCount; ++k) sum += rows[k * values + i];
+        to[i] = static_cast<std::int16_t>(sum);
+    }
+}
+
 void shrinkRow(const std::int16_t* row, const std::uint32_t* firsts, const std::int16_t* weights,
                std::size_t weightCount, int shift, std::size_t pixels, std::int16_t* to) {
     for (std::size_t x = 0; x < pixels; ++x, weights += weightCount) {
@@ -50,7 +58,8 @@ void storePixels(const std::int16_t* words, std::size_t pixels, std::uint32_t* t
 
 }  // namespace
 
-const ResampleKernels kPlainResampleKernels{blendBytes, blend<std::int16_t>, shrinkRow, storePixels};
+const ResampleKernels kPlainResampleKernels{blendBytes, sumBytes, blend<std::int16_t>, shrinkRow,
+                                            storePixels};
 
 const ResampleKernels& ResampleKernels::at(VectorSpeed speed) noexcept {
     switch (availableSpeed(speed)) {

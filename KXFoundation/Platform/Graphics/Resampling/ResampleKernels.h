@@ -5,7 +5,7 @@
 
 #include <KXFoundation/Platform/Graphics/VectorSpeed.h>
 
-/// The four loops that resampling spends its time in. A picture goes through them as words: 16-bit
+/// The five loops that resampling spends its time in. A picture goes through them as words: 16-bit
 /// fixed-point values, four to a pixel. Counts of weights are multiples of ResampleTaps::kStep; sums are
 /// exact, so that their order does not show. Private to Graphics.
 namespace kx {
@@ -18,6 +18,9 @@ struct ResampleKernels {
     /// numbers.
     void (*blendBytes)(const std::uint8_t* const* rows, const std::int16_t* weights, std::size_t rowCount,
                        int shift, std::size_t values, std::int32_t* sums, std::int16_t* to);
+    /// to[i] = the sum of value i of `rowCount` rows, at most 64, that lie `values` bytes apart from `rows`
+    /// on.
+    void (*sumBytes)(const std::uint8_t* rows, std::size_t rowCount, std::size_t values, std::int16_t* to);
     void (*blendWords)(const std::int16_t* const* rows, const std::int16_t* weights, std::size_t rowCount,
                        int shift, std::size_t values, std::int16_t* to);
     /// For each pixel x: the sum over `weightCount` pixels of `row` from firsts[x] on.

@@ -26,6 +26,15 @@ struct ResampleLoops {
         if (whole < values) blendStrip({rows, weights, rowCount}, shift, values - kBytes, values, sums, to);
     }
 
+    static void sumBytes(const std::uint8_t* rows, std::size_t rowCount, std::size_t values,
+                         std::int16_t* to) {
+        if (values < kBytes) return kPlainResampleKernels.sumBytes(rows, rowCount, values, to);
+        for (std::size_t i = 0; i + kBytes <= values; i += kBytes)
+            sumStep(rows + i, rowCount, values, to + i);
+        const std::size_t last = values - kBytes;
+        sumStep(rows + last, rowCount, values, to + last);
+    }
+
     static void blendWords(const std::int16_t* const* rows, const std::int16_t* weights, std::size_t rowCount,
                            int shift, std::size_t values, std::int16_t* to) {
         for (std::size_t i = 0; i < values; i += kBytes / 2) {
@@ -61,11 +70,13 @@ struct ResampleLoops {
         storeStep(words + 4 * (pixels - kStep), to + pixels - kStep);
     }
 
-    static constexpr ResampleKernels kKernels{blendBytes, blendWords, shrinkRow, storePixels};
+    static constexpr ResampleKernels kKernels{blendBytes, sumBytes, blendWords, shrinkRow, storePixels};
 
   private:
     /// Sums of this many bytes stay in the first-level cache while rows are added to them.
     static constexpr std::size_t kStrip = 4096;
+    /// The next bytes of a row, asked for early: half as long again without.
+    static constexpr std::size_t kAhead = 1024;
     /// As many rows are read at once: more streams than that outrun the machine's prefetching.
     static constexpr std::size_t kGroup = 8;
 
@@ -81,6 +92,19 @@ struct ResampleLoops {
         std::int32_t both;
         std::memcpy(&both, weights, sizeof both);
         return both;
+    }
+
+    static void sumStep(const std::uint8_t* rows, std::size_t rowCount, std::size_t values,
+                        std::int16_t* to) {
+        const V zero = Lanes::all(0);
+        V low = zero, high = zero;
+        for (std::size_t k = 0; k < rowCount; ++k, rows += values) {
+            __builtin_prefetch(rows + kAhead);
+            const V bytes = Lanes::load(rows);
+            low = Lanes::addWords(low, Lanes::lowBytes(bytes, zero));
+            high = Lanes::addWords(high, Lanes::highBytes(bytes, zero));
+        }
+        Lanes::storeInOrder(to, low, high);
     }
 
     static void storeStep(const std::int16_t* words, std::uint32_t* to) {

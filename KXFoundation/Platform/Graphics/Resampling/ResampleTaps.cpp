@@ -30,7 +30,9 @@ struct Window {
 class Windows {
   public:
     Windows(ResampleFilter filter, ResampleAxis axis)
-        : isArea_(filter == ResampleFilter::Area), source_(axis.source), step_(axis.source / axis.extent) {
+        : isArea_(filter == ResampleFilter::Area),
+          source_(double(axis.source) / axis.summed),
+          step_(source_ / axis.extent) {
         windows_.reserve(axis.target);
         weights_.reserve(static_cast<std::size_t>(axis.target * (2 * reach() + 2)));
         for (std::uint32_t i = 0; i < axis.target; ++i) add((i + 0.5) * step_);
@@ -50,8 +52,10 @@ class Windows {
     [[nodiscard]] double reach() const {
         return std::min(isArea_ ? step_ / 2 : kLobes * std::max(step_, 1.0), source_);
     }
+    /// How much of a value the source has: 1, but for a last sum of fewer.
+    [[nodiscard]] double share(double index) const { return std::min(source_ - index, 1.0); }
     [[nodiscard]] double weight(double index, double centre) const {
-        if (!isArea_) return lanczos3((index + 0.5 - centre) / std::max(step_, 1.0));
+        if (!isArea_) return lanczos3((index + share(index) / 2 - centre) / std::max(step_, 1.0));
         const double covered = std::min(index + 1, centre + step_ / 2) - std::max(index, centre - step_ / 2);
         return covered / std::min(step_, 1.0);
     }
@@ -59,23 +63,26 @@ class Windows {
     /// Values beyond the source's ends count as not there, so the others count the more.
     void add(double centre) {
         centre = std::min(centre, source_);  // beyond the end: its last values
-        double first = std::clamp(std::floor(centre - reach()), 0.0, source_ - 1);
-        double end = std::clamp(std::ceil(centre + reach()), first + 1, source_);
+        const double values = std::ceil(source_);
+        double first = std::clamp(std::floor(centre - reach()), 0.0, values - 1);
+        double end = std::clamp(std::ceil(centre + reach()), first + 1, values);
         // What rounding let in at the ends. Firsts never fall from one target value to the next.
         if (first > 0 && first + 1 < end && std::abs(weight(first, centre)) < kNothing) ++first;
         if (first + 1 < end && std::abs(weight(end - 1, centre)) < kNothing) --end;
         const std::size_t start = weights_.size();
-        for (double index = first; index < end; ++index) weights_.push_back(weight(index, centre));
-        const std::span<double> added = std::span(weights_).subspan(start);
         double sum = 0;
-        for (const double weight : added) sum += weight;
+        for (double index = first; index < end; ++index) {
+            weights_.push_back(weight(index, centre));
+            sum += weights_.back() * share(index);
+        }
+        const std::span<double> added = std::span(weights_).subspan(start);
         for (double& weight : added) weight /= sum;
         windows_.push_back({static_cast<std::uint32_t>(first), start, added.size()});
     }
 
     bool isArea_;
-    double source_;
-    double step_;  // source values to one target value
+    double source_;  // values
+    double step_;    // of them to one target value
     std::vector<Window> windows_;
     std::vector<double> weights_;
 };
@@ -87,8 +94,7 @@ int bitsFor(double largest, int most) {
 }
 
 /// Rounds the running sum, so that the weights add up exactly and none is off by a whole unit.
-void quantise(std::span<const double> weights, int bits, std::int16_t* to) {
-    const double one = std::ldexp(1, bits);
+void quantise(std::span<const double> weights, double one, std::int16_t* to) {
     double running = 0;
     long before = 0;
     for (const double weight : weights) {
@@ -104,17 +110,18 @@ void quantise(std::span<const double> weights, int bits, std::int16_t* to) {
 ResampleTaps resampleTaps(ResampleFilter filter, ResampleAxis axis, int mostBits) {
     const Windows windows(filter, axis);
     ResampleTaps taps;
-    taps.bits = bitsFor(windows.largestWeight(), mostBits);
+    taps.bits = bitsFor(windows.largestWeight() / axis.summed, mostBits);
+    const double one = std::ldexp(1, taps.bits) / axis.summed;
     const std::size_t count = (windows.largestCount() + taps.kStep - 1) / taps.kStep * taps.kStep;
     taps.count = static_cast<std::uint32_t>(count);
     taps.weights.resize(axis.target * count);
     // A window that is cut short at the source's end is moved back: loops read `count` values of every one.
-    const std::uint32_t lastFirst = axis.source > taps.count ? axis.source - taps.count : 0;
+    const std::uint32_t lastFirst = axis.values() > taps.count ? axis.values() - taps.count : 0;
     std::int16_t* to = taps.weights.data();
     for (const Window& window : windows.all()) {
         const std::uint32_t first = std::min(window.first, lastFirst);
         taps.firsts.push_back(first);
-        quantise(windows.weightsOf(window), taps.bits, to + (window.first - first));
+        quantise(windows.weightsOf(window), one, to + (window.first - first));
         to += count;
     }
     return taps;

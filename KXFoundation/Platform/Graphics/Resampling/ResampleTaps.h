@@ -28,6 +28,11 @@ struct ResampleAxis {
     std::uint32_t source;  ///< pixels
     double extent;         ///< target pixels that the source is drawn over
     std::uint32_t target;  ///< of them, how many are wanted
+    /// The taps are for sums of this many source values, the last sum of what is left. The weights are
+    /// those of the values that were summed.
+    std::uint32_t summed = 1;
+
+    [[nodiscard]] std::uint32_t values() const noexcept { return (source + summed - 1) / summed; }
 };
 
 /// `mostBits` keeps sums of weighted values inside 32 bits.

@@ -1,4 +1,5 @@
 #include <algorithm>
+#include <bit>
 #include <cmath>
 #include <span>
 #include <vector>
@@ -16,9 +17,15 @@ namespace {
 constexpr int kByteBits = 21, kWordBits = 15;
 constexpr int kFraction = 6;  // bits that words of encoded values keep below a level
 
-// From this reduction of the rows on, means of rows are taken first, as many as leave that reduction to the
-// filter. The finest detail loses under a percent of its contrast by it (sinc 1/16).
-constexpr double kMeansFrom = 16, kMeansLeft = 8;
+// From this reduction of the rows on, rows are first added up, as many as leave about that reduction to the
+// filter. The finest detail loses a percent of its contrast by it at most (sinc 1/13).
+constexpr double kSumsFrom = 16, kSumsLeft = 8;
+constexpr double kMostSummed = 1 << kFraction;  // sums take the place of the fraction's bits
+
+/// How much wider a sum of so many values is.
+int bitsOf(std::uint32_t summed) {
+    return static_cast<int>(std::bit_width(summed - 1));
+}
 
 std::vector<std::int16_t> rowOfWords(std::size_t pixels, std::size_t rows = 1) {
     return std::vector<std::int16_t>(pixels * 4 * rows + ResampleKernels::kPadding);
@@ -41,18 +48,13 @@ struct Job {
     [[nodiscard]] const std::uint32_t* sourceRow(std::size_t y) const {
         return from.pixels().data() + y * from.pixelsWide();
     }
+    [[nodiscard]] const std::uint8_t* bytesOf(std::size_t y) const {
+        return reinterpret_cast<const std::uint8_t*>(sourceRow(y));
+    }
     [[nodiscard]] std::uint32_t* targetRow(std::size_t y) const {
         return to.pixels().data() + y * to.pixelsWide();
     }
 
-    /// One row of words with kFraction bits below a level; `rows` and `sums` are room for it.
-    void blendColumns(const ResampleTaps& taps, std::size_t y, std::vector<const std::uint8_t*>& rows,
-                      std::vector<std::int32_t>& sums, std::int16_t* words) const {
-        findRows(rows, taps, y, from.pixelsHigh(),
-                 [&](std::size_t row) { return reinterpret_cast<const std::uint8_t*>(sourceRow(row)); });
-        kernels.blendBytes(rows.data(), taps.weightsOf(y), rows.size(), taps.bits - kFraction,
-                           std::size_t{from.pixelsWide()} * 4, sums.data(), words);
-    }
     void shrink(const std::int16_t* row, int shift, std::int16_t* words) const {
         kernels.shrinkRow(row, across.firsts.data(), across.weights.data(), across.count, shift,
                           to.pixelsWide(), words);
@@ -66,15 +68,16 @@ void resampleColumnsFirst(const Job& job) {
     std::vector<std::int32_t> sums(wide * 4 + ResampleKernels::kPadding);
     auto blended = rowOfWords(wide), answer = rowOfWords(job.to.pixelsWide());
     for (std::size_t y = 0; y < job.to.pixelsHigh(); ++y) {
-        job.blendColumns(job.down, y, rows, sums, blended.data());
+        findRows(rows, job.down, y, job.from.pixelsHigh(), [&](std::size_t row) { return job.bytesOf(row); });
+        job.kernels.blendBytes(rows.data(), job.down.weightsOf(y), rows.size(), job.down.bits - kFraction,
+                               wide * 4, sums.data(), blended.data());
         job.shrink(blended.data(), job.across.bits + kFraction, answer.data());
         job.kernels.storePixels(answer.data(), job.to.pixelsWide(), job.targetRow(y));
     }
 }
 
 /// Rows first: `read` makes words of each of `high` rows once, `store` makes pixels of the answer's. As many
-/// shrunken rows are kept as an answer's needs. `fraction`: how many bits the words have below those of
-/// `store`.
+/// shrunken rows are kept as an answer's needs, with `fraction` bits below what was read.
 template <class Read, class Store>
 void resampleRowsFirst(const Job& job, std::size_t high, int fraction, Read read, Store store) {
     const std::size_t wide = job.to.pixelsWide();
@@ -86,7 +89,7 @@ void resampleRowsFirst(const Job& job, std::size_t high, int fraction, Read read
     for (std::size_t y = 0; y < job.to.pixelsHigh(); ++y) {
         for (const std::size_t end = std::min(job.down.firsts[y] + rows.size(), high); next < end; ++next) {
             read(next, whole.data());
-            job.shrink(whole.data(), job.across.bits, keptRow(next));
+            job.shrink(whole.data(), job.across.bits - fraction, keptRow(next));
         }
         findRows(rows, job.down, y, high, keptRow);
         job.kernels.blendWords(rows.data(), job.down.weightsOf(y), rows.size(), job.down.bits + fraction,
@@ -106,17 +109,28 @@ void resampleLinear(const Job& job) {
         });
 }
 
-/// The rows' number is first reduced by `means`, so that every byte is unpacked and weighed once only.
-void resampleMeans(const Job& job, const ResampleTaps& means) {
-    const std::size_t values = std::size_t{job.from.pixelsWide()} * 4;
-    std::vector<const std::uint8_t*> rows(means.count);
-    std::vector<std::int32_t> sums(values + ResampleKernels::kPadding);
+/// Every byte is unpacked and added to its sum once, and none is weighed.
+void resampleSums(const Job& job, std::uint32_t summed) {
+    const std::uint32_t wide = job.from.pixelsWide(), high = job.from.pixelsHigh();
     resampleRowsFirst(
-        job, means.firsts.size(), kFraction,
-        [&](std::size_t y, std::int16_t* words) { job.blendColumns(means, y, rows, sums, words); },
+        job, (high + summed - 1) / summed, kFraction - bitsOf(summed),
+        [&](std::size_t y, std::int16_t* words) {
+            const std::size_t first = y * summed;
+            job.kernels.sumBytes(job.bytesOf(first), std::min<std::size_t>(summed, high - first),
+                                 std::size_t{wide} * 4, words);
+        },
         [&](const std::int16_t* words, std::uint32_t* pixels) {
             job.kernels.storePixels(words, job.to.pixelsWide(), pixels);
         });
+}
+
+/// How many rows to add up before the filter; 1 if it shall have them all.
+std::uint32_t rowsToSum(std::uint32_t rows, double extent, ResampleOptions options) {
+    const double reduction = rows / extent;
+    if (options.filter == ResampleFilter::Area || options.light == ResampleLight::Linear ||
+        reduction < kSumsFrom)
+        return 1;
+    return static_cast<std::uint32_t>(std::min(std::round(reduction / kSumsLeft), kMostSummed));
 }
 
 /// Where all pixels but the last begin inside the extent, weights take no more memory than a few rows.
@@ -135,19 +149,14 @@ void resample(const NSBitmapImageRep& from, NSBitmapImageRep& to, NSSize extent,
         return;
     }
     const bool isEncoded = options.light == ResampleLight::Encoded;
-    const bool takesMeans = isEncoded && options.filter == ResampleFilter::Lanczos3 &&
-                            from.pixelsHigh() >= kMeansFrom * extent.height;
-    const std::uint32_t high =
-        takesMeans ? static_cast<std::uint32_t>(std::ceil(kMeansLeft * extent.height)) : from.pixelsHigh();
-    const int downBits = isEncoded && !takesMeans ? kByteBits : kWordBits;
-    const Job job{from, to,
-                  resampleTaps(options.filter, {from.pixelsWide(), extent.width, to.pixelsWide()}, kWordBits),
-                  resampleTaps(options.filter, {high, extent.height, to.pixelsHigh()}, downBits),
-                  ResampleKernels::at(options.speed)};
+    const std::uint32_t summed = rowsToSum(from.pixelsHigh(), extent.height, options);
+    const int downBits = isEncoded && summed == 1 ? kByteBits : kWordBits + bitsOf(summed);
+    const Job job{
+        from, to, resampleTaps(options.filter, {from.pixelsWide(), extent.width, to.pixelsWide()}, kWordBits),
+        resampleTaps(options.filter, {from.pixelsHigh(), extent.height, to.pixelsHigh(), summed}, downBits),
+        ResampleKernels::at(options.speed)};
     if (!isEncoded) return resampleLinear(job);
-    if (!takesMeans) return resampleColumnsFirst(job);
-    resampleMeans(job,
-                  resampleTaps(ResampleFilter::Area, {from.pixelsHigh(), double(high), high}, kByteBits));
+    summed == 1 ? resampleColumnsFirst(job) : resampleSums(job, summed);
 }
 
 std::shared_ptr<NSBitmapImageRep> resampled(const NSBitmapImageRep& from, std::uint32_t wide,

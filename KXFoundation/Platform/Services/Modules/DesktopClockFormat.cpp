@@ -5,15 +5,13 @@
 
 #include <KXFoundation/Platform/Services/DesktopClockFormat.h>
 
-#include "BusConversation.h"
+#include "DesktopPortal.h"
 #include "DesktopServices.h"
 
 namespace kx {
 
 namespace {
 
-constexpr const char* kPortal = "org.freedesktop.portal.Desktop";
-constexpr const char* kPortalPath = "/org/freedesktop/portal/desktop";
 constexpr const char* kSettings = "org.freedesktop.portal.Settings";
 constexpr int kPatienceMilliseconds = 10'000;  // the portal may have to be started first; nobody waits for it
 

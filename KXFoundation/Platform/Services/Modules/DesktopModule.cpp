@@ -12,6 +12,7 @@ constexpr DesktopModule kModule{
     .biometrics = &kDesktopBiometrics,
     .clockFormat = &kDesktopClockFormat,
     .opener = &kDesktopOpener,
+    .proxies = &kDesktopProxies,
     .secrets = &kDesktopSecrets,
 };
 

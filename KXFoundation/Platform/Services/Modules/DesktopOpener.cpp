@@ -1,6 +1,6 @@
 #include <KXFoundation/Platform/Services/DesktopOpener.h>
 
-#include "BusConversation.h"
+#include "DesktopPortal.h"
 #include "DesktopServices.h"
 
 namespace kx {
@@ -8,8 +8,6 @@ namespace kx {
 namespace {
 
 // https://flatpak.github.io/xdg-desktop-portal/docs/doc-org.freedesktop.portal.OpenURI.html
-constexpr const char* kPortal = "org.freedesktop.portal.Desktop";
-constexpr const char* kPortalPath = "/org/freedesktop/portal/desktop";
 constexpr const char* kOpener = "org.freedesktop.portal.OpenURI";
 
 /// The person may be asked with which program: the portal takes the question back from one that left.

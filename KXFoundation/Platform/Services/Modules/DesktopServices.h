@@ -8,6 +8,7 @@ namespace kx {
 extern const DesktopBiometrics kDesktopBiometrics;
 extern const DesktopClockFormat kDesktopClockFormat;
 extern const DesktopOpener kDesktopOpener;
+extern const DesktopProxies kDesktopProxies;
 extern const DesktopSecrets kDesktopSecrets;
 
 }  // namespace kx

@@ -8,6 +8,7 @@
 extern "C" {
 #include <libavcodec/avcodec.h>
 #include <libavformat/avformat.h>
+#include <libavutil/avutil.h>
 #include <libavutil/display.h>
 #include <libswscale/swscale.h>
 }
@@ -252,7 +253,8 @@ bool takeFrame(const char* path, VideoModule::Time time, const VideoModule::Limi
     return false;
 }
 
-constexpr VideoModule kModule{.version = VideoModule::kVersion, .check = check, .frame = takeFrame};
+constexpr VideoModule kModule{
+    .version = VideoModule::kVersion, .libraryVersion = av_version_info, .check = check, .frame = takeFrame};
 
 }  // namespace
 

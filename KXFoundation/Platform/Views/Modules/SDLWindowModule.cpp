@@ -138,6 +138,7 @@ bool translate(const SDL_Event& from, WindowModuleEvent& to) {
             to.window = from.wheel.windowID;
             to.x = static_cast<double>(from.wheel.preciseX);
             to.y = static_cast<double>(from.wheel.preciseY);
+            to.modifiers = modifiersOf(SDL_GetModState());
             break;
         case SDL_KEYDOWN:
         case SDL_KEYUP:
