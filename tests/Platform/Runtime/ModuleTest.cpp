@@ -5,6 +5,8 @@
 #include <dlfcn.h>
 #include <gtest/gtest.h>
 
+#include <KXFoundation/Platform/Foundation/CanonicalText.h>
+#include <KXFoundation/Platform/Foundation/NSDateFormatter.h>
 #include <KXFoundation/Platform/Foundation/URLLoader.h>
 #include <KXFoundation/Platform/Runtime/Module.h>
 #include <KXFoundation/Platform/Services/AVAsset.h>
@@ -27,26 +29,39 @@ TEST(Module, EachAbsentOneIsALogLineAndAHarmlessAnswer) {
     const testing::CapturedLog log;
     if (openModule("ffmpeg", 1)) GTEST_SKIP() << "the modules are installed on this machine";
 
-    PhotoStore photos(platform.directory() / "data", platform.directory() / "pictures");
-    PhotoChanges album;
-    album.albums.push_back({newPhotoIdentifier(), "Trip"});
+    const std::string clip = platform.directory().write("clip.mp4", "a recording"),
+                      pictures = "home/Pictures";
+    PhotoChanges videos;
+    videos.assets.push_back({newPhotoIdentifier(), PHAssetMediaType::Video, clip});
+    PhotoStore photos(platform.directory() / "data", platform.directory() / pictures);
+    const std::string twoCodePoints = "e\u0301";
     for (const bool again : {false, true}) {
-        const auto checked = checkVideo(platform.directory().write("clip.mp4", "a recording"));
-        EXPECT_EQ(checked.error().kind, ErrorKind::Unsupported) << "it is not the file that is missing";
-        EXPECT_EQ(photos.perform(album).error().kind, ErrorKind::Unsupported) << again;
-        EXPECT_FALSE(std::filesystem::exists(platform.directory() / "pictures")) << again;
+        EXPECT_EQ(checkVideo(clip).error().kind, ErrorKind::Unsupported) << again;
+        const auto taken = photos.perform(videos);
+        ASSERT_FALSE(taken.ok()) << again;
+        EXPECT_EQ(taken.error().kind, ErrorKind::Unsupported) << "the file is not what is missing";
+        EXPECT_TRUE(std::filesystem::is_empty(platform.directory() / pictures)) << again;
         EXPECT_EQ(URLLoader::makeDefault()->open("https://example.org/").error().kind,
                   ErrorKind::Unsupported);
         EXPECT_EQ(chooseKeychain("unix:path=/no/such/bus", std::chrono::seconds(1)).capability.store,
                   KeychainCapability::Store::None);
+        EXPECT_EQ(canonicalText(twoCodePoints), twoCodePoints);
+        const auto formatter = make<NSDateFormatter>();
+        formatter->setTimeZone(NSTimeZone::timeZoneWithName("UTC"));
+        for (const auto& [pattern, text] :
+             {std::pair{"yyyy-MM-dd h:mm a", "1970-01-01 12:00 AM"}, {"MMMM", "none"}}) {
+            formatter->setDateFormat(pattern);
+            EXPECT_EQ(formatter->stringFromDate(NSDate::dateWithTimeIntervalSince1970(0)).value_or("none"),
+                      text);
+        }
     }
-    const std::string modules[] = {"ffmpeg", "sqlite", "curl", "desktop", "sodium"};
     const auto lines = log.lines();
-    EXPECT_EQ(lines.size(), std::size(modules));
-    for (const std::string& name : modules) {
-        const auto tells = [&](const std::string& line) { return line.find("kx-" + name) != line.npos; };
-        EXPECT_EQ(std::ranges::count_if(lines, tells), 1) << name;
-    }
+    EXPECT_EQ(lines.size(), 6u);
+    for (const char* name :
+         {"kx-ffmpeg.so", "kx-curl.so", "kx-desktop.so", "kx-sodium.so", "kx-sqlite.so", "kx-icu.so"})
+        EXPECT_EQ(
+            std::ranges::count_if(lines, [&](const auto& line) { return line.find(name) != line.npos; }), 1)
+            << name;
 }
 
 }  // namespace
