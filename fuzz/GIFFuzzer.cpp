@@ -4,6 +4,7 @@
 #include <memory>
 #include <vector>
 
+#include <KXFoundation/Platform/Graphics/GIF/GIFAheadDecoder.h>
 #include <KXFoundation/Platform/Graphics/GIF/GIFDecoder.h>
 
 // Any bytes give frames or an error; a picture is premultiplied and nothing in it was left unwritten.
@@ -26,7 +27,7 @@ void requireClearOrOpaque(const std::vector<std::uint8_t>& canvas) {
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
     auto decoder = kx::GIFDecoder::open({data, size}, kLimits);
     if (!decoder) return 0;
-    const kx::GIFContents contents = decoder->contents();
+    const auto contents = std::make_shared<const kx::GIFContents>(decoder->contents());
     const std::size_t stride = std::size_t{decoder->width()} * 4, bytes = stride * decoder->height();
     const auto canvas = std::unique_ptr<std::uint8_t[]>(new std::uint8_t[bytes]);
 
@@ -34,13 +35,15 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     for (auto frame = decoder->next({canvas.get(), stride}); frame && *frame && frames < kLimits.frames;
          frame = decoder->next({canvas.get(), stride}))
         ++frames;
-    require(frames == contents.frames.size());
+    require(frames == contents->frames.size());
     if (frames == 0) return 0;
     const std::vector<std::uint8_t> last(canvas.get(), canvas.get() + bytes);
     requireClearOrOpaque(last);
 
     std::vector<std::uint8_t> again(bytes, 0x5A);
-    decoder->composite(contents, frames - 1, {again.data(), stride});
+    kx::GIFAheadDecoder ahead(contents, decoder->width(), decoder->height(), kLimits);
+    ahead.startAt(ahead.startFor(frames - 1));
+    while (ahead.next({again.data(), stride})) continue;
     require(again == last);
     return 0;
 }

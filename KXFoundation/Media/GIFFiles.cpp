@@ -1,11 +1,9 @@
-#include <span>
 #include <utility>
-#include <vector>
 
 #include <KXFoundation/Media/GIFFiles.h>
 #include <KXFoundation/Media/KXGIFImageView.h>
+#include <KXFoundation/Platform/Graphics/ImageDecoder.h>
 #include <KXFoundation/Platform/Graphics/NSImage.h>
-#include <KXFoundation/Platform/Runtime/FileSystem.h>
 #include <KXFoundation/Platform/Runtime/ProcessState.h>
 
 namespace kx {
@@ -18,25 +16,12 @@ constexpr std::uint64_t kLargestFile = std::uint64_t{1} << 30;
 
 constinit ProcessState<GIFFiles> files;
 
-/// The whole file as a data value, in one copy; null if it cannot be read.
-Value contentsOf(const std::string& path) {
-    auto file = FileSystem::slot().current().open(path, FileSystem::Mode::Read);
-    if (!file) return {};
-    const auto size = (*file)->size();
-    if (!size || *size > kLargestFile) return {};
-    std::vector<std::byte> bytes(*size);
-    const auto read = (*file)->readAt(0, bytes);
-    if (!read) return {};
-    bytes.resize(*read);
-    return Value::data(std::move(bytes));
-}
-
 GIFFiles::Outcome decodeFile(const std::string& path) {
     GIFFiles::Outcome outcome;
-    const Value contents = contentsOf(path);
-    if (contents.isNull()) return outcome;
+    const auto contents = readImageFile(path, kLargestFile);
+    if (!contents) return outcome;
     outcome.isReadable = true;
-    KXGIFImageView::kx_animatedGIFWithData(contents, [&](const auto& image) { outcome.image = image; });
+    KXGIFImageView::kx_animatedGIFWithData(*contents, [&](const auto& image) { outcome.image = image; });
     return outcome;
 }
 

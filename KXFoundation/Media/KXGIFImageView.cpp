@@ -39,6 +39,10 @@ std::shared_ptr<NSImage> animation(const std::shared_ptr<ImageSource>& source) {
     return image;
 }
 
+std::shared_ptr<NSImage> stillImage(ImageSource& source) {
+    return NSImage::initWithBitmap(objectCast<NSBitmapImageRep>(source.imageRepAtIndex(0)));
+}
+
 }  // namespace
 
 std::shared_ptr<KXGIFImageView> KXGIFImageView::initWithGIFPath(std::optional<std::string_view> path) {
@@ -93,7 +97,7 @@ void KXGIFImageView::showDecoded(const std::string& path, const std::shared_ptr<
 void KXGIFImageView::kx_animatedGIFWithData(const Value& data, const Completion& complete) {
     std::shared_ptr<NSImage> image;
     if (const auto source = ImageSource::initWithData(data))
-        image = source->count() > 1 ? animation(source) : NSImage::initWithData(*data.asData());
+        image = source->count() > 1 ? animation(source) : stillImage(*source);
     if (complete) complete(image);
 }
 

@@ -136,17 +136,18 @@ def plasma():
 
 
 def rings():
-    """Interlaced; each frame adds a ring to those before, for which it is transparent."""
+    """Interlaced; each frame adds a ring to those before, for which it is transparent. None is empty: a page's
+    still picture shows the first."""
     width, height, count = 160, 120, 8
     palette = [(250, 250, 250)] + [(30 + 25 * i, 160 - 15 * i, 90 + 18 * i) for i in range(count)] + [(1, 2, 3)]
     gif = GIF(width, height, palette)
-    gif.frame((0, 0, width, height), bytes(width * height), 30, interlace=True)
     for ring in range(count):
-        def inside(i):
+        ground = count + 1 if ring else 0
+        def shade(i):
             radius = math.hypot(i % width - width / 2, i // width - height / 2)
-            return ring + 1 if 6 * ring <= radius < 6 * ring + 5 else count + 1
-        gif.frame((0, 0, width, height), bytes(inside(i) for i in range(width * height)), 30,
-                  transparent=count + 1, interlace=True)
+            return ring + 1 if 6 * ring <= radius < 6 * ring + 5 else ground
+        gif.frame((0, 0, width, height), bytes(shade(i) for i in range(width * height)), 30,
+                  transparent=ground if ring else None, interlace=True)
     return gif
 
 

@@ -3,7 +3,6 @@
 #include <gtest/gtest.h>
 
 #include <KXFoundation/Media/NSImage_Mask.h>
-#include <KXFoundation/Platform/Graphics/GraphicsContext.h>
 #include <KXFoundation/Platform/Graphics/NSColor.h>
 #include <KXFoundation/Platform/Graphics/NSImage.h>
 #include <KXFoundation/UI/KXUIUtils.h>
@@ -102,17 +101,6 @@ TEST(NSImage_Mask, ScalesToAWidth) {
     EXPECT_EQ(NSImage_Mask::fixImageSizeWithWidth(image, 30), image);
     EXPECT_TRUE(
         NSImage_Mask::fixImageSizeWithWidth(NSImage::initWithSize({0, 5}), 30)->representations().empty());
-}
-
-TEST(NSImage_Mask, DrawnPicturesAreScaledToo) {
-    const auto drawn = NSImage::imageWithSize({10, 10}, [](NSRect rect) {
-        GraphicsContext::current()->fill({0, 0, rect.size.width / 2, rect.size.height},
-                                         *NSColor::blackColor());
-        return true;
-    });
-    const auto bitmap = onlyBitmap(*NSImage_Mask::fixImageSizeWithWidth(drawn, 40));
-    EXPECT_EQ(bitmap->pixelAt(19, 39), 0xFF000000);
-    EXPECT_EQ(bitmap->pixelAt(20, 39), 0U);
 }
 
 TEST(KXUIUtils, SizesAreNeverExactlyZero) {

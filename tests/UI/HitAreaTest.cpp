@@ -1,3 +1,4 @@
+#include <algorithm>
 #include <limits>
 
 #include <KXFoundation/Platform/Foundation/NSCoder.h>
@@ -60,16 +61,10 @@ TEST_F(HitArea, AConfirmButtonIsSetUpFromFrameAndArchive) {
 }
 
 TEST_F(HitArea, ScreenLengthsAreThoseOfTheMainScreen) {
-    const struct {
-        std::shared_ptr<WindowSystem> system;
-        double longer, shorter;
-    } rows[] = {{std::make_shared<OffscreenWindowSystem>(1, NSSize{1440, 900}), 1440, 900},
-                {std::make_shared<OffscreenWindowSystem>(1, NSSize{900, 1440}), 1440, 900},
-                {std::make_shared<OffscreenWindowSystem>(1, NSSize{700, 700}), 700, 700}};
-    for (const auto& [system, longer, shorter] : rows) {
-        const ScopedPort<WindowSystem> scope(system);
-        EXPECT_EQ(KXUIUtils::maxScreenLength(), longer);
-        EXPECT_EQ(KXUIUtils::minScreenLength(), shorter);
+    for (const NSSize screen : {NSSize{1440, 900}, {900, 1440}, {700, 700}}) {
+        const ScopedPort<WindowSystem> scope(std::make_shared<OffscreenWindowSystem>(1, screen));
+        EXPECT_EQ(KXUIUtils::maxScreenLength(), std::max(screen.width, screen.height));
+        EXPECT_EQ(KXUIUtils::minScreenLength(), std::min(screen.width, screen.height));
     }
 }
 

@@ -4,17 +4,16 @@
 #include <random>
 
 #include <gtest/gtest.h>
-#include <sys/prctl.h>
-#include <sys/wait.h>
-#include <unistd.h>
 
 #include "PersistedThing.h"
+#include "support/ChildProcess.h"
 #include "support/FaultyFileSystem.h"
 #include "support/ScopedPlatform.h"
 
 namespace kx {
 namespace {
 
+using testing::ChildProcess;
 using testing::FaultyFileSystem;
 using Then = FaultyFileSystem::Then;
 using Text = std::optional<std::string>;
@@ -141,54 +140,12 @@ TEST_P(FaultTest, AFullDiskKeepsTheOld) {
     }
 }
 
-/// A process of its own, killed when its object goes.
-class Child {
-  public:
-    template <class Work>
-    explicit Child(Work work) {
-        if (::pipe(ends_) != 0) std::abort();
-        process_ = ::fork();
-        if (process_ != 0) {
-            ::close(ends_[1]);
-            return;
-        }
-        ::prctl(PR_SET_PDEATHSIG, SIGKILL);
-        ::_exit(work([this](int number) { (void)!::write(ends_[1], &number, sizeof number); }) ? 0 : 1);
-    }
-    ~Child() {
-        kill();
-        ::close(ends_[0]);
-    }
-    Child(const Child&) = delete;
-    Child& operator=(const Child&) = delete;
-
-    /// The next number that the process has told; absent once it has ended and told no more.
-    std::optional<int> next() {
-        int number = 0;
-        if (::read(ends_[0], &number, sizeof number) != sizeof number) return std::nullopt;
-        return number;
-    }
-    void kill() {
-        if (process_ <= 0) return;
-        ::kill(process_, SIGKILL);
-        ::waitpid(std::exchange(process_, 0), nullptr, 0);
-    }
-    bool endedWell() {
-        int status = 0;
-        return ::waitpid(std::exchange(process_, 0), &status, 0) > 0 && status == 0;
-    }
-
-  private:
-    int ends_[2]{};
-    pid_t process_ = 0;
-};
-
 TEST_P(FaultTest, AKillAtAnyMomentLosesNothing) {
     ASSERT_TRUE(open()->save("other", "kept"));
     std::mt19937 random(6);
     int last = 0;
     for (int round = 0; round < 200; ++round) {
-        Child child([from = last + 1](auto tell) {
+        ChildProcess child([from = last + 1](auto tell) {
             const auto thing = open();
             for (int number = from; thing->save("key", std::to_string(number)); ++number) tell(number);
             return false;
@@ -221,9 +178,9 @@ TEST_P(FaultTest, TwoProcessesAtOnceLoseNothing) {
             return good;
         };
     };
-    Child first(saver('a')), second(saver('b'));
-    EXPECT_TRUE(first.endedWell());
-    EXPECT_TRUE(second.endedWell());
+    ChildProcess first(saver('a')), second(saver('b'));
+    EXPECT_EQ(first.end(), 0);
+    EXPECT_EQ(second.end(), 0);
     const auto thing = open();
     for (const char process : {'a', 'b'}) {
         for (int i = 0; i < 40; ++i) EXPECT_EQ(thing->load(nameOf(process, i)), std::to_string(i));

@@ -21,11 +21,11 @@ void CGMutablePath::add(Element element, std::span<const NSPoint> points) {
     }
     elements_.push_back(element);
     points_.insert(points_.end(), points.begin(), points.end());
+    if (element == Element::MoveToPoint) subpathStart_ = points.front();
 }
 
 void CGMutablePath::moveToPoint(NSPoint point) {
     add(Element::MoveToPoint, {&point, 1});
-    if (!points_.empty()) subpathStart_ = points_.back();
 }
 
 void CGMutablePath::addLineToPoint(NSPoint point) {
@@ -67,6 +67,7 @@ void CGMutablePath::addPath(const CGMutablePath& other, const NSPoint& translati
     if (!std::isfinite(translation.x + translation.y)) {
         return callerError("CGMutablePath: a translation that is not finite");
     }
+    if (other.isEmpty()) return;
     const NSPoint by = translation;  // it may be one of this path's own points
     // The other path may be this one, so both counts are taken before anything grows.
     const std::size_t elements = other.elements_.size(), points = other.points_.size();
@@ -112,9 +113,11 @@ NSRect CGMutablePath::boundingBox() const noexcept {
 NSRect CGMutablePath::pathBoundingBox() const noexcept {
     Extent x, y;
     const NSPoint* next = points_.data();
-    NSPoint from;
+    NSPoint from, start;
     for (const Element element : elements_) {
         const std::size_t count = pointsOf(element);
+        if (element == Element::MoveToPoint) start = *next;
+        if (element == Element::CloseSubpath) from = start;
         if (count == 0) continue;
         double alongX[4] = {from.x}, alongY[4] = {from.y};
         for (std::size_t i = 0; i < count; ++i) {

@@ -1,8 +1,10 @@
 #pragma once
 
 #include <cstddef>
+#include <cstdint>
 #include <memory>
 #include <span>
+#include <string>
 #include <string_view>
 
 #include <KXFoundation/Platform/Graphics/NSImageRep.h>
@@ -30,5 +32,9 @@ struct ImageFormat {
     std::span<const std::byte> data);
 /// The same from a data value (Unsupported for any other), which the bitmap keeps as its encodedData().
 [[nodiscard]] KX_EXPORT Result<std::shared_ptr<NSBitmapImageRep>> decodeImageKeepingData(Value data);
+
+/// The whole file as a data value, with no copy but that; TooLarge beyond `limit` bytes, before anything is
+/// read. Any thread.
+[[nodiscard]] KX_EXPORT Result<Value> readImageFile(const std::string& path, std::uint64_t limit);
 
 }  // namespace kx

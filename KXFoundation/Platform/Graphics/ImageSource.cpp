@@ -2,6 +2,7 @@
 #include <utility>
 
 #include <KXFoundation/Platform/Graphics/GIF/GIFFrameStream.h>
+#include <KXFoundation/Platform/Graphics/GIF/GIFImage.h>
 #include <KXFoundation/Platform/Graphics/ImageDecoder.h>
 #include <KXFoundation/Platform/Graphics/ImageSource.h>
 #include <KXFoundation/Platform/Graphics/NSStreamedImageRep.h>
@@ -30,10 +31,6 @@ std::shared_ptr<NSBitmapImageRep> holding(std::shared_ptr<NSBitmapImageRep> bitm
                                           std::shared_ptr<FrameMemory> memory) {
     NSBitmapImageRep* const plain = bitmap.get();
     return {plain, [bitmap = std::move(bitmap), memory = std::move(memory)](NSBitmapImageRep*) {}};
-}
-
-GIFPixels pixelsOf(NSBitmapImageRep& bitmap) {
-    return {reinterpret_cast<std::uint8_t*>(bitmap.pixels().data()), std::size_t{bitmap.pixelsWide()} * 4};
 }
 
 }  // namespace

@@ -40,13 +40,19 @@ Error failed(const Failure& failure) {
 }
 
 /// A file of a few kilobytes can ask for thousands of passes over a huge picture.
-constexpr int kMostScans = 200;
+struct ScanLimit : jpeg_progress_mgr {
+    /// Encoders use up to about a dozen; more must bring a byte for each 1024 pixels that they pass over.
+    void allowFor(std::size_t bytes, std::uint64_t pixels) {
+        most = 32 + static_cast<int>(std::min<std::uint64_t>(bytes * 1024 / pixels, 10'000));
+    }
+    int most = 0;
+};
 
 void countScans(j_common_ptr codec) {
-    auto* decoder = reinterpret_cast<j_decompress_ptr>(codec);
-    if (decoder->input_scan_number <= kMostScans) return;
+    const int most = static_cast<ScanLimit*>(codec->progress)->most;
+    if (reinterpret_cast<j_decompress_ptr>(codec)->input_scan_number <= most) return;
     auto& failure = static_cast<Failure&>(*codec->err);
-    std::snprintf(failure.message, sizeof failure.message, "more than %d scans", kMostScans);
+    std::snprintf(failure.message, sizeof failure.message, "more than %d scans", most);
     std::longjmp(failure.leap, 1);
 }
 
@@ -56,15 +62,15 @@ struct Decoder {
         codec.err = &failure;
         if (setjmp(failure.leap) != 0) std::abort();  // no memory
         jpeg_create_decompress(&codec);
-        progress.progress_monitor = countScans;
-        codec.progress = &progress;
+        scans.progress_monitor = countScans;
+        codec.progress = &scans;
     }
     ~Decoder() { jpeg_destroy_decompress(&codec); }
     Decoder(const Decoder&) = delete;
     Decoder& operator=(const Decoder&) = delete;
 
     Failure failure;
-    jpeg_progress_mgr progress{};
+    ScanLimit scans{};
     jpeg_decompress_struct codec{};
 };
 
@@ -153,6 +159,7 @@ Result<std::shared_ptr<NSBitmapImageRep>> decodeJpegReduced(std::span<const std:
                      "JPEG of " + std::to_string(codec.image_width) + " x " +
                          std::to_string(codec.image_height) + " pixels"};
     }
+    decoder.scans.allowFor(data.size(), std::uint64_t{codec.image_width} * codec.image_height);
     if (!startReduced(decoder, leastWide, leastHigh)) return failed(decoder.failure);
     auto bitmap = NSBitmapImageRep::bitmapWithPixels(codec.output_width, codec.output_height);
     if (!bitmap) return Error{ErrorKind::TooLarge, 0, "JPEG: no memory for its pixels"};

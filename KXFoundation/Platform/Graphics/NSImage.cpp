@@ -1,14 +1,13 @@
 #include <cmath>
 #include <map>
-#include <mutex>
 
 #include <KXFoundation/Platform/Foundation/NSBundle.h>
 #include <KXFoundation/Platform/Graphics/GraphicsContext.h>
 #include <KXFoundation/Platform/Graphics/ImageDecoder.h>
 #include <KXFoundation/Platform/Graphics/NSImage.h>
 #include <KXFoundation/Platform/Graphics/Resampling/Resampler.h>
-#include <KXFoundation/Platform/Runtime/FileSystem.h>
 #include <KXFoundation/Platform/Runtime/Log.h>
+#include <KXFoundation/Platform/Runtime/Mutex.h>
 #include <KXFoundation/Platform/Runtime/ProcessState.h>
 
 namespace kx {
@@ -18,9 +17,9 @@ namespace {
 constexpr std::uint64_t kLargestFile = std::uint64_t{256} << 20;
 
 Result<std::shared_ptr<NSBitmapImageRep>> readBitmap(const std::string& path) {
-    auto contents = readFile(FileSystem::slot().current(), path, kLargestFile);
+    auto contents = readImageFile(path, kLargestFile);
     if (!contents) return contents.error();
-    auto bitmap = decodeImageKeepingData(Value::data(std::as_bytes(std::span(*contents))));
+    auto bitmap = decodeImageKeepingData(*std::move(contents));
     if (bitmap) return bitmap;
     Error error = bitmap.error();
     error.where = path + ": " + error.where;
@@ -57,8 +56,8 @@ std::string doubledPath(std::string_view path) {
 }
 
 struct NamedImages {
-    std::mutex mutex;
-    std::map<std::string, std::weak_ptr<NSImage>> images;  // by path, guarded by mutex
+    Mutex mutex;
+    std::map<std::string, std::weak_ptr<NSImage>> images KX_GUARDED_BY(mutex);  // by path
 };
 constinit ProcessState<NamedImages> namedImages;
 
@@ -116,7 +115,7 @@ std::shared_ptr<NSImage> NSImage::imageNamed(std::optional<std::string_view> nam
     const auto twice = bundle->pathForResource(std::string(*name) + "@2x", "png");
     if (!once && !twice) return nullptr;
     NamedImages& named = namedImages.get();
-    const std::lock_guard lock(named.mutex);
+    const MutexLock lock(named.mutex);
     std::weak_ptr<NSImage>& known = named.images[once ? *once : *twice];
     if (auto image = known.lock()) return image;
     auto image = imageOf(bitmapIn(once), bitmapIn(twice));

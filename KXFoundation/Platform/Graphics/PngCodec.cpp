@@ -1,9 +1,11 @@
 #include <algorithm>
 #include <cstring>
 #include <string>
+#include <string_view>
 
 #include <png.h>
 
+#include <KXFoundation/Platform/Graphics/ImageOrientation.h>
 #include <KXFoundation/Platform/Graphics/PixelAlpha.h>
 #include <KXFoundation/Platform/Graphics/PngCodec.h>
 
@@ -23,6 +25,45 @@ struct PngImage : png_image {
     PngImage& operator=(const PngImage&) = delete;
 };
 
+constexpr std::size_t kSignatureSize = 8, kLengthSize = 4, kTypeSize = 4, kFrameSize = 12;
+
+std::size_t numberAt(std::span<const std::byte> data) {
+    std::size_t number = 0;
+    for (const std::byte byte : data.first(kLengthSize))
+        number = number << 8 | std::to_integer<std::size_t>(byte);
+    return number;
+}
+
+/// Whether the picture's look depends on it: all that must be understood, and some that need not.
+bool isShown(std::string_view type) {
+    constexpr std::string_view kColours[] = {"tRNS", "bKGD", "cHRM", "gAMA", "iCCP", "sBIT", "sRGB"};
+    const bool isAncillary = (type[0] & 0x20) != 0;
+    return !isAncillary || std::ranges::find(kColours, type) != std::end(kColours);
+}
+
+/// A file's chunks, taken apart before libpng sees them: it would unpack all texts on its way to the picture,
+/// a thousand times their size.
+struct PngChunks {
+    explicit PngChunks(std::span<const std::byte> data) {
+        const auto keep = [&](std::span<const std::byte> some) {
+            shown.insert(shown.end(), some.begin(), some.end());
+        };
+        shown.reserve(data.size());
+        keep(data.first(kSignatureSize));
+        data = data.subspan(kSignatureSize);
+        while (data.size() >= kFrameSize) {
+            const std::size_t length = std::min(numberAt(data), data.size() - kFrameSize);
+            const std::string_view type(reinterpret_cast<const char*>(data.data()) + kLengthSize, kTypeSize);
+            if (isShown(type)) keep(data.first(kFrameSize + length));
+            if (type == "eXIf") orientation = exifOrientation(data.subspan(kLengthSize + kTypeSize, length));
+            data = data.subspan(kFrameSize + length);
+        }
+    }
+
+    std::vector<std::byte> shown;  ///< a file without the others
+    ImageOrientation orientation = ImageOrientation::TopLeft;
+};
+
 }  // namespace
 
 bool sniffPng(std::span<const std::byte> data) {
@@ -30,8 +71,11 @@ bool sniffPng(std::span<const std::byte> data) {
 }
 
 Result<std::shared_ptr<NSBitmapImageRep>> decodePng(std::span<const std::byte> data) {
+    if (!sniffPng(data)) return Error{ErrorKind::Corrupt, 0, "PNG: another format"};
+    const PngChunks chunks(data);
     PngImage image;
-    if (!png_image_begin_read_from_memory(&image, data.data(), data.size())) return pngError(image);
+    if (!png_image_begin_read_from_memory(&image, chunks.shown.data(), chunks.shown.size()))
+        return pngError(image);
     if (!NSBitmapImageRep::allows(image.width, image.height)) {
         return Error{
             ErrorKind::TooLarge, 0,
@@ -44,7 +88,8 @@ Result<std::shared_ptr<NSBitmapImageRep>> decodePng(std::span<const std::byte> d
     const auto pixels = bitmap->pixels();
     if (!png_image_finish_read(&image, nullptr, pixels.data(), 0, nullptr)) return pngError(image);
     std::transform(pixels.begin(), pixels.end(), pixels.begin(), premultiplied);
-    return bitmap;
+    if (auto turned = upright(std::move(bitmap), chunks.orientation)) return turned;
+    return Error{ErrorKind::TooLarge, 0, "PNG: no memory for its pixels"};
 }
 
 Result<std::vector<std::byte>> encodePng(const NSBitmapImageRep& bitmap) {

@@ -38,8 +38,8 @@ Result<std::shared_ptr<NSBitmapImageRep>> decodeTiff(std::span<const std::byte> 
     std::shared_ptr<NSBitmapImageRep> bitmap;
     std::uint32_t orientation = 1;
     char reason[256];
-    const bool isRead =
-        module->read(data.data(), data.size(), allocateBitmap, &bitmap, &orientation, reason, sizeof reason);
+    const bool isRead = module->read(data.data(), data.size(), NSBitmapImageRep::pixelLimit(), allocateBitmap,
+                                     &bitmap, &orientation, reason, sizeof reason);
     if (!isRead && !bitmap && !reason[0]) return Error{ErrorKind::TooLarge, 0, "TIFF of too many pixels"};
     if (!isRead) return Error{ErrorKind::Corrupt, 0, std::string("TIFF: ") + reason};
     const bool isKnown = orientation >= 1 && orientation <= 8;

@@ -17,10 +17,10 @@
 #include <KXFoundation/Platform/Graphics/NSImage.h>
 #include <KXFoundation/Platform/Runtime/DispatchQueue.h>
 #include <KXFoundation/Platform/Services/Photos/PHAsset.h>
-#include <KXFoundation/Platform/Views/NSButton.h>
 #include <KXFoundation/Platform/Views/NSImageView.h>
 
 #include "Gallery.h"
+#include "PushButton.h"
 
 namespace gallery {
 
@@ -163,11 +163,7 @@ void AlbumPage::build(Column& column, Gallery& gallery) {
     column.paragraph(text("album.explanation"));
     column.caption(text("album.bundle"));
     addTiles(column, contents.bundle);
-    auto exporting = make<NSButton>();
-    exporting->setTitle(text("album.export"));
-    exporting->sizeToFit();
-    exporting->setAction([state = state_, &gallery](NSControl&) { state->exportFiles(gallery); });
-    column.row({exporting}, 28);
+    column.row({pushButton("album.export", [state = state_, &gallery] { state->exportFiles(gallery); })});
     if (const auto& outcome = state_->outcome)
         column.pair(text("album.outcome"), outcome->empty() ? text("album.done") : *outcome);
     column.pair(text("album.count"), std::to_string(contents.count));

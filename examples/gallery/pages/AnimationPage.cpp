@@ -108,8 +108,7 @@ void AnimationPage::addControls(Column& column, Gallery& gallery) {
     column.row({button(text(playing_ ? "animation.pause" : "animation.play"), false, playOrPause),
                 button(text("animation.step"), false, [=, this] { forEach(step); }),
                 button(text("animation.restart"), false, [=, this] { forEach(restart); }), speed("½×", 0.5),
-                speed("1×", 1), speed("2×", 2)},
-               28);
+                speed("1×", 1), speed("2×", 2)});
 }
 
 void AnimationPage::forEach(void (*action)(View&)) {

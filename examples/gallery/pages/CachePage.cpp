@@ -6,9 +6,9 @@
 #include <KXFoundation/Cache/KXCache.h>
 #include <KXFoundation/Cache/KXDiskCache.h>
 #include <KXFoundation/Cache/KXMemoryCache.h>
-#include <KXFoundation/Platform/Views/NSButton.h>
 
 #include "Gallery.h"
+#include "PushButton.h"
 
 namespace gallery {
 
@@ -35,14 +35,10 @@ void addStatistics(Column& column, const Statistics& statistics) {
 }
 
 std::shared_ptr<NSButton> button(std::string_view key, Gallery& gallery, std::function<void()> action) {
-    auto made = make<NSButton>();
-    made->setTitle(text(key));
-    made->sizeToFit();
-    made->setAction([&gallery, action = std::move(action)](NSControl&) {
+    return pushButton(key, [&gallery, action = std::move(action)] {
         action();
         gallery.rebuild();
     });
-    return made;
 }
 
 }  // namespace
@@ -76,11 +72,10 @@ void CachePage::build(Column& column, Gallery& gallery) {
     column.title(text("cache.title"));
     column.paragraph(text("cache.explanation"));
     column.space(12);
-    column.row(
-        {button("cache.fill", gallery, [this] { fill(); }), button("cache.read", gallery, [this] { read(); }),
-         button("cache.age", gallery, [this] { toggleAge(); }),
-         button("button.clear", gallery, [this] { cache_->removeAllObjects(); })},
-        28);
+    column.row({button("cache.fill", gallery, [this] { fill(); }),
+                button("cache.read", gallery, [this] { read(); }),
+                button("cache.age", gallery, [this] { toggleAge(); }),
+                button("button.clear", gallery, [this] { cache_->removeAllObjects(); })});
     const double age = cache_->memoryCache()->ageLimit();
     column.space(8);
     column.pair(text("cache.age_limit"),

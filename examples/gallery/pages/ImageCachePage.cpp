@@ -12,10 +12,10 @@
 #include <KXFoundation/Platform/Graphics/NSColor.h>
 #include <KXFoundation/Platform/Graphics/NSImage.h>
 #include <KXFoundation/Platform/Runtime/Environment.h>
-#include <KXFoundation/Platform/Views/NSButton.h>
 #include <KXFoundation/Platform/Views/NSImageView.h>
 
 #include "Gallery.h"
+#include "PushButton.h"
 
 namespace gallery {
 
@@ -89,14 +89,6 @@ void addHeads(Column& column) {
     column.row(heads, kLine);
 }
 
-std::shared_ptr<NSButton> button(std::string_view key, std::function<void()> action) {
-    auto made = make<NSButton>();
-    made->setTitle(text(key));
-    made->sizeToFit();
-    made->setAction([action = std::move(action)](NSControl&) { action(); });
-    return made;
-}
-
 }  // namespace
 
 struct ImageCachePage::State : std::enable_shared_from_this<State> {
@@ -152,11 +144,10 @@ void ImageCachePage::build(Column& column, Gallery& gallery) {
         };
     };
     column.space(8);
-    column.row(
-        {button("image_cache.store", thenRead([](State& s) { s.store(); })),
-         button("image_cache.forget", thenRead([](State& s) { s.cache->memoryCache()->removeAllObjects(); })),
-         button("button.clear", thenRead([](State& s) { s.clear(); }))},
-        28);
+    column.row({pushButton("image_cache.store", thenRead([](State& s) { s.store(); })),
+                pushButton("image_cache.forget",
+                           thenRead([](State& s) { s.cache->memoryCache()->removeAllObjects(); })),
+                pushButton("button.clear", thenRead([](State& s) { s.clear(); }))});
     column.space(8);
     addHeads(column);
     for (std::size_t i = 0; i < state.found.size(); ++i) {

@@ -80,7 +80,7 @@ void addBoundControls(Column& column) {
     button->sizeToFit();
     auto field = make<NSTextField>(NSRect(0, 0, 240, 28));
     NSTextField_LocalizedKey::setLocalizedPlaceHolder(field, "language.name_placeholder");
-    column.row({button, field}, 28);
+    column.row({button, field});
 
     column.caption(text("language.caption.paragraph"));
     auto paragraph = make<NSTextView>();

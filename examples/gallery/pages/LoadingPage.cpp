@@ -54,11 +54,9 @@ void LoadingPage::build(Column& column, Gallery&) {
                            [=] {
                                for (const auto& view : views) view->startLoading();
                            }),
-                pushButton("loading.stop",
-                           [=] {
-                               for (const auto& view : views) view->stopLoading();
-                           })},
-               28);
+                pushButton("loading.stop", [=] {
+                    for (const auto& view : views) view->stopLoading();
+                })});
     column.caption(text("loading.others"));
     column.space(8);
     const auto fading = tile();

@@ -55,8 +55,7 @@ void MaskPage::build(Column& column, Gallery&) {
     const auto sample = sampleText(column.width());
     const auto counter = counter_;
     column.row({pushButton("mask.here", [=] { cover(sample, counter); }),
-                pushButton("mask.window", [=] { coverWindow(counter); })},
-               28);
+                pushButton("mask.window", [=] { coverWindow(counter); })});
     counter->shown = column.pair(text("mask.dismissed"), std::to_string(counter->count));
     column.space(12);
     column.add(sample, sample->frame().size.height);

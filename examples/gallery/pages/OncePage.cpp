@@ -43,12 +43,10 @@ void OncePage::build(Column& column, Gallery& gallery) {
         column.caption(text(row.key));
         column.pair(text("once.calls"), std::to_string(row.calls));
         column.pair(text("once.runs"), std::to_string(row.runs));
-        column.row({pushButton("once.call",
-                               [&row, &gallery] {
-                                   call(row);
-                                   gallery.rebuild();
-                               })},
-                   28);
+        column.row({pushButton("once.call", [&row, &gallery] {
+            call(row);
+            gallery.rebuild();
+        })});
     }
 }
 

@@ -50,10 +50,9 @@ void ToastPage::build(Column& column, Gallery&) {
     column.title(text("toast.title"));
     column.paragraph(text("toast.explanation"));
     column.space(12);
-    column.row({pushButton("toast.short", [] { showFor(3); }), pushButton("toast.long", [] { showFor(0); })},
-               28);
-    column.row({pushButton("toast.picture", showWithPicture), pushButton("toast.click", showLeaving)}, 28);
-    column.row({pushButton("toast.clear", clearAll)}, 28);
+    column.row({pushButton("toast.short", [] { showFor(3); }), pushButton("toast.long", [] { showFor(0); })});
+    column.row({pushButton("toast.picture", showWithPicture), pushButton("toast.click", showLeaving)});
+    column.row({pushButton("toast.clear", clearAll)});
 }
 
 void ToastPage::demonstrate(Gallery&) {

@@ -57,6 +57,15 @@ TEST(CGMutablePath, HasABoxAroundItsPointsAndOneAroundItsCurves) {
          },
          {0, -1, 3, 2},
          {0, -swing, 3, 2 * swing}},
+        {"an arch from where a line was closed",
+         [](CGMutablePath& p) {
+             p.moveToPoint({0, 0});
+             p.addLineToPoint({0, 40});
+             p.closeSubpath();
+             p.addQuadCurveToPoint({5, -10}, {10, 0});
+         },
+         {0, -10, 10, 50},
+         {0, -5, 10, 45}},
         {"a curve that is a line",
          [](CGMutablePath& p) {
              p.moveToPoint({0, 0});
@@ -122,7 +131,11 @@ TEST(CGMutablePath, TakesNothingThatIsNoPath) {
     path->translate({0, no});
     path->addPath(*path, {no, 0});
     EXPECT_EQ(path->points().size(), 1u);
-    EXPECT_EQ(path->points().front(), (NSPoint{1, 1}));
+    path->addLineToPoint({9, 9});
+    path->moveToPoint({no, 1});
+    path->addPath(*CGMutablePath::path(), {7, 7});
+    path->closeSubpath();
+    EXPECT_EQ(path->currentPoint(), (NSPoint{1, 1}));
 }
 
 }  // namespace kx

@@ -2,6 +2,7 @@
 #include <cmath>
 #include <cstdio>
 #include <cstdlib>
+#include <cstring>
 
 #include <gtest/gtest.h>
 #include <jpeglib.h>
@@ -10,6 +11,7 @@
 
 #include <KXFoundation/Platform/Graphics/ImageDecoder.h>
 #include <KXFoundation/Platform/Graphics/JpegCodec.h>
+#include <KXFoundation/Platform/Graphics/PngCodec.h>
 #include <KXFoundation/Platform/Graphics/TiffCodec.h>
 
 namespace kx {
@@ -236,14 +238,76 @@ TEST(Tiff, ComesBackAsItWasWritten) {
         ASSERT_LE(distance((*decoded)->pixels()[i], bitmap->pixels()[i]), 1) << i;
 }
 
+/// A chunk whose check sum is wrong, which nobody sees where it is passed over.
+Bytes pngChunk(const std::string& type, const std::string& body) {
+    std::string chunk;
+    for (int shift = 24; shift >= 0; shift -= 8) chunk += static_cast<char>(body.size() >> shift);
+    chunk += type + body + std::string(4, '\0');
+    const auto* bytes = reinterpret_cast<const std::byte*>(chunk.data());
+    return {bytes, bytes + chunk.size()};
+}
+
+TEST(Png, IsTurnedAndItsOtherChunksArePassedOver) {
+    Bytes file = *encodePng(*quarters(64, 48, kOpaque[3]));
+    for (const Bytes& chunk : {pngChunk("eXIf", exif(3, true)),
+                               pngChunk("prVt", std::string(9'000'000, 'x'))})  // libpng takes 8,000,000
+        file.insert(file.begin() + 33, chunk.begin(), chunk.end());             // behind the header
+    expectCorners(decodeImage(file), {kOpaque[3], kOpaque[2], kOpaque[1], kOpaque[0]}, "upside down", 0);
+}
+
+/// A column of pixels whose every row is the same megabyte of packing that packs nothing.
+Bytes tiffOfOneStrip() {
+    constexpr std::uint32_t kRows = 30'000, kPacked = 1'000'002, kPlaces = 8 + kPacked,
+                            kSizes = kPlaces + 4 * kRows;
+    Bytes file(kPlaces, std::byte{0x80});
+    const auto add = [&](std::uint32_t value, int bytes) {
+        for (int i = 0; i < bytes; ++i) file.push_back(static_cast<std::byte>(value >> 8 * i));
+    };
+    const std::uint32_t header[] = {0x002A4949, kSizes + 4 * kRows};
+    std::memcpy(file.data(), header, sizeof header);
+    std::fill(file.end() - 2, file.end(), std::byte{0});
+    for (std::uint32_t i = 0; i < 2 * kRows; ++i) add(i < kRows ? 8 : kPacked, 4);
+    const struct {
+        std::uint32_t tag, count, value;
+    } entries[] = {{256, 1, 1},           {257, 1, kRows}, {258, 1, 8}, {259, 1, 32'773},    {262, 1, 1},
+                   {273, kRows, kPlaces}, {277, 1, 1},     {278, 1, 1}, {279, kRows, kSizes}};
+    add(std::size(entries), 2);
+    for (const auto& [tag, count, value] : entries) {
+        add(tag | 4 << 16, 4);
+        add(count, 4);
+        add(value, 4);
+    }
+    add(0, 4);
+    return file;
+}
+
+/// A flat picture whose last pass comes a hundred times.
+Bytes jpegOfManyScans() {
+    Bytes file = jpeg(*quarters(1024, 1024, kOpaque[3]), {"", 1, JCS_GRAYSCALE, JCS_GRAYSCALE, true, false});
+    const std::byte start[] = {std::byte{0xFF}, std::byte{0xDA}};
+    const auto last = std::find_end(file.begin(), file.end(), std::begin(start), std::end(start));
+    const Bytes scan(last, file.end() - 2);
+    for (int i = 0; i < 100; ++i) file.insert(file.end() - 2, scan.begin(), scan.end());
+    return file;
+}
+
+TEST(ImageDecoder, WorksNoLongerThanTheDataAreWorth) {
+    EXPECT_FALSE(decodeImage(tiffOfOneStrip()).ok());
+    EXPECT_FALSE(decodeImage(jpegOfManyScans()).ok());
+}
+
 /// Every file cut at every place and with every byte changed once: an answer, whichever, and no more pixels
 /// than the limit.
 TEST(ImageDecoder, TakesDamagedFilesOfEveryFormat) {
     const auto picture = quarters(24, 20, kOpaque[3]);
     const Bytes files[] = {
-        *encodeJpeg(*picture, 0.5), jpeg(*picture, {"", 3, JCS_RGB, JCS_YCbCr, true, false}),
-        webp(*picture, true),       webp(*picture, false),
-        *encodeTiff(*picture),      withExif(*encodeJpeg(*picture, 0.5), exif(6, true)),
+        *encodeJpeg(*picture, 0.5),
+        jpeg(*picture, {"", 3, JCS_RGB, JCS_YCbCr, true, false}),
+        webp(*picture, true),
+        webp(*picture, false),
+        *encodeTiff(*picture),
+        *encodePng(*picture),
+        withExif(*encodeJpeg(*picture, 0.5), exif(6, true)),
     };
     const std::uint64_t limit = NSBitmapImageRep::pixelLimit();
     NSBitmapImageRep::setPixelLimit(10'000);

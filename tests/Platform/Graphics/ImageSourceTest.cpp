@@ -107,6 +107,15 @@ TEST(ImageSource, KeepsSmallFilesWholeAndStreamsOthersInAnyOrder) {
     EXPECT_EQ(FrameMemory::inUse(), before);
 }
 
+TEST(ImageSource, CountsNoMemoryForAFrameThatIsTooLargeToUnpack) {
+    const std::uint64_t before = FrameMemory::inUse();
+    GIFWriterFrame huge;
+    huge.width = huge.height = 60'000;
+    const auto source = ImageSource::initWithData(dataOf(fileOf(1200, 3).frameOf(huge, {}).bytes()));
+    EXPECT_NE(objectCast<NSStreamedImageRep>(source->imageRepAtIndex(3)), nullptr);
+    EXPECT_LT(FrameMemory::inUse() - before, FrameMemory::kBudget);
+}
+
 TEST(ImageSource, GivesPlayersStreamsOfTheirOwnAsFarAsMemoryGoes) {
     const auto source = ImageSource::initWithData(dataOf(fileOf(1200, 4).trailer().bytes()));
     const auto rep = objectCast<NSStreamedImageRep>(source->imageRepAtIndex(0));

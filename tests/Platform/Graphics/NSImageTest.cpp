@@ -69,16 +69,11 @@ TEST(Png, WrittenAndReadAgainGivesTheSamePremultipliedPixels) {
     }
 }
 
-TEST(Png, TruncatedAndDamagedFilesGiveAnErrorOrAPicture) {
+TEST(Png, TruncatedFilesAreAnError) {
     const auto encoded = encodePng(*everyPixel());
     ASSERT_TRUE(encoded.ok());
     for (std::size_t size = 0; size + 12 < encoded->size(); size += size < 200 ? 1 : 997) {
         EXPECT_FALSE(decodeImage(std::span(*encoded).first(size)).ok()) << "first " << size << " bytes";
-    }
-    for (std::size_t at = 0; at < 200; ++at) {
-        auto damaged = *encoded;
-        damaged[at] ^= std::byte{0xA5};
-        (void)decodeImage(damaged);  // under the sanitizers: no crash, no bad access
     }
 }
 

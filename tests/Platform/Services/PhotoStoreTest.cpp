@@ -7,19 +7,19 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 #include <sys/time.h>
-#include <sys/wait.h>
-#include <unistd.h>
 
 #include <KXFoundation/Platform/Services/Photos/PhotoFileName.h>
 #include <KXFoundation/Platform/Services/Photos/PhotoStore.h>
 
 #include "support/CapturedLog.h"
+#include "support/ChildProcess.h"
 #include "support/FaultyFileSystem.h"
 #include "support/TemporaryDirectory.h"
 
 namespace kx {
 namespace {
 
+using testing::ChildProcess;
 using ::testing::ElementsAre;
 using testing::FaultyFileSystem;
 using ::testing::IsEmpty;
@@ -202,43 +202,22 @@ TEST_F(PhotoStoreTest, AFullDiskKeepsWhatWasThere) {
     EXPECT_THAT(titlesOfWholeLibrary(1), ElementsAre("before"));
 }
 
-/// Makes albums until it is killed; tells of each that it was told is there.
-[[noreturn]] void makeAlbumsUntilKilled(PhotoStore store, const std::vector<std::string>& paths, char round,
-                                        std::chrono::microseconds life, int output) {
-    const itimerval timer{{0, 0}, {0, static_cast<suseconds_t>(life.count())}};
-    ::signal(SIGALRM, SIG_DFL);  // ends the process wherever it is
-    ::setitimer(ITIMER_REAL, &timer, nullptr);
-    for (char number = 'a';; ++number) {
-        const std::string title{round, number};
-        if (!store.perform(albumOf(title, paths))) ::_exit(1);
-        if (::write(output, title.data(), 2) != 2) ::_exit(1);
-    }
-}
-
-/// The titles of a process that was killed at some moment of its work.
-std::vector<std::string> titlesToldBeforeTheKill(const std::function<void(int)>& work) {
-    int ends[2];
-    if (::pipe(ends) != 0) return {"no pipe"};
-    const pid_t child = ::fork();
-    if (child == 0) work(ends[1]);
-    ::close(ends[1]);
-    std::vector<std::string> titles;
-    for (char title[2]; ::read(ends[0], title, 2) == 2;) titles.emplace_back(title, 2);
-    ::close(ends[0]);
-    int status = 0;
-    if (::waitpid(child, &status, 0) != child || !WIFSIGNALED(status)) titles.emplace_back("not killed");
-    return titles;
-}
-
 TEST_F(PhotoStoreTest, AKillAtAnyMomentLeavesAllOrNothing) {
     const std::vector<std::string> paths{picture("a/x.png"), picture("b/x.png")};
     std::mt19937 random(7);
     std::set<std::string> told;
-    for (char round = '0'; round < '0' + 40; ++round) {
-        const std::chrono::microseconds life(500 + random() % 30'000);
-        const auto titles = titlesToldBeforeTheKill(
-            [&](int output) { makeAlbumsUntilKilled(store(), paths, round, life, output); });
-        told.insert(titles.begin(), titles.end());
+    for (int round = 0; round < 40; ++round) {
+        const auto titleOf = [&](int number) { return std::to_string(round) + "." + std::to_string(number); };
+        const itimerval life{{0, 0}, {0, static_cast<suseconds_t>(500 + random() % 30'000)}};
+        ChildProcess child([&](auto tell) {
+            ::signal(SIGALRM, SIG_DFL);  // ends the process wherever it is
+            ::setitimer(ITIMER_REAL, &life, nullptr);
+            PhotoStore store = this->store();
+            for (int number = 0; store.perform(albumOf(titleOf(number), paths)); ++number) tell(number);
+            return false;
+        });
+        while (const auto number = child.next()) told.insert(titleOf(*number));
+        EXPECT_TRUE(WIFSIGNALED(child.end())) << "not killed, round " << round;
         const auto found = titlesOfWholeLibrary(2);
         for (const std::string& title : told)
             ASSERT_TRUE(std::ranges::find(found, title) != found.end()) << title << ", round " << round;

@@ -1,12 +1,14 @@
+#include <algorithm>
+
 #include <gtest/gtest.h>
 #include <sched.h>
 #include <sys/mount.h>
-#include <sys/wait.h>
 #include <unistd.h>
 
 #include <KXFoundation/Device/KXNetworkUtils.h>
 #include <KXFoundation/Platform/Services/SystemInterfaces.h>
 
+#include "support/ChildProcess.h"
 #include "support/TemporaryDirectory.h"
 
 namespace kx {
@@ -119,8 +121,6 @@ TEST(SystemInterfaces, TheLiteralNamesCanBeChosen) {
 
 // ---- real interfaces, in a network of their own ----
 
-constexpr int kNotAllowed = 77;
-
 /// In a child process: a network namespace with a bridge and two other interfaces. False if this machine does
 /// not let us.
 bool makeNetwork(const std::string& root) {
@@ -150,18 +150,14 @@ TEST(SystemInterfaces, RealInterfacesInANetworkOfTheirOwn) {
     const TemporaryDirectory directory;
     directory.makeDirectory("sys");
     ASSERT_EQ(::symlink("/proc", (directory / "proc").c_str()), 0);
-    const std::string answerFile = directory / "answer";
-    const pid_t child = ::fork();
-    ASSERT_GE(child, 0);
-    if (child == 0) {
-        if (!makeNetwork(directory.path())) ::_exit(kNotAllowed);
-        directory.write("answer", addressesOfTheNetwork(directory.path()));
-        ::_exit(0);
-    }
-    int status = 0;
-    ASSERT_EQ(::waitpid(child, &status, 0), child);
-    ASSERT_TRUE(WIFEXITED(status));
-    if (WEXITSTATUS(status) == kNotAllowed) GTEST_SKIP() << "this machine allows no network of one's own";
+    testing::ChildProcess child([&](auto tell) {
+        const bool isAllowed = makeNetwork(directory.path());
+        tell(isAllowed);
+        if (isAllowed) directory.write("answer", addressesOfTheNetwork(directory.path()));
+        return true;
+    });
+    if (child.next() == 0) GTEST_SKIP() << "this machine allows no network of one's own";
+    ASSERT_EQ(child.end(), 0);
     EXPECT_EQ(directory.read("answer"), "192.168.7.200 255.240.0.0 192.168.7.129");
 }
 

@@ -43,13 +43,6 @@ TEST_F(Button, SendsItsActionWhenTheMouseIsReleasedOverIt) {
     }
 }
 
-TEST_F(Button, TakesNoClicksWhileItIsOff) {
-    button->setEnabled(false);
-    shown.surface().click({20, 20});
-    button->performClick();
-    EXPECT_EQ(clicks, 0);
-}
-
 TEST_F(Button, MayGoAwayInItsOwnAction) {
     const std::weak_ptr<NSButton> watched = button;
     button->setAction([](NSControl& sender) {
@@ -61,7 +54,11 @@ TEST_F(Button, MayGoAwayInItsOwnAction) {
     EXPECT_TRUE(watched.expired());
 }
 
-TEST_F(Button, RemovedWhilePressedItSendsNothing) {
+TEST_F(Button, OffOrRemovedItSendsNothing) {
+    button->setEnabled(false);
+    shown.surface().click({20, 20});
+    button->performClick();
+    button->setEnabled(true);
     mouse(NSEventType::MouseDown, {20, 20});
     button->removeFromSuperview();
     mouse(NSEventType::MouseUp, {20, 20});

@@ -44,84 +44,51 @@ std::shared_ptr<NSImage> flag(NSSize size) {
     });
 }
 
-struct Texts {
-    const char* title;
-    const char* cancel;
-    const char* placeholder;
-    const char* value;
-    const char* paragraph;
-    NSUserInterfaceLayoutDirection direction;
-};
-
-constexpr Texts kLatin{
-    "Create harbour",
-    "Cancel",
-    "Name of the harbour",
-    "Lisbon, the old port",
-    "A harbour gives ships a place to stay. Its walls keep the waves away, and its people know "
-    "every boat by name.",
-    NSUserInterfaceLayoutDirection::LeftToRight};
-constexpr Texts kArabic{"إنشاء ميناء",
-                        "إلغاء",
-                        "اسم الميناء",
-                        "لشبونة، الميناء القديم",
-                        "يمنح الميناء السفن مكانًا آمنًا. تحميه أسواره من الأمواج، ويعرف أهله كل قارب باسمه.",
-                        NSUserInterfaceLayoutDirection::RightToLeft};
-
 class FlippingLayout : public Subclass<FlippingLayout, NSCollectionViewFlowLayout> {
   public:
     bool flipsHorizontallyInOppositeLayoutDirection() override { return true; }
 };
 
-std::shared_ptr<NSButton> button(const char* title, NSRect frame) {
-    const auto made = make<NSButton>(frame);
-    made->setTitle(title);
-    return made;
+template <class View>
+View& add(NSView& content, NSRect frame) {
+    const auto view = make<View>(frame);
+    content.addSubview(view);
+    return *view;
+}
+NSTextField& addField(NSView& content, NSRect frame) {
+    auto& field = add<NSTextField>(content, frame);
+    field.setStringValue("Lisbon, the old port");
+    return field;
+}
+NSButton& addButton(NSView& content, NSRect frame) {
+    auto& button = add<NSButton>(content, frame);
+    button.setTitle("إنشاء ميناء");
+    return button;
 }
 
-std::shared_ptr<NSTextField> field(const char* text, NSRect frame) {
-    const auto made = make<NSTextField>(frame);
-    made->setStringValue(text);
-    return made;
-}
-
-void addControls(NSView& content, const Texts& texts) {
-    content.setUserInterfaceLayoutDirection(texts.direction);
-    const auto name = field("", {20, 20, 300, 28});
-    name->setPlaceholderString(texts.placeholder);
-    const auto off = field(texts.value, {20, 96, 300, 28});
-    off->setEnabled(false);
-    const auto label = field(texts.title, {20, 134, 300, 20});
-    label->setEditable(false);
-    label->setFont(NSFont::boldSystemFontOfSize(13));
-    const auto paragraph = make<NSTextView>(NSRect(20, 160, 300, 60));
-    paragraph->setString(texts.paragraph);
-    const auto create = button(texts.title, {340, 20, 160, 28});
-    create->setDefaultButton(true);
-    const auto pressed = button(texts.cancel, {340, 58, 160, 28});
-    pressed->setHighlighted(true);
-    const auto disabled = button(texts.cancel, {340, 96, 160, 28});
-    disabled->setEnabled(false);
-    const auto pictured = button(texts.title, {340, 134, 160, 28});
-    pictured->setImage(flag({18, 12}));
-    const auto natural = button(texts.cancel, {340, 172, 160, 28});
-    natural->setAlignment(NSTextAlignment::Natural);
-    const auto picture = NSImageView::imageViewWithImage(flag({60, 40}));
-    picture->setFrame({340, 212, 160, 60});
-    const auto collection = make<NSCollectionView>(NSRect(20, 232, 300, 66));
+void addControls(NSView& content, NSUserInterfaceLayoutDirection direction) {
+    content.setUserInterfaceLayoutDirection(direction);
+    add<NSTextField>(content, {20, 20, 300, 28}).setPlaceholderString("اسم الميناء");
+    addField(content, {20, 58, 300, 28});
+    addField(content, {20, 96, 300, 28}).setEnabled(false);
+    auto& label = addField(content, {20, 134, 300, 20});
+    label.setEditable(false);
+    label.setFont(NSFont::boldSystemFontOfSize(13));
+    add<NSTextView>(content, {20, 160, 300, 60})
+        .setString(
+            "A harbour gives ships a place to stay. تحميه أسواره من الأمواج، ويعرف أهله كل قارب باسمه.");
+    addButton(content, {340, 20, 160, 28}).setDefaultButton(true);
+    addButton(content, {340, 58, 160, 28}).setHighlighted(true);
+    addButton(content, {340, 96, 160, 28}).setEnabled(false);
+    addButton(content, {340, 134, 160, 28}).setImage(flag({18, 12}));
+    addButton(content, {340, 172, 160, 28}).setAlignment(NSTextAlignment::Natural);
+    add<NSImageView>(content, {340, 212, 160, 60}).setImage(flag({60, 40}));
+    auto& collection = add<NSCollectionView>(content, {20, 232, 300, 66});
     const auto layout = make<FlippingLayout>();
     layout->setItemSize({70, 28});
-    layout->setUserInterfaceLayoutDirection(texts.direction);
-    collection->setCollectionViewLayout(layout);
-    collection->setItemViews(
-        {button("1", {}), button("2", {}), button("3", {}), button("4", {}), button("5", {})});
-    const std::shared_ptr<NSView> all[] = {name,      field(texts.value, {20, 58, 300, 28}),
-                                           off,       label,
-                                           paragraph, create,
-                                           pressed,   disabled,
-                                           pictured,  natural,
-                                           picture,   collection};
-    for (const auto& view : all) content.addSubview(view);
+    layout->setUserInterfaceLayoutDirection(direction);
+    collection.setCollectionViewLayout(layout);
+    for (int i = 0; i < 5; ++i) addButton(collection, {});
 }
 
 TEST(WindowDrawing, OnlyWhatChangedIsDrawn) {
@@ -207,7 +174,7 @@ int difference(const std::vector<std::uint32_t>& a, const std::vector<std::uint3
 TEST(WindowDrawing, DrawnInPiecesItLooksAsDrawnWhole) {
     for (const double scale : {1.0, 1.25, 2.0}) {
         const testing::OffscreenWindow shown({520, 310}, scale);
-        addControls(shown.content(), kArabic);
+        addControls(shown.content(), NSUserInterfaceLayoutDirection::RightToLeft);
         shown.content().subviews()[3]->setAlphaValue(0.6);
         shown.content().subviews()[5]->setFrame({340.3, 20.6, 160, 28});
         const auto whole = shown.pixels();
@@ -220,9 +187,10 @@ TEST(WindowDrawing, DrawnInPiecesItLooksAsDrawnWhole) {
 }
 
 TEST(WindowDrawing, EveryControlLeavesItsMarks) {
-    for (const Texts& texts : {kLatin, kArabic}) {
+    using enum NSUserInterfaceLayoutDirection;
+    for (const auto direction : {LeftToRight, RightToLeft}) {
         const testing::OffscreenWindow shown({520, 310}, 2);
-        addControls(shown.content(), texts);
+        addControls(shown.content(), direction);
         const auto all = shown.pixels();
         for (const auto& view : shown.content().subviews()) {
             view->setHidden(true);

@@ -29,9 +29,7 @@ struct GIFAheadDecoder::Slot {
 
 struct GIFAheadDecoder::Shared {
     Shared(std::shared_ptr<const GIFContents> given, GIFLimits limits) : contents(std::move(given)) {
-        std::uint64_t largest = 0;
-        for (const GIFFrame& frame : contents->frames) largest = std::max(largest, frame.rect.area());
-        const std::size_t planes = planesFor(largest);
+        const std::size_t planes = planesFor(contents->largestFrame(limits.pixels));
         slots.reserve(planes);
         for (std::size_t i = 0; i < planes; ++i) slots.emplace_back(limits);
     }

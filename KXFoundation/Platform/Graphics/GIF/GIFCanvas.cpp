@@ -24,7 +24,7 @@ std::uint32_t interlacedRow(std::uint32_t n, std::uint32_t height) noexcept {
 
 }  // namespace
 
-GIFCanvas::GIFCanvas(std::uint32_t width, std::uint32_t height, GIFPalette::Speed speed) noexcept
+GIFCanvas::GIFCanvas(std::uint32_t width, std::uint32_t height, VectorSpeed speed) noexcept
     : width_(width), height_(height), palette_(speed) {}
 
 GIFCanvas::Rows GIFCanvas::rowsOf(const GIFFrame& frame, std::size_t reached) const noexcept {

@@ -29,8 +29,7 @@ struct GIFPixels {
 /// file makes the canvas do is in proportion to its data, whatever sizes it claims.
 class KX_EXPORT GIFCanvas {
   public:
-    GIFCanvas(std::uint32_t width, std::uint32_t height,
-              GIFPalette::Speed speed = GIFPalette::Speed::Best) noexcept;
+    GIFCanvas(std::uint32_t width, std::uint32_t height, VectorSpeed speed = VectorSpeed::Best) noexcept;
 
     /// Paints the next frame. `pixels` holds the frame before, as it was left; for the first one anything.
     void paint(const GIFFrame& frame, std::span<const std::uint8_t> indices, GIFPixels pixels);

@@ -1,8 +1,6 @@
-#include <string>
 #include <utility>
 
 #include <KXFoundation/Platform/Graphics/GIF/GIFDecoder.h>
-#include <KXFoundation/Platform/Runtime/CallerError.h>
 
 namespace kx {
 
@@ -40,21 +38,6 @@ void GIFDecoder::rewind() noexcept {
     reader_.rewind();
     canvas_.restart();
     damage_.reset();
-}
-
-void GIFDecoder::composite(const GIFContents& contents, std::size_t index, GIFPixels pixels) {
-    GIFCanvas canvas(width(), height());
-    if (index >= contents.frames.size()) {
-        callerError("GIFDecoder: frame " + std::to_string(index) + " of " +
-                    std::to_string(contents.frames.size()));
-        canvas.paint({}, {}, pixels);
-        return;
-    }
-    const auto isComplete = [this](const GIFFrame& frame) { return unpack(frame), !damage_; };
-    for (std::size_t i = contents.keyFrame(index, width(), height(), isComplete); i <= index; ++i) {
-        unpack(contents.frames[i]);
-        canvas.paint(contents.frames[i], plane_.indices(), pixels);
-    }
 }
 
 }  // namespace kx

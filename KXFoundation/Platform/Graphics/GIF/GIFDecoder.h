@@ -16,7 +16,7 @@
 ///
 ///     Result<GIFDecoder> decoder = GIFDecoder::open(bytes);
 ///     while (Result<std::optional<GIFFrame>> frame = decoder->next(pixels); frame && *frame)
-///         show(pixels, (*frame)->duration());
+///         show(pixels, **frame);
 ///
 /// Its parts serve alone too: GIFReader finds frames and their delays without unpacking them; GIFIndexPlane
 /// unpacks, any number of frames on as many threads; GIFCanvas paints them in order. docs/gif-decoder.md
@@ -49,11 +49,6 @@ class KX_EXPORT GIFDecoder {
 
     /// Starts over at the first frame.
     void rewind() noexcept;
-
-    /// Composites frame `index` of contents() into `pixels`, whatever they hold, from the nearest frame that
-    /// needs none before it. Does not move what next() gives. An index out of range is a caller error:
-    /// transparent pixels.
-    void composite(const GIFContents& contents, std::size_t index, GIFPixels pixels);
 
     /// Every frame's place, delay and disposal, without unpacking any.
     [[nodiscard]] GIFContents contents() const { return reader_.contents(); }

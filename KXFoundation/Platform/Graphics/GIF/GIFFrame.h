@@ -41,10 +41,6 @@ struct KX_EXPORT GIFFrame {
     std::span<const std::uint8_t> palette;         ///< red, green, blue; the local one, else the global one
     std::span<const std::uint8_t> packed;  ///< sub-blocks, up to the end of the file or beyond their own
 
-    /// How long the frame is shown, in seconds: the raw delay, but 0.1 where there is none or it is below
-    /// 0.011.
-    [[nodiscard]] float duration() const noexcept;
-
     /// Whether a complete frame leaves nothing to be seen of what was on a canvas of that size.
     [[nodiscard]] bool hidesCanvas(std::uint32_t canvasWidth, std::uint32_t canvasHeight) const noexcept;
     [[nodiscard]] bool coversCanvas(std::uint32_t canvasWidth, std::uint32_t canvasHeight) const noexcept;

@@ -1,8 +1,8 @@
-#include <algorithm>
 #include <utility>
 
 #include <KXFoundation/Platform/Graphics/BitmapPool.h>
 #include <KXFoundation/Platform/Graphics/GIF/GIFFrameStream.h>
+#include <KXFoundation/Platform/Graphics/GIF/GIFImage.h>
 
 namespace kx {
 
@@ -23,14 +23,6 @@ struct GIFFrameStream::State {
     std::shared_ptr<BitmapPool> pool;
     Bitmap last;  // the frame before the decoder's position; none at a start
 };
-
-namespace {
-
-GIFPixels pixelsOf(NSBitmapImageRep& bitmap) {
-    return {reinterpret_cast<std::uint8_t*>(bitmap.pixels().data()), std::size_t{bitmap.pixelsWide()} * 4};
-}
-
-}  // namespace
 
 GIFFrameStream::Bitmap GIFFrameStream::State::bitmapAtIndex(std::size_t index) {
     if (index >= file->contents->frames.size()) return nullptr;
@@ -73,8 +65,7 @@ void GIFFrameStream::prepare(std::size_t index, std::function<void(Bitmap)> done
 
 /// Three bitmaps: the one shown, the next one, and what a frame covers that asks to have it back.
 std::uint64_t GIFFrameStream::memoryFor(const GIFFile& file) noexcept {
-    std::uint64_t largest = 0;
-    for (const GIFFrame& frame : file.contents->frames) largest = std::max(largest, frame.rect.area());
+    const std::uint64_t largest = file.contents->largestFrame(NSBitmapImageRep::pixelLimit());
     return 3 * file.canvasBytes() + GIFAheadDecoder::planesFor(largest) * largest;
 }
 

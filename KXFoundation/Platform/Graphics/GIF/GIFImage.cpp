@@ -21,11 +21,14 @@ Result<std::shared_ptr<NSBitmapImageRep>> decodeGif(std::span<const std::byte> d
                      "GIF of " + std::to_string(decoder->width()) + " x " +
                          std::to_string(decoder->height()) + " pixels"};
     }
-    const auto frame = decoder->next({.bytes = reinterpret_cast<std::uint8_t*>(bitmap->pixels().data()),
-                                      .stride = std::size_t{bitmap->pixelsWide()} * 4});
+    const auto frame = decoder->next(pixelsOf(*bitmap));
     if (!frame) return frame.error();
     if (!*frame) return Error{ErrorKind::Ended, 0, "GIF without a frame"};
     return bitmap;
+}
+
+GIFPixels pixelsOf(NSBitmapImageRep& bitmap) {
+    return {reinterpret_cast<std::uint8_t*>(bitmap.pixels().data()), std::size_t{bitmap.pixelsWide()} * 4};
 }
 
 }  // namespace kx

@@ -60,8 +60,8 @@ struct GIFPalette::Wide {
     }
 };
 
-GIFPalette::GIFPalette(Speed speed) noexcept {
-    const bool wide = speed == Speed::Best && GIFWidePalette::available();
+GIFPalette::GIFPalette(VectorSpeed speed) noexcept {
+    const bool wide = speed == VectorSpeed::Best && GIFWidePalette::available();
     paintAll_ = wide ? &Wide::all : &Plain::all;
     paintOver_ = wide ? &Wide::over : &Plain::over;
     colours_.fill(0xFF000000);

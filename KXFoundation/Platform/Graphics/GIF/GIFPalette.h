@@ -6,15 +6,15 @@
 #include <optional>
 #include <span>
 
+#include <KXFoundation/Platform/Graphics/VectorSpeed.h>
+
 namespace kx {
 
 /// Turns indices into pixels: premultiplied 0xAARRGGBB in the machine's byte order. An index beyond the
 /// file's palette is opaque black. All versions for different machines give the same pixels.
 class GIFPalette {
   public:
-    /// Whether to use what this machine has beyond its architecture's common ground.
-    enum class Speed : std::uint8_t { Best, Plain };
-    explicit GIFPalette(Speed speed = Speed::Best) noexcept;
+    explicit GIFPalette(VectorSpeed speed = VectorSpeed::Best) noexcept;
 
     /// Takes the colours over; red, green and blue of each. Free if they are those at the same place as
     /// before.

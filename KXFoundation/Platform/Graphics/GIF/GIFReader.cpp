@@ -202,6 +202,13 @@ GIFContents GIFReader::contents() const {
     return contents;
 }
 
+std::uint64_t GIFContents::largestFrame(std::uint64_t limit) const noexcept {
+    std::uint64_t largest = 0;
+    for (const GIFFrame& frame : frames)
+        if (frame.rect.area() <= limit) largest = std::max(largest, frame.rect.area());
+    return largest;
+}
+
 std::size_t GIFContents::keyFrame(std::size_t index, std::uint32_t canvasWidth, std::uint32_t canvasHeight,
                                   const std::function<bool(const GIFFrame&)>& isComplete) const {
     const auto whole = [&](const GIFFrame& frame) { return !isComplete || isComplete(frame); };
@@ -214,12 +221,6 @@ std::size_t GIFContents::keyFrame(std::size_t index, std::uint32_t canvasWidth, 
         if (cleared && whole(before)) return i;
     }
     return 0;
-}
-
-float GIFFrame::duration() const noexcept {
-    if (!delayHundredths) return 0.1F;
-    const float seconds = static_cast<float>(*delayHundredths) / 100.0F;
-    return seconds < 0.011F ? 0.1F : seconds;
 }
 
 bool GIFFrame::coversCanvas(std::uint32_t canvasWidth, std::uint32_t canvasHeight) const noexcept {

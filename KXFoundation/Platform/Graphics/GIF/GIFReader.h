@@ -19,6 +19,9 @@ struct GIFContents {
     std::optional<Error>
         problem;  ///< why there may have been more frames; none at a proper or missing trailer
 
+    /// Pixels, of the frames that have no more than `limit`: larger ones are never unpacked.
+    [[nodiscard]] std::uint64_t largestFrame(std::uint64_t limit) const noexcept;
+
     /// The latest frame, not after `index`, that `index` may be built up from on an empty canvas; frame 0 if
     /// no other. Where data are broken older pixels stay to be seen, so `isComplete` is asked whether those
     /// of a frame are whole; without it all count as whole.

@@ -15,7 +15,13 @@ namespace kx {
 
 namespace {
 
-constexpr tmsize_t kLargestAllocation = tmsize_t{512} << 20;
+/// Of libtiff at once: a picture's pixels in the largest form that it knows, and its own tables.
+tmsize_t largestAllocation(std::uint64_t mostPixels) {
+    return static_cast<tmsize_t>(std::min(mostPixels, std::uint64_t{1} << 32) * 8 + (std::uint64_t{4} << 20));
+}
+
+/// Thousands of a picture's parts may claim the same bytes. Twice all bytes, and this much, may be read.
+constexpr std::size_t kReadAgain = std::size_t{32} << 20;
 
 /// A file in memory, for libtiff's calls.
 struct Stream {
@@ -23,6 +29,7 @@ struct Stream {
     std::vector<std::byte> written;
     std::size_t size = 0;
     std::size_t at = 0;
+    std::size_t readable = SIZE_MAX;
 
     static Stream& of(thandle_t handle) { return *static_cast<Stream*>(handle); }
 };
@@ -31,7 +38,9 @@ tmsize_t readSome(thandle_t handle, void* into, tmsize_t count) {
     Stream& stream = Stream::of(handle);
     const std::byte* const from = stream.readFrom ? stream.readFrom : stream.written.data();
     const std::size_t left = stream.at < stream.size ? stream.size - stream.at : 0;
-    const std::size_t some = std::min(left, static_cast<std::size_t>(std::max<tmsize_t>(count, 0)));
+    const std::size_t some =
+        std::min({left, stream.readable, static_cast<std::size_t>(std::max<tmsize_t>(count, 0))});
+    stream.readable -= some;
     if (some > 0) std::memcpy(into, from + stream.at, some);
     stream.at += some;
     return static_cast<tmsize_t>(some);
@@ -73,9 +82,9 @@ int takeError(TIFF*, void* reason, const char*, const char* format, std::va_list
 
 using File = std::unique_ptr<TIFF, void (*)(TIFF*)>;
 
-File open(Stream& stream, const char* mode, Reason& reason) {
+File open(Stream& stream, const char* mode, tmsize_t largest, Reason& reason) {
     TIFFOpenOptions* const options = TIFFOpenOptionsAlloc();
-    TIFFOpenOptionsSetMaxSingleMemAlloc(options, kLargestAllocation);
+    TIFFOpenOptionsSetMaxSingleMemAlloc(options, largest);
     TIFFOpenOptionsSetErrorHandlerExtR(options, takeError, &reason);
     TIFFOpenOptionsSetWarningHandlerExtR(
         options, [](TIFF*, void*, const char*, const char*, std::va_list) { return 1; }, nullptr);
@@ -91,12 +100,15 @@ std::uint32_t argb(std::uint32_t abgr) {
     return (abgr & 0xFF00FF00) | (abgr & 0xFF) << 16 | (abgr >> 16 & 0xFF);
 }
 
-bool read(const void* data, std::size_t size, TiffModule::Allocate allocate, void* context,
-          std::uint32_t* orientation, char* text, std::size_t textSize) {
+bool read(const void* data, std::size_t size, std::uint64_t mostPixels, TiffModule::Allocate allocate,
+          void* context, std::uint32_t* orientation, char* text, std::size_t textSize) {
     Reason reason{text, textSize};
     text[0] = 0;
-    Stream stream{.readFrom = static_cast<const std::byte*>(data), .written = {}, .size = size};
-    const File file = open(stream, "rm", reason);
+    Stream stream{.readFrom = static_cast<const std::byte*>(data),
+                  .written = {},
+                  .size = size,
+                  .readable = 2 * size + kReadAgain};
+    const File file = open(stream, "rm", largestAllocation(mostPixels), reason);
     if (!file) return false;
     TIFFRGBAImage image{};
     char begun[1024] = "";
@@ -134,7 +146,7 @@ bool write(const std::uint32_t* pixels, std::uint32_t wide, std::uint32_t high, 
     text[0] = 0;
     Stream stream;
     {
-        const File file = open(stream, "wm", reason);
+        const File file = open(stream, "wm", largestAllocation(std::uint64_t{wide} * high), reason);
         if (!file) return false;
         describe(file.get(), wide, high);
         std::vector<std::uint8_t> row(std::size_t{wide} * 4);
