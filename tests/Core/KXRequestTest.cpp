@@ -178,11 +178,16 @@ TEST_F(KXRequestTest, AStartWithoutMethodIsACallerError) {
     EXPECT_THAT(calls, IsEmpty());
 }
 
-TEST_F(KXRequestTest, TimesOutUnlessItWasAnswered) {
-    const testing::ScopedQueues queues;
-    const auto clock = std::make_shared<ManualClock>();
-    const ScopedPort<Clock> scope(clock);
-    request->setTimeout(std::chrono::seconds(3));
+/// A request of three seconds, on a clock of the test's.
+struct KXRequestTimeTest : KXRequestTest {
+    KXRequestTimeTest() { request->setTimeout(std::chrono::seconds(3)); }
+
+    testing::ScopedQueues queues;
+    std::shared_ptr<ManualClock> clock = std::make_shared<ManualClock>();
+    ScopedPort<Clock> scope{clock};
+};
+
+TEST_F(KXRequestTimeTest, TimesOutUnlessItWasAnswered) {
     start(answering(12), false);
     clock->advance(std::chrono::milliseconds(2999));
     EXPECT_THAT(calls, IsEmpty());
@@ -209,11 +214,7 @@ TEST_F(KXRequestTest, TimesOutUnlessItWasAnswered) {
     clock->advance(std::chrono::hours(1));
 }
 
-TEST_F(KXRequestTest, ATimeOutMayStartTheNextRequest) {
-    const testing::ScopedQueues queues;
-    const auto clock = std::make_shared<ManualClock>();
-    const ScopedPort<Clock> scope(clock);
-    request->setTimeout(std::chrono::seconds(3));
+TEST_F(KXRequestTimeTest, ATimeOutMayStartTheNextRequest) {
     const auto startAnew = [&](bool, const auto&) {
         request->clean();
         request->requestMethod(answering(13), callback(), false);

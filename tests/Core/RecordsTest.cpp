@@ -7,7 +7,6 @@
 #include <KXFoundation/Core/KXAppInfo.h>
 #include <KXFoundation/Core/KXError.h>
 #include <KXFoundation/Core/KXObject.h>
-#include <KXFoundation/Core/KXPhotoFileInfo.h>
 
 namespace kx {
 namespace {
@@ -56,16 +55,6 @@ TEST(KXAppInfo, ConcurrentReadsAreNeverTorn) {
     }
     writer.join();
     EXPECT_TRUE(whole);
-}
-
-TEST(KXPhotoFileInfo, KeepsItsOwnAddress) {
-    const auto info = make<KXPhotoFileInfo>();
-    EXPECT_EQ(info->url(), std::nullopt);
-    EXPECT_EQ(info->type(), KXPhotoFileInfo::kImage);
-    NSURL address = NSURL::fileURLWithPath("/pictures/pier.jpg");
-    info->setUrl(address);
-    address = NSURL::fileURLWithPath("/pictures/other.jpg");
-    EXPECT_EQ(info->url()->path(), "/pictures/pier.jpg");
 }
 
 }  // namespace

@@ -23,16 +23,12 @@ struct Place {
     ScopedPort<TimeZoneSettings> scope;
 };
 
-/// "2024-03-05 14:07:00" in the calculation calendar's zone; its zone's name may stand for itself after a
-/// '@'.
+/// "2024-03-05 14:07:00" in the calculation calendar's zone.
 Date at(const char* text) {
-    const auto utc = NSDateFormatter_Standard::standardFormatter()->dateFromString(text);
-    const auto fields = [&] {
-        auto formatter = make<NSCalendar>();
-        formatter->setTimeZone(NSTimeZone::timeZoneWithName("UTC"));
-        return formatter->components(252, utc);
-    }();
-    return Calculations::calculationCalendar()->dateFromComponents(fields);
+    const auto utc = make<NSCalendar>();
+    utc->setTimeZone(NSTimeZone::timeZoneWithName("UTC"));
+    const auto date = NSDateFormatter_Standard::standardFormatter()->dateFromString(text);
+    return Calculations::calculationCalendar()->dateFromComponents(utc->components(252, date));
 }
 
 std::string text(Date date) {

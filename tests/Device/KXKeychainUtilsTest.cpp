@@ -143,21 +143,16 @@ TEST_F(KXKeychainUtilsTest, ASaveReplacesTwoFilesAtMost) {
     }
 }
 
-TEST_F(KXKeychainUtilsTest, WithoutAnyPlaceNothingIsKept) {
-    platform.environment().set("HOME", "").set("XDG_DATA_HOME", "");
-    KXKeychainUtils::save("x", "IDFV");
-    EXPECT_TRUE(KXKeychainUtils::loadDataForKey("IDFV", ValueClass::NSString).isNull());
-    EXPECT_EQ(keychainCapability().store, KeychainCapability::Store::None);
-    EXPECT_THAT(log.lines(), IsEmpty());
-}
-
-TEST_F(KXKeychainUtilsTest, TheChoiceStaysForTheProcess) {
+TEST_F(KXKeychainUtilsTest, TheChoiceStaysForTheProcessAndWithoutAnyPlaceNothingIsKept) {
     EXPECT_EQ(keychainCapability().store, KeychainCapability::Store::File);
     platform.environment().set("HOME", "").set("XDG_DATA_HOME", "");
     KXKeychainUtils::save("x", "IDFV");
     EXPECT_EQ(KXKeychainUtils::load<std::string>("IDFV"), "x");
     platform.restart();
     EXPECT_EQ(keychainCapability().store, KeychainCapability::Store::None);
+    KXKeychainUtils::save("x", "IDFV");
+    EXPECT_TRUE(KXKeychainUtils::loadDataForKey("IDFV", ValueClass::NSString).isNull());
+    EXPECT_THAT(log.lines(), IsEmpty());
 }
 
 TEST(SecItem, AQueryNamesClassServiceAndAccount) {

@@ -68,14 +68,6 @@ TEST(StringLookup, FollowsAChangeOfTheSystemsLanguage) {
     EXPECT_EQ(Utils::localizedStringForKey("pier"), "Pier") << "no such folder";
 }
 
-TEST(StringLookup, AStoredChoiceIsReadAfterARestart) {
-    ApplicationRun run({"de-AT"});
-    addTexts(run.platform.bundle());
-    Utils::setSelectLanguage("fr");
-    run.restart();
-    EXPECT_EQ(Utils::localizedStringForKey("pier"), "Jetée");
-}
-
 TEST(StringLookup, AnExplicitBundleLeavesTheKeptOnesAlone) {
     ApplicationRun run({"de-AT"});
     addTexts(run.platform.bundle());

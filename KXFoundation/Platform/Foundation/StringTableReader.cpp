@@ -111,8 +111,17 @@ class Reader {
     };
     using Fault = const char*;  // null for none
 
-    /// Passes space and comments; false at the end of the text.
+    /// Passes space and comments; false at the end of the text. By far the most there is is one space or line
+    /// end before a quote.
     bool skipSpace() noexcept {
+        if (end_ - at_ >= 2) {
+            if (isSpace(*at_)) ++at_;
+            if (*at_ == '"') return true;
+        }
+        return skipAllSpace();
+    }
+
+    [[gnu::noinline]] bool skipAllSpace() noexcept {
         for (;;) {
             while (at_ < end_ && isSpace(*at_)) ++at_;
             if (end_ - at_ < 2 || at_[0] != '/' || (at_[1] != '/' && at_[1] != '*')) return at_ < end_;
