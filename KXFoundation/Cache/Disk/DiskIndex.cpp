@@ -16,14 +16,14 @@ void DiskIndex::apply(Segment& segment, const Record& record) {
     if (record.form == Form::Clearing) return clearPlaces();
     if (const auto former = find(record.keyHash)) forget(*former);
     if (!holdsValue(record.form)) return;
-    places_[record.keyHash] = {&segment, segment.records.size() - 1};
+    places_.set(record.keyHash, {&segment, segment.records.size() - 1});
     liveCost_ += record.payloadSize;
     liveBytes_ += record.entrySize();
 }
 
 std::optional<DiskIndex::Place> DiskIndex::find(std::uint64_t keyHash) const {
-    const auto found = places_.find(keyHash);
-    return found == places_.end() ? std::nullopt : std::optional(found->second);
+    const Place found = places_.find(keyHash);
+    return found.segment ? std::optional(found) : std::nullopt;
 }
 
 bool DiskIndex::isLive(const Place& place) const {

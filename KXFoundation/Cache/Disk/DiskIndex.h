@@ -4,10 +4,10 @@
 #include <deque>
 #include <memory>
 #include <optional>
-#include <unordered_map>
 #include <vector>
 
 #include <KXFoundation/Cache/Disk/DiskSegment.h>
+#include <KXFoundation/Cache/Disk/HashTable.h>
 
 namespace kx::disk {
 
@@ -26,8 +26,8 @@ class DiskIndex {
         bool isSealed = false;
     };
     struct Place {
-        Segment* segment;
-        std::size_t slot;
+        Segment* segment = nullptr;
+        std::size_t slot = 0;
         [[nodiscard]] const Record& record() const noexcept { return segment->records[slot]; }
         bool operator==(const Place&) const = default;
     };
@@ -64,12 +64,8 @@ class DiskIndex {
     void clearPlaces();
     void dropFirstSegment();
 
-    /// The hash is the key's own.
-    struct Identity {
-        std::size_t operator()(std::uint64_t hash) const noexcept { return hash; }
-    };
     std::deque<std::unique_ptr<Segment>> segments_;
-    std::unordered_map<std::uint64_t, Place, Identity> places_;
+    HashTable<Place> places_;
     std::vector<std::string> emptied_;
     std::uint64_t liveCost_ = 0;   // payloads
     std::uint64_t liveBytes_ = 0;  // their entries

@@ -20,6 +20,7 @@ struct CacheEntry {
         std::uint64_t cost;
         std::chrono::nanoseconds time;  ///< by the cache's clock, when the value was set
     };
+    static constexpr std::size_t kLongestKey = 0xFFFF'FFFF;
     [[nodiscard]] static CacheEntry* make(std::string_view key, Value value, const Facts& facts);
     static void destroy(CacheEntry* entry) noexcept;
 
@@ -40,11 +41,11 @@ struct CacheEntry {
     std::atomic<CacheEntry*> next{nullptr};  // in the bucket
     const std::uint64_t hash;
     const Value value;
-    const std::size_t keySize;
+    const std::uint32_t keySize;
     std::atomic<bool> visited{false};
 
   private:
-    CacheEntry(Value v, std::size_t size, const Facts& facts) noexcept
+    CacheEntry(Value v, std::uint32_t size, const Facts& facts) noexcept
         : time(facts.time), cost(facts.cost), hash(facts.hash), value(std::move(v)), keySize(size) {}
     ~CacheEntry() = default;
 };

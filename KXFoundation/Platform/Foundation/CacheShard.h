@@ -29,23 +29,28 @@ class DiscardedEntries {
 
     void add(CacheEntry* entry) noexcept {
         entry->older = first_;
+        if (!first_) last_ = entry;
         first_ = entry;
         ++count_;
         cost_ += entry->cost;
     }
     void add(Retirable* table) { tables_.push_back(table); }
-    [[nodiscard]] std::size_t count() const noexcept { return count_ + tables_.size(); }
-    [[nodiscard]] std::uint64_t cost() const noexcept { return cost_; }
+    void append(DiscardedEntries other);
+    [[nodiscard]] bool isEmpty() const noexcept { return count_ == 0 && tables_.empty(); }
+    /// Whether it is more than a small part of a cache with so many entries of that cost.
+    [[nodiscard]] bool isMuch(std::uint64_t count, std::uint64_t cost) const noexcept;
 
   private:
     void take(DiscardedEntries& other) noexcept {
         std::swap(first_, other.first_);
+        std::swap(last_, other.last_);
         std::swap(count_, other.count_);
         std::swap(cost_, other.cost_);
         tables_.swap(other.tables_);
     }
     std::vector<Retirable*> tables_;  // former ones, seldom any
     CacheEntry* first_ = nullptr;
+    CacheEntry* last_ = nullptr;
     std::size_t count_ = 0;
     std::uint64_t cost_ = 0;
 };
@@ -74,7 +79,10 @@ class alignas(64) CacheShard {
     }
     static constexpr auto kNever = std::chrono::nanoseconds::max();
 
-    [[nodiscard]] Mutex& mutex() const noexcept { return mutex_; }
+    [[nodiscard]] Mutex& mutex() const noexcept KX_THREAD_ANNOTATION(lock_returned(mutex_)) { return mutex_; }
+    /// Locks the mutex. It is held for less time than it takes to put a thread to sleep and wake it, so this
+    /// asks some times before it sleeps.
+    void lock() const KX_ACQUIRE(mutex_);
 
     [[nodiscard]] CacheEntry* findLocked(std::uint64_t hash, std::string_view key) const KX_REQUIRES(mutex_) {
         return find(hash, key);
@@ -95,11 +103,8 @@ class alignas(64) CacheShard {
     void beginMoving() noexcept { version_.fetch_add(1, std::memory_order_acq_rel); }
     void endMoving() noexcept { version_.fetch_add(1, std::memory_order_acq_rel); }
 
-    /// Puts an evicted entry aside, so that several share the price of retire().
-    void discard(CacheEntry* entry) KX_REQUIRES(mutex_) {
-        discarded_.add(entry);
-        ++evictions;
-    }
+    /// Puts an unlinked entry aside, so that several share the price of retire().
+    void discard(CacheEntry* entry) KX_REQUIRES(mutex_) { discarded_.add(entry); }
     /// What was put aside, once it is more than a small part of the shard.
     [[nodiscard]] DiscardedEntries takeIfMuch() KX_REQUIRES(mutex_);
     [[nodiscard]] DiscardedEntries takeDiscarded() KX_REQUIRES(mutex_) { return std::move(discarded_); }
@@ -107,10 +112,12 @@ class alignas(64) CacheShard {
     std::uint64_t evictions KX_GUARDED_BY(mutex_) = 0;
 
   private:
+    struct Bucket;
     struct Buckets;
-    std::atomic<CacheEntry*>& bucket(std::uint64_t hash) const noexcept;
+    Bucket& bucket(std::uint64_t hash) const noexcept;
     void grow() KX_REQUIRES(mutex_);
     void linkNewest(CacheEntry* entry) KX_REQUIRES(mutex_);
+    void prefetchNextVictim() const KX_REQUIRES(mutex_);
     [[nodiscard]] std::uint64_t version() const noexcept { return version_.load(std::memory_order_acquire); }
 
     std::atomic<Buckets*> buckets_;

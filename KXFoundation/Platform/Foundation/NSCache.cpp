@@ -28,7 +28,7 @@ class NSCache::LockedShard {
     LockedShard(const NSCache& cache, std::uint64_t hash) KX_THREAD_ANNOTATION(no_thread_safety_analysis) {
         for (;;) {
             shard_ = &cache.shardFor(hash);
-            shard_->mutex().lock();
+            shard_->lock();
             if (shard_ == &cache.shardFor(hash)) return;
             shard_->mutex().unlock();
         }
@@ -119,6 +119,7 @@ DiscardedEntries NSCache::makeRoom(CacheShard& shard, const CacheEntry* keep, Ch
     do {
         while (isOver(change) && (victim = shard.evict(keep))) {
             change.without(*victim);
+            ++shard.evictions;
             shard.discard(victim);
         }
         apply(std::exchange(change, Change()));
@@ -126,15 +127,25 @@ DiscardedEntries NSCache::makeRoom(CacheShard& shard, const CacheEntry* keep, Ch
     return shard.takeIfMuch();
 }
 
+/// What shards have put aside waits here for more of its kind: where threads read, retire() is one system
+/// call for all of it.
+void NSCache::discard(DiscardedEntries few) const {
+    if (few.isEmpty()) return;
+    DiscardedEntries many;  // goes after the lock
+    const MutexLock lock(discardedMutex_);
+    discarded_.append(std::move(few));
+    if (discarded_.isMuch(totals_.count, totals_.cost)) many = std::move(discarded_);
+}
+
 void NSCache::setObject(Value object, std::string_view key, std::uint64_t cost) {
-    if (object.isNull()) return;
+    if (object.isNull() || key.size() > CacheEntry::kLongestKey) return;
     const std::uint64_t costLimit = costLimit_.load(std::memory_order_relaxed);
     if (costLimit != 0 && cost > costLimit) return removeObjectForKey(key);
     const std::uint64_t hash = hashOf(key);
     CacheEntry* const entry = CacheEntry::make(key, std::move(object), {hash, cost, clock_->now()});
     bool isLarge = false;
+    DiscardedEntries discarded;
     {
-        DiscardedEntries replaced, evicted;  // go after the lock
         const LockedShard locked(*this, hash);
         CacheShard& shard = *locked;
         const auto replace = [&]() KX_THREAD_ANNOTATION(no_thread_safety_analysis) {
@@ -144,13 +155,14 @@ void NSCache::setObject(Value object, std::string_view key, std::uint64_t cost) 
             if (former) {
                 shard.unlink(former);
                 change = Change(0, cost - former->cost);
-                replaced.add(former);
+                shard.discard(former);
             }
-            evicted = makeRoom(shard, entry, change);
+            discarded = makeRoom(shard, entry, change);
             isLarge = shard.count() > kSplitAt;
         };
         replace();
     }
+    discard(std::move(discarded));
     if (isLarge && shardMask_.load(std::memory_order_relaxed) == 0) split();
     if (isOver()) holdLimits(entry);
     if (ageLimit_.load(std::memory_order_relaxed) != 0) removeExpired();
@@ -158,14 +170,14 @@ void NSCache::setObject(Value object, std::string_view key, std::uint64_t cost) 
 
 void NSCache::removeObjectForKey(std::string_view key) {
     const std::uint64_t hash = hashOf(key);
-    DiscardedEntries removed, waiting;
+    DiscardedEntries removed;
     const LockedShard locked(*this, hash);
     const auto remove = [&](CacheShard& shard) KX_THREAD_ANNOTATION(no_thread_safety_analysis) {
-        waiting = shard.takeDiscarded();
         CacheEntry* const entry = shard.findLocked(hash, key);
         if (!entry) return;
         shard.unlink(entry);
         apply(Change().without(*entry));
+        removed = shard.takeDiscarded();
         removed.add(entry);
     };
     remove(*locked);
@@ -173,15 +185,18 @@ void NSCache::removeObjectForKey(std::string_view key) {
 
 void NSCache::removeAllObjects() {
     for (CacheShard& shard : shards_) {
-        DiscardedEntries removed, waiting;
+        DiscardedEntries removed;
         const MutexLock lock(shard.mutex());
-        waiting = shard.takeDiscarded();
+        removed = shard.takeDiscarded();
         while (CacheEntry* entry = shard.oldest()) {
             shard.unlink(entry);
             apply(Change().without(*entry));
             removed.add(entry);
         }
     }
+    DiscardedEntries waiting;
+    const MutexLock lock(discardedMutex_);
+    waiting = std::move(discarded_);
 }
 
 /// Evicts from all shards alike until the limits hold.
@@ -195,13 +210,16 @@ bool NSCache::evictOneOfEach(const CacheEntry* keep) {
     for (CacheShard& shard : shards_) {
         if (!isOver()) return true;
         DiscardedEntries evicted;
-        const MutexLock lock(shard.mutex());
+        MutexLock lock(shard.mutex());
         CacheEntry* const victim = shard.evict(keep);
         if (!victim) continue;
         found = true;
         apply(Change().without(*victim));
+        ++shard.evictions;
         shard.discard(victim);
         evicted = shard.takeIfMuch();
+        lock.unlock();
+        discard(std::move(evicted));
     }
     return found;
 }

@@ -32,8 +32,8 @@ class KX_EXPORT NSCache : public Subclass<NSCache, NSObject> {
     [[nodiscard]] Value objectForKey(std::string_view key) const;
     /// Whether there is one; counts as no use of it.
     [[nodiscard]] bool containsObjectForKey(std::string_view key) const;
-    /// Replaces what stood under the key. A null value changes nothing; a value that costs more than the cost
-    /// limit is not kept, and neither is the former one.
+    /// Replaces what stood under the key. A null value changes nothing, and neither does a key of 4 GiB; a
+    /// value that costs more than the cost limit is not kept, and neither is the former one.
     void setObject(Value object, std::string_view key, std::uint64_t cost = 0);
     void removeObjectForKey(std::string_view key);
     void removeAllObjects();
@@ -96,6 +96,7 @@ class KX_EXPORT NSCache : public Subclass<NSCache, NSObject> {
     void apply(const Change& change) const noexcept;
     DiscardedEntries makeRoom(CacheShard& shard, const CacheEntry* keep, Change change)
         KX_REQUIRES(shard.mutex());
+    void discard(DiscardedEntries few) const;
     void holdLimits(const CacheEntry* keep = nullptr);
     bool evictOneOfEach(const CacheEntry* keep);
     void removeExpired() const;
@@ -110,6 +111,8 @@ class KX_EXPORT NSCache : public Subclass<NSCache, NSObject> {
     mutable Totals totals_;
     mutable std::array<Uses, kStripes> uses_;
     mutable std::array<CacheShard, kShards> shards_;
+    mutable Mutex discardedMutex_;
+    mutable DiscardedEntries discarded_ KX_GUARDED_BY(discardedMutex_);
 };
 
 }  // namespace kx

@@ -16,6 +16,7 @@
 #define KX_REQUIRES(...) KX_THREAD_ANNOTATION(requires_capability(__VA_ARGS__))
 #define KX_EXCLUDES(...) KX_THREAD_ANNOTATION(locks_excluded(__VA_ARGS__))
 #define KX_ACQUIRE(...) KX_THREAD_ANNOTATION(acquire_capability(__VA_ARGS__))
+#define KX_TRY_ACQUIRE(...) KX_THREAD_ANNOTATION(try_acquire_capability(__VA_ARGS__))
 #define KX_RELEASE(...) KX_THREAD_ANNOTATION(release_capability(__VA_ARGS__))
 
 namespace kx {
@@ -27,6 +28,7 @@ class KX_CAPABILITY Mutex {
     Mutex& operator=(const Mutex&) = delete;
 
     void lock() KX_ACQUIRE() { mutex_.lock(); }
+    [[nodiscard]] bool tryLock() KX_TRY_ACQUIRE(true) { return mutex_.try_lock(); }
     void unlock() KX_RELEASE() { mutex_.unlock(); }
 
   private:

@@ -78,6 +78,9 @@ class KX_EXPORT Value {
         std::swap(bits_, other.bits_);
     }
 
+    /// Where the payload lies that copies share; null for a scalar.
+    [[nodiscard]] const void* sharedPayload() const noexcept { return isShared() ? bits_.payload : nullptr; }
+
     [[nodiscard]] Type type() const noexcept { return type_; }
     [[nodiscard]] bool isNull() const noexcept { return type_ == Type::Null; }
 
