@@ -1,6 +1,9 @@
 #pragma once
 
+#include <chrono>
 #include <cstdint>
+
+#include <KXFoundation/Platform/Runtime/Result.h>
 
 /// The table between the library and its module of desktop services, which talks to the session and system
 /// buses through GIO (Modules/Desktop*.cpp). Whether the desktop answers shows at
@@ -27,5 +30,8 @@ struct DesktopModule {
 /// The module, opened at the first call, which takes milliseconds; nullptr where there is none (one log line
 /// was written). Any thread.
 const DesktopModule* desktopModule();
+/// The same for who may wait that long at most, the answer of the desktop included: takes what the opening
+/// took off the patience. TimedOut if it takes longer, Unsupported where there is no module. Any thread.
+[[nodiscard]] Result<const DesktopModule*> desktopModuleWithin(std::chrono::milliseconds& patience);
 
 }  // namespace kx
