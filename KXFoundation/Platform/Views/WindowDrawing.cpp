@@ -39,7 +39,7 @@ void NSWindow::setAppearance(NSAppearance appearance) {
 
 void NSWindow::displayIfNeeded() {
     if (const auto parent = parentWindow()) return parent->displayIfNeeded();
-    if (!surface_) return;
+    if (!surface_ || miniaturized_) return;
     const auto held = self();
     const auto surface = surface_;  // drawing may close the window
     layoutIfNeeded();

@@ -20,6 +20,8 @@ enum class WindowEventType : std::uint32_t {
     Exposed,  ///< the contents must be presented again
     FocusGained,
     FocusLost,
+    Minimized,  ///< the desktop has put the window away
+    Restored,   ///< it has not, or no longer
     CloseRequested,
     Quit,  ///< the display went away or the session ends
 };
@@ -53,7 +55,7 @@ enum WindowModifier : std::uint32_t {
 struct WindowModuleEvent {
     WindowEventType type = WindowEventType::Nothing;
     std::uint32_t window = 0;      ///< the number that createWindow answered; 0 for Quit
-    double x = 0, y = 0;           ///< points from the window's top left corner; for Wheel the lines, to the right and up
+    double x = 0, y = 0;           ///< points from the window's top left corner; of Wheel lines, right and up
     double width = 0, height = 0;  ///< of Resized
     std::uint32_t button = 0;      ///< 0 the primary one, 1 the secondary one, 2 the middle one
     std::uint32_t clicks = 0;      ///< 1, 2, ... of MouseDown and MouseUp
@@ -68,7 +70,7 @@ struct WindowModulePixelRect {
 };
 
 struct WindowModule {
-    static constexpr std::uint32_t kVersion = 1;
+    static constexpr std::uint32_t kVersion = 2;
 
     std::uint32_t version;
     /// "x11" or "wayland".
@@ -81,6 +83,7 @@ struct WindowModule {
     /// What it has got, in points, which may be another size than was asked for.
     void (*size)(std::uint32_t window, double* width, double* height);
     void (*setVisible)(std::uint32_t window, bool visible);
+    /// To the front, also one that the desktop has put away.
     void (*raise)(std::uint32_t window);
     /// Pixels to the point.
     double (*scale)(std::uint32_t window);

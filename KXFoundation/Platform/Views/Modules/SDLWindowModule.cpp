@@ -69,6 +69,11 @@ std::uint32_t buttonOf(std::uint8_t button) {
     }
 }
 
+/// Which of several events tells of it depends on the window manager; all of them change these.
+bool isPutAway(std::uint32_t window) {
+    return (SDL_GetWindowFlags(find(window)) & (SDL_WINDOW_MINIMIZED | SDL_WINDOW_HIDDEN)) != 0;
+}
+
 void translateWindowEvent(const SDL_WindowEvent& from, WindowModuleEvent& to) {
     to.window = from.windowID;
     switch (from.event) {
@@ -85,6 +90,13 @@ void translateWindowEvent(const SDL_WindowEvent& from, WindowModuleEvent& to) {
             break;
         case SDL_WINDOWEVENT_FOCUS_LOST:
             to.type = WindowEventType::FocusLost;
+            break;
+        case SDL_WINDOWEVENT_SHOWN:
+        case SDL_WINDOWEVENT_HIDDEN:
+        case SDL_WINDOWEVENT_MINIMIZED:
+        case SDL_WINDOWEVENT_MAXIMIZED:
+        case SDL_WINDOWEVENT_RESTORED:
+            to.type = isPutAway(from.windowID) ? WindowEventType::Minimized : WindowEventType::Restored;
             break;
         case SDL_WINDOWEVENT_LEAVE:
             to.type = WindowEventType::MouseLeft;
@@ -219,7 +231,11 @@ const WindowModule kTable{
         },
     .setVisible = [](std::uint32_t id,
                      bool visible) { visible ? SDL_ShowWindow(find(id)) : SDL_HideWindow(find(id)); },
-    .raise = [](std::uint32_t id) { SDL_RaiseWindow(find(id)); },
+    .raise =
+        [](std::uint32_t id) {
+            if (isPutAway(id)) SDL_RestoreWindow(find(id));
+            SDL_RaiseWindow(find(id));
+        },
     .scale = [](std::uint32_t id) { return scaleOf(find(id)); },
     .present = present,
     .descriptor = displayDescriptor,
