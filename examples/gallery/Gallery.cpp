@@ -14,7 +14,6 @@ using namespace kx;
 
 namespace {
 
-constexpr double kSideWidth = 200;
 constexpr double kMargin = 28;
 constexpr double kTop = 24;
 constexpr double kLeastSide = 400;

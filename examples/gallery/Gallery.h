@@ -18,6 +18,7 @@ class Gallery {
   public:
     static constexpr double kWidth = 980;
     static constexpr double kHeight = 720;
+    static constexpr double kSideWidth = 200;
 
     Gallery();
 
