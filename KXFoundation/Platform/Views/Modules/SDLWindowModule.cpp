@@ -64,8 +64,8 @@ std::uint32_t buttonOf(std::uint8_t button) {
             return 1;
         case SDL_BUTTON_MIDDLE:
             return 2;
-        default:
-            return button;
+        default:  // counted from 1 there
+            return button - 1U;
     }
 }
 
