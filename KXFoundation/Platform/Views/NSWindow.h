@@ -102,7 +102,7 @@ class KX_EXPORT NSWindow : public Subclass<NSWindow, NSResponder> {
     // Events
 
     /// Finds the view that the event is for and calls it. A drag and its end go to the view that got the
-    /// mouse down, the secondary button and the wheel to the view under the mouse.
+    /// mouse down, the other buttons and the wheel to the view under the mouse.
     virtual void sendEvent(const NSEvent& event);
     /// Where keys go first; the window itself if there is none. A view that has left the window is none.
     [[nodiscard]] std::shared_ptr<NSResponder> firstResponder() const;

@@ -4,7 +4,7 @@
 #include <KXFoundation/Platform/Graphics/GraphicsContext.h>
 #include <KXFoundation/Platform/Graphics/NSColor.h>
 #include <KXFoundation/Platform/Graphics/NSImageRep.h>
-#include <KXFoundation/Platform/Runtime/EventLoop.h>
+#include <KXFoundation/Platform/Views/NSApplication.h>
 #include <KXFoundation/Platform/Views/NSView.h>
 #include <KXFoundation/Platform/Views/NSWindow.h>
 #include <KXFoundation/Platform/Views/ViewDrawing.h>
@@ -25,10 +25,9 @@ void NSWindow::setNeedsDisplay(NSRect rect) {
     if (wasEmpty && !invalid_.isEmpty()) wakeLoop();
 }
 
-/// A loop of the application's own learns from the descriptor that there is something to lay out or draw.
 void NSWindow::wakeLoop() const {
     if (parent_) return parent_->wakeLoop();
-    if (surface_) EventLoop::main().perform([] {});
+    if (surface_) NSApplication::sharedApplication()->wakeLoop();
 }
 
 void NSWindow::setAppearance(NSAppearance appearance) {
