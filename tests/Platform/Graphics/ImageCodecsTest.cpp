@@ -312,6 +312,7 @@ TEST(ImageDecoder, TakesDamagedFilesOfEveryFormat) {
     const Bytes files[] = {
         *encodeJpeg(*picture, 0.5),
         jpeg(*picture, {"", 3, JCS_RGB, JCS_YCbCr, true, false}),
+        jpeg(*picture, {"", 4, JCS_CMYK, JCS_YCCK, true, true}),
         webp(*picture, true),
         webp(*picture, false),
         *encodeTiff(*picture),
