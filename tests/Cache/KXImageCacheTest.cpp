@@ -165,6 +165,8 @@ TEST_F(KXImageCacheTest, ImagesAreOnDiskAfterARestart) {
     ASSERT_EQ(originOf(*file), bytes);
     const auto changed = photograph().first;
     changed->largestBitmap()->pixels()[5] = 0xFF102030;
+    const auto painted = photograph().first;
+    GraphicsContext::onBitmap(painted->largestBitmap())->fill({0, 0, 2, 2}, *NSColor::controlAccentColor());
     const auto dense = NSImage::initWithBitmap(shades(), 2);
     const auto drawn = NSImage::imageWithSize({4, 4}, [](NSRect rect) {
         GraphicsContext::current()->fill(rect, *NSColor::controlAccentColor());
@@ -174,8 +176,11 @@ TEST_F(KXImageCacheTest, ImagesAreOnDiskAfterARestart) {
         const char* key;
         std::shared_ptr<NSImage> image;
         bool keepsFile;
-    } rows[] = {
-        {"file", file, true}, {"changed", changed, false}, {"dense", dense, false}, {"drawn", drawn, false}};
+    } rows[] = {{"file", file, true},
+                {"changed", changed, false},
+                {"painted", painted, false},
+                {"dense", dense, false},
+                {"drawn", drawn, false}};
     for (const auto& row : rows) open()->setImage(row.image, row.key);
     platform.restart();
     for (const auto& [key, image, keepsFile] : rows) {
