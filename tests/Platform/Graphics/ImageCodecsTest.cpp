@@ -237,14 +237,16 @@ TEST(Tiff, ComesBackAsItWasWritten) {
     for (std::size_t i = 0; i < bitmap->pixels().size(); ++i)
         ASSERT_LE(distance((*decoded)->pixels()[i], bitmap->pixels()[i]), 1) << i;
 
-    Bytes lying = *encoded;  // that its colours, which are straight, are premultiplied
-    const std::byte extraSamples[] = {std::byte{0x52}, std::byte{1}, std::byte{3},
-                                      std::byte{0}};  // 338, words
-    const auto entry =
-        std::search(lying.begin(), lying.end(), std::begin(extraSamples), std::end(extraSamples));
-    ASSERT_NE(entry, lying.end());
-    entry[8] = std::byte{1};
-    expectCorners(decodeImage(lying), {kOpaque[0], kOpaque[1], kOpaque[2], 0x80808020}, "no such colours", 1);
+    const auto saying = [&](std::byte tag, std::byte value) {
+        Bytes file = *encoded;
+        const std::byte entry[] = {tag, std::byte{1}, std::byte{3}, std::byte{0}};  // 256 + tag, words
+        *(std::find_end(file.begin(), file.end(), std::begin(entry), std::end(entry)) + 8) = value;
+        return decodeImage(file);
+    };
+    const std::array<std::uint32_t, 4> want{kOpaque[0], kOpaque[1], kOpaque[2], 0x80804010};
+    expectCorners(saying(std::byte{0x12}, std::byte{3}), {want[3], want[2], want[1], want[0]}, "turned", 1);
+    // That its colours, which are straight, are premultiplied.
+    expectCorners(saying(std::byte{0x52}, std::byte{1}), {want[0], want[1], want[2], 0x80808020}, "lying", 1);
 }
 
 /// A chunk whose check sum is wrong, which nobody sees where it is passed over.
