@@ -3,7 +3,6 @@
 #include <vector>
 
 #include <KXFoundation/Cache/Disk/HeaderPage.h>
-#include <KXFoundation/Platform/Runtime/GuardedRead.h>
 
 namespace kx::disk {
 
@@ -57,21 +56,20 @@ Result<void> makePage(File& file, const Fields& found, const Fields& fresh, std:
 
 }  // namespace
 
-/// The head first: it never passes a tail that is read after it.
+/// The head first: it never passes a tail that is read after it. The magic last: where that is there, what
+/// was read before was the file's.
 std::optional<HeaderPage::Ends> HeaderPage::ends() const noexcept {
     Fields fields = {};
-    const bool isThere = guardedRead(page_->bytes(), [&] {
-        fields.magic = load(0);
-        fields.head = load(kHead);
-        fields.tail = load(kTail);
-    });
-    if (!isThere || !isPage(fields, kMagic)) return std::nullopt;
+    fields.head = load(kHead);
+    fields.tail = load(kTail);
+    fields.magic = load(kMagicWord);
+    if (!isPage(fields, kMagic)) return std::nullopt;
     return Ends{Position::unpacked(fields.head), Position::unpacked(fields.tail)};
 }
 
 bool HeaderPage::store(std::size_t offset, std::uint64_t value) noexcept {
-    return guardedRead(page_->bytes(),
-                       [&] { std::atomic_ref(word(offset)).store(value, std::memory_order_release); });
+    std::atomic_ref(word(offset)).store(value, std::memory_order_release);
+    return load(kMagicWord) == kMagic;
 }
 
 Result<std::unique_ptr<HeaderPage>> HeaderPage::open(FileSystem& files, const std::string& path,

@@ -8,6 +8,7 @@
 
 #include <KXFoundation/Cache/Disk/DiskFormat.h>
 #include <KXFoundation/Platform/Runtime/FileSystem.h>
+#include <KXFoundation/Platform/Runtime/GuardedRead.h>
 
 namespace kx::disk {
 
@@ -43,7 +44,7 @@ class HeaderPage {
 
   private:
     static constexpr std::size_t kSize = 4096;
-    static constexpr std::size_t kHead = 8, kTail = 16;
+    static constexpr std::size_t kMagicWord = 0, kHead = 8, kTail = 16;
     static constexpr std::uint64_t kMagic = 0x0131'4448'5358'4B00;  // "\0KXSHD1\1"
 
     HeaderPage(std::unique_ptr<File> file, std::unique_ptr<FileMapping> page, std::uint64_t identity,
@@ -59,6 +60,7 @@ class HeaderPage {
 
     const std::unique_ptr<File> file_;
     const std::unique_ptr<FileMapping> page_;
+    const GuardedPages guard_{page_->bytes()};
     const std::uint64_t identity_;
     const bool isWritable_;
 };
