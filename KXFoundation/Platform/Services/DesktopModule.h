@@ -10,6 +10,7 @@
 /// each call. Each service's header says on which threads it may be called.
 namespace kx {
 
+struct DesktopAnnouncer;    // DesktopAnnouncer.h: the accessibility bus
 struct DesktopBiometrics;   // DesktopBiometrics.h: fprintd
 struct DesktopClockFormat;  // DesktopClockFormat.h: the desktop's 12/24-hour setting
 struct DesktopOpener;       // DesktopOpener.h: the portal that opens addresses
@@ -17,9 +18,10 @@ struct DesktopProxies;      // DesktopProxies.h: the proxies that the user has s
 struct DesktopSecrets;      // DesktopSecrets.h: the Secret Service
 
 struct DesktopModule {
-    static constexpr std::uint32_t kVersion = 2;
+    static constexpr std::uint32_t kVersion = 3;
 
     std::uint32_t version;
+    const DesktopAnnouncer* announcer;
     const DesktopBiometrics* biometrics;
     const DesktopClockFormat* clockFormat;
     const DesktopOpener* opener;

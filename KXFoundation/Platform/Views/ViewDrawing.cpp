@@ -1,3 +1,5 @@
+#include <algorithm>
+
 #include <KXFoundation/Platform/Graphics/GraphicsContext.h>
 #include <KXFoundation/Platform/Graphics/NSColor.h>
 #include <KXFoundation/Platform/Views/CALayer.h>
@@ -12,7 +14,7 @@ void ViewDrawing::draw(NSView& view, NSRect dirty) {
     const bool marksItsOwnExtentOnly = view.clipsToBounds() || view.subviews().empty();
     if (marksItsOwnExtentOnly && view.placedInSuperview(view.ownExtent()).intersection(dirty).isEmpty())
         return;
-    const auto held = view.self();
+    const auto held = view.self();  // drawing may run application code that changes the tree
     const GraphicsContext::SavedState state(context_);
     dirty = enter(view, dirty);
     const double opacity = view.shownAlpha();
@@ -67,8 +69,9 @@ void ViewDrawing::drawSubviews(NSView& view, NSRect dirty) {
         if (dirty.isEmpty()) return;
         clipToBounds(view);
     }
-    const auto subviews = view.subviews();  // drawing may run application code that changes the tree
-    for (const auto& subview : subviews) draw(*subview, dirty);
+    const auto& subviews = view.subviews();
+    const std::size_t count = subviews.size();  // what drawing adds is drawn the next time
+    for (std::size_t i = 0; i < std::min(count, subviews.size()); ++i) draw(*subviews[i], dirty);
 }
 
 /// Rounded where the view cuts what it holds at rounded corners.
