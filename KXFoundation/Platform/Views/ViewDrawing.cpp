@@ -9,11 +9,18 @@
 
 namespace kx {
 
+/// Asked of every view for every rectangle that is drawn; nearly all of them are plain and elsewhere.
+bool ViewDrawing::canMark(const NSView& view, NSRect dirty) {
+    if (!view.frame().intersection(dirty).isEmpty()) return true;
+    if (!view.clipsToBounds() && !view.subviews().empty()) return true;
+    const CALayer* layer = view.layer().get();
+    if (!layer || (layer->shadowOpacity_ <= 0 && !layer->presentation_.moves())) return false;
+    return !view.placedInSuperview(view.ownExtent()).intersection(dirty).isEmpty();
+}
+
 void ViewDrawing::draw(NSView& view, NSRect dirty) {
     if (!view.isDrawn()) return;
-    const bool marksItsOwnExtentOnly = view.clipsToBounds() || view.subviews().empty();
-    if (marksItsOwnExtentOnly && view.placedInSuperview(view.ownExtent()).intersection(dirty).isEmpty())
-        return;
+    if (!canMark(view, dirty)) return;
     const auto held = view.self();  // drawing may run application code that changes the tree
     const GraphicsContext::SavedState state(context_);
     dirty = enter(view, dirty);
