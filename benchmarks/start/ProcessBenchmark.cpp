@@ -76,7 +76,7 @@ void makeWindow(benchmark::State& state, const char* who) {
 
 [[maybe_unused]] const bool registered = [] {
     for (const char* who : {"kx", "qt"}) {
-        benchmark::RegisterBenchmark(std::string(kWorkload) + "/" + who, makeWindow, who)
+        benchmark::RegisterBenchmark((std::string(kWorkload) + "/" + who).c_str(), makeWindow, who)
             ->UseRealTime()
             ->Unit(benchmark::kMillisecond);
     }

@@ -1,4 +1,5 @@
 #include <algorithm>
+#include <optional>
 
 #include <KXFoundation/Platform/Graphics/GraphicsContext.h>
 #include <KXFoundation/Platform/Graphics/NSColor.h>
@@ -19,8 +20,7 @@ bool ViewDrawing::canMark(const NSView& view, NSRect dirty) {
 }
 
 void ViewDrawing::draw(NSView& view, NSRect dirty) {
-    if (!view.isDrawn()) return;
-    if (!canMark(view, dirty)) return;
+    if (!canMark(view, dirty) || !view.isDrawn()) return;
     const auto held = view.self();  // drawing may run application code that changes the tree
     const GraphicsContext::SavedState state(context_);
     dirty = enter(view, dirty);
@@ -64,7 +64,8 @@ void ViewDrawing::drawLayer(const NSView& view, NSRect dirty) {
 void ViewDrawing::drawContent(NSView& view, NSRect dirty) {
     dirty = dirty.intersection(view.bounds());
     if (dirty.isEmpty()) return;
-    const GraphicsContext::SavedState state(context_);
+    std::optional<GraphicsContext::SavedState> state;
+    if (!view.subviews().empty()) state.emplace(context_);  // they are not cut by this clip
     clipToBounds(view);
     view.drawRect(context_, dirty);
 }
