@@ -1,33 +1,27 @@
 #include <algorithm>
-#include <cstring>
-#include <new>
+#include <utility>
 
 #include <KXFoundation/Platform/Foundation/CacheShard.h>
 
 namespace kx {
-
-CacheEntry* CacheEntry::make(std::string_view key, Value value, const Facts& facts) {
-    void* memory = ::operator new(sizeof(CacheEntry) + key.size());
-    auto* entry = new (memory) CacheEntry(std::move(value), static_cast<std::uint32_t>(key.size()), facts);
-    std::memcpy(reinterpret_cast<char*>(entry + 1), key.data(), key.size());
-    return entry;
-}
-
-void CacheEntry::destroy(CacheEntry* entry) noexcept {
-    entry->~CacheEntry();
-    ::operator delete(entry);
-}
 
 namespace {
 
 class RetiredEntries final : public Retirable {
   public:
     explicit RetiredEntries(CacheEntry* first) noexcept : first_(first) {}
+    /// The values' memory is cold by now; it arrives while others are destroyed.
     ~RetiredEntries() override {
+        constexpr int kAhead = 8;
+        const CacheEntry* ahead = first_;
+        const auto fetchNext = [&] {
+            if (!ahead) return;
+            __builtin_prefetch(ahead->value.sharedPayload(), 1);
+            ahead = ahead->older;
+        };
+        for (int i = 0; i < kAhead; ++i) fetchNext();
         while (first_) {
-            // The values' memory is cold by now; it arrives while others are destroyed.
-            if (const CacheEntry* const soon = first_->older; soon && soon->older)
-                __builtin_prefetch(soon->older->value.sharedPayload(), 1);
+            fetchNext();
             CacheEntry::destroy(std::exchange(first_, first_->older));
         }
     }
@@ -134,6 +128,7 @@ void CacheShard::prefetchNextVictim() const {
     if (!hand_) return;
     table().prefetch(hand_);
     __builtin_prefetch(hand_->newer, 1);
+    if (hand_->newer) __builtin_prefetch(&hand_->newer->visited, 1);
 }
 
 /// Readers of the former table go on in it: it stays as it is.

@@ -52,7 +52,7 @@ CacheEntry* CacheTable::find(std::uint64_t hash, std::string_view key) const noe
             CacheEntry* const entry = entryIn(group->slots[slot].load(std::memory_order_acquire));
             const std::intptr_t payload = group->payloads[slot].load(std::memory_order_relaxed) * kLine;
             __builtin_prefetch(reinterpret_cast<const char*>(entry) + payload, 1);
-            __builtin_prefetch(reinterpret_cast<const char*>(entry) + kLine);  // most of the key
+            __builtin_prefetch(reinterpret_cast<const char*>(entry + 1) + key.size());
             if (entry && entry->key() == key) return entry;
         }
         if (group->passed.load(std::memory_order_acquire) == 0) break;
