@@ -14,7 +14,10 @@
 namespace {
 
 constexpr const char* kWorkload = "process/window-to-png";
-constexpr kx::PixelRect kLabel{40, 16, 400, 28}, kPicture{40, 60, 400, 240}, kButton{180, 324, 120, 36};
+struct Part {
+    std::uint32_t x, y, width, height;
+};
+constexpr Part kLabel{40, 16, 400, 28}, kPicture{40, 60, 400, 240}, kButton{180, 324, 120, 36};
 
 using Bitmap = std::shared_ptr<kx::NSBitmapImageRep>;
 
@@ -35,7 +38,7 @@ Bitmap shownBy(const char* who) {
     return image ? image->bitmapAtScale(1) : nullptr;
 }
 
-bool areEqual(const kx::NSBitmapImageRep& a, const kx::NSBitmapImageRep& b, kx::PixelRect in) {
+bool areEqual(const kx::NSBitmapImageRep& a, const kx::NSBitmapImageRep& b, Part in) {
     for (std::uint32_t i = 0; i < in.width * in.height; ++i) {
         const std::uint32_t x = in.x + i % in.width, y = in.y + i / in.width;
         if (a.pixelAt(x, y) != b.pixelAt(x, y)) return false;
@@ -44,7 +47,7 @@ bool areEqual(const kx::NSBitmapImageRep& a, const kx::NSBitmapImageRep& b, kx::
 }
 
 /// Whether there is anything but one colour.
-bool showsSomething(const kx::NSBitmapImageRep& bitmap, kx::PixelRect in) {
+bool showsSomething(const kx::NSBitmapImageRep& bitmap, Part in) {
     for (std::uint32_t i = 1; i < in.width * in.height; ++i) {
         if (bitmap.pixelAt(in.x + i % in.width, in.y + i / in.width) != bitmap.pixelAt(in.x, in.y))
             return true;
@@ -60,7 +63,7 @@ double peakRatio = 0;
     const bool equal = ours > 0 && theirs > 0 && kx && qt && kx->pixelsWide() == qt->pixelsWide() &&
                        kx->pixelsHigh() == qt->pixelsHigh() && areEqual(*kx, *qt, kPicture);
     peers::checkEqualAnswers(equal, kWorkload);
-    for (const kx::PixelRect& part : {kLabel, kPicture, kButton})
+    for (const Part& part : {kLabel, kPicture, kButton})
         peers::checkEqualAnswers(showsSomething(*kx, part) && showsSomething(*qt, part), kWorkload);
     peakRatio = ours / theirs;
     return true;
@@ -73,7 +76,7 @@ void makeWindow(benchmark::State& state, const char* who) {
 
 [[maybe_unused]] const bool registered = [] {
     for (const char* who : {"kx", "qt"}) {
-        benchmark::RegisterBenchmark(std::string(kWorkload) + "/" + who, makeWindow, who)
+        benchmark::RegisterBenchmark((std::string(kWorkload) + "/" + who).c_str(), makeWindow, who)
             ->UseRealTime()
             ->Unit(benchmark::kMillisecond);
     }

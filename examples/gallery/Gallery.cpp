@@ -87,6 +87,11 @@ Gallery::Gallery() : window_(make<Window>(*this)), root_(make<Root>(*this)) {
     window_->setContentView(root_);
 }
 
+/// The window's views know the gallery, so none is left on the screen.
+Gallery::~Gallery() {
+    window_->close();
+}
+
 bool Gallery::show(std::string_view page) {
     const auto found = std::ranges::find(pages(), page, &PageEntry::name);
     if (found == pages().end()) return false;

@@ -21,6 +21,9 @@ class Gallery {
     static constexpr double kSideWidth = 200;
 
     Gallery();
+    ~Gallery();
+    Gallery(const Gallery&) = delete;
+    Gallery& operator=(const Gallery&) = delete;
 
     [[nodiscard]] const std::shared_ptr<kx::NSWindow>& window() const { return window_; }
 

@@ -32,10 +32,7 @@ class InjectedMachine final : public Machine {
 };
 
 TEST(KXDeviceUtils, WhatFollowsFromTheHardwareIdentifier) {
-    struct {
-        const char *identifier, *model, *terminal;
-        bool biometric;
-    } const rows[] = {
+    const std::tuple<const char*, const char*, const char*, bool> rows[] = {
         {"iPhone10,3", "iPhone X", "0", true},
         {"iPhone10,6", "iPhone X", "0", true},
         {"iPhone5,3", "iPhone 5c", "0", false},
@@ -57,11 +54,11 @@ TEST(KXDeviceUtils, WhatFollowsFromTheHardwareIdentifier) {
         {"an iPad9,9", "an iPad9,9", "4", false},  // its first four characters are no name
         {"", "", "0", false},
     };
-    for (const auto& row : rows) {
-        const ScopedPort<Machine> scope(std::make_shared<InjectedMachine>(row.identifier));
-        EXPECT_EQ(KXDeviceUtils::deviceModel(), row.model);
-        EXPECT_EQ(KXDeviceUtils::terminalMeta(), row.terminal) << row.identifier;
-        EXPECT_EQ(KXDeviceUtils::isSupportBiometric(), row.biometric) << row.identifier;
+    for (const auto& [identifier, model, terminal, biometric] : rows) {
+        const ScopedPort<Machine> scope(std::make_shared<InjectedMachine>(identifier));
+        EXPECT_EQ(KXDeviceUtils::deviceModel(), model);
+        EXPECT_EQ(KXDeviceUtils::terminalMeta(), terminal) << identifier;
+        EXPECT_EQ(KXDeviceUtils::isSupportBiometric(), biometric) << identifier;
     }
 }
 
@@ -76,20 +73,17 @@ TEST(DeviceModels, EveryIdentifierStandsOnce) {
 }
 
 TEST(KXDeviceUtils, FreeSpace) {
-    struct {
-        Result<VolumeRoom> room;
-        std::uint64_t want;
-    } const rows[] = {
+    const std::pair<Result<VolumeRoom>, std::uint64_t> rows[] = {
         {VolumeRoom{4096, 3}, 12'288},
         {VolumeRoom{0xFFFF'FFFF, 0x1'0000'0001}, 0xFFFF'FFFF'FFFF'FFFF},
         {VolumeRoom{4096, 0}, 0},
         {Error{ErrorKind::Missing, 0, "/var"}, 0},
     };
     const testing::CapturedLog log;
-    for (const auto& row : rows) {
-        const ScopedPort<Machine> scope(std::make_shared<InjectedMachine>("x86_64", row.room));
-        EXPECT_EQ(KXDeviceUtils::freeSpace(), row.want);
-        EXPECT_EQ(KXDeviceUtils::isSpaceFull(), row.want == 0);
+    for (const auto& [room, want] : rows) {
+        const ScopedPort<Machine> scope(std::make_shared<InjectedMachine>("x86_64", room));
+        EXPECT_EQ(KXDeviceUtils::freeSpace(), want);
+        EXPECT_EQ(KXDeviceUtils::isSpaceFull(), want == 0);
     }
     EXPECT_EQ(log.lines().size(), 1U);
     EXPECT_EQ(Machine::makeDefault()->roomAt("/no/such/place").error().kind, ErrorKind::Missing);

@@ -1,5 +1,8 @@
+#include <algorithm>
+#include <cctype>
 #include <chrono>
 #include <cstdlib>
+#include <memory>
 #include <string>
 
 #include <gtest/gtest.h>

@@ -1,4 +1,5 @@
 #include <algorithm>
+#include <optional>
 
 #include <KXFoundation/Platform/Graphics/GraphicsContext.h>
 #include <KXFoundation/Platform/Graphics/NSColor.h>
@@ -9,11 +10,17 @@
 
 namespace kx {
 
+/// Asked of every view for every rectangle that is drawn; nearly all of them are plain and elsewhere.
+bool ViewDrawing::canMark(const NSView& view, NSRect dirty) {
+    if (!view.frame().intersection(dirty).isEmpty()) return true;
+    if (!view.clipsToBounds() && !view.subviews().empty()) return true;
+    const CALayer* layer = view.layer().get();
+    if (!layer || (layer->shadowOpacity_ <= 0 && !layer->presentation_.moves())) return false;
+    return !view.placedInSuperview(view.ownExtent()).intersection(dirty).isEmpty();
+}
+
 void ViewDrawing::draw(NSView& view, NSRect dirty) {
-    if (!view.isDrawn()) return;
-    const bool marksItsOwnExtentOnly = view.clipsToBounds() || view.subviews().empty();
-    if (marksItsOwnExtentOnly && view.placedInSuperview(view.ownExtent()).intersection(dirty).isEmpty())
-        return;
+    if (!canMark(view, dirty) || !view.isDrawn()) return;
     const auto held = view.self();  // drawing may run application code that changes the tree
     const GraphicsContext::SavedState state(context_);
     dirty = enter(view, dirty);
@@ -57,7 +64,8 @@ void ViewDrawing::drawLayer(const NSView& view, NSRect dirty) {
 void ViewDrawing::drawContent(NSView& view, NSRect dirty) {
     dirty = dirty.intersection(view.bounds());
     if (dirty.isEmpty()) return;
-    const GraphicsContext::SavedState state(context_);
+    std::optional<GraphicsContext::SavedState> state;
+    if (!view.subviews().empty()) state.emplace(context_);  // they are not cut by this clip
     clipToBounds(view);
     view.drawRect(context_, dirty);
 }

@@ -184,26 +184,22 @@ bool becomes(const ClockFormatSetting& setting, ClockFormat want) {
 }
 
 TEST_F(DesktopServicesTest, TheDesktopsClockSettingIsFollowed) {
-    struct {
-        const char* desktop;
-        std::string schema;
-        std::vector<std::string> changes;
-    } const rows[] = {
+    const std::tuple<const char*, std::string, std::vector<std::string>> rows[] = {
         {"ubuntu:GNOME", "org.gnome.desktop.interface ", {"clock-format 12h", "clock-format 24h"}},
         {"X-Cinnamon", "org.cinnamon.desktop.interface ", {"clock-use-24h false", "clock-use-24h true"}},
     };
-    for (const auto& row : rows) {
+    for (const auto& [desktop, schema, changes] : rows) {
         if (!startBus({"portal"})) GTEST_SKIP() << "no message bus can be started here";
-        platform_.environment().set("XDG_CURRENT_DESKTOP", row.desktop);
+        platform_.environment().set("XDG_CURRENT_DESKTOP", desktop);
         const auto setting = ClockFormatSetting::makeDefault();
-        EXPECT_TRUE(becomes(*setting, ClockFormat::TwentyFourHour)) << row.desktop;
+        EXPECT_TRUE(becomes(*setting, ClockFormat::TwentyFourHour)) << desktop;
         script_->writeLine("org.gnome.desktop.interface text-scaling-factor 12h");
-        script_->writeLine(row.schema + row.changes[0]);
-        EXPECT_TRUE(becomes(*setting, ClockFormat::TwelveHour)) << row.desktop;
-        script_->writeLine(row.schema + row.changes[1]);
-        EXPECT_TRUE(becomes(*setting, ClockFormat::TwentyFourHour)) << row.desktop;
-        script_->writeLine(row.schema + row.changes[1].substr(0, row.changes[1].find(' ')) + " never");
-        EXPECT_TRUE(becomes(*setting, ClockFormat::Unset)) << row.desktop;
+        script_->writeLine(schema + changes[0]);
+        EXPECT_TRUE(becomes(*setting, ClockFormat::TwelveHour)) << desktop;
+        script_->writeLine(schema + changes[1]);
+        EXPECT_TRUE(becomes(*setting, ClockFormat::TwentyFourHour)) << desktop;
+        script_->writeLine(schema + changes[1].substr(0, changes[1].find(' ')) + " never");
+        EXPECT_TRUE(becomes(*setting, ClockFormat::Unset)) << desktop;
     }
 }
 

@@ -90,9 +90,7 @@ struct PhotoStoreTest : ::testing::Test {
 
 TEST(PhotoFileName, StaysInItsFolder) {
     const std::string longName(300, 'x');
-    struct {
-        std::string text, name;
-    } const rows[] = {
+    const std::pair<std::string, std::string> rows[] = {
         {"photo.jpg", "photo.jpg"},
         {"../../etc/passwd", "_._.._etc_passwd"},
         {"..", "_."},
@@ -140,11 +138,7 @@ TEST_F(PhotoStoreTest, OneFileThatCannotBeTakenKeepsAllOut) {
     const std::string good = picture("good.png");
     PhotoChanges gone = albumOf("A", {good});
     gone.members[0].album = newPhotoIdentifier();
-    struct {
-        const char* what;
-        PhotoChanges changes;
-        ErrorKind kind;
-    } const rows[] = {
+    const std::tuple<const char*, PhotoChanges, ErrorKind> rows[] = {
         {"no file", albumOf("A", {good, directory / "none.png"}), ErrorKind::Missing},
         {"no address", albumOf("A", {good, ""}), ErrorKind::Missing},
         {"a folder", albumOf("A", {good, directory.path()}), ErrorKind::Unsupported},
@@ -153,12 +147,12 @@ TEST_F(PhotoStoreTest, OneFileThatCannotBeTakenKeepsAllOut) {
         {"a picture as a video", albumOf("A", {good}, kVideo), ErrorKind::Corrupt},
         {"an album that is gone", gone, ErrorKind::Missing},
     };
-    for (const auto& row : rows) {
-        const auto done = store().perform(row.changes);
-        ASSERT_FALSE(done.ok()) << row.what;
-        EXPECT_EQ(done.error().kind, row.kind) << row.what << ": " << done.error().message();
-        EXPECT_THAT(titlesOfWholeLibrary(1), IsEmpty()) << row.what;
-        EXPECT_FALSE(std::filesystem::exists(pictures + "/A")) << row.what;
+    for (const auto& [what, changes, kind] : rows) {
+        const auto done = store().perform(changes);
+        ASSERT_FALSE(done.ok()) << what;
+        EXPECT_EQ(done.error().kind, kind) << what << ": " << done.error().message();
+        EXPECT_THAT(titlesOfWholeLibrary(1), IsEmpty()) << what;
+        EXPECT_FALSE(std::filesystem::exists(pictures + "/A")) << what;
     }
     EXPECT_TRUE(store().perform({}).ok()) << "nothing asked is nothing failed";
     EXPECT_FALSE(PhotoStore(std::nullopt, pictures).perform(albumOf("A", {})).ok()) << "no home";
