@@ -112,10 +112,10 @@ class Stage {
             window.sendEvent({.type = NSEventType::KeyDown, .characters = std::string(NSEndFunctionKey)});
     }
 
-    [[nodiscard]] NSView& root() const { return *gallery_->window()->contentView(); }
+    [[nodiscard]] std::shared_ptr<NSView> root() const { return gallery_->window()->contentView(); }
     /// Where the page is in the window.
     [[nodiscard]] NSRect page() const {
-        const NSSize size = root().frame().size;
+        const NSSize size = root()->frame().size;
         if (picture_.shown == Shown::Window) return {{}, size};
         return gallery::directed({Gallery::kSideWidth, 0, size.width - Gallery::kSideWidth, size.height},
                                  size.width);
@@ -165,8 +165,8 @@ TEST_P(Golden, PageIsAsItWas) {
     }
 }
 
-INSTANTIATE_TEST_SUITE_P(, Golden, ::testing::ValuesIn(kPictures), [](const auto& info) {
-    std::string name = nameOf(info.param);
+INSTANTIATE_TEST_SUITE_P(, Golden, ::testing::ValuesIn(kPictures), [](const auto& row) {
+    std::string name = nameOf(row.param);
     for (char& c : name) {
         if (!std::isalnum(static_cast<unsigned char>(c))) c = '_';
     }
@@ -184,7 +184,7 @@ TEST(GoldenTolerance, EveryControlThatMovesByAPointIsNoticed) {
         const Stage stage({page});
         const auto before = stage.pixels();
         std::vector<std::shared_ptr<NSView>> controls;
-        collectControls(stage.root().self(), controls);
+        collectControls(stage.root(), controls);
         std::size_t moved = 0;
         for (const auto& control : controls) {
             control->setHidden(true);
