@@ -31,9 +31,7 @@ TEST(AppLinks, ArePlaceholdersUnlessTheBuildSaysOtherwise) {
 }
 
 TEST(FeedbackLinks, CodesOfTheSelectedLanguage) {
-    struct {
-        const char *language, *page, *tool, *orvikPage, *orvikTool;
-    } const rows[] = {
+    const std::tuple<const char*, const char*, const char*, const char*, const char*> rows[] = {
         {"en", "en_US", "en", "en_US", "en"},      {"es-419", "ex_MX", "latam", "ex_MX", "latam"},
         {"ja", "jp_JP", "jp", "jp_JP", "jp"},      {"da", "en_US", "en", "en_US", "en"},
         {"zh-Hans", "zh_TW", "tw", "en_US", "en"}, {"zh-Hant", "zh_TW", "tw", "zh_TW", "tw"},
@@ -48,12 +46,11 @@ TEST(FeedbackLinks, CodesOfTheSelectedLanguage) {
         setAppLinks({.feedbackAddress = "https://a.example/f",
                      .orvikFeedbackAddress = "https://b.example/g",
                      .productIdentifier = "anchor"});
-        for (const auto& row : rows) {
-            KXLocalizationUtils::setSelectLanguage(row.language);
-            const std::string page = isOrvik ? row.orvikPage : row.page;
-            EXPECT_EQ(KXAppUtils::getFeedbackLanguageCode(), page) << row.language;
-            EXPECT_EQ(KXAppUtils::getORLOToolLanguageCode(), isOrvik ? row.orvikTool : row.tool)
-                << row.language;
+        for (const auto& [selected, plainPage, plainTool, orvikPage, orvikTool] : rows) {
+            KXLocalizationUtils::setSelectLanguage(selected);
+            const std::string page = isOrvik ? orvikPage : plainPage;
+            EXPECT_EQ(KXAppUtils::getFeedbackLanguageCode(), page) << selected;
+            EXPECT_EQ(KXAppUtils::getORLOToolLanguageCode(), isOrvik ? orvikTool : plainTool) << selected;
             EXPECT_EQ(KXAppUtils::getFeedbackUrl(), isOrvik ? "https://b.example/g?app=anchor&darkmode=1"
                                                             : "https://a.example/f?locale=" + page);
         }
@@ -97,23 +94,18 @@ TEST(StoreLinks, AddressesGoToTheDesktop) {
 }
 
 TEST(TimeText, IsEnglishInTheSystemsZone) {
-    const struct {
-        const char* zone;
-        std::int64_t seconds;
-        std::optional<std::string_view> format;
-        std::string_view want;
-    } rows[] = {
+    const std::tuple<const char*, std::int64_t, std::optional<std::string_view>, std::string_view> rows[] = {
         {"Asia/Tokyo", 0, "yyyy", "1970"},
         {"America/New_York", 0, "yyyy", "1969"},
         {"Asia/Tokyo", 1'700'000'000, "EEEE d MMMM yyyy h:mm a", "Wednesday 15 November 2023 7:13 AM"},
         {"Asia/Tokyo", 0, std::nullopt, ""},
         {"Asia/Tokyo", std::numeric_limits<std::int64_t>::max(), "yyyy", ""},
     };
-    for (const auto& row : rows) {
+    for (const auto& [zoneName, seconds, format, want] : rows) {
         testing::ScopedPlatform platform;
-        const ScopedPort<TimeZoneSettings> zone(std::make_shared<testing::InjectedTimeZone>(row.zone));
+        const ScopedPort<TimeZoneSettings> zone(std::make_shared<testing::InjectedTimeZone>(zoneName));
         platform.locale().setLocale("fa_IR");
-        EXPECT_EQ(KXAppUtils::getTime(row.seconds, row.format), row.want) << row.zone << " " << row.seconds;
+        EXPECT_EQ(KXAppUtils::getTime(seconds, format), want) << zoneName << " " << seconds;
     }
 }
 

@@ -5,6 +5,7 @@
 #include <KXFoundation/AppEnvironment/CloudLocales.h>
 #include <KXFoundation/AppEnvironment/KXAppUtils.h>
 
+#include "support/CountedAllocations.h"
 #include "support/ScopedPlatform.h"
 
 namespace kx {
@@ -14,11 +15,7 @@ using testing::ScopedPlatform;
 
 TEST(KXAppUtils, IdentityComesFromTheMainBundle) {
     using Text = std::optional<std::string_view>;
-    struct {
-        Text displayName, identifier;
-        std::string_view name, package;
-        bool orvik;
-    } const rows[] = {
+    const std::tuple<Text, Text, std::string_view, std::string_view, bool> rows[] = {
         {"Harbour", "org.example.harbour", "Harbour", "org.example.harbour", false},
         {{}, "org.example.harbour", "org.example.harbour", "org.example.harbour", false},
         {{}, {}, "test-program", "test-program", false},
@@ -27,13 +24,13 @@ TEST(KXAppUtils, IdentityComesFromTheMainBundle) {
         {"orvik", {}, "orvik", "test-program", false},
         {{}, "Orvik", "Orvik", "Orvik", true},
     };
-    for (const auto& row : rows) {
+    for (const auto& [displayName, identifier, name, package, orvik] : rows) {
         ScopedPlatform platform;
-        if (row.displayName) platform.bundle().setInfo("CFBundleDisplayName", *row.displayName);
-        if (row.identifier) platform.bundle().setInfo("CFBundleIdentifier", *row.identifier);
-        EXPECT_EQ(KXAppUtils::appName(), row.name);
-        EXPECT_EQ(KXAppUtils::appPackageName(), row.package);
-        EXPECT_EQ(KXAppUtils::isOrvikApp(), row.orvik) << row.name;
+        if (displayName) platform.bundle().setInfo("CFBundleDisplayName", *displayName);
+        if (identifier) platform.bundle().setInfo("CFBundleIdentifier", *identifier);
+        EXPECT_EQ(KXAppUtils::appName(), name);
+        EXPECT_EQ(KXAppUtils::appPackageName(), package);
+        EXPECT_EQ(KXAppUtils::isOrvikApp(), orvik) << name;
     }
 }
 
@@ -47,10 +44,7 @@ TEST(KXAppUtils, CurrentLocaleJoinsLanguageAndRegion) {
 }
 
 TEST(KXAppUtils, CloudLocaleOfTheSystemsLanguage) {
-    struct {
-        std::string tag;
-        std::string_view want, orvik;
-    } const rows[] = {
+    const std::tuple<std::string, std::string_view, std::string_view> rows[] = {
         {"en-US", "en_US", "en_US"},      {"en-GB", "en_US", "en_US"},   {"fr", "en_US", "en_US"},
         {"fr-CA", "fr_FR", "fr_FR"},      {"es-MX", "es_MX", "es_MX"},   {"es-419", "es_ES", "es_ES"},
         {"pt-PT", "pt_PT", "pt_PT"},      {"pt-BR", "pt_BR", "pt_BR"},   {"pt-AO", "pt_BR", "pt_BR"},
@@ -59,12 +53,12 @@ TEST(KXAppUtils, CloudLocaleOfTheSystemsLanguage) {
         {"fil-PH", "en_US", "en_US"},     {"EN-US", "en_US", "en_US"},   {"-", "en_US", "en_US"},
         {"ms-", "ms_MY", "ms_MY"},        {"", "en_US", "en_US"},        {"he-IL", "he_IL", "he_IL"},
     };
-    for (const auto& row : rows) {
+    for (const auto& [tag, want, ofOrvik] : rows) {
         for (const bool orvik : {false, true}) {
             ScopedPlatform platform;
             platform.bundle().setInfo("CFBundleDisplayName", orvik ? "Orvik" : "Harbour");
-            platform.locale().setPreferredLanguages({row.tag, "ja-JP"});
-            EXPECT_EQ(KXAppUtils::currentCloudLocale(), orvik ? row.orvik : row.want) << row.tag;
+            platform.locale().setPreferredLanguages({tag, "ja-JP"});
+            EXPECT_EQ(KXAppUtils::currentCloudLocale(), orvik ? ofOrvik : want) << tag;
         }
     }
     ScopedPlatform platform;
@@ -107,6 +101,41 @@ TEST(CloudLocales, EverySelectionLeadsToAListedRegion) {
         EXPECT_EQ(row.locale.substr(0, 2), row.key.substr(0, 2)) << row.key;
         EXPECT_EQ(std::ranges::count(cloud::kLocales, row.locale), 1) << row.key;
         EXPECT_EQ(std::ranges::count(cloud::kBySelectionKey, row.key, &cloud::Row::key), 1) << row.key;
+    }
+}
+
+TEST(AppVersion, ComparesNumbersByValueAndAllocatesNothing) {
+    using Text = std::optional<std::string_view>;
+    const std::string longNumber(10'000, '9');
+    struct {
+        Text a, b;
+        bool isOlder, isNewer;
+    } const rows[] = {
+        {"1.9", "1.10", true, false},
+        {"1.99", "2.0", true, false},
+        {"1.0", "1.0.0", true, false},
+        {"1.0", "1.0", false, false},
+        {"1.01", "1.1", false, false},
+        {"1.0", "1.00", false, false},
+        {"1.", "1.0", true, false},
+        {"", "0", true, false},
+        {"1a", "10", true, false},
+        {"1.a", "1.0", false, true},
+        {"1.0-beta2", "1.0-beta10", true, false},
+        {"1.Z", "1.a", true, false},
+        {"99999999999999999999998", "99999999999999999999999", true, false},
+        {std::string_view(longNumber).substr(1), longNumber, true, false},
+        {"1.z", "1.é", true, false},
+        {{}, "1.0", false, false},
+        {{}, {}, false, false},
+    };
+    for (const auto& row : rows) {
+        const std::size_t allocations = testing::allocationsOf([&] {
+            EXPECT_EQ(KXAppUtils::isAppVersionOlderThan(row.a, row.b), row.isOlder);
+            EXPECT_EQ(KXAppUtils::isAppVersionOlderThan(row.b, row.a), row.isNewer);
+        });
+        EXPECT_EQ(allocations, 0U) << row.a.value_or("absent").substr(0, 40) << " and "
+                                   << row.b.value_or("absent").substr(0, 40);
     }
 }
 

@@ -32,14 +32,11 @@ std::shared_ptr<KXList> listOf(std::string_view letters, bool locked = true) {
 }
 
 TEST(KXList, FreshListsAreEmptyAndNamedAfterTheClass) {
-    struct {
-        const char* how;
-        std::shared_ptr<KXList> list;
-        bool locked;
-    } const rows[] = {{"init", make<KXList>(), false},
-                      {"initWithID", make<KXList>("harbours"), false},
-                      {"list", KXList::list(), false},
-                      {"safeList", KXList::safeList(), true}};
+    const std::tuple<const char*, std::shared_ptr<KXList>, bool> rows[] = {
+        {"init", make<KXList>(), false},
+        {"initWithID", make<KXList>("harbours"), false},
+        {"list", KXList::list(), false},
+        {"safeList", KXList::safeList(), true}};
     for (const auto& [how, list, locked] : rows) {
         EXPECT_EQ(list->id(), "KXList") << how;
         EXPECT_EQ(list->lock() != nullptr, locked) << how;
@@ -50,12 +47,7 @@ TEST(KXList, FreshListsAreEmptyAndNamedAfterTheClass) {
 
 TEST(KXList, Changes) {
     const auto x = KXObject::objectWithID("x");
-    struct {
-        const char* what;
-        const char* before;
-        std::function<void(KXList&)> change;
-        const char* after;
-    } const rows[] = {
+    const std::tuple<const char*, const char*, std::function<void(KXList&)>, const char*> rows[] = {
         {"add", "ab", [&](KXList& l) { l.addObject(x); }, "abx"},
         {"insert in front", "ab", [&](KXList& l) { l.insertObject(x, 0); }, "xab"},
         {"insert at count", "ab", [&](KXList& l) { l.insertObject(x, 2); }, "abx"},
@@ -85,11 +77,11 @@ TEST(KXList, Changes) {
         {"replace with none", "abc", [](KXList& l) { l.replaceWithList(nullptr); }, "abc"},
         {"replace with empty", "abc", [](KXList& l) { l.replaceWithList(KXList::list()); }, ""},
     };
-    for (const auto& row : rows) {
+    for (const auto& [what, before, change, after] : rows) {
         for (const bool locked : {false, true}) {
-            const auto list = listOf(row.before, locked);
-            row.change(*list);
-            EXPECT_EQ(ids(*list), row.after) << row.what << ", locked: " << locked;
+            const auto list = listOf(before, locked);
+            change(*list);
+            EXPECT_EQ(ids(*list), after) << what << ", locked: " << locked;
         }
     }
 }
@@ -134,10 +126,7 @@ TEST(KXList, AnUnlockedListMayChangeInItsOwnEnumeration) {
 
 TEST(KXList, CallerErrorsChangeNothingAndLeaveTheLockFree) {
     const auto x = KXObject::objectWithID("x");
-    struct {
-        const char* line;
-        std::function<void(KXList&)> mistake;
-    } const rows[] = {
+    const std::pair<const char*, std::function<void(KXList&)>> rows[] = {
         {"KXList: index 7 of 3", [](KXList& l) { EXPECT_EQ(l[7], nullptr); }},
         {"KXList: index 3 of 3", [&](KXList& l) { l.replaceObjectAtIndex(3, x); }},
         {"KXList: index 4 of 3", [&](KXList& l) { l.insertObject(x, 4); }},
@@ -161,14 +150,14 @@ TEST(KXList, CallerErrorsChangeNothingAndLeaveTheLockFree) {
          }},
     };
     const testing::LenientMode lenient;
-    for (const auto& row : rows) {
+    for (const auto& [line, mistake] : rows) {
         const testing::CapturedLog log;
         const auto list = listOf("abc");
-        row.mistake(*list);
-        EXPECT_THAT(log.lines(), ElementsAre(row.line));
-        EXPECT_EQ(ids(*list), "abc") << row.line;
+        mistake(*list);
+        EXPECT_THAT(log.lines(), ElementsAre(line));
+        EXPECT_EQ(ids(*list), "abc") << line;
         std::thread([&] { list->addObject(x); }).join();  // hangs if the lock is still held
-        EXPECT_EQ(list->count(), 4) << row.line;
+        EXPECT_EQ(list->count(), 4) << line;
     }
     const testing::CapturedLog log;
     KXList::safeList()->removeLastObject();

@@ -48,12 +48,7 @@ struct KXRequestAnswerTest : ::testing::Test {
 };
 
 TEST_F(KXRequestAnswerTest, EveryEndResumesTheCoroutineOnce) {
-    struct {
-        const char* what;
-        KXRequest::Method method;
-        std::function<void()> then;
-        const char* want;
-    } const rows[] = {
+    const std::tuple<const char*, KXRequest::Method, std::function<void()>, const char*> rows[] = {
         {"answered", answering(1), [] { postAnswer(1, std::nullopt, 5); }, "berths 5"},
         {"another's answer", answering(1), [] { postAnswer(2); }, "waiting"},
         {"answered with an error", answering(1), [] { postAnswer(1, -9); }, "error -9"},
@@ -68,25 +63,25 @@ TEST_F(KXRequestAnswerTest, EveryEndResumesTheCoroutineOnce) {
          [] { std::thread([] { postAnswer(1, std::nullopt, 8); }).join(); }, "berths 8"},
         {"threw", [](auto&) -> std::int32_t { throw std::runtime_error("thrown"); }, [] {}, "thrown"},
     };
-    for (const auto& row : rows) {
+    for (const auto& [what, method, then, want] : rows) {
         request = make<HarbourRequest>();
         request->setTimeout(std::chrono::seconds(10));
         Seen seen;
         {
             const testing::ScopedQueues queues;
-            await(*request, row.method, seen);
+            await(*request, method, seen);
             if (seen.text != "thrown") {
-                EXPECT_EQ(seen.text, "waiting") << row.what;
-                row.then();
+                EXPECT_EQ(seen.text, "waiting") << what;
+                then();
             }
         }
-        EXPECT_EQ(seen.text, row.want) << row.what;
+        EXPECT_EQ(seen.text, want) << what;
         if (seen.text == "waiting") {
             request->clean();
             drainQueues();
         }
-        EXPECT_EQ(seen.queue, "main") << row.what;
-        EXPECT_TRUE(seen.frame.expired()) << row.what;
+        EXPECT_EQ(seen.queue, "main") << what;
+        EXPECT_TRUE(seen.frame.expired()) << what;
     }
 }
 

@@ -42,13 +42,7 @@ struct KXRequestTest : ::testing::Test {
 };
 
 TEST_F(KXRequestTest, AStartEndsAsItsMethodSays) {
-    struct {
-        const char* what;
-        KXRequest::Method method;
-        std::vector<std::string> calls;
-        std::int32_t identifier;
-        bool isKept;
-    } const rows[] = {
+    const std::tuple<const char*, KXRequest::Method, std::vector<std::string>, std::int32_t, bool> rows[] = {
         {"started", answering(12), {}, 12, true},
         {"number 0", answering(0), {}, 0, true},
         {"failed", answering(-5), {"C no -5", "U no -5"}, 0, false},
@@ -70,14 +64,14 @@ TEST_F(KXRequestTest, AStartEndsAsItsMethodSays) {
         {"no record left", [](auto& error) { return error = nullptr, -5; }, {}, -5, true},
         {"a positive code", [](auto& error) { return error->setCode(4), 12; }, {}, 12, true},
     };
-    for (const auto& row : rows) {
+    for (const auto& [what, method, wantCalls, identifier, isKept] : rows) {
         request = make<HarbourRequest>();
         calls.clear();
-        start(row.method, true);
-        EXPECT_EQ(calls, row.calls) << row.what;
-        EXPECT_EQ(request->identifier(), row.identifier) << row.what;
-        EXPECT_EQ(request->callback() && request->callbackWithUserInfo() && request->autoClean(), row.isKept)
-            << row.what;
+        start(method, true);
+        EXPECT_EQ(calls, wantCalls) << what;
+        EXPECT_EQ(request->identifier(), identifier) << what;
+        EXPECT_EQ(request->callback() && request->callbackWithUserInfo() && request->autoClean(), isKept)
+            << what;
     }
 }
 
@@ -96,28 +90,25 @@ TEST_F(KXRequestTest, IsRefusedWhileOneIsWaiting) {
 }
 
 TEST_F(KXRequestTest, TheAnswerOfItsNumberIsDelivered) {
-    struct {
-        std::optional<std::int32_t> code;
-        std::vector<std::string> calls;
-    } const rows[] = {
+    const std::pair<std::optional<std::int32_t>, std::vector<std::string>> rows[] = {
         {std::nullopt, {"C yes -", "U yes -"}},
         {0, {"C yes 0", "U yes 0"}},
         {4, {"C yes 4", "U yes 4"}},
         {-4, {"C no -4", "U no -4"}},
     };
-    for (const auto& row : rows) {
+    for (const auto& [code, wantCalls] : rows) {
         calls.clear();
         start(answering(12));
         request->setRequestInfo("mine");
         postAnswer(13, -1);
         EXPECT_THAT(calls, IsEmpty());
-        postAnswer(12, row.code, 5);
-        EXPECT_EQ(calls, row.calls);
+        postAnswer(12, code, 5);
+        EXPECT_EQ(calls, wantCalls);
         EXPECT_TRUE(!request->callback() && !request->callbackWithUserInfo() && !request->autoClean());
         EXPECT_EQ(request->identifier(), 0);
         EXPECT_TRUE(request->requestInfo().isNull());
         postAnswer(0);  // what an idle object that listened still would take
-        EXPECT_EQ(calls, row.calls);
+        EXPECT_EQ(calls, wantCalls);
         EXPECT_EQ(request->response()["berths"], Value(5)) << "stays";
     }
 }

@@ -24,11 +24,8 @@ TEST(KXObject, IdIsGivenOrTheNameOfTheClassBeingMade) {
 
 TEST(KXError, SignDecides) {
     using Limits = std::numeric_limits<std::int32_t>;
-    struct {
-        std::int32_t code;
-        bool success;
-    } const rows[] = {{0, true},   {1, true},   {Limits::max(), true},
-                      {-1, false}, {-3, false}, {Limits::min(), false}};
+    const std::pair<std::int32_t, bool> rows[] = {{0, true},   {1, true},   {Limits::max(), true},
+                                                  {-1, false}, {-3, false}, {Limits::min(), false}};
     for (const auto& [code, success] : rows) {
         const auto error = KXError::errorWithCode(code);
         EXPECT_EQ(error->code(), code);

@@ -41,11 +41,7 @@ std::string text(Date date) {
 
 TEST(CalendricalCalculations, StepsAndBoundaries) {
     using Step = Date (*)(const Date&);
-    const struct {
-        const char* what;
-        Step step;
-        const char *from, *want;
-    } rows[] = {
+    const std::tuple<const char*, Step, const char*, const char*> rows[] = {
         {"nextHour", Calculations::nextHour, "2024-12-31 23:30:00", "2025-01-01 00:30:00"},
         {"prevHour", Calculations::prevHour, "2024-03-01 00:30:00", "2024-02-29 23:30:00"},
         {"nextDay", Calculations::nextDay, "2023-02-28 12:00:00", "2023-03-01 12:00:00"},
@@ -70,18 +66,20 @@ TEST(CalendricalCalculations, StepsAndBoundaries) {
         {"nextDay", Calculations::nextDay, "9999-12-31 23:59:59", "10000-01-01 23:59:59"},
     };
     const Place place;
-    for (const auto& row : rows)
-        EXPECT_EQ(text(row.step(at(row.from))), row.want) << row.what << " " << row.from;
+    for (const auto& [what, step, from, want] : rows)
+        EXPECT_EQ(text(step(at(from))), want) << what << " " << from;
 }
 
 TEST(CalendricalCalculations, IsRightWhereClocksChange) {
     using Step = Date (*)(const Date&);
-    const struct {
-        const char *zone, *what;
-        Step step;
-        const char *from, *want;
-    } rows[] = {
+    const std::tuple<const char*, const char*, Step, const char*, const char*> rows[] = {
         {"Europe/Berlin", "nextHour", Calculations::nextHour, "2024-03-31 01:30:00", "2024-03-31 03:30:00"},
+        // From the last day of a week 53 into a year of 52.
+        {"UTC", "a year of weeks",
+         [](const Date& date) {
+             return Calculations::dateByAddingUnit(NSCalendarUnitYearForWeekOfYear, 1, date);
+         },
+         "2022-12-31 10:00:00", "2023-12-30 10:00:00"},
         {"Europe/Berlin", "nextHour", Calculations::nextHour, "2024-10-27 02:30:00", "2024-10-27 02:30:00"},
         {"Europe/Berlin", "nextDay", Calculations::nextDay, "2024-03-30 02:30:00", "2024-03-31 03:30:00"},
         {"Europe/Berlin", "dateEnd", Calculations::dateEnd, "2024-03-31 12:00:00", "2024-03-31 23:59:59"},
@@ -99,34 +97,28 @@ TEST(CalendricalCalculations, IsRightWhereClocksChange) {
         {"Africa/Cairo", "nextHour", Calculations::nextHour, "2024-04-25 23:30:00", "2024-04-26 01:30:00"},
         {"Asia/Almaty", "nextHour", Calculations::nextHour, "2024-02-29 23:30:00", "2024-02-29 23:30:00"},
     };
-    for (const auto& row : rows) {
-        const Place place(row.zone);
-        EXPECT_EQ(text(row.step(at(row.from))), row.want) << row.zone << " " << row.what << " " << row.from;
+    for (const auto& [zone, what, step, from, want] : rows) {
+        const Place place(zone);
+        EXPECT_EQ(text(step(at(from))), want) << zone << " " << what << " " << from;
     }
 }
 
 TEST(CalendricalCalculations, MeasuresMonths) {
-    const struct {
-        const char* date;
-        std::int64_t days, weeks, column;
-    } rows[] = {
+    const std::tuple<const char*, std::int64_t, std::int64_t, std::int64_t> rows[] = {
         {"2024-02-10 08:00:00", 29, 5, 4}, {"2023-02-10 08:00:00", 28, 5, 3},
         {"2015-02-10 08:00:00", 28, 4, 0}, {"2024-06-30 23:59:59", 30, 6, 6},
         {"2024-09-01 00:00:00", 30, 5, 0}, {"2024-12-31 12:00:00", 31, 5, 0},
     };
     const Place place;
-    for (const auto& row : rows) {
-        EXPECT_EQ(Calculations::totalDaysInMonth(at(row.date)), row.days) << row.date;
-        EXPECT_EQ(Calculations::totalWeekInMonth(at(row.date)), row.weeks) << row.date;
-        EXPECT_EQ(Calculations::firstDayOfWeekInThisMonth(at(row.date)), row.column) << row.date;
+    for (const auto& [date, days, weeks, column] : rows) {
+        EXPECT_EQ(Calculations::totalDaysInMonth(at(date)), days) << date;
+        EXPECT_EQ(Calculations::totalWeekInMonth(at(date)), weeks) << date;
+        EXPECT_EQ(Calculations::firstDayOfWeekInThisMonth(at(date)), column) << date;
     }
 }
 
 TEST(CalendricalCalculations, ComparesDates) {
-    const struct {
-        const char *one, *other;
-        bool day, week, month;
-    } rows[] = {
+    const std::tuple<const char*, const char*, bool, bool, bool> rows[] = {
         {"2024-12-30 12:00:00", "2025-01-02 12:00:00", false, true, false},
         {"2025-01-04 23:59:59", "2025-01-05 00:00:00", false, false, true},
         {"2024-03-31 12:00:00", "2025-03-01 12:00:00", false, false, false},
@@ -136,24 +128,19 @@ TEST(CalendricalCalculations, ComparesDates) {
         {"2024-01-01 12:00:00", "2024-12-31 12:00:00", false, true, false},  // both in a week 1 of 2024
     };
     const Place place;
-    for (const auto& row : rows) {
+    for (const auto& [first, second, day, week, month] : rows) {
         for (const bool isSwapped : {false, true}) {
-            const Date one = at(isSwapped ? row.other : row.one);
-            const Date other = at(isSwapped ? row.one : row.other);
-            EXPECT_EQ(Calculations::isDateInSameDayAsDate(one, other), row.day) << row.one;
-            EXPECT_EQ(Calculations::isDateInSameWeekAsDate(one, other), row.week) << row.one;
-            EXPECT_EQ(Calculations::isDateInSameMonthAsDate(one, other), row.month) << row.one;
+            const Date one = at(isSwapped ? second : first);
+            const Date other = at(isSwapped ? first : second);
+            EXPECT_EQ(Calculations::isDateInSameDayAsDate(one, other), day) << first;
+            EXPECT_EQ(Calculations::isDateInSameWeekAsDate(one, other), week) << first;
+            EXPECT_EQ(Calculations::isDateInSameMonthAsDate(one, other), month) << first;
         }
     }
 }
 
 TEST(CalendricalCalculations, CountsUnits) {
-    const struct {
-        const char* zone;
-        NSCalendarUnit unit;
-        const char *from, *to;
-        std::int64_t want;
-    } rows[] = {
+    const std::tuple<const char*, NSCalendarUnit, const char*, const char*, std::int64_t> rows[] = {
         {"UTC", NSCalendarUnitDay, "2024-03-05 23:59:00", "2024-03-06 00:01:00", 1},
         {"UTC", NSCalendarUnitMonth, "2024-01-31 00:00:00", "2024-02-01 00:00:00", 1},
         {"UTC", NSCalendarUnitYear, "2024-12-31 23:00:00", "2023-01-01 00:00:00", -1},
@@ -161,6 +148,9 @@ TEST(CalendricalCalculations, CountsUnits) {
         {"UTC", NSCalendarUnitWeekOfYear, "2024-12-28 12:00:00", "2025-01-05 00:00:00", 2},
         {"UTC", NSCalendarUnitHour, "2024-03-05 23:59:00", "2024-03-06 00:01:00", 1},
         {"UTC", NSCalendarUnitMinute, "2024-03-05 23:59:59", "2024-03-05 23:58:01", -1},
+        // From Sunday, 1 January 2023, to Sunday, 31 December 2023: 52 weeks, but not twelve months.
+        {"UTC", NSCalendarUnitYearForWeekOfYear, "2023-06-01 00:00:00", "2024-06-01 00:00:00", 1},
+        {"UTC", NSCalendarUnitYearForWeekOfYear, "2024-12-29 00:00:00", "2016-12-31 23:59:59", -9},
         {"UTC", 3, "2024-03-05 23:59:00", "2024-03-06 00:01:00", 0},
         {"UTC", 24, "2024-03-05 23:59:00", "2024-05-06 00:01:00", 0},
         {"America/Santiago", NSCalendarUnitDay, "2024-09-08 12:00:00", "2024-09-09 12:00:00",
@@ -171,10 +161,10 @@ TEST(CalendricalCalculations, CountsUnits) {
         {"Europe/Berlin", NSCalendarUnitMonth, "2024-03-31 12:00:00", "2024-11-01 00:00:00", 8},
         {"Pacific/Apia", NSCalendarUnitDay, "2011-12-29 12:00:00", "2011-12-31 12:00:00", 2},
     };
-    for (const auto& row : rows) {
-        const Place place(row.zone);
-        EXPECT_EQ(Calculations::numberOfUnit(row.unit, at(row.from), at(row.to)), row.want)
-            << row.zone << " " << row.unit << " " << row.from;
+    for (const auto& [zone, unit, from, to, want] : rows) {
+        const Place place(zone);
+        EXPECT_EQ(Calculations::numberOfUnit(unit, at(from), at(to)), want)
+            << zone << " " << unit << " " << from;
     }
 }
 
@@ -182,27 +172,21 @@ TEST(CalendricalCalculations, KnowsTheDaysAroundToday) {
     const auto clock = std::make_shared<ManualClock>(*at("2024-03-01 00:30:00")->timePoint());
     const ScopedPort<Clock> scope(clock);
     const Place place;
-    const struct {
-        const char* date;
-        bool isBefore, isAfter;
-    } rows[] = {
+    const std::tuple<const char*, bool, bool> rows[] = {
         {"2024-02-27 23:59:59", false, false}, {"2024-02-28 00:00:00", true, false},
         {"2024-02-28 23:59:59", true, false},  {"2024-02-29 00:00:00", false, false},
         {"2024-03-03 12:00:00", false, true},  {"2024-03-04 00:00:00", false, false},
     };
-    for (const auto& row : rows) {
-        EXPECT_EQ(Calculations::isDateInTheDayBeforeYesterday(at(row.date)), row.isBefore) << row.date;
-        EXPECT_EQ(Calculations::isDateInTheDayAfterTomorrow(at(row.date)), row.isAfter) << row.date;
+    for (const auto& [date, isBefore, isAfter] : rows) {
+        EXPECT_EQ(Calculations::isDateInTheDayBeforeYesterday(at(date)), isBefore) << date;
+        EXPECT_EQ(Calculations::isDateInTheDayAfterTomorrow(at(date)), isAfter) << date;
     }
 }
 
 TEST(CalendricalCalculations, WritesLabels) {
     const Place place;
     const auto fields = Calculations::componentsFromDate(at("2024-03-05 14:07:09"));
-    const struct {
-        NSCalendarUnit units;
-        const char* want;
-    } rows[] = {
+    const std::pair<NSCalendarUnit, const char*> rows[] = {
         {4 | 8 | 16 | 32 | 64, "2024年 03月 05日 14:07"},
         {32, "14时"},
         {64, "07分"},
@@ -211,7 +195,7 @@ TEST(CalendricalCalculations, WritesLabels) {
         {16 | 64, "05日 07分"},
         {~NSCalendarUnit{0}, "2024年 03月 05日 14:07"},
     };
-    for (const auto& row : rows) EXPECT_EQ(Calculations::stringFromComponent(fields, row.units), row.want);
+    for (const auto& [units, want] : rows) EXPECT_EQ(Calculations::stringFromComponent(fields, units), want);
     EXPECT_EQ(Calculations::stringFromComponent(std::nullopt, 4 | 64), "0000年 00分");
     EXPECT_EQ(Calculations::stringFromComponent(NSDateComponents(), 32), "9223372036854775807时");
     EXPECT_EQ(Calculations::dateStringFromDate(at("2024-03-05 14:07:09")), "2024年 03月 05日");

@@ -34,11 +34,7 @@ std::optional<std::string> plain(std::optional<std::string> text) {
 }
 
 TEST(KXDateUtils, WritesTheTimeOfDayByFlags) {
-    const struct {
-        const char* locale;
-        std::int64_t minutes;
-        const char *withoutMarker, *withMarker;
-    } rows[] = {
+    const std::tuple<const char*, std::int64_t, const char*, const char*> rows[] = {
         {"en_US", 0, "00:00", "12:00 AM"},
         {"en_US", 719, "11:59", "11:59 AM"},
         {"en_US", 720, "12:00", "12:00 PM"},
@@ -57,27 +53,21 @@ TEST(KXDateUtils, WritesTheTimeOfDayByFlags) {
         {"fa_IR", 845, "۱۴:۰۵", "۰۲:۰۵ بعدازظهر"},
         {"bg_BG", 845, "14:05 ч.", "02:05 ч. сл.об."},
     };
-    for (const auto& row : rows) {
+    for (const auto& [locale, minutes, withoutMarker, withMarker] : rows) {
         Desk desk;
-        desk.platform.locale().setLocale(row.locale);
+        desk.platform.locale().setLocale(locale);
         const auto dates = KXDateUtils::sharedInstance();
         for (const bool isFirst : {false, true}) {
-            EXPECT_EQ(dates->convertMinutesToTimeString(row.minutes, false, isFirst), row.withoutMarker)
-                << row.locale;
-            const auto text = plain(dates->convertMinutesToTimeString(row.minutes, true, isFirst));
-            EXPECT_EQ(text, row.withMarker) << row.locale << " " << row.minutes;
+            EXPECT_EQ(dates->convertMinutesToTimeString(minutes, false, isFirst), withoutMarker) << locale;
+            const auto text = plain(dates->convertMinutesToTimeString(minutes, true, isFirst));
+            EXPECT_EQ(text, withMarker) << locale << " " << minutes;
         }
     }
 }
 
 TEST(KXDateUtils, FollowsTheLocaleAndThenTheSetting) {
     using enum ClockFormat;
-    const struct {
-        const char* locale;
-        ClockFormat setting;
-        bool hasAMPM, isAMPMFirst;
-        const char *format, *text;
-    } rows[] = {
+    const std::tuple<const char*, ClockFormat, bool, bool, const char*, const char*> rows[] = {
         {"en_US", Unset, true, false, "hh:mma", "02:05 PM"},
         {"en_US", TwentyFourHour, false, false, "HH:mm", "14:05"},
         {"de_DE", Unset, false, false, "HH:mm", "14:05"},
@@ -86,16 +76,16 @@ TEST(KXDateUtils, FollowsTheLocaleAndThenTheSetting) {
         {"zh_CN", TwelveHour, true, true, "ahh:mm", "下午02:05"},
         {"ja_JP", TwelveHour, true, true, "ahh:mm", "午後02:05"},
     };
-    for (const auto& row : rows) {
+    for (const auto& [locale, setting, hasAMPM, isAMPMFirst, format, text] : rows) {
         Desk desk;
-        desk.platform.locale().setLocale(row.locale);
-        desk.clockFormat->set(row.setting);
+        desk.platform.locale().setLocale(locale);
+        desk.clockFormat->set(setting);
         const auto dates = KXDateUtils::sharedInstance();
-        EXPECT_EQ(KXDateUtils::hasAMPM(), row.hasAMPM) << row.locale;
-        EXPECT_EQ(dates->isAMPMFirst(), row.isAMPMFirst) << row.locale;
-        EXPECT_EQ(dates->getTimeFormat(), row.format) << row.locale;
-        EXPECT_EQ(plain(dates->convertMinutesToTimeString(845)), row.text) << row.locale;
-        EXPECT_EQ(plain(dates->convertSecondsToTimeString(845 * 60 + 59)), row.text) << row.locale;
+        EXPECT_EQ(KXDateUtils::hasAMPM(), hasAMPM) << locale;
+        EXPECT_EQ(dates->isAMPMFirst(), isAMPMFirst) << locale;
+        EXPECT_EQ(dates->getTimeFormat(), format) << locale;
+        EXPECT_EQ(plain(dates->convertMinutesToTimeString(845)), text) << locale;
+        EXPECT_EQ(plain(dates->convertSecondsToTimeString(845 * 60 + 59)), text) << locale;
     }
 }
 

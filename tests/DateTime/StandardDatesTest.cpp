@@ -27,10 +27,7 @@ TEST(StandardDates, TheFormatterKnowsNoUserSettings) {
     platform.locale().setLocale("fa_IR");
     const ScopedPort<TimeZoneSettings> scope(std::make_shared<testing::InjectedTimeZone>("Asia/Tehran"));
     const auto formatter = NSDateFormatter_Standard::standardFormatter();
-    const struct {
-        double seconds;
-        const char* text;
-    } rows[] = {
+    const std::pair<double, const char*> rows[] = {
         {0, "1970-01-01 00:00:00"},
         {1'709'210'096, "2024-02-29 12:34:56"},
         {-1, "1969-12-31 23:59:59"},
@@ -38,10 +35,10 @@ TEST(StandardDates, TheFormatterKnowsNoUserSettings) {
         {253'402'300'799, "9999-12-31 23:59:59"},
         {-12'219'292'800, "1582-10-15 00:00:00"},
     };
-    for (const auto& row : rows) {
-        const auto date = NSDate::dateWithTimeIntervalSince1970(row.seconds);
-        EXPECT_EQ(formatter->stringFromDate(date), row.text);
-        EXPECT_EQ(formatter->dateFromString(row.text), date) << row.text;
+    for (const auto& [seconds, text] : rows) {
+        const auto date = NSDate::dateWithTimeIntervalSince1970(seconds);
+        EXPECT_EQ(formatter->stringFromDate(date), text);
+        EXPECT_EQ(formatter->dateFromString(text), date) << text;
     }
     for (const char* text :
          {"", "2024-02-30 00:00:00", "2024-13-01 00:00:00", "2024-01-01 24:00:00", "2024-01-01",

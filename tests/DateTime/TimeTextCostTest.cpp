@@ -10,20 +10,17 @@ namespace kx {
 namespace {
 
 TEST(TimeTextCost, AllocatesNothingBeyondItsAnswer) {
-    const struct {
-        const char* locale;
-        std::size_t perText;
-    } rows[] = {
+    const std::pair<const char*, std::size_t> rows[] = {
         {"en_US", 0},
         {"de_DE", 0},
         {"zh_CN", 0},
         {"fa_IR", 1},  // longer than what a string object holds itself
     };
-    for (const auto& row : rows) {
+    for (const auto& [locale, perText] : rows) {
         testing::ScopedPlatform platform;
         const ScopedPort<ClockFormatSetting> scope(
             std::make_shared<testing::InjectedClockFormat>(ClockFormat::TwelveHour));
-        platform.locale().setLocale(row.locale);
+        platform.locale().setLocale(locale);
         const auto dates = KXDateUtils::sharedInstance();
         (void)dates->convertMinutesToTimeString(0, false, false);
         (void)dates->convertMinutesToTimeString(0, true, true);
@@ -33,8 +30,8 @@ TEST(TimeTextCost, AllocatesNothingBeyondItsAnswer) {
             byFlags = dates->convertMinutesToTimeString(845, true, false);
             bySettings = dates->convertMinutesToTimeString(845);
         });
-        EXPECT_EQ(allocations, 2 * row.perText) << row.locale;
-        EXPECT_EQ(byFlags, bySettings) << row.locale;
+        EXPECT_EQ(allocations, 2 * perText) << locale;
+        EXPECT_EQ(byFlags, bySettings) << locale;
     }
 }
 

@@ -159,10 +159,7 @@ TEST(SecItem, AQueryNamesClassServiceAndAccount) {
     const testing::ScopedPlatform platform;
     const Value whole =
         DictionaryBuilder(KXKeychainUtils::getKeychainQuery("a")).set(kSecReturnData, true).build();
-    struct {
-        const char* what;
-        Value query;
-    } const rows[] = {
+    const std::pair<const char*, Value> rows[] = {
         {"nothing", {}},
         {"no dictionary", "a"},
         {"no class", DictionaryBuilder(whole).remove(kSecClass).build()},

@@ -1,8 +1,12 @@
+#include <functional>
+
 #include <gtest/gtest.h>
 
 #include <KXFoundation/Device/KXNetworkUtils.h>
+#include <KXFoundation/Platform/Services/IPv4Address.h>
 
 #include "support/CapturedLog.h"
+#include "support/CountedAllocations.h"
 #include "support/InjectedInterfaces.h"
 
 namespace kx {
@@ -12,10 +16,7 @@ using testing::InjectedInterfaces;
 using Text = std::optional<std::string_view>;
 
 TEST(KXNetworkUtils, FormatMACAddress) {
-    struct {
-        Text mac;
-        std::string_view separator, want;
-    } const rows[] = {
+    const std::tuple<Text, std::string_view, std::string_view> rows[] = {
         {"aa:bb:cc:dd:ee:ff", ":", "AA:BB:CC:DD:EE:FF"},
         {"aa-bb-cc-dd-ee-ff", ":", "AA:BB:CC:DD:EE:FF"},
         {"a:b:c:d:e:f", "", "0A0B0C0D0E0F"},
@@ -33,6 +34,7 @@ TEST(KXNetworkUtils, FormatMACAddress) {
         {" \t\u00A0\n", ":", ""},
         {"", ":", ""},
         {{}, ":", ""},
+        {"a:b", {}, "0A0B"},
     };
     for (const auto& [mac, separator, want] : rows)
         EXPECT_EQ(KXNetworkUtils::formatMACAddress(mac, separator), want)
@@ -41,10 +43,7 @@ TEST(KXNetworkUtils, FormatMACAddress) {
 }
 
 TEST(KXNetworkUtils, MACNumbers) {
-    struct {
-        Text mac;
-        std::int64_t want;
-    } const rows[] = {
+    const std::pair<Text, std::int64_t> rows[] = {
         {"00:11:22:AA:BB:CC", 73'596'058'572},
         {"00-11-22-aa-bb-cc", 73'596'058'572},
         {"0:1-2:0:0:0:5", 0x00'01'00'00'00'05},  // ":" wins; the scan of "1-2" ends at the "-"
@@ -63,14 +62,12 @@ TEST(KXNetworkUtils, MACNumbers) {
         EXPECT_EQ(KXNetworkUtils::macStringToInteger(mac), want) << "mac: " << mac.value_or("absent");
     EXPECT_EQ(KXNetworkUtils::formatMACInteger(73'596'058'572, ":"), "00:11:22:AA:BB:CC");
     EXPECT_EQ(KXNetworkUtils::formatMACInteger(0, ":"), "00:00:00:00:00:00");
-    EXPECT_EQ(KXNetworkUtils::formatMACInteger(-1, ""), "FFFFFFFFFFFF");
+    for (const Text none : {Text(""), Text()})
+        EXPECT_EQ(KXNetworkUtils::formatMACInteger(-1, none), "FFFFFFFFFFFF");
 }
 
 TEST(KXNetworkUtils, IpStringToInteger) {
-    struct {
-        Text text;
-        std::int32_t want;
-    } const rows[] = {
+    const std::pair<Text, std::int32_t> rows[] = {
         {"10.0.0.1", 167'772'161},
         {"192.168.1.1", -1'062'731'519},
         {"255.255.255.255", -1},
@@ -94,11 +91,7 @@ TEST(KXNetworkUtils, TheMachinesAddresses) {
     using Answer = std::optional<std::string>;
     const IPv4Address home{{192, 168, 1, 57}}, upper{{192, 168, 1, 200}}, office{{10, 1, 2, 3}};
     const IPv4Address whole{{255, 255, 255, 0}}, half{{255, 255, 255, 128}}, alone{{255, 255, 255, 255}};
-    struct {
-        const char* name;
-        Entries entries;
-        Answer ip, netmask, gateway;
-    } const rows[] = {
+    const std::tuple<const char*, Entries, Answer, Answer, Answer> rows[] = {
         {"none", {}, {}, {}, {}},
         {"usual",
          {{"lo", IPv4Address{{127, 0, 0, 1}}, IPv4Address{{255}}}, {"en0", home, whole}},
@@ -115,11 +108,11 @@ TEST(KXNetworkUtils, TheMachinesAddresses) {
         {"no netmask", {{"en0", home, {}}}, "192.168.1.57", {}, {}},
         {"other names", {{"EN0", home, whole}, {"en0:1", home, whole}, {"en10", home, whole}}, {}, {}, {}},
     };
-    for (const auto& row : rows) {
-        const ScopedPort<NetworkInterfaces> scope(std::make_shared<InjectedInterfaces>(row.entries));
-        EXPECT_EQ(KXNetworkUtils::localIP(), row.ip) << row.name;
-        EXPECT_EQ(KXNetworkUtils::localNetmask(), row.netmask) << row.name;
-        EXPECT_EQ(KXNetworkUtils::gatewayIP(), row.gateway) << row.name;
+    for (const auto& [name, entries, ip, netmask, gateway] : rows) {
+        const ScopedPort<NetworkInterfaces> scope(std::make_shared<InjectedInterfaces>(entries));
+        EXPECT_EQ(KXNetworkUtils::localIP(), ip) << name;
+        EXPECT_EQ(KXNetworkUtils::localNetmask(), netmask) << name;
+        EXPECT_EQ(KXNetworkUtils::gatewayIP(), gateway) << name;
     }
 }
 
@@ -140,6 +133,35 @@ TEST(KXNetworkUtils, HostsAndWirelessNetworks) {
     EXPECT_EQ(KXNetworkUtils::ipForDomain(std::string(100'000, 'a')), std::nullopt);
     EXPECT_EQ(KXNetworkUtils::currentWiFiSSID(), std::nullopt);
     EXPECT_EQ(KXNetworkUtils::currentWiFiBSSID(), "");
+}
+
+TEST(AddressTextCost, NothingIsAllocatedBeyondTheAnswer) {
+    const std::string hugeMac(20'000, ':');
+    std::string hugeNumber(20'000, '9');
+    hugeNumber += ".1.2.3";
+    const std::string separator(40, '-');
+    const std::tuple<const char*, std::function<void()>, std::size_t> rows[] = {
+        {"MAC to number", [] { (void)KXNetworkUtils::macStringToInteger("00:11:22:AA:BB:CC"); }, 0},
+        {"huge MAC to number", [&] { (void)KXNetworkUtils::macStringToInteger(hugeMac); }, 0},
+        {"IPv4 to number", [] { (void)KXNetworkUtils::ipStringToInteger("192.168.1.1"); }, 0},
+        {"huge IPv4 to number", [&] { (void)KXNetworkUtils::ipStringToInteger(hugeNumber); }, 0},
+        {"MAC to MAC", [] { (void)KXNetworkUtils::formatMac("a:b:c:d:e:f"); }, 1},
+        {"short MAC", [] { (void)KXNetworkUtils::formatMACAddress("a:b:c:d:e:f", ""); }, 0},
+        {"huge MAC to MAC", [&] { (void)KXNetworkUtils::formatMac(hugeMac); }, 1},
+        {"number to MAC", [&] { (void)KXNetworkUtils::formatMACInteger(-1, separator); }, 1},
+        {"IPv4 to text",
+         [] {
+             (void)IPv4Address{{255, 255, 255, 255}}.text();
+         },
+         0},
+    };
+    for (const auto& [name, work, want] : rows) EXPECT_EQ(testing::allocationsOf(work), want) << name;
+}
+
+TEST(AddressTextCost, ABlankFieldIsPassedOnlyOnce) {
+    // Quadratic work over a million blanks would not end within the test's time.
+    const std::string blanks(1'000'000, ' ');
+    EXPECT_EQ(KXNetworkUtils::formatMACAddress(blanks + ".", "").size(), 2'000'002U);
 }
 
 }  // namespace

@@ -89,14 +89,11 @@ NSTextAlignment archivedAndReadIn(std::string_view language, NSTextAlignment arc
 }
 
 TEST(Mirroring, AlignmentsFromAnArchive) {
-    struct {
-        std::string_view language;
-        NSTextAlignment archived, want;
-    } const rows[] = {{"ar", Left, Right},
-                      {"ar", Right, Left},
-                      {"ar", Natural, Right},
-                      {"ar", Center, Center},
-                      {"en", Left, Left}};
+    const std::tuple<std::string_view, NSTextAlignment, NSTextAlignment> rows[] = {{"ar", Left, Right},
+                                                                                   {"ar", Right, Left},
+                                                                                   {"ar", Natural, Right},
+                                                                                   {"ar", Center, Center},
+                                                                                   {"en", Left, Left}};
     for (const auto& [language, archived, want] : rows) {
         EXPECT_EQ(archivedAndReadIn<NSTextField>(language, archived), want) << language;
         EXPECT_EQ(archivedAndReadIn<NSTextView>(language, archived), want) << language;
@@ -146,12 +143,10 @@ TEST(Mirroring, ExchangingAgainTakesAnInterceptionAway) {
 }
 
 TEST(Mirroring, ButtonInsets) {
-    struct {
-        std::string_view language;
-        NSEdgeInsets asked, applied;
-    } const rows[] = {{"ar", {1, 4, 2, 10}, {1, 10, 2, 4}},
-                      {"ar", {1, 6, 2, 6}, {1, 6, 2, 6}},
-                      {"en", {1, 4, 2, 10}, {1, 4, 2, 10}}};
+    const std::tuple<std::string_view, NSEdgeInsets, NSEdgeInsets> rows[] = {
+        {"ar", {1, 4, 2, 10}, {1, 10, 2, 4}},
+        {"ar", {1, 6, 2, 6}, {1, 6, 2, 6}},
+        {"en", {1, 4, 2, 10}, {1, 4, 2, 10}}};
     for (const auto& [language, asked, applied] : rows) {
         ApplicationRun run;
         inLanguage(run, language);

@@ -32,9 +32,7 @@ constexpr std::string_view kPlainLanguages[] = {"en", "cs", "bg", "de", "da", "e
                                                 "sv", "tr", "vi", "th", "ja", "uk", "ar", "hu", "sr"};
 
 TEST(LanguageSelection, AutoResolvesTheFirstSystemLanguage) {
-    struct {
-        std::string_view tag, want, orvik;
-    } const rows[] = {
+    const std::tuple<std::string_view, std::string_view, std::string_view> rows[] = {
         {"zh-Hant-TW", "zh-Hant", "zh-Hant"},
         {"zh-Hans-CN", "zh-Hans", "en"},
         {"zh-Hans", "zh-Hans", "en"},
@@ -53,9 +51,9 @@ TEST(LanguageSelection, AutoResolvesTheFirstSystemLanguage) {
         EXPECT_EQ(Utils::setSelectLanguage("auto"), want) << tag << " in " << name;
         EXPECT_EQ(storedChoice(), (StoredChoice{std::string(want), "FollowSystem"})) << tag;
     };
-    for (const auto& row : rows) {
-        expect(row.tag, "Harbour", row.want);
-        expect(row.tag, "Orvik", row.orvik);
+    for (const auto& [tag, want, orvik] : rows) {
+        expect(tag, "Harbour", want);
+        expect(tag, "Orvik", orvik);
     }
     for (const std::string_view language : kPlainLanguages) {
         expect(language, "Harbour", language);
@@ -66,9 +64,7 @@ TEST(LanguageSelection, AutoResolvesTheFirstSystemLanguage) {
 }
 
 TEST(LanguageSelection, FixedChoices) {
-    struct {
-        std::string_view choice, want, orvik;
-    } const rows[] = {
+    const std::tuple<std::string_view, std::string_view, std::string_view> rows[] = {
         {"pt_BR", "pt-BR", "pt-BR"},
         {"zh_Hant", "zh-Hant", "zh-Hant"},
         {"zh_Hant_TW", "zh-Hant", "zh-Hant"},
@@ -81,13 +77,13 @@ TEST(LanguageSelection, FixedChoices) {
         {"", "", ""},
         {"no such language", "no such language", "no such language"},
     };
-    for (const auto& row : rows) {
+    for (const auto& [choice, plain, ofOrvik] : rows) {
         for (const bool orvik : {false, true}) {
             const ApplicationRun run({"de-DE"}, orvik ? "Orvik" : "orvik");
-            const std::string want(orvik ? row.orvik : row.want);
-            EXPECT_EQ(Utils::setSelectLanguage(row.choice), want) << row.choice;
-            EXPECT_EQ(Utils::selectLanguage(), want) << row.choice;
-            EXPECT_EQ(storedChoice(), (StoredChoice{want, "notFollowSystem"})) << row.choice;
+            const std::string want(orvik ? ofOrvik : plain);
+            EXPECT_EQ(Utils::setSelectLanguage(choice), want) << choice;
+            EXPECT_EQ(Utils::selectLanguage(), want) << choice;
+            EXPECT_EQ(storedChoice(), (StoredChoice{want, "notFollowSystem"})) << choice;
         }
     }
 }
@@ -198,14 +194,12 @@ TEST(SystemLanguage, OnlyTheFirstPreferenceIsExamined) {
 }
 
 TEST(SystemLanguage, OrvikReadsSimplifiedChineseAsEnglish) {
-    struct {
-        std::string_view name, tag, want;
-    } const rows[] = {
+    const std::tuple<std::string_view, std::string_view, std::string_view> rows[] = {
         {"Orvik", "zh-Hans-CN", "en"}, {"Orvik", "zh-Hans", "zh-Hans"}, {"Harbour", "zh-Hans-CN", "zh-Hans"}};
-    for (const auto& row : rows) {
-        ApplicationRun run({std::string(row.tag)}, row.name);
+    for (const auto& [name, tag, want] : rows) {
+        ApplicationRun run({std::string(tag)}, name);
         run.localizedIn({"en", "zh-Hans"});
-        EXPECT_EQ(Utils::currentUseLanguage(), row.want) << row.tag << " in " << row.name;
+        EXPECT_EQ(Utils::currentUseLanguage(), want) << tag << " in " << name;
     }
 }
 
@@ -221,23 +215,18 @@ TEST(SystemLanguage, IsComputedOnceInAProcess) {
 }
 
 TEST(RightToLeft, SelectionFirstThenTheSystem) {
-    struct {
-        std::optional<std::string_view> selected;
-        std::string system;
-        bool rtl, systemRTL;
-    } const rows[] = {
+    const std::tuple<std::optional<std::string_view>, std::string, bool, bool> rows[] = {
         {"ar", "en-US", true, false},        {"en", "ar-EG", false, true},
         {std::nullopt, "ar-EG", true, true}, {std::nullopt, "en-US", false, false},
         {"he", "en-US", false, false},       {"", "ar-EG", true, true},
         {"auto", "ar-EG", true, true},       {"ar-EG", "en-US", false, false},
     };
-    for (const auto& row : rows) {
-        ApplicationRun run({row.system});
+    for (const auto& [selected, system, rtl, systemRTL] : rows) {
+        ApplicationRun run({system});
         run.localizedIn({"ar", "en"});
-        if (row.selected) Utils::setSelectLanguage(row.selected);
-        EXPECT_EQ(Utils::isRTL(), row.rtl) << row.selected.value_or("(none)") << ", " << row.system;
-        EXPECT_EQ(Utils::isSystemRTL(), row.systemRTL)
-            << row.selected.value_or("(none)") << ", " << row.system;
+        if (selected) Utils::setSelectLanguage(selected);
+        EXPECT_EQ(Utils::isRTL(), rtl) << selected.value_or("(none)") << ", " << system;
+        EXPECT_EQ(Utils::isSystemRTL(), systemRTL) << selected.value_or("(none)") << ", " << system;
     }
 }
 

@@ -5,6 +5,8 @@
 #include <KXFoundation/Platform/Foundation/NSBundle.h>
 
 #include "Localization/ApplicationRun.h"
+#include "support/CountedAllocations.h"
+#include "support/FaultyFileSystem.h"
 
 namespace kx {
 namespace {
@@ -91,6 +93,43 @@ TEST(StringLookup, TheCurrentBundleStaysOnItsFirstLanguage) {
     EXPECT_EQ(Utils::localizedStringForKey("pier"), "Anleger");
     lCurrentUseLanguage = "fr";
     EXPECT_EQ(Utils::localizedStringForKey("pier"), "Anleger");
+}
+
+/// The cost of one look-up of the key once everything is warm.
+struct Cost {
+    std::size_t fileCalls, allocations;
+    bool operator==(const Cost&) const = default;
+};
+
+Cost costOf(testing::FaultyFileSystem& files, std::string_view key) {
+    for (int i = 0; i < 3; ++i) (void)KXLocalizationUtils::localizedStringForKey(key);
+    const std::size_t callsBefore = files.calls();
+    const std::size_t allocations =
+        testing::allocationsOf([&] { (void)KXLocalizationUtils::localizedStringForKey(key); });
+    return {files.calls() - callsBefore, allocations};
+}
+
+TEST(LookupCost, AWarmLookupThatFollowsTheSystemCostsItsAnswer) {
+    const std::string longText(100, 'x');
+    const std::tuple<std::string_view, std::string_view, std::size_t> rows[] = {
+        {"fr-FR", "short", 0},   {"fr-FR", "long", 1},  // the answer does not fit into a string object
+        {"fr-FR", "english", 1},                        // found in the fallback
+        {"ja-JP", "english", 1},                        // the selected language has no folder
+        {"fr-FR", "missing", 0},
+    };
+    for (const auto& [systemLanguage, key, wantAllocations] : rows) {
+        const auto files = std::make_shared<testing::FaultyFileSystem>();
+        const ScopedPort<FileSystem> scope(files);
+        ApplicationRun run({std::string(systemLanguage)});
+        run.platform.bundle()
+            .addStrings("fr", {{"short", "court"}, {"long", longText}})
+            .addStrings("en", {{"english", longText}});
+        KXLocalizationUtils::setSelectLanguage("auto");
+        EXPECT_GT(files->calls(), 0U) << "the flush was not counted: this test would see nothing";
+        const Cost cost = costOf(*files, key);
+        EXPECT_EQ(cost.fileCalls, 0U) << systemLanguage << ": " << key;
+        EXPECT_EQ(cost.allocations, wantAllocations) << systemLanguage << ": " << key;
+    }
 }
 
 }  // namespace

@@ -180,6 +180,10 @@ void NativeSurface::took(const WindowModuleEvent& event) {
             return handler(SurfaceResized());
         case WindowEventType::Exposed:
             return handler(SurfaceExposed());
+        case WindowEventType::Minimized:
+            return handler(SurfaceMiniaturized{true});
+        case WindowEventType::Restored:
+            return handler(SurfaceMiniaturized{false});
         case WindowEventType::FocusGained:
             return handler(SurfaceFocusChanged{true});
         case WindowEventType::FocusLost:

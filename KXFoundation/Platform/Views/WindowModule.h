@@ -20,6 +20,8 @@ enum class WindowEventType : std::uint32_t {
     Exposed,  ///< the contents must be presented again
     FocusGained,
     FocusLost,
+    Minimized,  ///< the desktop has put the window away
+    Restored,   ///< it has not, or no longer
     CloseRequested,
     Quit,  ///< the display went away or the session ends
 };
@@ -69,7 +71,7 @@ struct WindowModulePixelRect {
 };
 
 struct WindowModule {
-    static constexpr std::uint32_t kVersion = 1;
+    static constexpr std::uint32_t kVersion = 2;
 
     std::uint32_t version;
     /// "x11" or "wayland".
@@ -82,6 +84,7 @@ struct WindowModule {
     /// What it has got, in points, which may be another size than was asked for.
     void (*size)(std::uint32_t window, double* width, double* height);
     void (*setVisible)(std::uint32_t window, bool visible);
+    /// To the front, also one that the desktop has put away.
     void (*raise)(std::uint32_t window);
     /// Pixels to the point.
     double (*scale)(std::uint32_t window);

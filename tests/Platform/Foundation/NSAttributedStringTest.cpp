@@ -1,3 +1,4 @@
+#include <functional>
 #include <string>
 
 #include <gtest/gtest.h>
@@ -31,79 +32,41 @@ std::string shown(const NSAttributedString& text) {
 
 TEST(NSMutableAttributedString, ChangesTheRunsOfARange) {
     using Text = NSMutableAttributedString;
-    const struct {
-        const char* what;
-        void (*change)(Text&);
-        const char* want;
-    } rows[] = {
+    using Change = std::function<void(Text&)>;
+    const auto set = [](Value attributes, NSRange range) -> Change {
+        return [=](Text& t) { t.setAttributes(attributes, range); };
+    };
+    const auto add = [](const char* name, Value value, NSRange range) -> Change {
+        return [=](Text& t) { t.addAttribute(name, value, range); };
+    };
+    const auto replace = [](NSRange range, const char* text) -> Change {
+        return [=](Text& t) { t.replaceCharactersInRange(range, text); };
+    };
+    const auto remove = [](NSRange range) -> Change {
+        return [=](Text& t) { t.deleteCharactersInRange(range); };
+    };
+    const NSRange all{0, 11};
+    const std::tuple<const char*, Change, const char*> rows[] = {
         {"nothing", [](Text&) {}, "[a]Häfen[b]Bucht"},
-        {"a part",
-         [](Text& t) {
-             t.setAttributes(withStyle("c"), {0, 1});
-         },
-         "[c]H[a]äfen[b]Bucht"},
-        {"equal neighbours join",
-         [](Text& t) {
-             t.setAttributes(withStyle("a"), {6, 5});
-         },
-         "[a]HäfenBucht"},
-        {"over an edge",
-         [](Text& t) {
-             t.addAttribute("style", "c", {5, 2});
-         },
-         "[a]Häfe[c]nB[b]ucht"},
-        {"inside a letter",
-         [](Text& t) {
-             t.setAttributes(withStyle("c"), {2, 2});
-         },
-         "[a]H[c]äf[a]en[b]Bucht"},
-        {"another name",
-         [](Text& t) {
-             t.addAttribute("link", 1, {0, 1});
-         },
-         "[a]H[a]äfen[b]Bucht"},
-        {"no style",
-         [](Text& t) {
-             t.removeAttribute("style", {0, 11});
-         },
-         "[-]HäfenBucht"},
-        {"no dictionary",
-         [](Text& t) {
-             t.setAttributes("bold", {0, 11});
-         },
-         "[-]HäfenBucht"},
-        {"an empty range",
-         [](Text& t) {
-             t.setAttributes(withStyle("c"), {4, 0});
-         },
-         "[a]Häfen[b]Bucht"},
-        {"deleted",
-         [](Text& t) {
-             t.deleteCharactersInRange({3, 6});
-         },
-         "[a]Hä[b]ht"},
-        {"replaced",
-         [](Text& t) {
-             t.replaceCharactersInRange({5, 2}, "XY");
-         },
-         "[a]HäfeXY[b]ucht"},
-        {"inserted",
-         [](Text& t) {
-             t.replaceCharactersInRange({6, 0}, "s");
-         },
-         "[a]Häfens[b]Bucht"},
-        {"all gone",
-         [](Text& t) {
-             t.deleteCharactersInRange({0, 11});
-         },
-         ""},
+        {"a part", set(withStyle("c"), {0, 1}), "[c]H[a]äfen[b]Bucht"},
+        {"equal neighbours join", set(withStyle("a"), {6, 5}), "[a]HäfenBucht"},
+        {"over an edge", add("style", "c", {5, 2}), "[a]Häfe[c]nB[b]ucht"},
+        {"inside a letter", set(withStyle("c"), {2, 2}), "[a]H[c]äf[a]en[b]Bucht"},
+        {"another name", add("link", 1, {0, 1}), "[a]H[a]äfen[b]Bucht"},
+        {"no style", [&](Text& t) { t.removeAttribute("style", all); }, "[-]HäfenBucht"},
+        {"no dictionary", set("bold", all), "[-]HäfenBucht"},
+        {"an empty range", set(withStyle("c"), {4, 0}), "[a]Häfen[b]Bucht"},
+        {"deleted", remove({3, 6}), "[a]Hä[b]ht"},
+        {"replaced", replace({5, 2}, "XY"), "[a]HäfeXY[b]ucht"},
+        {"inserted", replace({6, 0}, "s"), "[a]Häfens[b]Bucht"},
+        {"all gone", remove(all), ""},
         {"itself appended", [](Text& t) { t.appendAttributedString(t); }, "[a]Häfen[b]Bucht[a]Häfen[b]Bucht"},
     };
-    for (const auto& row : rows) {
+    for (const auto& [what, change, want] : rows) {
         const auto text = Text::initWithString("Häfen", withStyle("a"));
         text->appendAttributedString(*NSAttributedString::initWithString("Bucht", withStyle("b")));
-        row.change(*text);
-        EXPECT_EQ(shown(*text), row.want) << row.what;
+        change(*text);
+        EXPECT_EQ(shown(*text), want) << what;
     }
 }
 

@@ -78,17 +78,14 @@ TEST(NSCalendar, HasTheFieldsThatIcuHas) {
 
 TEST(NSCalendar, TakesItsFirstWeekdayFromTheLocale) {
     testing::ScopedPlatform platform;
-    const struct {
-        const char* locale;
-        std::int64_t first;
-    } rows[] = {{"en_US", 1}, {"de_DE", 2}, {"ar_EG", 7}, {"pt_BR", 1},
-                {"en_GB", 2}, {"fa_IR", 7}, {"eo", 2}};
+    const std::pair<const char*, std::int64_t> rows[] = {
+        {"en_US", 1}, {"de_DE", 2}, {"ar_EG", 7}, {"pt_BR", 1}, {"en_GB", 2}, {"fa_IR", 7}, {"eo", 2}};
     const auto calendar = make<NSCalendar>();
-    for (const auto& row : rows) {
-        calendar->setLocale(NSLocale::localeWithLocaleIdentifier(row.locale));
-        EXPECT_EQ(calendar->firstWeekday(), row.first) << row.locale;
-        platform.locale().setLocale(row.locale);
-        EXPECT_EQ(make<NSCalendar>()->firstWeekday(), row.first) << row.locale;
+    for (const auto& [locale, first] : rows) {
+        calendar->setLocale(NSLocale::localeWithLocaleIdentifier(locale));
+        EXPECT_EQ(calendar->firstWeekday(), first) << locale;
+        platform.locale().setLocale(locale);
+        EXPECT_EQ(make<NSCalendar>()->firstWeekday(), first) << locale;
     }
     for (const std::int64_t none : {0, 8, -1}) calendar->setFirstWeekday(none);
     EXPECT_EQ(calendar->firstWeekday(), 2);
@@ -98,11 +95,7 @@ TEST(NSCalendar, TakesItsFirstWeekdayFromTheLocale) {
 
 TEST(NSCalendar, KnowsWhereUnitsBegin) {
     const testing::ScopedPlatform platform;
-    const struct {
-        const char* zone;
-        NSCalendarUnit unit;
-        double at, start, length;
-    } rows[] = {
+    const std::tuple<const char*, NSCalendarUnit, double, double, double> rows[] = {
         {"UTC", NSCalendarUnitYear, 1'709'210'096, 1'704'067'200, 366 * 86'400},
         {"UTC", NSCalendarUnitMonth, 1'709'210'096, 1'706'745'600, 29 * 86'400},
         {"UTC", NSCalendarUnitYearForWeekOfYear, 1'735'560'000, 1'735'430'400,
@@ -114,15 +107,14 @@ TEST(NSCalendar, KnowsWhereUnitsBegin) {
         {"Australia/Lord_Howe", NSCalendarUnitHour, 1'728'143'400, 1'728'142'200,
          3600},  // 02:50, begun at 02:30
     };
-    for (const auto& row : rows) {
+    for (const auto& [zone, unit, at, wantStart, wantLength] : rows) {
         const auto calendar = make<NSCalendar>();
-        calendar->setTimeZone(NSTimeZone::timeZoneWithName(row.zone));
+        calendar->setTimeZone(NSTimeZone::timeZoneWithName(zone));
         NSDate start = NSDate::dateWithTimeIntervalSince1970(0);
         double length = 0;
-        EXPECT_TRUE(
-            calendar->rangeOfUnit(row.unit, &start, &length, NSDate::dateWithTimeIntervalSince1970(row.at)));
-        EXPECT_EQ(start.timeIntervalSince1970(), row.start) << row.zone << " " << row.unit;
-        EXPECT_EQ(length, row.length) << row.zone << " " << row.unit;
+        EXPECT_TRUE(calendar->rangeOfUnit(unit, &start, &length, NSDate::dateWithTimeIntervalSince1970(at)));
+        EXPECT_EQ(start.timeIntervalSince1970(), wantStart) << zone << " " << unit;
+        EXPECT_EQ(length, wantLength) << zone << " " << unit;
     }
     EXPECT_FALSE(make<NSCalendar>()->rangeOfUnit(3, nullptr, nullptr, NSDate::date()));
 }
@@ -182,13 +174,11 @@ TEST(NSCalendar, CountsFractionsOfSeconds) {
     const testing::ScopedPlatform platform;
     const auto calendar = make<NSCalendar>();
     calendar->setTimeZone(NSTimeZone::timeZoneWithName("UTC"));
-    const struct {
-        double from, to;
-        std::int64_t days, seconds;
-    } rows[] = {{0.875, 1.125, 0, 0},      {1.125, 0.875, 0, 0},
-                {0.125, 1.125, 0, 1},      {0.875, 86'400.125, 0, 86'399},
-                {0.125, 86'400.875, 1, 0}, {86'400.125, 0.875, 0, -86'399},
-                {-0.5, 0.25, 0, 0},        {0.75, -86'399.5, -1, 0}};
+    const std::tuple<double, double, std::int64_t, std::int64_t> rows[] = {
+        {0.875, 1.125, 0, 0},      {1.125, 0.875, 0, 0},
+        {0.125, 1.125, 0, 1},      {0.875, 86'400.125, 0, 86'399},
+        {0.125, 86'400.875, 1, 0}, {86'400.125, 0.875, 0, -86'399},
+        {-0.5, 0.25, 0, 0},        {0.75, -86'399.5, -1, 0}};
     for (const auto& [from, to, days, seconds] : rows) {
         const auto difference = calendar->components(NSCalendarUnitDay | NSCalendarUnitSecond,
                                                      NSDate::dateWithTimeIntervalSince1970(from),

@@ -44,26 +44,24 @@ class Icu {
 
 TEST(NSDateFormatter, WritesWhatIcuWrites) {
     const testing::ScopedPlatform platform;
-    const struct {
-        const char *locale, *pattern;
-    } rows[] = {
+    const std::pair<const char*, const char*> rows[] = {
         {"en_US", "yyyy-MM-dd HH:mm:ss"}, {"en_US", "h:mm a"},        {"en_US", "y/M/d k 'o''clock' ''"},
         {"en_US", "yy KK:m:s"},           {"ja_JP", "aKK:mm"},        {"ar_EG", "yyyy/MM/dd hh:mm a"},
         {"fa_IR", "HH:mm:ss a"},          {"fa_IR", "yyyy-MM-dd"},    {"th_TH", "d MMMM y"},
         {"de_DE", "EEEE, d. MMMM y"},     {"zh_CN", "y年M月d日 EEE"}, {"en_US", "ss.SSS"},
     };
     const auto utc = NSTimeZone::timeZoneWithName("UTC");
-    for (const auto& row : rows) {
-        const auto formatter = formatterFor(row.locale, "Australia/Lord_Howe");
-        formatter->setDateFormat(row.pattern);
-        const Icu icu(row.pattern, row.locale);
+    for (const auto& [locale, pattern] : rows) {
+        const auto formatter = formatterFor(locale, "Australia/Lord_Howe");
+        formatter->setDateFormat(pattern);
+        const Icu icu(pattern, locale);
         // Some 25 years and a bit at a time through the years 1 to 9999.
         for (double seconds = -62'135'500'000; seconds < 253'402'200'000; seconds += 812'345'678) {
             const auto date = NSDate::dateWithTimeIntervalSince1970(seconds);
             const double wall =
                 seconds + static_cast<double>(formatter->timeZone()->secondsFromGMTForDate(date));
             ASSERT_EQ(formatter->stringFromDate(date), icu.text(wall))
-                << row.locale << " " << row.pattern << " " << seconds;
+                << locale << " " << pattern << " " << seconds;
         }
     }
 }
@@ -81,6 +79,25 @@ TEST(NSDateFormatter, ReadsWhatItWrites) {
                 ASSERT_EQ(formatter->dateFromString(text), date) << locale << " " << *text;
             }
         }
+    }
+}
+
+TEST(NSDateFormatter, NamesTheZone) {
+    const testing::ScopedPlatform platform;
+    const struct {
+        const char* zone;
+        double seconds;
+        const char *pattern, *want;
+    } rows[] = {
+        {"America/New_York", 1'721'000'000, "HH:mm z, zzzz", "19:33 EDT, Eastern Daylight Time"},
+        {"Europe/Berlin", 1'705'000'000, "HH:mm VV, VVV, vvvv",
+         "20:06 Europe/Berlin, Berlin, Central European Time"},
+        {"Asia/Almaty", 1'721'000'000, "HH:mm z", "04:33 GMT+5"},  // of old rules it would be 6 hours
+    };
+    for (const auto& row : rows) {
+        const auto formatter = formatterFor("en_US", row.zone);
+        formatter->setDateFormat(row.pattern);
+        EXPECT_EQ(formatter->stringFromDate(NSDate::dateWithTimeIntervalSince1970(row.seconds)), row.want);
     }
 }
 
@@ -110,10 +127,7 @@ TEST(NSDateFormatter, BearsBadInput) {
     const auto formatter = formatterFor("en_US", "UTC");
     const auto date = NSDate::dateWithTimeIntervalSince1970(0);
     const std::string zero("HH\0mm", 5);
-    const struct {
-        std::optional<std::string> pattern;
-        std::optional<std::string> want;
-    } rows[] = {
+    const std::pair<std::optional<std::string>, std::optional<std::string>> rows[] = {
         {std::nullopt, ""},
         {"", ""},
         {"'", ""},
@@ -125,9 +139,9 @@ TEST(NSDateFormatter, BearsBadInput) {
         {std::string(100'000, '.'), std::string(100'000, '.')},
         {"C", std::nullopt},
     };
-    for (const auto& row : rows) {
-        formatter->setDateFormat(row.pattern);
-        EXPECT_EQ(formatter->stringFromDate(date), row.want) << row.pattern.value_or("absent").substr(0, 20);
+    for (const auto& [pattern, want] : rows) {
+        formatter->setDateFormat(pattern);
+        EXPECT_EQ(formatter->stringFromDate(date), want) << pattern.value_or("absent").substr(0, 20);
     }
     for (const char* pattern : {"HH:mm", "EEEE"}) {
         formatter->setDateFormat(pattern);

@@ -128,10 +128,7 @@ TEST_F(NSKeyedArchiverTest, KeepsIdentityAndCircles) {
 TEST_F(NSKeyedArchiverTest, RefusesWhatCannotBeArchived) {
     Value wide = array({1, 2});
     for (int i = 0; i < 40; ++i) wide = array({wide, wide});  // small, but endless when written out
-    struct {
-        Value value;
-        ErrorKind kind;
-    } const rows[] = {
+    const std::pair<Value, ErrorKind> rows[] = {
         {Value::uid(1), ErrorKind::Unsupported},
         {Value(make<Ordinary>()), ErrorKind::Unsupported},
         {array({harbour("x", Value(make<Ordinary>()))}), ErrorKind::Unsupported},
@@ -147,11 +144,7 @@ TEST_F(NSKeyedArchiverTest, RefusesWhatCannotBeArchived) {
 
 TEST_F(NSKeyedArchiverTest, TheRootMustBeOfTheClassAskedFor) {
     const Value island = harbour<IslandHarbour>("Texel");
-    struct {
-        Value value;
-        ArchivedClass cls;
-        bool expected;
-    } const rows[] = {
+    const std::tuple<Value, ArchivedClass, bool> rows[] = {
         {"", ValueClass::NSString, true},
         {"caf\xE9", ValueClass::NSString, true},
         {"1", ValueClass::NSNumber, false},
@@ -208,11 +201,7 @@ TEST_F(NSKeyedArchiverTest, ReadsForeignArchives) {
 TEST_F(NSKeyedArchiverTest, RefusesHostileArchives) {
     const Value harbourOf2 =
         DictionaryBuilder().set("$class", Value::uid(1)).set("across", Value::uid(2)).build();
-    struct {
-        std::string_view what;
-        std::string archive;
-        ErrorKind kind;
-    } const rows[] = {
+    const std::tuple<std::string_view, std::string, ErrorKind> rows[] = {
         {"nothing", "", ErrorKind::Ended},
         {"another list", *writeXmlPropertyList(array({1})), ErrorKind::Corrupt},
         {"no root", handmade("NSArray", {}), ErrorKind::Corrupt},

@@ -62,19 +62,16 @@ TEST_F(NSNotificationCenterTest, CallsInOrderByNameAndSender) {
     const auto b = centre.addObserverForName(NSNotificationName::named("test arrived"), sender, noting('b'));
     const auto c = centre.addObserverForName(kLeft, nullptr, noting('c'));
     const auto d = observe('d');
-    const struct {
-        std::string_view name;
-        std::shared_ptr<NSObject> sender;
-        std::string_view want;
-    } rows[] = {{"test arrived", nullptr, "ad"},
-                {"test arrived", sender, "abd"},
-                {"test arrived", make<Harbour>(), "ad"},
-                {"test left", sender, "c"},
-                {"test unheard of", sender, ""}};
-    for (const auto& row : rows) {
+    const std::tuple<std::string_view, std::shared_ptr<NSObject>, std::string_view> rows[] = {
+        {"test arrived", nullptr, "ad"},
+        {"test arrived", sender, "abd"},
+        {"test arrived", make<Harbour>(), "ad"},
+        {"test left", sender, "c"},
+        {"test unheard of", sender, ""}};
+    for (const auto& [name, from, want] : rows) {
         calls.clear();
-        centre.postNotificationName(row.name, row.sender);
-        EXPECT_EQ(calls, row.want) << row.name;
+        centre.postNotificationName(name, from);
+        EXPECT_EQ(calls, want) << name;
     }
     EXPECT_EQ(NSNotificationName::find("test unheard of"), nullptr) << "a post does not intern";
 }

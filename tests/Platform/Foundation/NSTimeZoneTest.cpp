@@ -17,11 +17,7 @@ namespace {
 using namespace std::string_literals;
 
 TEST(NSTimeZone, KnowsTheSystemsRules) {
-    const struct {
-        const char* zone;
-        double utc;
-        std::int64_t offset;
-    } rows[] = {
+    const std::tuple<const char*, double, std::int64_t> rows[] = {
         {"UTC", 1e9, 0},
         {"America/New_York", -3'000'000'000, -17'762},   // local mean time
         {"America/New_York", 1'710'053'999, -5 * 3600},  // the second before a change
@@ -37,11 +33,11 @@ TEST(NSTimeZone, KnowsTheSystemsRules) {
         {"Australia/Lord_Howe", 1'735'000'000, 11 * 3600},
         {"Asia/Kathmandu", 1e9, 20'700},
     };
-    for (const auto& row : rows) {
-        const auto zone = NSTimeZone::timeZoneWithName(row.zone);
-        ASSERT_TRUE(zone) << row.zone;
-        EXPECT_EQ(zone->secondsFromGMTForDate(NSDate::dateWithTimeIntervalSince1970(row.utc)), row.offset)
-            << row.zone << " " << row.utc;
+    for (const auto& [name, utc, offset] : rows) {
+        const auto zone = NSTimeZone::timeZoneWithName(name);
+        ASSERT_TRUE(zone) << name;
+        EXPECT_EQ(zone->secondsFromGMTForDate(NSDate::dateWithTimeIntervalSince1970(utc)), offset)
+            << name << " " << utc;
     }
 }
 
@@ -60,21 +56,18 @@ TEST(NSTimeZone, FindsTheWayBackFromLocalTime) {
 }
 
 TEST(NSTimeZone, TellsSkippedTimesFromRepeatedOnes) {
-    const struct {
-        const char* zone;
-        std::int64_t local, before, after, change;
-    } rows[] = {
+    const std::tuple<const char*, std::int64_t, std::int64_t, std::int64_t, std::int64_t> rows[] = {
         {"Europe/Berlin", 1'711'850'400, 1'711'846'800, 1'711'843'200, 1'711'846'800},  // 2024-03-31 02:00
         {"Europe/Berlin", 1'711'854'000, 1'711'846'800, 1'711'846'800, 1'711'846'800},  // 03:00
         {"Europe/Berlin", 1'729'994'400, 1'729'987'200, 1'729'990'800, 1'729'990'800},  // 2024-10-27 02:00
         {"Europe/Berlin", 1'729'998'000, 1'729'994'400, 1'729'994'400, 1'729'994'400},  // 03:00
         {"Pacific/Apia", 1'325'203'200, 1'325'239'200, 1'325'152'800, 1'325'239'200},   // 2011-12-30
     };
-    for (const auto& row : rows) {
-        const auto instants = NSTimeZone::timeZoneWithName(row.zone)->rules().instantsAt(row.local);
-        EXPECT_EQ(instants.before, row.before) << row.zone << " " << row.local;
-        EXPECT_EQ(instants.after, row.after) << row.zone << " " << row.local;
-        EXPECT_EQ(instants.change, row.change) << row.zone << " " << row.local;
+    for (const auto& [zone, local, before, after, change] : rows) {
+        const auto instants = NSTimeZone::timeZoneWithName(zone)->rules().instantsAt(local);
+        EXPECT_EQ(instants.before, before) << zone << " " << local;
+        EXPECT_EQ(instants.after, after) << zone << " " << local;
+        EXPECT_EQ(instants.change, change) << zone << " " << local;
     }
 }
 
@@ -124,10 +117,7 @@ TEST(NSTimeZone, AFileOfEndlessTimeCostsNoMore) {
 
 TEST(NSTimeZone, ReadsTheUsersVariable) {
     testing::ScopedPlatform platform;
-    const struct {
-        const char *variable, *name;
-        bool isLogged;
-    } rows[] = {
+    const std::tuple<const char*, const char*, bool> rows[] = {
         {"Europe/Berlin", "Europe/Berlin", false},
         {":Asia/Tokyo", "Asia/Tokyo", false},
         {"/usr/share/zoneinfo/Asia/Tokyo", "/usr/share/zoneinfo/Asia/Tokyo", false},
@@ -135,12 +125,12 @@ TEST(NSTimeZone, ReadsTheUsersVariable) {
         {"../../../etc/passwd", "UTC", true},
         {"/etc/passwd", "UTC", true},
     };
-    for (const auto& row : rows) {
-        platform.environment().set("TZ", row.variable);
+    for (const auto& [variable, name, isLogged] : rows) {
+        platform.environment().set("TZ", variable);
         const ScopedPort<TimeZoneSettings> scope(TimeZoneSettings::makeDefault());
         const testing::CapturedLog log;
-        EXPECT_EQ(NSTimeZone::systemTimeZone()->name(), row.name) << row.variable;
-        EXPECT_TRUE(row.isLogged || log.lines().empty()) << row.variable;
+        EXPECT_EQ(NSTimeZone::systemTimeZone()->name(), name) << variable;
+        EXPECT_TRUE(isLogged || log.lines().empty()) << variable;
     }
 }
 

@@ -45,19 +45,15 @@ class NSURLSessionTest : public ::testing::Test {
 };
 
 TEST_F(NSURLSessionTest, LoadsWhateverTheStatus) {
-    struct {
-        const char* path;
-        std::int32_t status;
-        std::string body;
-    } const rows[] = {
+    const std::tuple<const char*, std::int32_t, std::string> rows[] = {
         {"/big?5", 200, "xxxxx"}, {"/big?0", 200, ""},     {"/error", 500, "gone wrong"},
         {"/none", 404, ""},       {"/hops?5", 200, "xxx"},
     };
-    for (const auto& row : rows) {
-        const auto answer = load(server().address(row.path));
-        ASSERT_TRUE(answer) << row.path << " " << answer.error().message();
-        EXPECT_EQ(answer->status, row.status) << row.path;
-        EXPECT_EQ(answer->body, row.body) << row.path;
+    for (const auto& [path, status, body] : rows) {
+        const auto answer = load(server().address(path));
+        ASSERT_TRUE(answer) << path << " " << answer.error().message();
+        EXPECT_EQ(answer->status, status) << path;
+        EXPECT_EQ(answer->body, body) << path;
     }
 }
 

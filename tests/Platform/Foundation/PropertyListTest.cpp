@@ -89,10 +89,7 @@ TEST(PropertyList, BothFormsGiveBackWhatWasWritten) {
 }
 
 TEST(PropertyList, WhatAFormCannotHoldIsRefused) {
-    const struct {
-        Value value;
-        bool inXml, inBinary;
-    } rows[] = {
+    const std::tuple<Value, bool, bool> rows[] = {
         {"bell \a", false, true},      {Value::date(0.5), false, true},  {Value::date(1e18), false, true},
         {nullptr, false, false},       {array({nullptr}), false, false}, {nestedArrays(513), false, false},
         {"\xEF\xBF\xBE", false, true},  // U+FFFE
@@ -202,11 +199,7 @@ TEST(PropertyList, RefusesBinaryListsThatCheat) {
     for (int i = 0; i < 60'000; ++i)
         deep.object("\xA1"s + BinaryList::number(static_cast<unsigned>(i) + 1, 2));
     deep.object("\x09"s);
-    const struct {
-        std::string what;
-        BinaryList list;
-        std::string want;
-    } rows[] = {
+    const std::tuple<std::string, BinaryList, std::string> rows[] = {
         {"an array that holds itself", BinaryList().object("\xA1\0\0"s), "corrupt"},
         {"a circle of two", BinaryList().object("\xA1\0\1"s).object("\xA1\0\0"s), "corrupt"},
         {"a bomb of shared arrays", bomb, "too large"},

@@ -35,11 +35,7 @@ std::string utf16(std::u16string_view units, bool bigEndian) {
 }
 
 TEST(StringTable, ReadsEveryForm) {
-    const struct {
-        const char* what;
-        std::string contents;
-        Texts texts;
-    } rows[] = {
+    const std::tuple<const char*, std::string, Texts> rows[] = {
         {"empty file", "", {}},
         {"plain", R"("a" = "A"; "b"="B";)", {{"a", "A"}, {"b", "B"}}},
         {"no line end, spaces and tabs", "\t\"a\"\t=\r\n \"A\" ;", {{"a", "A"}}},
@@ -59,21 +55,16 @@ TEST(StringTable, ReadsEveryForm) {
         {"UTF-16 without mark, big", utf16(u"\"a\" = \"中\";", true), {{"a", "中"}}},
         {"UTF-16 without mark, little", utf16(u"\"a\" = \"中\";", false), {{"a", "中"}}},
     };
-    for (const auto& row : rows) {
-        SCOPED_TRACE(row.what);
-        const StringTable table(row.contents);
-        expectTexts(table, row.texts);
+    for (const auto& [what, contents, texts] : rows) {
+        SCOPED_TRACE(what);
+        const StringTable table(contents);
+        expectTexts(table, texts);
         EXPECT_EQ(table.faults().count, 0u) << table.faults().firstReason;
     }
 }
 
 TEST(StringTable, ABadEntryCostsItselfAlone) {
-    const struct {
-        const char* what;
-        std::string contents;
-        std::size_t line;
-        Texts texts;
-    } rows[] = {
+    const std::tuple<const char*, std::string, std::size_t, Texts> rows[] = {
         {"no semicolon, next line", "\"x\" = \"X\"\n\"a\" = \"A\";", 1, {{"a", "A"}}},
         {"no semicolon, same line", "\"x\" = \"X\" \"a\" = \"A\";", 1, {{"a", "A"}}},
         {"open text", "\n\"x\" = \"X;\n\"a\" = \"A\";\nb = \"B\";", 2, {{"a", "A"}, {"b", "B"}}},
@@ -102,11 +93,11 @@ TEST(StringTable, ABadEntryCostsItselfAlone) {
         {"escaped line ends are no lines", "\"a\" = \"1\\n2\\n\\U000A\";\nx\n", 2, {{"a", "1\n2\n\n"}}},
         {"escaped line ends of the bad entry", "\"x\\n\" = \"\\q\";\na = A;", 1, {{"a", "A"}}},
     };
-    for (const auto& row : rows) {
-        SCOPED_TRACE(row.what);
-        const StringTable table(row.contents);
-        expectTexts(table, row.texts);
-        EXPECT_EQ(table.faults().firstLine, row.line) << table.faults().firstReason;
+    for (const auto& [what, contents, line, texts] : rows) {
+        SCOPED_TRACE(what);
+        const StringTable table(contents);
+        expectTexts(table, texts);
+        EXPECT_EQ(table.faults().firstLine, line) << table.faults().firstReason;
     }
 }
 

@@ -10,10 +10,7 @@ namespace {
 using namespace std::string_literals;
 
 TEST(Utf8Validation, KnowsWhatIsCutOrOverlong) {
-    const struct {
-        std::string text;
-        bool valid;
-    } rows[] = {
+    const std::pair<std::string, bool> rows[] = {
         {"", true},
         {"\0"s, true},
         {"\xC2\x80\xDF\xBF", true},
@@ -31,12 +28,11 @@ TEST(Utf8Validation, KnowsWhatIsCutOrOverlong) {
         {"\xF1\x80\x80", false},
         {"\xC2\x80\x80", false},
     };
-    for (const auto& row : rows) {
+    for (const auto& [bytes, valid] : rows) {
         for (std::size_t before = 0; before <= 33; ++before) {
-            const std::string text = std::string(before, 'a') + row.text;
-            EXPECT_EQ(isUtf8(text), row.valid)
-                << before << " bytes, then " << ::testing::PrintToString(row.text);
-            EXPECT_EQ(isUtf8ByCharacters(text), row.valid) << ::testing::PrintToString(row.text);
+            const std::string text = std::string(before, 'a') + bytes;
+            EXPECT_EQ(isUtf8(text), valid) << before << " bytes, then " << ::testing::PrintToString(bytes);
+            EXPECT_EQ(isUtf8ByCharacters(text), valid) << ::testing::PrintToString(bytes);
         }
     }
 }

@@ -61,11 +61,7 @@ std::size_t misses(const Canvas& canvas, std::uint32_t left, std::uint32_t top, 
 }  // namespace
 
 TEST(GraphicsContext, FilledRectangleCoversItsPixelsExactly) {
-    const struct {
-        double scale;
-        NSRect rect;
-        std::uint32_t left, top, right, bottom;
-    } rows[] = {
+    const std::tuple<double, NSRect, std::uint32_t, std::uint32_t, std::uint32_t, std::uint32_t> rows[] = {
         {1, {10, 20, 30, 40}, 10, 20, 40, 60},
         {2, {10, 20, 30, 20}, 20, 40, 80, 80},
         {1.25, {8, 16, 40, 24}, 10, 20, 60, 50},
@@ -74,11 +70,11 @@ TEST(GraphicsContext, FilledRectangleCoversItsPixelsExactly) {
         {1, {50, 50, 0, 10}, 0, 0, 0, 0},
         {1, {50, 50, -10, -10}, 0, 0, 0, 0},
     };
-    for (const auto& row : rows) {
-        const Canvas canvas(100, 100, row.scale);
-        canvas->fill(row.rect, red());
-        EXPECT_EQ(misses(canvas, row.left, row.top, row.right, row.bottom, 0xFFFF0000), 0u)
-            << "scale " << row.scale << ", rectangle at " << row.rect.origin.x << ", " << row.rect.origin.y;
+    for (const auto& [scale, rect, left, top, right, bottom] : rows) {
+        const Canvas canvas(100, 100, scale);
+        canvas->fill(rect, red());
+        EXPECT_EQ(misses(canvas, left, top, right, bottom, 0xFFFF0000), 0u)
+            << "scale " << scale << ", rectangle at " << rect.origin.x << ", " << rect.origin.y;
     }
 }
 

@@ -194,18 +194,17 @@ TEST(Jpeg, IsTurnedAsTheCameraWasHeld) {
 TEST(Jpeg, IsReducedWhileItIsUnpackedButNeverBelowWhatIsAskedFor) {
     const auto encoded = encodeJpeg(*quarters(640, 480, kOpaque[3]), 0.9);
     ASSERT_TRUE(encoded.ok());
-    struct {
-        std::uint32_t leastWide, leastHigh, wide, high;
-    } const rows[] = {{80, 60, 80, 60},
-                      {81, 60, 160, 120},
-                      {320, 10, 320, 240},
-                      {321, 1, 640, 480},
-                      {9999, 9999, 640, 480}};
-    for (const auto& row : rows) {
-        const auto decoded = decodeJpegReduced(*encoded, row.leastWide, row.leastHigh);
+    const std::tuple<std::uint32_t, std::uint32_t, std::uint32_t, std::uint32_t> rows[] = {
+        {80, 60, 80, 60},
+        {81, 60, 160, 120},
+        {320, 10, 320, 240},
+        {321, 1, 640, 480},
+        {9999, 9999, 640, 480}};
+    for (const auto& [leastWide, leastHigh, wide, high] : rows) {
+        const auto decoded = decodeJpegReduced(*encoded, leastWide, leastHigh);
         expectCorners(decoded, kOpaque, "reduced");
-        EXPECT_EQ((*decoded)->pixelsWide(), row.wide);
-        EXPECT_EQ((*decoded)->pixelsHigh(), row.high);
+        EXPECT_EQ((*decoded)->pixelsWide(), wide);
+        EXPECT_EQ((*decoded)->pixelsHigh(), high);
     }
 }
 
@@ -228,7 +227,7 @@ TEST(Webp, ReadsBothKindsWithAlphaAndOrientation) {
 }
 
 TEST(Tiff, ComesBackAsItWasWritten) {
-    const auto bitmap = quarters(37, 29, 0x80402010);
+    const auto bitmap = quarters(37, 29, 0x80804010);
     const auto encoded = encodeTiff(*bitmap);
     ASSERT_TRUE(encoded.ok()) << encoded.error().message();
     const auto decoded = decodeImage(*encoded);
@@ -236,6 +235,15 @@ TEST(Tiff, ComesBackAsItWasWritten) {
     ASSERT_EQ((*decoded)->pixels().size(), bitmap->pixels().size());
     for (std::size_t i = 0; i < bitmap->pixels().size(); ++i)
         ASSERT_LE(distance((*decoded)->pixels()[i], bitmap->pixels()[i]), 1) << i;
+
+    Bytes lying = *encoded;  // that its colours, which are straight, are premultiplied
+    const std::byte extraSamples[] = {std::byte{0x52}, std::byte{1}, std::byte{3},
+                                      std::byte{0}};  // 338, words
+    const auto entry =
+        std::search(lying.begin(), lying.end(), std::begin(extraSamples), std::end(extraSamples));
+    ASSERT_NE(entry, lying.end());
+    entry[8] = std::byte{1};
+    expectCorners(decodeImage(lying), {kOpaque[0], kOpaque[1], kOpaque[2], 0x80808020}, "no such colours", 1);
 }
 
 /// A chunk whose check sum is wrong, which nobody sees where it is passed over.
@@ -267,10 +275,9 @@ Bytes tiffOfOneStrip() {
     std::memcpy(file.data(), header, sizeof header);
     std::fill(file.end() - 2, file.end(), std::byte{0});
     for (std::uint32_t i = 0; i < 2 * kRows; ++i) add(i < kRows ? 8 : kPacked, 4);
-    const struct {
-        std::uint32_t tag, count, value;
-    } entries[] = {{256, 1, 1},           {257, 1, kRows}, {258, 1, 8}, {259, 1, 32'773},    {262, 1, 1},
-                   {273, kRows, kPlaces}, {277, 1, 1},     {278, 1, 1}, {279, kRows, kSizes}};
+    const std::tuple<std::uint32_t, std::uint32_t, std::uint32_t> entries[] = {
+        {256, 1, 1},           {257, 1, kRows}, {258, 1, 8}, {259, 1, 32'773},    {262, 1, 1},
+        {273, kRows, kPlaces}, {277, 1, 1},     {278, 1, 1}, {279, kRows, kSizes}};
     add(std::size(entries), 2);
     for (const auto& [tag, count, value] : entries) {
         add(tag | 4 << 16, 4);
@@ -303,6 +310,7 @@ TEST(ImageDecoder, TakesDamagedFilesOfEveryFormat) {
     const Bytes files[] = {
         *encodeJpeg(*picture, 0.5),
         jpeg(*picture, {"", 3, JCS_RGB, JCS_YCbCr, true, false}),
+        jpeg(*picture, {"", 4, JCS_CMYK, JCS_YCCK, true, true}),
         webp(*picture, true),
         webp(*picture, false),
         *encodeTiff(*picture),

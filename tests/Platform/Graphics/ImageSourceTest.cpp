@@ -67,11 +67,7 @@ TEST(ImageSource, TellsDelaysAndLoops) {
 TEST(ImageSource, CountsWhatCanBeShown) {
     const auto png = std::vector<std::uint8_t>{0x89, 'P', 'N', 'G', '\r', '\n', 0x1A, '\n'};
     const auto good = fileOf(4, 3).bytes();  // no trailer
-    const struct {
-        const char* what;
-        Value data;
-        std::optional<std::size_t> count;
-    } rows[] = {
+    const std::tuple<const char*, Value, std::optional<std::size_t>> rows[] = {
         {"a GIF", dataOf(good), 3},
         {"its header", dataOf({good.begin(), good.begin() + 9}), 0},
         {"a break in the third frame", dataOf({good.begin(), good.end() - 20}), 2},
@@ -79,11 +75,11 @@ TEST(ImageSource, CountsWhatCanBeShown) {
         {"no picture", dataOf({1, 2, 3}), 0},
         {"no data", Value("GIF89a"), {}},
     };
-    for (const auto& row : rows) {
-        const auto source = ImageSource::initWithData(row.data);
-        EXPECT_EQ(source ? std::optional(source->count()) : std::nullopt, row.count) << row.what;
+    for (const auto& [what, data, count] : rows) {
+        const auto source = ImageSource::initWithData(data);
+        EXPECT_EQ(source ? std::optional(source->count()) : std::nullopt, count) << what;
         if (source) {
-            EXPECT_EQ(source->imageRepAtIndex(0) != nullptr, row.count > 1U) << row.what;
+            EXPECT_EQ(source->imageRepAtIndex(0) != nullptr, count > 1U) << what;
         }
     }
 }

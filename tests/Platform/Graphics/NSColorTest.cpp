@@ -51,10 +51,7 @@ double contrast(const NSColor& a, const NSColor& b) {
 
 // WCAG 2.1, success criterion 1.4.3: text has a contrast of at least 4.5 to 1.
 TEST(NSColor, TextIsReadableInBothLooks) {
-    const struct {
-        const char* what;
-        std::shared_ptr<NSColor> text, background;
-    } rows[] = {
+    const std::tuple<const char*, std::shared_ptr<NSColor>, std::shared_ptr<NSColor>> rows[] = {
         {"text on window", NSColor::textColor(), NSColor::windowBackgroundColor()},
         {"text on field", NSColor::textColor(), NSColor::controlBackgroundColor()},
         {"text on button", NSColor::textColor(), NSColor::controlColor()},
@@ -65,9 +62,9 @@ TEST(NSColor, TextIsReadableInBothLooks) {
     };
     for (const auto look : {NSAppearance::Light, NSAppearance::Dark}) {
         const ScopedAppearance scope(look);
-        for (const auto& row : rows) {
-            EXPECT_GE(contrast(*row.text, *row.background), 4.5)
-                << row.what << (look == NSAppearance::Dark ? ", dark" : ", light");
+        for (const auto& [what, text, background] : rows) {
+            EXPECT_GE(contrast(*text, *background), 4.5)
+                << what << (look == NSAppearance::Dark ? ", dark" : ", light");
         }
     }
 }

@@ -107,10 +107,7 @@ bool isPremultiplied(const NSBitmapImageRep& bitmap) {
 }  // namespace
 
 TEST(Resampler, EqualsTheReferenceOnEveryMachine) {
-    struct {
-        std::uint32_t fromWide, fromHigh, toWide, toHigh;
-        double extentWide, extentHigh;
-    } const rows[] = {
+    const std::tuple<std::uint32_t, std::uint32_t, std::uint32_t, std::uint32_t, double, double> rows[] = {
         {64, 48, 16, 12, 16, 12},      // whole steps
         {101, 67, 33, 20, 33, 20},     // and others
         {37, 29, 91, 64, 91, 64},      // larger
@@ -122,17 +119,16 @@ TEST(Resampler, EqualsTheReferenceOnEveryMachine) {
         {9, 32'767, 3, 2, 3, 2},       // more rows in one than are added up first
         {1, 1, 9, 5, 9, 5},           {3, 2, 2, 3, 2, 3}, {2, 900, 2, 7, 2, 7},
     };
-    for (const auto& row : rows) {
-        const auto from = testPicture(row.fromWide, row.fromHigh);
-        const NSSize extent{row.extentWide, row.extentHigh};
+    for (const auto& [fromWide, fromHigh, toWide, toHigh, extentWide, extentHigh] : rows) {
+        const auto from = testPicture(fromWide, fromHigh);
+        const NSSize extent{extentWide, extentHigh};
         for (int choice = 0; choice < 4; ++choice) {
             ResampleOptions options{static_cast<ResampleFilter>(choice & 1),
                                     static_cast<ResampleLight>(choice / 2)};
-            const auto wanted = reference(*from, row.toWide, row.toHigh, extent, options);
-            const auto where = ::testing::Message()
-                               << row.fromWide << "x" << row.fromHigh << " to " << row.toWide << "x"
-                               << row.toHigh << ", choice " << choice;
-            const auto plain = NSBitmapImageRep::bitmapWithPixels(row.toWide, row.toHigh);
+            const auto wanted = reference(*from, toWide, toHigh, extent, options);
+            const auto where = ::testing::Message() << fromWide << "x" << fromHigh << " to " << toWide << "x"
+                                                    << toHigh << ", choice " << choice;
+            const auto plain = NSBitmapImageRep::bitmapWithPixels(toWide, toHigh);
             options.speed = VectorSpeed::Plain;
             resample(*from, *plain, extent, options);
             EXPECT_TRUE(isPremultiplied(*plain)) << where;
@@ -140,7 +136,7 @@ TEST(Resampler, EqualsTheReferenceOnEveryMachine) {
             EXPECT_TRUE(difference.accepted)
                 << where << ": " << difference.pixels << " pixels, by up to " << difference.largest;
             for (const VectorSpeed speed : {VectorSpeed::Baseline, VectorSpeed::Best}) {
-                const auto other = NSBitmapImageRep::bitmapWithPixels(row.toWide, row.toHigh);
+                const auto other = NSBitmapImageRep::bitmapWithPixels(toWide, toHigh);
                 options.speed = speed;
                 resample(*from, *other, extent, options);
                 EXPECT_TRUE(testing::compare(*other, *plain).accepted) << where << ", speed " << int(speed);

@@ -82,12 +82,7 @@ TEST(TextLayout, AlignmentPlacesLines) {
     constexpr auto ltr = WritingDirection::LeftToRight;
     constexpr auto rtl = WritingDirection::RightToLeft;
     enum class Side { Left, Middle, Right };
-    const struct {
-        const char* text;
-        Align alignment;
-        WritingDirection direction;
-        Side side;
-    } rows[] = {
+    const std::tuple<const char*, Align, WritingDirection, Side> rows[] = {
         {"Hello", Align::Natural, natural, Side::Left},   {kArabic, Align::Natural, natural, Side::Right},
         {"Hello", Align::Natural, rtl, Side::Right},      {kArabic, Align::Natural, ltr, Side::Left},
         {"Hello", Align::Left, rtl, Side::Left},          {kArabic, Align::Left, rtl, Side::Left},
@@ -95,14 +90,14 @@ TEST(TextLayout, AlignmentPlacesLines) {
         {"Hello", Align::Center, ltr, Side::Middle},      {kArabic, Align::Center, rtl, Side::Middle},
         {"Hello", Align::Justified, natural, Side::Left}, {kArabic, Align::Justified, natural, Side::Right},
     };
-    for (const auto& row : rows) {
-        const auto [left, right] = ink(*drawn(row.text, {200, row.alignment, row.direction}));
+    for (const auto& [text, alignment, direction, wantSide] : rows) {
+        const auto [left, right] = ink(*drawn(text, {200, alignment, direction}));
         const std::uint32_t before = left, after = 199 - right;
         const Side side = before <= 2 ? Side::Left : after <= 2 ? Side::Right : Side::Middle;
-        EXPECT_EQ(side, row.side) << row.text << ", alignment " << int(row.alignment) << ", direction "
-                                  << int(row.direction) << ": " << before << " before, " << after << " after";
-        if (row.side == Side::Middle) {
-            EXPECT_NEAR(before, after, 3) << row.text;
+        EXPECT_EQ(side, wantSide) << text << ", alignment " << int(alignment) << ", direction "
+                                  << int(direction) << ": " << before << " before, " << after << " after";
+        if (wantSide == Side::Middle) {
+            EXPECT_NEAR(before, after, 3) << text;
         }
     }
 }
@@ -173,12 +168,7 @@ TEST(TextLayout, HostileTextIsHarmless) {
     while (arabic.size() < 20'000) arabic += kArabic;
     std::string marks = "a";
     while (marks.size() < 6'000) marks += "\u0301";
-    const struct {
-        const char* what;
-        std::string text;
-        TextFlow flow;
-        double size;
-    } rows[] = {
+    const std::tuple<const char*, std::string, TextFlow, double> rows[] = {
         {"no UTF-8", "\xFF\xFE\xC3(\x80", {}, 14},
         {"a zero byte", std::string("a\0b", 3), {}, 14},
         {"cut in a letter", "abc\xD9", {}, 14},
@@ -192,12 +182,12 @@ TEST(TextLayout, HostileTextIsHarmless) {
         {"negative width", "abc def", {.width = -5}, 14},
         {"width that is no number", "abc def", {.width = std::numeric_limits<double>::quiet_NaN()}, 14},
     };
-    for (const auto& row : rows) {
-        const TextMeasure measure = measured(row.text, row.flow, row.size);
-        EXPECT_GE(measure.size.width, 0) << row.what;
-        EXPECT_GT(measure.size.height, 0) << row.what;
-        EXPECT_LT(measure.size.width, 2'100'000) << row.what;
-        drawn(row.text, row.flow);
+    for (const auto& [what, text, flow, size] : rows) {
+        const TextMeasure measure = measured(text, flow, size);
+        EXPECT_GE(measure.size.width, 0) << what;
+        EXPECT_GT(measure.size.height, 0) << what;
+        EXPECT_LT(measure.size.width, 2'100'000) << what;
+        drawn(text, flow);
     }
 }
 

@@ -107,11 +107,7 @@ TEST(TextLine, OutlinesScaleAndCarryForcedWeight) {
 TEST(TextLine, HostileTextIsHarmless) {
     std::string arabic;
     while (arabic.size() < 20'000) arabic += "ميناء ";
-    const struct {
-        const char* what;
-        std::string text;
-        double size;
-    } rows[] = {
+    const std::tuple<const char*, std::string, double> rows[] = {
         {"1 MB", std::string(1'000'000, 'W'), 14},
         {"large letters", std::string(100'000, 'W'), 2000},
         {"no UTF-8", "\xFF\xFE\xC3(\x80", 14},
@@ -120,12 +116,12 @@ TEST(TextLine, HostileTextIsHarmless) {
         {"direction marks", "\u202E\u2067\u2029\u2028a", 14},
         {"long Arabic", arabic, 14},
     };
-    for (const auto& row : rows) {
+    for (const auto& [what, text, size] : rows) {
         const auto path = CGMutablePath::path();
-        const auto line = lineOf({{row.text, font("serif", row.size)}, {"x", font("serif")}});
+        const auto line = lineOf({{text, font("serif", size)}, {"x", font("serif")}});
         for (const auto& run : line->runs()) line->addOutlinesOf(run, *path);
-        EXPECT_GE(line->width(), 0) << row.what;
-        EXPECT_LT(line->width(), 2'100'000) << row.what;
+        EXPECT_GE(line->width(), 0) << what;
+        EXPECT_LT(line->width(), 2'100'000) << what;
     }
 }
 

@@ -9,23 +9,21 @@
 namespace kx {
 
 TEST(Thumbnail, FitsTheBoxInItsOwnProportions) {
-    struct {
-        std::uint32_t wide, high, box, wantedWide, wantedHigh;
-    } const rows[] = {
+    const std::tuple<std::uint32_t, std::uint32_t, std::uint32_t, std::uint32_t, std::uint32_t> rows[] = {
         {640, 480, 64, 64, 48},
         {480, 640, 50, 38, 50},
         {30, 20, 64, 30, 20},
         {2000, 4, 100, 100, 1},
     };
-    for (const auto& row : rows) {
-        const auto bitmap = NSBitmapImageRep::bitmapWithPixels(row.wide, row.high);
+    for (const auto& [wide, high, box, wantedWide, wantedHigh] : rows) {
+        const auto bitmap = NSBitmapImageRep::bitmapWithPixels(wide, high);
         std::ranges::fill(bitmap->pixels(), 0xFF808080);
         for (const auto& encoded : {encodePng(*bitmap), encodeJpeg(*bitmap, 1)}) {
-            const auto small = decodeThumbnail(*encoded, row.box, row.box);
-            ASSERT_TRUE(small.ok()) << row.wide;
-            const auto wanted = NSBitmapImageRep::bitmapWithPixels(row.wantedWide, row.wantedHigh);
+            const auto small = decodeThumbnail(*encoded, box, box);
+            ASSERT_TRUE(small.ok()) << wide;
+            const auto wanted = NSBitmapImageRep::bitmapWithPixels(wantedWide, wantedHigh);
             std::ranges::fill(wanted->pixels(), 0xFF808080);
-            EXPECT_TRUE(testing::compare(**small, *wanted, {1, 0}).accepted) << row.wide;
+            EXPECT_TRUE(testing::compare(**small, *wanted, {1, 0}).accepted) << wide;
         }
     }
     const std::byte broken[] = {std::byte{0xFF}, std::byte{0xD8}, std::byte{0xFF}};

@@ -35,19 +35,15 @@ bool isNear(std::uint32_t pixel, std::uint32_t color) {
 
 TEST(CMTime, CountsInItsTimescale) {
     constexpr double kInfinite = std::numeric_limits<double>::infinity();
-    struct {
-        double seconds;
-        std::int32_t timescale;
-        CMTime time;
-    } const rows[] = {
+    const std::tuple<double, std::int32_t, CMTime> rows[] = {
         {0.1, 10, {1, 10}},  {0.04, 10, {0, 10}}, {-2.5, 600, {-1500, 600}},
         {1, 0, {}},          {1, -10, {}},        {NAN, 10, {}},
         {kInfinite, 10, {}}, {1e18, 10, {}},      {9e17, 10, {9'000'000'000'000'000'000, 10}},
     };
-    for (const auto& row : rows) {
-        const CMTime time = CMTimeMakeWithSeconds(row.seconds, row.timescale);
-        EXPECT_EQ(time, row.time) << row.seconds << " in " << row.timescale;
-        EXPECT_EQ(time.isValid(), row.time.timescale != 0) << row.seconds;
+    for (const auto& [seconds, timescale, want] : rows) {
+        const CMTime time = CMTimeMakeWithSeconds(seconds, timescale);
+        EXPECT_EQ(time, want) << seconds << " in " << timescale;
+        EXPECT_EQ(time.isValid(), want.timescale != 0) << seconds;
     }
     EXPECT_EQ(CMTimeGetSeconds(CMTimeMake(3, 2)), 1.5);
     EXPECT_TRUE(std::isnan(CMTimeGetSeconds({})));
@@ -57,26 +53,22 @@ TEST(CMTime, CountsInItsTimescale) {
 }
 
 TEST(AVAssetImageGenerator, TakesTheFrameShownAtATime) {
-    struct {
-        CMTime time;
-        std::uint32_t color;
-        double begins;
-    } const rows[] = {
+    const std::tuple<CMTime, std::uint32_t, double> rows[] = {
         {{1, 10}, kGreen, 0.1},   {{0, 1}, kRed, 0},    {{-5, 1}, kRed, 0},     {{19, 100}, kGreen, 0.1},
         {{30, 100}, kWhite, 0.3}, {{1, 1000}, kRed, 0}, {{99, 1}, kBlack, 0.4}, {{INT64_MAX, 1}, kBlack, 0.4},
         {{25, 100}, kBlue, 0.2},
     };
     for (const char* clip : {"h264.mp4", "vp9.webm", "av1.mp4"}) {
-        for (const auto& row : rows) {
-            const std::string what = clip + (" at " + std::to_string(CMTimeGetSeconds(row.time)));
+        for (const auto& [time, color, begins] : rows) {
+            const std::string what = clip + (" at " + std::to_string(CMTimeGetSeconds(time)));
             CMTime actual;
-            const auto got = frame(kClips + clip, row.time, &actual);
+            const auto got = frame(kClips + clip, time, &actual);
             ASSERT_TRUE(got.ok()) << what << ": " << got.error().message();
             EXPECT_EQ(got->wide, 70u) << what;
             EXPECT_EQ(got->high, 46u) << what;
             for (const std::uint32_t pixel : got->pixels)
-                ASSERT_TRUE(isNear(pixel, row.color)) << what << std::hex << pixel;
-            EXPECT_NEAR(CMTimeGetSeconds(actual), row.begins, 0.002) << what;
+                ASSERT_TRUE(isNear(pixel, color)) << what << std::hex << pixel;
+            EXPECT_NEAR(CMTimeGetSeconds(actual), begins, 0.002) << what;
         }
     }
 }
@@ -108,11 +100,7 @@ TEST(AVAssetImageGenerator, DamagedFilesGiveNoFrame) {
     const testing::CapturedLog log;
     std::filesystem::copy(kClips + "h264.mp4", directory / "clip");
     const std::string whole = directory.read("clip");
-    struct {
-        const char* what;
-        std::string path;
-        ErrorKind kind;
-    } const rows[] = {
+    const std::tuple<const char*, std::string, ErrorKind> rows[] = {
         {"none", directory / "none.mp4", ErrorKind::Missing},
         {"no path", "", ErrorKind::Corrupt},
         {"empty", directory.write("empty.mp4", ""), ErrorKind::Corrupt},
@@ -120,11 +108,11 @@ TEST(AVAssetImageGenerator, DamagedFilesGiveNoFrame) {
         {"cut", directory.write("cut.mp4", whole.substr(0, 200)), ErrorKind::Corrupt},
         {"another protocol", "concat:" + kClips + "h264.mp4", ErrorKind::Missing},
     };
-    for (const auto& row : rows) {
-        const auto got = frame(row.path, {0, 1});
-        ASSERT_FALSE(got.ok()) << row.what;
-        EXPECT_EQ(got.error().kind, row.kind) << row.what << ": " << got.error().message();
-        EXPECT_FALSE(checkVideo(row.path).ok()) << row.what;
+    for (const auto& [what, path, kind] : rows) {
+        const auto got = frame(path, {0, 1});
+        ASSERT_FALSE(got.ok()) << what;
+        EXPECT_EQ(got.error().kind, kind) << what << ": " << got.error().message();
+        EXPECT_FALSE(checkVideo(path).ok()) << what;
     }
     EXPECT_TRUE(checkVideo(directory / "clip").ok()) << "the name does not count";
     EXPECT_FALSE(frame(kClips + "h264.mp4", {}).ok()) << "no time";

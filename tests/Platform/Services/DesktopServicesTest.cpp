@@ -16,6 +16,7 @@
 #include <KXFoundation/Platform/Services/DesktopOpener.h>
 #include <KXFoundation/Platform/Services/DesktopWorkspace.h>
 #include <KXFoundation/Platform/Services/FprintBiometrics.h>
+#include <KXFoundation/Platform/Services/ScreenReader.h>
 
 #include "support/CapturedLog.h"
 #include "support/ScopedPlatform.h"
@@ -171,35 +172,59 @@ TEST_F(DesktopServicesTest, TheDesktopsProxiesAreAskedFor) {
 }
 
 /// Waits for the desktop's word, which comes on a thread of the module's own; false if it does not.
-bool becomes(const ClockFormatSetting& setting, ClockFormat want) {
+template <class Question>
+bool eventually(Question isSo) {
     const auto latest = std::chrono::steady_clock::now() + kPatience;
-    while (setting.clockFormat() != want && std::chrono::steady_clock::now() < latest)
-        std::this_thread::yield();
-    return setting.clockFormat() == want;
+    while (!isSo() && std::chrono::steady_clock::now() < latest) std::this_thread::yield();
+    return isSo();
+}
+
+bool becomes(const ClockFormatSetting& setting, ClockFormat want) {
+    return eventually([&] { return setting.clockFormat() == want; });
 }
 
 TEST_F(DesktopServicesTest, TheDesktopsClockSettingIsFollowed) {
-    struct {
-        const char* desktop;
-        std::string schema;
-        std::vector<std::string> changes;
-    } const rows[] = {
+    const std::tuple<const char*, std::string, std::vector<std::string>> rows[] = {
         {"ubuntu:GNOME", "org.gnome.desktop.interface ", {"clock-format 12h", "clock-format 24h"}},
         {"X-Cinnamon", "org.cinnamon.desktop.interface ", {"clock-use-24h false", "clock-use-24h true"}},
     };
-    for (const auto& row : rows) {
+    for (const auto& [desktop, schema, changes] : rows) {
         if (!startBus({"portal"})) GTEST_SKIP() << "no message bus can be started here";
-        platform_.environment().set("XDG_CURRENT_DESKTOP", row.desktop);
+        platform_.environment().set("XDG_CURRENT_DESKTOP", desktop);
         const auto setting = ClockFormatSetting::makeDefault();
-        EXPECT_TRUE(becomes(*setting, ClockFormat::TwentyFourHour)) << row.desktop;
+        EXPECT_TRUE(becomes(*setting, ClockFormat::TwentyFourHour)) << desktop;
         script_->writeLine("org.gnome.desktop.interface text-scaling-factor 12h");
-        script_->writeLine(row.schema + row.changes[0]);
-        EXPECT_TRUE(becomes(*setting, ClockFormat::TwelveHour)) << row.desktop;
-        script_->writeLine(row.schema + row.changes[1]);
-        EXPECT_TRUE(becomes(*setting, ClockFormat::TwentyFourHour)) << row.desktop;
-        script_->writeLine(row.schema + row.changes[1].substr(0, row.changes[1].find(' ')) + " never");
-        EXPECT_TRUE(becomes(*setting, ClockFormat::Unset)) << row.desktop;
+        script_->writeLine(schema + changes[0]);
+        EXPECT_TRUE(becomes(*setting, ClockFormat::TwelveHour)) << desktop;
+        script_->writeLine(schema + changes[1]);
+        EXPECT_TRUE(becomes(*setting, ClockFormat::TwentyFourHour)) << desktop;
+        script_->writeLine(schema + changes[1].substr(0, changes[1].find(' ')) + " never");
+        EXPECT_TRUE(becomes(*setting, ClockFormat::Unset)) << desktop;
     }
+}
+
+TEST_F(DesktopServicesTest, TextsAreAnnouncedWhereSomebodyListens) {
+    const testing::CapturedLog log;
+    platform_.bundle().setInfo("CFBundleDisplayName", "Harbour");
+    ScreenReader::makeDefault()->announce("no bus");
+    if (!startBus({})) GTEST_SKIP() << "no message bus can be started here";
+    ScreenReader::makeDefault()->announce("nobody");
+    ASSERT_TRUE(startBus({"accessibility"}));
+    const auto reader = ScreenReader::makeDefault();
+    const std::pair<std::string, std::string> rows[] = {
+        {"Saved \xC3\xBC", "7 Saved \xC3\xBC"},
+        {"a\xFF", "2 a\xEF\xBF\xBD"},
+        {std::string(4095, 'x') + "\xC3\xBC", "4095 " + std::string(40, 'x')},
+    };
+    for (const auto& [text, want] : rows) {
+        reader->announce(text);
+        EXPECT_EQ(script_->readLine(), "application Harbour, 1: " + want);
+    }
+    EXPECT_EQ(log.lines().size(), 0U);
+    ASSERT_TRUE(startBus({"accessibility", "gone"}));
+    const auto unheard = ScreenReader::makeDefault();
+    unheard->announce("nobody at the address");
+    EXPECT_TRUE(eventually([&] { return log.lines().size() == 1; }));
 }
 
 /// The answer of that name.

@@ -80,10 +80,7 @@ TEST_F(FileKeychainTest, ADamagedFileIsSetAside) {
     EXPECT_TRUE(keychain().add({"a", "a"}, "old").ok());
     const std::string box = directory.read("data/app/keychain");
     const std::string key = directory.read("data/app/keychain.key");
-    struct {
-        const char* what;
-        std::string box, key;
-    } const rows[] = {
+    const std::tuple<const char*, std::string, std::string> rows[] = {
         {"empty", "", key},
         {"too short", box.substr(0, 40), key},
         {"cut", box.substr(0, box.size() - 1), key},
@@ -96,24 +93,24 @@ TEST_F(FileKeychainTest, ADamagedFileIsSetAside) {
         {"a key too long", box, key + "x"},
         {"no key", box, "none"},
     };
-    for (const auto& row : rows) {
+    for (const auto& [what, givenBox, givenKey] : rows) {
         std::filesystem::remove_all(directory / "data/app");
-        directory.write("data/app/keychain", row.box);
-        if (row.key != "none") directory.write("data/app/keychain.key", row.key);
+        directory.write("data/app/keychain", givenBox);
+        if (givenKey != "none") directory.write("data/app/keychain.key", givenKey);
         const std::size_t before = log.lines().size();
         FileKeychain store = keychain();
         for (int i = 0; i < 2; ++i)
-            EXPECT_EQ(store.copy({"a", "a"}).error().kind, ErrorKind::Missing) << row.what;
-        EXPECT_EQ(store.remove({"a", "a"}).error().kind, ErrorKind::Missing) << row.what;
-        EXPECT_EQ(directory.read("data/app/keychain"), row.box) << row.what << ": reading changes nothing";
-        EXPECT_TRUE(store.add({"b", "b"}, "new").ok()) << row.what;
-        ASSERT_EQ(log.lines().size(), before + 1) << row.what;
-        EXPECT_THAT(log.lines().back(), HasSubstr("keychain")) << row.what;
-        EXPECT_EQ(directory.read("data/app/keychain.damaged-1"), row.box) << row.what;
-        if (row.key.size() != key.size() && row.key != "none") {
-            EXPECT_EQ(directory.read("data/app/keychain.key.damaged-1"), row.key) << row.what;
+            EXPECT_EQ(store.copy({"a", "a"}).error().kind, ErrorKind::Missing) << what;
+        EXPECT_EQ(store.remove({"a", "a"}).error().kind, ErrorKind::Missing) << what;
+        EXPECT_EQ(directory.read("data/app/keychain"), givenBox) << what << ": reading changes nothing";
+        EXPECT_TRUE(store.add({"b", "b"}, "new").ok()) << what;
+        ASSERT_EQ(log.lines().size(), before + 1) << what;
+        EXPECT_THAT(log.lines().back(), HasSubstr("keychain")) << what;
+        EXPECT_EQ(directory.read("data/app/keychain.damaged-1"), givenBox) << what;
+        if (givenKey.size() != key.size() && givenKey != "none") {
+            EXPECT_EQ(directory.read("data/app/keychain.key.damaged-1"), givenKey) << what;
         }
-        EXPECT_EQ(valueOf("b"), "new") << row.what;
+        EXPECT_EQ(valueOf("b"), "new") << what;
     }
 }
 

@@ -90,9 +90,7 @@ struct PhotoStoreTest : ::testing::Test {
 
 TEST(PhotoFileName, StaysInItsFolder) {
     const std::string longName(300, 'x');
-    struct {
-        std::string text, name;
-    } const rows[] = {
+    const std::pair<std::string, std::string> rows[] = {
         {"photo.jpg", "photo.jpg"},
         {"../../etc/passwd", "_._.._etc_passwd"},
         {"..", "_."},
@@ -140,11 +138,7 @@ TEST_F(PhotoStoreTest, OneFileThatCannotBeTakenKeepsAllOut) {
     const std::string good = picture("good.png");
     PhotoChanges gone = albumOf("A", {good});
     gone.members[0].album = newPhotoIdentifier();
-    struct {
-        const char* what;
-        PhotoChanges changes;
-        ErrorKind kind;
-    } const rows[] = {
+    const std::tuple<const char*, PhotoChanges, ErrorKind> rows[] = {
         {"no file", albumOf("A", {good, directory / "none.png"}), ErrorKind::Missing},
         {"no address", albumOf("A", {good, ""}), ErrorKind::Missing},
         {"a folder", albumOf("A", {good, directory.path()}), ErrorKind::Unsupported},
@@ -153,19 +147,23 @@ TEST_F(PhotoStoreTest, OneFileThatCannotBeTakenKeepsAllOut) {
         {"a picture as a video", albumOf("A", {good}, kVideo), ErrorKind::Corrupt},
         {"an album that is gone", gone, ErrorKind::Missing},
     };
-    for (const auto& row : rows) {
-        const auto done = store().perform(row.changes);
-        ASSERT_FALSE(done.ok()) << row.what;
-        EXPECT_EQ(done.error().kind, row.kind) << row.what << ": " << done.error().message();
-        EXPECT_THAT(titlesOfWholeLibrary(1), IsEmpty()) << row.what;
-        EXPECT_FALSE(std::filesystem::exists(pictures + "/A")) << row.what;
+    for (const auto& [what, changes, kind] : rows) {
+        const auto done = store().perform(changes);
+        ASSERT_FALSE(done.ok()) << what;
+        EXPECT_EQ(done.error().kind, kind) << what << ": " << done.error().message();
+        EXPECT_THAT(titlesOfWholeLibrary(1), IsEmpty()) << what;
+        EXPECT_FALSE(std::filesystem::exists(pictures + "/A")) << what;
     }
     EXPECT_TRUE(store().perform({}).ok()) << "nothing asked is nothing failed";
     EXPECT_FALSE(PhotoStore(std::nullopt, pictures).perform(albumOf("A", {})).ok()) << "no home";
 }
 
-/// Every call of a change fails in turn, or is the last one of all.
-struct PhotoStoreFaultTest : PhotoStoreTest, ::testing::WithParamInterface<Then> {};
+/// Every call of a change fails in turn, or is the last one of all, or of all before the power goes.
+struct Fault {
+    Then then;
+    bool losesPower;
+};
+struct PhotoStoreFaultTest : PhotoStoreTest, ::testing::WithParamInterface<Fault> {};
 
 TEST_P(PhotoStoreFaultTest, AllOfItOrNothing) {
     const std::vector<std::string> paths{picture("a/x.png"), picture("b/x.png")};
@@ -174,10 +172,12 @@ TEST_P(PhotoStoreFaultTest, AllOfItOrNothing) {
         ASSERT_LT(number, 600u) << "no end of calls";
         for (const char* folder : {"data", "Pictures"}) std::filesystem::remove_all(directory / folder);
         ASSERT_TRUE(store().perform(albumOf("before", paths)).ok());
-        files->failCall(number, number % 2 == 0 ? EIO : ENOSPC, GetParam());
+        if (GetParam().losesPower) files->rememberUnsynced();
+        files->failCall(number, number % 2 == 0 ? EIO : ENOSPC, GetParam().then);
         files->resetCounts();
         const bool acknowledged = store().perform(albumOf("new", paths)).ok();
         passed = files->calls() < number;
+        if (GetParam().losesPower) files->dropUnsynced();
         files->heal();
         const auto titles = titlesOfWholeLibrary(2);
         const bool holds = titles.size() > 1;
@@ -191,7 +191,26 @@ TEST_P(PhotoStoreFaultTest, AllOfItOrNothing) {
     EXPECT_THAT(log.lines(), IsEmpty());
 }
 
-INSTANTIATE_TEST_SUITE_P(After, PhotoStoreFaultTest, ::testing::Values(Then::Recovers, Then::StaysBroken));
+INSTANTIATE_TEST_SUITE_P(After, PhotoStoreFaultTest,
+                         ::testing::Values(Fault{Then::Recovers, false}, Fault{Then::StaysBroken, false},
+                                           Fault{Then::StaysBroken, true}));
+
+TEST_F(PhotoStoreTest, TwoProcessesAtOnceLoseNothing) {
+    const std::vector<std::string> paths{picture("a/x.png"), picture("b/x.png")};
+    const auto maker = [&](const char* process) {
+        return [&, process](auto) {
+            PhotoStore store = this->store();
+            bool good = true;
+            for (int i = 0; i < 20; ++i)
+                good = store.perform(albumOf(process + std::to_string(i % 5), paths)).ok() && good;
+            return good;
+        };
+    };
+    ChildProcess first(maker("a")), second(maker("b"));
+    EXPECT_EQ(first.end(), 0);
+    EXPECT_EQ(second.end(), 0);
+    EXPECT_EQ(titlesOfWholeLibrary(2).size(), 40u);
+}
 
 TEST_F(PhotoStoreTest, AFullDiskKeepsWhatWasThere) {
     ASSERT_TRUE(store().perform(albumOf("before", {picture("x.png")})).ok());

@@ -26,10 +26,7 @@ struct FakeLights {
 };
 
 TEST(SysfsTorch, IsRecognisedByName) {
-    struct {
-        std::vector<std::string> lights;
-        std::optional<std::string> want;
-    } const rows[] = {
+    const std::pair<std::vector<std::string>, std::optional<std::string>> rows[] = {
         {{}, {}},
         {{"input3::capslock", "mmc0::", "usb-flash", "white:kbd_backlight", "nand:disk-flash"}, {}},
         {{"input3::capslock", "white:flash"}, "white:flash"},
@@ -37,24 +34,21 @@ TEST(SysfsTorch, IsRecognisedByName) {
         {{"flashlight", "torch-light0"}, "torch-light0"},
         {{"torch:red:status"}, {}},
     };
-    for (const auto& row : rows) {
-        const FakeLights fake(row.lights);
-        EXPECT_EQ(SysfsTorch(fake.directory.path()).name(), row.want) << ::testing::PrintToString(row.lights);
+    for (const auto& [lights, want] : rows) {
+        const FakeLights fake(lights);
+        EXPECT_EQ(SysfsTorch(fake.directory.path()).name(), want) << ::testing::PrintToString(lights);
     }
 }
 
 TEST(SysfsTorch, WritesTheKernelsSteps) {
     const FakeLights fake({"white:torch"});
     SysfsTorch torch(fake.directory.path());
-    struct {
-        float level;
-        const char* want;
-        float read;
-    } const rows[] = {{1, "200", 1}, {0.5F, "100", 0.5F}, {0.001F, "1", 0.005F}, {0, "0", 0}};
-    for (const auto& row : rows) {
-        ASSERT_TRUE(torch.setLevel(row.level));
-        EXPECT_EQ(fake.brightness("white:torch"), row.want);
-        EXPECT_EQ(torch.level().value(), row.read) << row.level;
+    const std::tuple<float, const char*, float> rows[] = {
+        {1, "200", 1}, {0.5F, "100", 0.5F}, {0.001F, "1", 0.005F}, {0, "0", 0}};
+    for (const auto& [level, want, read] : rows) {
+        ASSERT_TRUE(torch.setLevel(level));
+        EXPECT_EQ(fake.brightness("white:torch"), want);
+        EXPECT_EQ(torch.level().value(), read) << level;
     }
 }
 

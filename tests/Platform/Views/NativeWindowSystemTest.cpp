@@ -126,6 +126,14 @@ TEST_F(NativeWindows, PassesMouseKeysAndSizesToTheWindow) {
     happens({{.type = Exposed, .window = 1}});
     ASSERT_EQ(display.presented.size(), 1U);
     EXPECT_EQ(display.presented[0].width, 120) << "what was lost is shown again";
+
+    display.presented.clear();
+    happens({{.type = Minimized, .window = 1}, {.type = Exposed, .window = 1}});
+    EXPECT_FALSE(window->isVisible());
+    EXPECT_EQ(display.presented.size(), 0U) << "nobody would see it";
+    happens({{.type = Restored, .window = 1}});
+    EXPECT_TRUE(window->isVisible());
+    EXPECT_EQ(display.presented.size(), 1U);
 }
 
 TEST_F(NativeWindows, OtherButtonsWheelAndCursorKeysPassControlsBy) {

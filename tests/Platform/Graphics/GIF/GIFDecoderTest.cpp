@@ -149,11 +149,7 @@ TEST(GIFDecoder, OpensOnlyWhatIsAGIFWithinItsLimits) {
     };
     Bytes other = good;
     other[4] = '8';
-    const struct {
-        const char* what;
-        Bytes bytes;
-        std::optional<ErrorKind> error;
-    } rows[] = {
+    const std::tuple<const char*, Bytes, std::optional<ErrorKind>> rows[] = {
         {"good", good, {}},
         {"no trailer", cut(19), {}},
         {"palette cut", cut(18), ErrorKind::Ended},
