@@ -3,6 +3,7 @@
 #include <chrono>
 #include <cstdlib>
 #include <memory>
+#include <ostream>
 #include <string>
 
 #include <gtest/gtest.h>
@@ -46,7 +47,7 @@ struct Picture {
     const char* language = "en";
     double scale = 1;
     Shown shown = Shown::Page;
-    double seconds = 0;  ///< that pass before
+    int frames = 0;  ///< of a tenth of a second, that pass before
 };
 
 /// Every page once, and again where something else draws it: lines from right to left, letters of another
@@ -78,19 +79,24 @@ constexpr Picture kPictures[] = {
     {"toast"},
     {"toast", "ar", 2},
     {"mask"},
-    {"loading", "en", 1, Shown::Page, 0.4},
+    {"loading", "en", 1, Shown::Page, 6},
     {"buttons"},
     {"buttons", "ar", 2},
     {"screen"},
     {"once"},
 };
 
+/// Not "@2x", which would make it the sharper version of its neighbour.
 std::string nameOf(const Picture& picture) {
     std::string name = picture.page;
     if (std::string_view(picture.language) != "en") name += std::string("-") + picture.language;
     if (picture.shown == Shown::Dark) name += "-dark";
     if (picture.shown == Shown::SmallEnd) name += "-small";
-    return picture.scale == 1 ? name : name + "@2x";
+    return picture.scale == 1 ? name : name + "-2x";
+}
+
+void PrintTo(const Picture& picture, std::ostream* out) {
+    *out << nameOf(picture);
 }
 
 /// A gallery in a world of its own that shows the page as a person finds it after using it.
@@ -107,7 +113,10 @@ class Stage {
         if (picture.shown == Shown::SmallEnd) window.setFrame({0, 0, 640, 400});
         window.makeKeyAndOrderFront();
         gallery::drawDemonstration(*gallery_);
-        world_.clock().advance(std::chrono::milliseconds(static_cast<int>(picture.seconds * 1000)));
+        for (int frame = 0; frame < picture.frames; ++frame) {
+            world_.clock().advance(std::chrono::milliseconds(100));
+            window.displayIfNeeded();
+        }
         if (picture.shown == Shown::SmallEnd)
             window.sendEvent({.type = NSEventType::KeyDown, .characters = std::string(NSEndFunctionKey)});
     }
@@ -160,8 +169,11 @@ TEST_P(Golden, PageIsAsItWas) {
     if (std::getenv("KX_UPDATE_PICTURES")) {
         ASSERT_TRUE(writePicture(*now, path)) << path;
     } else {
-        FAIL() << path << (before ? " differs in " : " is missing: ") << difference.pixels
-               << " pixels, by up to " << difference.largest;
+        FAIL() << path
+               << (!before                ? " is missing"
+                   : !difference.sameSize ? " has another size"
+                                          : " differs")
+               << ", in " << difference.pixels << " pixels by up to " << difference.largest;
     }
 }
 
