@@ -2,6 +2,7 @@
 #include <algorithm>
 #include <array>
 #include <charconv>
+#include <utility>
 
 #include <KXFoundation/Device/KXNetworkUtils.h>
 #include <KXFoundation/Platform/Foundation/NSScanner.h>
