@@ -26,6 +26,7 @@ using namespace std::literals;
 // Choices.
 constexpr std::uint8_t kMendChecks = 1;    // those of headers, entries and the table
 constexpr std::uint8_t kMendPayloads = 2;  // the hashes of the payloads
+constexpr std::uint8_t kThisBoot = 4;      // the header page is of this start of the machine: its head counts
 
 constexpr std::size_t kSegmentHeader = 32;
 constexpr std::size_t kEntryHeader = 24;
@@ -106,6 +107,12 @@ void mend(std::string& segment, std::uint64_t segmentNumber, std::uint8_t choice
     if ((choices & kMendChecks) != 0) mendChecks(segment, segmentNumber);
 }
 
+std::uint64_t thisBoot() {
+    std::string identifier(36, '\0');
+    std::ifstream("/proc/sys/kernel/random/boot_id").read(identifier.data(), 36);
+    return contentHash(identifier, 0, identifier.size());
+}
+
 class Folder {
   public:
     Folder() : path_(std::filesystem::temp_directory_path() / ("cache-" + std::to_string(::getpid()))) {}
@@ -156,6 +163,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     std::string header(4096, '\0');
     std::ranges::copy("\0KXSHD1\1"sv, header.begin());
     std::ranges::copy(input.substr(1, 16), header.begin() + 8);
+    if ((data[0] & kThisBoot) != 0) put(header, 24, thisBoot());
     const std::size_t firstSize = std::min<std::size_t>(number<std::uint16_t>(input, 17), size - kFixed);
     std::array segments{input.substr(kFixed, firstSize), input.substr(kFixed + firstSize)};
     for (std::uint64_t i = 0; i < segments.size(); ++i) mend(segments[i], i + 1, data[0]);

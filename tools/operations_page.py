@@ -27,6 +27,8 @@ def groups(root):
     found = {section: {} for section in SECTIONS}
     for path in sorted(library.rglob("*.h")):
         header = path.relative_to(library)
+        if "Modules" in header.parts:  # private to the modules: not installed
+            continue
         for declaration in declarations(path.read_text(encoding="utf-8")):
             group = found.setdefault(section_of(header), {}).setdefault((declaration.owner, header.as_posix()), [])
             mark = " *(for subclasses)*" if declaration.for_subclasses else ""

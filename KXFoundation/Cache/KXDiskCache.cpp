@@ -3,6 +3,7 @@
 
 #include <KXFoundation/Cache/Disk/DiskStore.h>
 #include <KXFoundation/Cache/KXDiskCache.h>
+#include <KXFoundation/Platform/Foundation/NSException.h>
 #include <KXFoundation/Platform/Runtime/DispatchQueue.h>
 #include <KXFoundation/Platform/Runtime/Log.h>
 
@@ -47,6 +48,15 @@ struct KXDiskCache::State : std::enable_shared_from_this<State> {
         succeeded(store.synchronize());
         for (const KXCacheDone& done : std::exchange(waiting, {})) done();
     }
+    /// On the queue, where nobody could catch what a class's own decoding raises.
+    Value decoded(const std::string& key) {
+        try {
+            return answered(store.get(key));
+        } catch (const NSException& exception) {
+            log(LogLevel::Warning, "disk cache: " + exception.reason());
+            return {};
+        }
+    }
     void changeLimits(const std::function<void(disk::DiskLimits&)>& change) {
         auto limits = store.limits();
         change(limits);
@@ -88,10 +98,8 @@ Value KXDiskCache::objectForKey(KXCacheKey key) {
 
 void KXDiskCache::objectForKey(KXCacheKey key, KXCacheObject block) {
     if (!block) return;
-    state_->queue->async(
-        [state = state_, isKey = key.has_value(), key = keyText(key), block = std::move(block)] {
-            block(key, isKey ? answered(state->store.get(key)) : Value());
-        });
+    state_->queue->async([state = state_, isKey = key.has_value(), key = keyText(key),
+                          block = std::move(block)] { block(key, isKey ? state->decoded(key) : Value()); });
 }
 
 void KXDiskCache::setObject(Value object, KXCacheKey forKey) {

@@ -15,6 +15,10 @@ namespace kx {
 /// processes may share. It keeps values and objects that can be archived; what goes in comes out equal, with
 /// its class. Any thread.
 ///
+/// The forms with a callback take their turn on the store's own queue: what is changed without one meanwhile
+/// comes before. What an object's decoding throws passes through objectForKey(key); in the other form an
+/// NSException makes the answer none, with one line in the log.
+///
 /// A plain set survives the end of the process at any instant; a form with a callback answers when the change
 /// would survive a power cut too, and changes that wait together share a sync. Where the disk refuses (full,
 /// not writable) nothing changes, one line is logged, and a callback is called all the same. A damaged value

@@ -37,15 +37,21 @@ HourForm askForHourForm() {
     return {pattern.find('a') != pattern.npos, pattern.starts_with('a')};
 }
 
+/// Another number after every change of the locale or the clock's format, the lowest two bits 0.
+std::uint64_t stateOfSettings() noexcept {
+    const auto format = static_cast<std::uint64_t>(ClockFormatSetting::slot().current().clockFormat());
+    return (NSLocale::settingsVersion() << 4) | (format << 2);
+}
+
 /// Asked afresh at every call; the locale data are only looked at when one of the two settings has changed.
 /// What is kept is one word: the state of the settings that it was computed for, and the answer.
 HourForm hourForm() {
     static constinit std::atomic<std::uint64_t> known{0};
-    const auto format = static_cast<std::uint64_t>(ClockFormatSetting::slot().current().clockFormat());
-    const std::uint64_t state = (NSLocale::settingsVersion() << 4) | (format << 2);
+    const std::uint64_t state = stateOfSettings();
     const std::uint64_t last = known.load(std::memory_order_relaxed);
     if ((last & ~std::uint64_t{3}) == state) return {(last & 1) != 0, (last & 2) != 0};
     const HourForm form = askForHourForm();
+    if (stateOfSettings() != state) return form;  // of which state it is nobody knows
     known.store(state | (form.hasMarker ? 1U : 0U) | (form.isMarkerFirst ? 2U : 0U),
                 std::memory_order_relaxed);
     return form;

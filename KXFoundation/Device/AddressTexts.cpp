@@ -62,26 +62,28 @@ std::string KXNetworkUtils::formatMac(std::optional<std::string_view> mac) {
 }
 
 std::string KXNetworkUtils::formatMACAddress(std::optional<std::string_view> mac,
-                                             std::string_view separator) {
+                                             std::optional<std::string_view> separator) {
     if (!mac) return {};
+    const std::string_view between = separator.value_or("");
     std::size_t length = 0;
     forEachField(*mac, [&](std::uint32_t value, bool hasSeparator) {
-        length += FieldText(value).text().size() + (hasSeparator ? separator.size() : 0);
+        length += FieldText(value).text().size() + (hasSeparator ? between.size() : 0);
     });
     std::string text;
     text.reserve(length);
     forEachField(*mac, [&](std::uint32_t value, bool hasSeparator) {
         text += FieldText(value).text();
-        if (hasSeparator) text += separator;
+        if (hasSeparator) text += between;
     });
     return text;
 }
 
-std::string KXNetworkUtils::formatMACInteger(std::int64_t value, std::string_view separator) {
+std::string KXNetworkUtils::formatMACInteger(std::int64_t value, std::optional<std::string_view> separator) {
+    const std::string_view between = separator.value_or("");
     std::string text;
-    text.reserve(kShifts.size() * 2 + (kShifts.size() - 1) * separator.size());
+    text.reserve(kShifts.size() * 2 + (kShifts.size() - 1) * between.size());
     for (const unsigned shift : kShifts) {
-        if (shift != kShifts.front()) text += separator;
+        if (shift != kShifts.front()) text += between;
         text += FieldText(static_cast<std::uint8_t>(value >> shift)).text();
     }
     return text;

@@ -36,11 +36,13 @@ class KX_EXPORT KXNetworkUtils {
     /// Writes every field of a MAC text with two or more upper-case digits and `separator` in place of the
     /// one character after it: "a:b:c:d:e:f" with "-" gives "0A-0B-0C-0D-0E-0F". Any number of fields and any
     /// separating character is taken; a last one stays. A field without digits counts as 0, one above 32 bits
-    /// as FFFFFFFF. Empty if the text is absent or blank.
+    /// as FFFFFFFF. Empty if the text is absent or blank. An absent separator is an empty one, here and
+    /// below.
     [[nodiscard]] static std::string formatMACAddress(std::optional<std::string_view> mac,
-                                                      std::string_view separator);
+                                                      std::optional<std::string_view> separator);
     /// The low 48 bits of `value` as six fields: 0x001122AABBCC gives "00:11:22:AA:BB:CC" with ":".
-    [[nodiscard]] static std::string formatMACInteger(std::int64_t value, std::string_view separator);
+    [[nodiscard]] static std::string formatMACInteger(std::int64_t value,
+                                                      std::optional<std::string_view> separator);
     /// The first six fields between ":", or without any ":" between "-", as bits 47-0; 0 if there are fewer.
     /// A field without digits counts as 0; one above FF carries into the bytes before it.
     [[nodiscard]] static std::int64_t macStringToInteger(std::optional<std::string_view> mac) noexcept;

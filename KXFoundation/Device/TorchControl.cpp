@@ -24,13 +24,13 @@ struct Switched {
 };
 
 Switched switchTorch(float level, ErrorSlot error) {
-    const auto done = torch().setLevel(level);
-    if (!done && done.error().kind == ErrorKind::Missing) {
+    if (!KXDeviceUtils::hasTorch()) {
         if (error)
             *error =
                 NSError::errorWithDomain(KXFoundationTorchErrorDomain, KXFoundationUnsupportTorchErrorCode);
         return {false, false};
     }
+    const auto done = torch().setLevel(level);
     if (!done && error) *error = NSError::errorWithError(done.error());
     return {true, done.ok()};
 }

@@ -14,7 +14,8 @@ class AnimationPlayer;
 
 /// Plays what its GIF file shows. Frames come at their times on the clock: a late one is left out, and
 /// nothing drifts. A GIF that plays n times rests on its last frame. The view stands still, and costs
-/// nothing, while it is hidden or in no window on the screen, and then goes on where it stopped.
+/// nothing, while it is hidden or in no window on the screen (a minimised one is not), and then goes on where
+/// it stopped.
 class KX_EXPORT KXAnimatedGIFImageView : public Subclass<KXAnimatedGIFImageView, KXGIFImageView> {
   public:
     [[nodiscard]] static std::shared_ptr<KXAnimatedGIFImageView> initWithGIFPath(

@@ -6,8 +6,8 @@
 
 namespace kx {
 
-/// A button to agree with: its title is larger and semibold and, once it has a layer, its corners are
-/// rounder. Main thread.
+/// A button to agree with: its title is larger and semibold and, if it is archived with a layer, its corners
+/// are rounder. It makes itself no layer. Main thread.
 class KX_EXPORT KXConfirmButton : public Subclass<KXConfirmButton, NSButton> {
   public:
     /// The application's own mark: it changes nothing in how the button looks.

@@ -5,6 +5,7 @@
 #include <KXFoundation/Platform/Graphics/NSFont.h>
 #include <KXFoundation/Platform/Graphics/NSImage.h>
 #include <KXFoundation/Platform/Runtime/DispatchQueue.h>
+#include <KXFoundation/Platform/Services/ScreenReader.h>
 #include <KXFoundation/Platform/Views/CALayer.h>
 #include <KXFoundation/Platform/Views/NSApplication.h>
 #include <KXFoundation/Platform/Views/NSClickGestureRecognizer.h>
@@ -36,9 +37,9 @@ std::chrono::nanoseconds delayFor(double timeout) {
     return std::chrono::nanoseconds(static_cast<std::int64_t>(std::min(seconds, kLongest) * 1e9));
 }
 
-/// From whichever window has it by now; without a key window to ask it leaves the screen all the same.
+/// From whichever window has it by now, or from the screen if somebody has ordered it there by itself.
 void takeAway(const std::shared_ptr<NSWindow>& window) {
-    if (const auto key = keyWindow()) return key->removeChildWindow(window);
+    if (const auto key = keyWindow()) key->removeChildWindow(window);
     window->close();
 }
 
@@ -142,7 +143,10 @@ void KXToastView::showWithTimeout(double timeout) {
     willPresentToastView();
     const auto window = make<NSWindow>();
     window->setContentView(held);
-    if (const auto key = keyWindow()) key->addChildWindow(window, NSWindowOrderingMode::Above);
+    if (const auto key = keyWindow()) {
+        key->addChildWindow(window, NSWindowOrderingMode::Above);
+        ScreenReader::slot().current().announce(titleLbl_->string());
+    }
     DispatchQueue::main().after(delayFor(timeout), [window, held] {
         takeAway(window);
         held->dismiss();

@@ -25,9 +25,9 @@ inline constinit const NSNotificationName KXToastViewShouldDismissWithoutAnimati
 ///
 ///     KXToastView::initWithTitle("Saved", nullptr)->showWithTimeout(3);
 ///
-/// A shown toast lives in a child window of its own until its time is up, whether anybody holds it or not. It
-/// listens for the notification above from when it is made until it is dismissed. There is no animation. Main
-/// thread.
+/// A shown toast lives in a child window of its own until its time is up, whether anybody holds it or not,
+/// and its text is read out where the desktop has a screen reader. It listens for the notification above from
+/// when it is made until it is dismissed. There is no animation. Main thread.
 class KX_EXPORT KXToastView : public Subclass<KXToastView, NSView> {
   public:
     /// As large as the key window is now; 0 x 0 without one. An absent picture takes no room.

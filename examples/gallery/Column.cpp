@@ -5,6 +5,7 @@
 #include <KXFoundation/Localization/KXLocalizationUtils.h>
 #include <KXFoundation/Platform/Graphics/NSColor.h>
 #include <KXFoundation/Platform/Graphics/NSFont.h>
+#include <KXFoundation/Platform/Runtime/Environment.h>
 #include <KXFoundation/Platform/Views/NSCollectionView.h>
 #include <KXFoundation/Platform/Views/NSCollectionViewFlowLayout.h>
 
@@ -14,6 +15,11 @@ using namespace kx;
 
 std::string text(std::string_view key) {
     return KXLocalizationUtils::localizedStringForKey(key, std::nullopt).value_or(std::string(key));
+}
+
+std::string shownPath(const std::string& path) {
+    const auto home = Environment::slot().current().variable("HOME");
+    return home && path.starts_with(*home + "/") ? "~" + path.substr(home->size()) : path;
 }
 
 NSRect directed(NSRect frame, double width) {

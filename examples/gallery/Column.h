@@ -15,6 +15,9 @@ namespace gallery {
 /// The text of a key of the gallery's tables.
 [[nodiscard]] std::string text(std::string_view key);
 
+/// The path as people write it, "~" for the user's home directory.
+[[nodiscard]] std::string shownPath(const std::string& path);
+
 /// Places views below one another in a view, and side by side in rows that begin where the language's lines
 /// begin: on the right in a language written from right to left.
 class Column {

@@ -14,9 +14,10 @@ using namespace kx;
 
 namespace {
 
-constexpr double kSideWidth = 200;
 constexpr double kMargin = 28;
+constexpr double kTop = 24;
 constexpr double kLeastSide = 400;
+constexpr double kLeastStep = 29;  // from page to page in the side list
 
 constexpr const char* kPageKey = "window.page";
 constexpr const char* kWidthKey = "window.width";
@@ -26,9 +27,9 @@ constexpr const char* kDarkKey = "window.dark";
 /// A plain area in one colour.
 class Area : public Subclass<Area, NSView> {
   public:
-    bool init(NSRect frame, std::shared_ptr<NSColor> color) {
+    bool init(std::shared_ptr<NSColor> color) {
         color_ = std::move(color);
-        return Super::init(frame);
+        return Super::init();
     }
     void drawRect(GraphicsContext& context, NSRect dirty) override { context.fill(dirty, *color_); }
 
@@ -57,7 +58,7 @@ class Gallery::Root : public Subclass<Root, Area> {
   public:
     bool init(Gallery& gallery) {
         gallery_ = &gallery;
-        return Super::init(NSRect(), NSColor::windowBackgroundColor());
+        return Super::init(NSColor::windowBackgroundColor());
     }
     void layout() override { gallery_->build(*this); }
 
@@ -65,9 +66,30 @@ class Gallery::Root : public Subclass<Root, Area> {
     Gallery* gallery_ = nullptr;
 };
 
-Gallery::Gallery()
-    : window_(make<InspectingWindow>(NSRect(0, 0, kWidth, kHeight))), root_(make<Root>(*this)) {
+/// Its keys move the page, and what gets them by Tab comes into sight.
+class Gallery::Window : public Subclass<Window, InspectingWindow> {
+  public:
+    bool init(const Gallery& gallery) {
+        gallery_ = &gallery;
+        return Super::init(NSRect(0, 0, kWidth, kHeight));
+    }
+    void keyDown(const NSEvent& event) override {
+        if (gallery_->shown_ && gallery_->shown_->scrollByKey(event)) return;
+        Super::keyDown(event);
+        gallery_->revealFocus();
+    }
+
+  private:
+    const Gallery* gallery_ = nullptr;
+};
+
+Gallery::Gallery() : window_(make<Window>(*this)), root_(make<Root>(*this)) {
     window_->setContentView(root_);
+}
+
+/// The window's views know the gallery, so none is left on the screen.
+Gallery::~Gallery() {
+    window_->close();
 }
 
 bool Gallery::show(std::string_view page) {
@@ -75,6 +97,7 @@ bool Gallery::show(std::string_view page) {
     if (found == pages().end()) return false;
     chosen_ = static_cast<std::size_t>(found - pages().begin());
     page_ = nullptr;
+    shown_ = nullptr;
     rebuild();
     return true;
 }
@@ -116,15 +139,23 @@ void Gallery::build(NSView& root) {
     if (hadFocus && focused < std::ssize(after)) window_->makeFirstResponder(after[std::size_t(focused)]);
 }
 
+void Gallery::revealFocus() const {
+    const auto focused = window_->firstResponder();
+    const auto* view = dynamic_cast<const NSView*>(focused.get());
+    for (const auto& area : {side_, shown_}) {
+        if (view && area) area->reveal(*view);
+    }
+}
+
 void Gallery::addSideList(NSView& root) {
     const NSSize size = root.frame().size;
-    auto side =
-        make<Area>(directed({0, 0, kSideWidth, size.height}, size.width), NSColor::controlBackgroundColor());
-    Column column(*side, 16, 24, kSideWidth - 32);
+    auto side = make<Area>(NSColor::controlBackgroundColor());
+    Column column(*side, 16, kTop, kSideWidth - 32);
     const auto title = label(text("app.title"), 15, true);
     column.add(title, title->frame().size.height);
     column.space(10);
-    const double step = std::min(38.0, (size.height - column.y() - 12) / double(pages().size()));
+    const double room = (size.height - column.y() - 12) / double(pages().size());
+    const double step = std::clamp(room, kLeastStep, 38.0);
     for (const PageEntry& entry : pages()) {
         auto button = make<NSButton>();
         button->setTitle(text(entry.titleKey));
@@ -134,20 +165,23 @@ void Gallery::addSideList(NSView& root) {
         });
         column.add(button, step - 8);
     }
-    root.addSubview(side);
+    side_ = make<ScrollArea>(directed({0, 0, kSideWidth, size.height}, size.width), side, column.y() + 4,
+                             side_ ? side_->offset() : 0);
+    root.addSubview(side_);
 }
 
 void Gallery::addPage(NSView& root) {
     const NSSize size = root.frame().size;
-    auto content = make<NSView>(directed({kSideWidth, 0, size.width - kSideWidth, size.height}, size.width));
-    root.addSubview(content);
+    const NSRect area = directed({kSideWidth, 0, size.width - kSideWidth, size.height}, size.width);
+    const auto content = make<NSView>(NSRect({}, area.size));
     if (!page_) page_ = pages()[chosen_].make();
-    Column column(*content, kMargin, 24, content->frame().size.width - 2 * kMargin);
+    Column column(*content, kMargin, kTop, area.size.width - 2 * kMargin);
     page_->build(column, *this);
     const auto look = lookButton();
-    look->setFrame(
-        directed({content->frame().size.width - kMargin - 36, 24, 36, 28}, content->frame().size.width));
+    look->setFrame(directed({area.size.width - kMargin - 36, kTop, 36, 28}, area.size.width));
     content->addSubview(look);
+    shown_ = make<ScrollArea>(area, content, column.y() + kTop, shown_ ? shown_->offset() : 0);
+    root.addSubview(shown_);
 }
 
 /// Changes between light and dark.

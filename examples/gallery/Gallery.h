@@ -9,6 +9,7 @@
 #include <KXFoundation/Platform/Views/NSWindow.h>
 
 #include "Page.h"
+#include "ScrollArea.h"
 
 namespace gallery {
 
@@ -17,8 +18,12 @@ class Gallery {
   public:
     static constexpr double kWidth = 980;
     static constexpr double kHeight = 720;
+    static constexpr double kSideWidth = 200;
 
     Gallery();
+    ~Gallery();
+    Gallery(const Gallery&) = delete;
+    Gallery& operator=(const Gallery&) = delete;
 
     [[nodiscard]] const std::shared_ptr<kx::NSWindow>& window() const { return window_; }
 
@@ -37,13 +42,17 @@ class Gallery {
 
   private:
     class Root;
+    class Window;
     void build(kx::NSView& root);
     void addSideList(kx::NSView& root);
     void addPage(kx::NSView& root);
+    void revealFocus() const;
     [[nodiscard]] std::shared_ptr<kx::NSButton> lookButton() const;
 
     std::shared_ptr<kx::NSWindow> window_;
     std::shared_ptr<Root> root_;
+    std::shared_ptr<ScrollArea> side_;
+    std::shared_ptr<ScrollArea> shown_;  // the page
     std::size_t chosen_ = 0;
     std::unique_ptr<Page> page_;
 };

@@ -1,7 +1,6 @@
 #include "Headless.h"
 
 #include <cstdio>
-#include <cstdlib>
 #include <filesystem>
 #include <fstream>
 
@@ -19,36 +18,10 @@ namespace {
 
 constexpr const char* kLanguages[] = {"en", "ar", "zh-Hans", "de"};
 
-/// A folder for the settings of this run and the pictures that it exports, removed at its end.
-class TemporarySettings {
-  public:
-    TemporarySettings() {
-        std::string path = (std::filesystem::temp_directory_path() / "kx-gallery-XXXXXX").string();
-        if (mkdtemp(path.data())) path_ = path;
-        for (const char* folder : {"XDG_CACHE_HOME", "XDG_CONFIG_HOME", "XDG_DATA_HOME"})
-            setenv(folder, path_.c_str(), 1);
-        std::ofstream(path_ + "/user-dirs.dirs") << "XDG_PICTURES_DIR=\"" << path_ << "/Pictures\"\n";
-    }
-    ~TemporarySettings() {
-        std::error_code ignored;
-        if (!path_.empty()) std::filesystem::remove_all(path_, ignored);
-    }
-    TemporarySettings(const TemporarySettings&) = delete;
-    TemporarySettings& operator=(const TemporarySettings&) = delete;
-
-  private:
-    std::string path_;
-};
-
 bool writePicture(Gallery& gallery, const std::string& path) {
-    NSWindow& window = *gallery.window();
-    const auto surface = std::dynamic_pointer_cast<OffscreenSurface>(window.surface());
+    const auto surface = std::dynamic_pointer_cast<OffscreenSurface>(gallery.window()->surface());
     if (!surface) return false;
-    window.displayIfNeeded();
-    drainQueues();  // what the page began when it was shown
-    gallery.demonstrate();
-    drainQueues();
-    window.displayIfNeeded();
+    drawDemonstration(gallery);
     const auto png = surface->png();
     if (!png) return false;
     std::ofstream file(path, std::ios::binary);
@@ -71,10 +44,18 @@ bool drawPage(Gallery& gallery, std::string_view name, const std::string& direct
 
 }  // namespace
 
+void drawDemonstration(Gallery& gallery) {
+    NSWindow& window = *gallery.window();
+    window.displayIfNeeded();
+    drainQueues();  // what the page began when it was shown
+    gallery.demonstrate();
+    drainQueues();
+    window.displayIfNeeded();
+}
+
 int drawPages(const std::string& directory, const std::string& page, double scale) {
     std::error_code error;
     std::filesystem::create_directories(directory, error);
-    const TemporarySettings settings;
     WindowSystem::slot().replace(std::make_shared<OffscreenWindowSystem>(scale));
     Gallery gallery;
     gallery.window()->makeKeyAndOrderFront();

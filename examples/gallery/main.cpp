@@ -1,6 +1,7 @@
 #include <algorithm>
 #include <cstdio>
 #include <cstdlib>
+#include <optional>
 #include <string>
 #include <string_view>
 
@@ -8,11 +9,13 @@
 
 #include "Gallery.h"
 #include "Headless.h"
+#include "SteadyWorld.h"
+#include "TemporaryHome.h"
 
 namespace {
 
 int usage() {
-    std::fputs("usage: gallery [--headless DIRECTORY [--scale NUMBER]] [--page NAME]\n", stderr);
+    std::fputs("usage: gallery [--headless DIRECTORY [--scale NUMBER]] [--page NAME] [--steady]\n", stderr);
     return 2;
 }
 
@@ -51,8 +54,13 @@ int main(int argc, char** argv) {
     std::string directory;
     std::string page;
     double scale = 2;
+    bool isSteady = false;
     for (int i = 1; i < argc; ++i) {
         const std::string_view option = argv[i];
+        if (option == "--steady") {
+            isSteady = true;
+            continue;
+        }
         if (i + 1 == argc) return usage();
         if (option == "--headless") {
             directory = argv[++i];
@@ -64,5 +72,10 @@ int main(int argc, char** argv) {
             return usage();
         }
     }
-    return directory.empty() ? runInWindow(page) : gallery::drawPages(directory, page, scale);
+    std::optional<gallery::SteadyWorld> steady;
+    if (isSteady) steady.emplace();
+    if (directory.empty()) return runInWindow(page);
+    std::optional<gallery::TemporaryHome> home;
+    if (!isSteady) home.emplace(gallery::TemporaryHome::Others::Kept);
+    return gallery::drawPages(directory, page, scale);
 }

@@ -5,6 +5,8 @@
 
 #include <KXFoundation/Cache/KXImageCache.h>
 #include <KXFoundation/Media/KXPhotoUtils.h>
+#include <KXFoundation/Platform/Graphics/GraphicsContext.h>
+#include <KXFoundation/Platform/Graphics/NSColor.h>
 #include <KXFoundation/Platform/Graphics/NSImage.h>
 #include <KXFoundation/Platform/Runtime/Export.h>
 
@@ -57,6 +59,7 @@ TEST(ImageCost, IsKeptUntilTheImageChanges) {
     const auto cache = KXImageCache::initWithPath(platform.directory() / "cache");
     const auto other = KXImageCache::initWithPath(platform.directory() / "other");
     const auto image = NSImage::initWithBitmap(plain());
+    std::shared_ptr<GraphicsContext> context;
     const struct {
         const char* what;
         std::function<void()> work;
@@ -71,6 +74,15 @@ TEST(ImageCost, IsKeptUntilTheImageChanges) {
         {"after that", [&] { cache->setImage(image, "a"); }, 1},
         {"pixels", [&] { image->largestBitmap()->pixels()[kSide * 9] = 0xFFFFFFFF; }, 0},
         {"after these", [&] { cache->setImage(image, "a"); }, 1},
+        {"a context on it", [&] { context = GraphicsContext::onBitmap(image->largestBitmap()); }, 0},
+        {"before it draws", [&] { cache->setImage(image, "a"); }, 1},
+        {"drawing",
+         [&] {
+             context->fill({0, 0, 9, kSide}, *NSColor::clearColor()), context.reset();
+         },
+         0},
+        {"after that too", [&] { cache->setImage(image, "a"); }, 1},
+        {"and at rest", [&] { cache->setImage(image, "a"); }, 0},
     };
     for (const auto& row : rows) EXPECT_EQ(encodesOf(row.work), row.encodes) << row.what;
     const auto bytes = KXPhotoUtils::imgToData(image, 1.0)->size();

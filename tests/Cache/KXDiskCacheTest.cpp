@@ -123,6 +123,13 @@ TEST_F(KXDiskCacheTest, KeysAndChanges) {
     EXPECT_EQ(segments(), 1u) << "the former files are gone";
     EXPECT_EQ(KXDiskCache::initWithPath(""), nullptr);
     EXPECT_EQ(cache->nameSpace(), "cache");
+
+    const std::string inPlaceOf = directory.write("mine", "mine") + std::string("\0/x", 3);
+    EXPECT_FALSE(replaceFile(*files, inPlaceOf, "other"))
+        << "the system would take what stands before the zero";
+    open(std::string("b\0c", 3))->setObject(1, "a");
+    EXPECT_EQ(directory.read("mine"), "mine");
+    EXPECT_FALSE(std::filesystem::exists(directory / "b"));
 }
 
 TEST_F(KXDiskCacheTest, LimitsHoldAfterEverySet) {
@@ -155,11 +162,14 @@ TEST_F(KXDiskCacheTest, OverwritingKeepsTheLogShort) {
     const auto cache = open();
     cache->setCostLimit(2 << 20);
     const std::string large(10'000, 'x');
+    cache->setObject("whole", "broken");
+    const auto segment = files->open(directory / "cache/segment-00000001", FileSystem::Mode::ReadWrite);
+    ASSERT_TRUE((*segment)->writeAt(32 + 24 + 6, std::as_bytes(std::span("?", 1))));  // the payload
     cache->setObject("stays", "first");
     for (int i = 0; i < 1000; ++i)
         cache->setObject(large + std::to_string(i), "key " + std::to_string(i % 10));
     EXPECT_EQ(cache->objectForKey("first"), Value("stays")) << "carried along";
-    EXPECT_EQ(cache->totalCount(), 11u);
+    EXPECT_EQ(cache->totalCount(), 11u) << "the broken one did not keep all after it";
     EXPECT_LT(cache->statistics().bytes, 2u << 20);
     EXPECT_EQ(open()->objectForKey("key 9"), Value(large + "999"));
 }
@@ -233,6 +243,9 @@ TEST_F(KXDiskCacheTest, TwoStoresSeeEachOthersValues) {
     EXPECT_EQ(one->totalCount(), 40u) << "also over a change of segments";
     other->setCountLimit(5);
     EXPECT_EQ(one->totalCount(), 5u);
+    for (int i = 0; i < 9; ++i) one->setObject(i, "by one " + std::to_string(i));
+    EXPECT_EQ(other->totalCount(), 5u) << "its limit holds for what comes from others too";
+    one->setObject(39, "39");
     EXPECT_EQ(one->objectForKey("39"), other->objectForKey("39"));
     other->removeAllObjects();
     EXPECT_EQ(one->totalCount(), 0u);

@@ -74,6 +74,12 @@ TEST(CalendricalCalculations, IsRightWhereClocksChange) {
     using Step = Date (*)(const Date&);
     const std::tuple<const char*, const char*, Step, const char*, const char*> rows[] = {
         {"Europe/Berlin", "nextHour", Calculations::nextHour, "2024-03-31 01:30:00", "2024-03-31 03:30:00"},
+        // From the last day of a week 53 into a year of 52.
+        {"UTC", "a year of weeks",
+         [](const Date& date) {
+             return Calculations::dateByAddingUnit(NSCalendarUnitYearForWeekOfYear, 1, date);
+         },
+         "2022-12-31 10:00:00", "2023-12-30 10:00:00"},
         {"Europe/Berlin", "nextHour", Calculations::nextHour, "2024-10-27 02:30:00", "2024-10-27 02:30:00"},
         {"Europe/Berlin", "nextDay", Calculations::nextDay, "2024-03-30 02:30:00", "2024-03-31 03:30:00"},
         {"Europe/Berlin", "dateEnd", Calculations::dateEnd, "2024-03-31 12:00:00", "2024-03-31 23:59:59"},
@@ -142,6 +148,9 @@ TEST(CalendricalCalculations, CountsUnits) {
         {"UTC", NSCalendarUnitWeekOfYear, "2024-12-28 12:00:00", "2025-01-05 00:00:00", 2},
         {"UTC", NSCalendarUnitHour, "2024-03-05 23:59:00", "2024-03-06 00:01:00", 1},
         {"UTC", NSCalendarUnitMinute, "2024-03-05 23:59:59", "2024-03-05 23:58:01", -1},
+        // From Sunday, 1 January 2023, to Sunday, 31 December 2023: 52 weeks, but not twelve months.
+        {"UTC", NSCalendarUnitYearForWeekOfYear, "2023-06-01 00:00:00", "2024-06-01 00:00:00", 1},
+        {"UTC", NSCalendarUnitYearForWeekOfYear, "2024-12-29 00:00:00", "2016-12-31 23:59:59", -9},
         {"UTC", 3, "2024-03-05 23:59:00", "2024-03-06 00:01:00", 0},
         {"UTC", 24, "2024-03-05 23:59:00", "2024-05-06 00:01:00", 0},
         {"America/Santiago", NSCalendarUnitDay, "2024-09-08 12:00:00", "2024-09-09 12:00:00",

@@ -110,10 +110,10 @@ TEST(KXDeviceUtils, FaceRecognitionIsWhatTheSystemSays) {
     }
 }
 
-/// A torch that is there or not, and that obeys or not.
+/// A torch that is there or not, and that obeys or has its reason not to.
 class InjectedTorch final : public Torch {
   public:
-    InjectedTorch(bool isThere, bool obeys) : isThere_(isThere), obeys_(obeys) {}
+    explicit InjectedTorch(bool isThere, int refusal = 0) : isThere_(isThere), refusal_(refusal) {}
     std::optional<std::string> name() override {
         return isThere_ ? std::optional<std::string>("torch") : std::nullopt;
     }
@@ -121,20 +121,21 @@ class InjectedTorch final : public Torch {
     Result<void> maySet() override { return setLevel(level_); }
     Result<void> setLevel(float level) override {
         if (!isThere_) return Error{ErrorKind::Missing, 0, "torch"};
-        if (!obeys_) return Error::fromErrno(EACCES, "torch");
+        if (refusal_ != 0) return Error::fromErrno(refusal_, "torch");
         level_ = level;
         return {};
     }
 
   private:
-    bool isThere_, obeys_;
+    bool isThere_;
+    int refusal_;
     float level_ = 0;
 };
 
 using ErrorSlot = std::shared_ptr<NSError>*;
 
 TEST(KXDeviceUtils, TheTorchTakesALevelBetween0And1) {
-    const ScopedPort<Torch> scope(std::make_shared<InjectedTorch>(true, true));
+    const ScopedPort<Torch> scope(std::make_shared<InjectedTorch>(true));
     const std::pair<float, float> rows[] = {{1.5F, 1}, {-0.2F, 0}, {0.25F, 0.25F}, {1, 1}};
     for (const auto& [level, want] : rows) {
         std::shared_ptr<NSError> error;
@@ -161,21 +162,21 @@ TEST(KXDeviceUtils, ATorchThatIsMissingOrRefusesLeavesItsError) {
     };
     for (const auto& row : rows) {
         std::shared_ptr<NSError> error;
-        {
-            const ScopedPort<Torch> scope(std::make_shared<InjectedTorch>(true, false));
+        for (const int refusal : {EACCES, ENOENT}) {  // a light without its files is a torch all the same
+            const ScopedPort<Torch> scope(std::make_shared<InjectedTorch>(true, refusal));
             EXPECT_EQ(row.call(&error), row.wantWhenRefused) << row.name;
             ASSERT_NE(error, nullptr) << row.name;
             EXPECT_EQ(error->domain(), NSPOSIXErrorDomain);
-            EXPECT_EQ(error->code(), EACCES);
+            EXPECT_EQ(error->code(), refusal);
         }
-        const ScopedPort<Torch> scope(std::make_shared<InjectedTorch>(false, true));
+        const ScopedPort<Torch> scope(std::make_shared<InjectedTorch>(false));
         EXPECT_FALSE(row.call(&error)) << row.name;
         EXPECT_EQ(error->domain(), "KXFoundationTorchErrorDomain");
         EXPECT_EQ(error->code(), -1);
         EXPECT_TRUE(error->userInfo().isNull());
         EXPECT_FALSE(row.call(nullptr));
     }
-    const ScopedPort<Torch> scope(std::make_shared<InjectedTorch>(false, true));
+    const ScopedPort<Torch> scope(std::make_shared<InjectedTorch>(false));
     EXPECT_FALSE(KXDeviceUtils::hasTorch());
     EXPECT_EQ(KXDeviceUtils::torchLevel(), 0);
     std::shared_ptr<NSError> error;

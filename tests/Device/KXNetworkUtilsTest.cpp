@@ -34,6 +34,7 @@ TEST(KXNetworkUtils, FormatMACAddress) {
         {" \t\u00A0\n", ":", ""},
         {"", ":", ""},
         {{}, ":", ""},
+        {"a:b", {}, "0A0B"},
     };
     for (const auto& [mac, separator, want] : rows)
         EXPECT_EQ(KXNetworkUtils::formatMACAddress(mac, separator), want)
@@ -58,7 +59,8 @@ TEST(KXNetworkUtils, MACNumbers) {
         EXPECT_EQ(KXNetworkUtils::macStringToInteger(mac), 0) << "mac: " << mac.value_or("absent");
     EXPECT_EQ(KXNetworkUtils::formatMACInteger(73'596'058'572, ":"), "00:11:22:AA:BB:CC");
     EXPECT_EQ(KXNetworkUtils::formatMACInteger(0, ":"), "00:00:00:00:00:00");
-    EXPECT_EQ(KXNetworkUtils::formatMACInteger(-1, ""), "FFFFFFFFFFFF");
+    for (const Text none : {Text(""), Text()})
+        EXPECT_EQ(KXNetworkUtils::formatMACInteger(-1, none), "FFFFFFFFFFFF");
 }
 
 TEST(KXNetworkUtils, IpStringToInteger) {

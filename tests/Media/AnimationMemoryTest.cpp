@@ -64,6 +64,10 @@ TEST(AnimationMemory, AThousandFullHDFramesPlayInLessThan64MiB) {
     EXPECT_LT(testing::takePeakMemory() - before, 64 * kMiB);
     EXPECT_GT(FrameMemory::inUse(), 16 * kMiB);
     EXPECT_LE(FrameMemory::inUse(), FrameMemory::kBudget);
+    view->setImage(nullptr);
+    drainQueues();
+    EXPECT_LT(testing::heldMemory() - before, 4 * kMiB) << "the file is kept, its frames are not";
+    EXPECT_EQ(FrameMemory::inUse(), 0U);
 }
 
 }  // namespace

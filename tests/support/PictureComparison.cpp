@@ -55,7 +55,7 @@ std::shared_ptr<NSBitmapImageRep> sideBySide(const NSBitmapImageRep& a, const NS
                                              Tolerance tolerance) {
     constexpr std::uint32_t kGap = 8;
     const auto marked = markDifferences(a, b, tolerance.channel);
-    const NSBitmapImageRep* const pictures[] = {&a, marked.get(), &b};
+    const NSBitmapImageRep* const pictures[] = {&a, &b, marked.get()};
     const std::uint32_t wide = 2 * a.pixelsWide() + b.pixelsWide() + 2 * kGap;
     auto page = NSBitmapImageRep::bitmapWithPixels(wide, std::max(a.pixelsHigh(), b.pixelsHigh()));
     if (!page) return marked;

@@ -24,7 +24,7 @@ struct Difference {
 [[nodiscard]] Difference compare(const NSBitmapImageRep& a, const NSBitmapImageRep& b,
                                  Tolerance tolerance = {});
 
-/// Both pictures and, between them, what differs: red on a faded copy of the first. For a person to look at.
+/// Both pictures and, beside them, what differs: red on a faded copy of the first. For a person to look at.
 [[nodiscard]] std::shared_ptr<NSBitmapImageRep> sideBySide(const NSBitmapImageRep& a,
                                                            const NSBitmapImageRep& b,
                                                            Tolerance tolerance = {});

@@ -1,4 +1,4 @@
-"""desktop_bus.py [portal] [reader | no-reader]: a message bus of its own with the services named.
+"""desktop_bus.py [portal] [reader | no-reader] [accessibility [gone]]: a message bus of its own with the services named.
 
 Prints the bus's address ("" where this machine cannot have one), then a line per call. A line of its input changes
 one of the portal's settings, "SCHEMA KEY VALUE"; the end of the input is its end.
@@ -28,6 +28,7 @@ OPENER = "org.freedesktop.portal.OpenURI"
 SETTINGS = "org.freedesktop.portal.Settings"
 PROXIES = "org.freedesktop.portal.ProxyResolver"
 FINGERPRINTS = "net.reactivated.Fprint"
+ACCESSIBLE_ROOT = "/org/a11y/atspi/accessible/root"
 
 
 class Portal(dbus.service.Object):
@@ -78,6 +79,36 @@ class Fingerprints(dbus.service.Object):
         return "/net/reactivated/Fprint/Device/0"
 
 
+class AccessibilityAddress(dbus.service.Object):
+    def __init__(self, bus, address):
+        super().__init__(bus, "/org/a11y/bus")
+        self.address = address
+
+    @dbus.service.method("org.a11y.Bus", out_signature="s")
+    def GetAddress(self):
+        return self.address
+
+
+class Registry(dbus.service.Object):
+    """Tells who announces what, as a screen reader asks for it."""
+
+    def __init__(self, bus):
+        super().__init__(bus, ACCESSIBLE_ROOT)
+        self.bus = bus
+        bus.add_signal_receiver(self.announced, "Announcement", "org.a11y.atspi.Event.Object",
+                                sender_keyword="sender", path_keyword="path")
+
+    @dbus.service.method("org.a11y.atspi.Socket", in_signature="(so)", out_signature="(so)")
+    def Embed(self, _plug):
+        return self.bus.get_unique_name(), dbus.ObjectPath(ACCESSIBLE_ROOT)
+
+    def announced(self, _detail, politeness, _unused, text, _properties, sender, path):
+        speaker = self.bus.get_object(sender, path)
+        name = speaker.Get("org.a11y.atspi.Accessible", "Name", dbus_interface="org.freedesktop.DBus.Properties")
+        role = speaker.GetRoleName(dbus_interface="org.a11y.atspi.Accessible")
+        print(f"{role} {name}, {politeness}: {len(text)} {text[:40]}")
+
+
 def start_bus(folder):
     configuration = folder / "bus.conf"
     configuration.write_text(CONFIGURATION.format(socket=folder / "bus"))
@@ -94,6 +125,11 @@ def serve(address):
     if "reader" in sys.argv or "no-reader" in sys.argv:
         names.append(dbus.service.BusName(FINGERPRINTS, bus))
         services.append(Fingerprints(bus, "reader" in sys.argv))
+    if "accessibility" in sys.argv:
+        names.append(dbus.service.BusName("org.a11y.Bus", bus))
+        services.append(AccessibilityAddress(bus, "unix:path=/no/such/bus" if "gone" in sys.argv else address))
+        names.append(dbus.service.BusName("org.a11y.atspi.Registry", bus))
+        services.append(Registry(bus))
     print(address)
     loop = GLib.MainLoop()
 

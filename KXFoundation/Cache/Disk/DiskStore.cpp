@@ -16,7 +16,8 @@ class DiskStore::PageLock {
             result_ = Error{ErrorKind::Denied, EACCES, store.folder_};
         } else if (result_ = page_.lock(); result_) {
             isHeld_ = true;
-            result_ = store.follow();
+            const auto ends = page_.ends();
+            result_ = ends ? store.follow(*ends) : Result<void>(store.lostPage());
         }
     }
     ~PageLock() {
@@ -39,9 +40,13 @@ DiskStore::DiskStore(std::string folder, std::shared_ptr<DispatchQueue> queue)
       clock_(Clock::slot().shared()) {}
 
 Result<std::optional<DiskIndex::Place>> DiskStore::locate(std::string_view key) {
-    if (auto opened = open(); !opened) return Error(opened.error());
-    if (auto followed = follow(); !followed) return Error(followed.error());
-    auto place = index_.find(hashOfKey(key));
+    const std::uint64_t hash = hashOfKey(key);
+    if (auto opened = openAndFollow(); !opened) return Error(opened.error());
+    auto place = index_.find(hash);
+    if (!place && leaveIfReplaced(Use::Read)) {
+        if (auto opened = open(); !opened) return Error(opened.error());
+        place = index_.find(hash);
+    }
     if (place && isExpired(place->record())) place = std::nullopt;
     return place;
 }
@@ -66,7 +71,7 @@ Result<std::optional<DiskStore::Read>> DiskStore::prepareRead(std::string_view k
     Segment& segment = *(*place)->segment;
     const Record& record = (*place)->record();
     auto mapping = segment.file->mapped(record.end());
-    if (!mapping) return std::move(mapping).error();
+    if (!mapping) return readElsewhere(key, **place, std::move(mapping).error());
     if (segment.isSealed) segment.file->close();
     segment.used[(*place)->slot] = true;
     return std::optional(Read{record.form,
@@ -76,6 +81,18 @@ Result<std::optional<DiskStore::Read>> DiskStore::prepareRead(std::string_view k
                               segment.file->salt(),
                               record.keySize,
                               std::move(*mapping)});
+}
+
+/// Where the file is gone, another process has just dropped it, and the value may stand elsewhere by now;
+/// else somebody has deleted it.
+Result<std::optional<DiskStore::Read>> DiskStore::readElsewhere(std::string_view key, const Place& place,
+                                                                Error why) {
+    if (why.kind != ErrorKind::Missing) return why;
+    const Position former{place.segment->file->number(), place.record().offset};
+    index_.forget(place);
+    auto read = prepareRead(key);
+    if (read && !*read && former >= knownHead_) return why;
+    return read;
 }
 
 Result<Value> DiskStore::get(std::string_view key) {
@@ -193,10 +210,11 @@ Result<void> DiskStore::append(Form form, std::string_view key, std::span<const 
     auto written = segment.file->write(offset, std::span(entry_).first(header.entrySize()));
     if (entry_.size() > kSmallestSegment * 4) entry_ = {};
     if (!written) return written;
+    const Position tail{segment.file->number(), static_cast<std::uint32_t>(offset + header.entrySize())};
+    if (!page_->setTail(tail)) return lostPage();
 
     index_.apply(segment, {keyHash, offset, header.payloadSize, stamp, form, header.keySize});
-    known_ = {segment.file->number(), static_cast<std::uint32_t>(segment.end)};
-    page_->setTail(known_);
+    known_ = tail;
     if (unsynced_.empty() || unsynced_.back() != segment.file->path())
         unsynced_.push_back(segment.file->path());
     return {};
@@ -205,19 +223,20 @@ Result<void> DiskStore::append(Form form, std::string_view key, std::span<const 
 /// Seals the last segment and begins the next one.
 Result<void> DiskStore::roll() {
     Segment* const last = index_.last();
-    const std::uint32_t before = std::max(last ? last->file->number() : 0, page_->tail().segment);
+    const std::uint32_t before = std::max(last ? last->file->number() : 0, known_.segment);
     if (last && !last->isSealed) {
         if (auto sealed = last->file->seal(last->records, last->end); !sealed) return sealed;
         last->isSealed = true;
     }
     auto made = DiskSegment::create(files_, folder_, before + 1);
+    for (std::uint32_t past = 2; !made && made.error().systemError == EEXIST; ++past)
+        made = DiskSegment::create(files_, folder_, before + past);  // something that is no file stands there
     if (!made) return std::move(made).error();
     if (last) last->file->close();
     Segment& next = index_.add(std::move(*made));
     isFolderUnsynced_ = true;
     known_ = {next.file->number(), static_cast<std::uint32_t>(next.end)};
-    page_->setTail(known_);
-    return {};
+    return page_->setTail(known_) ? Result<void>() : Result<void>(lostPage());
 }
 
 Result<void> DiskStore::synchronize() {
@@ -231,7 +250,7 @@ Result<void> DiskStore::synchronize() {
         isFolderUnsynced = std::exchange(isFolderUnsynced_, false);
         if (!unsynced.empty() && index_.last() && unsynced.back() == index_.last()->file->path()) {
             last = index_.last()->file->file();
-            unsynced.pop_back();
+            if (last) unsynced.pop_back();
         }
     }
     auto result = last ? last->sync() : Result<void>();
@@ -257,7 +276,7 @@ Result<void> DiskStore::setLimits(const DiskLimits& limits) {
     limits_ = limits;
     segmentSize_ =
         limits.cost == 0 ? kLargestSegment : std::clamp(limits.cost / 8, kSmallestSegment, kLargestSegment);
-    if (auto opened = open(); !opened) return opened;
+    if (auto opened = openToChange(); !opened) return opened;
     const PageLock page(*this);
     if (page.result()) holdLimits(0);
     return page.result();
@@ -265,9 +284,8 @@ Result<void> DiskStore::setLimits(const DiskLimits& limits) {
 
 Result<DiskStatistics> DiskStore::statistics() {
     const MutexLock lock(mutex_);
-    if (auto opened = open(); !opened) return Error(opened.error());
-    if (auto followed = follow(); !followed) return Error(followed.error());
-    if (limits_.age > 0 && page_->isWritable()) {
+    if (auto opened = openAndFollow(); !opened) return Error(opened.error());
+    if ((limits_.age > 0 || isOver()) && page_->isWritable()) {
         const PageLock page(*this);
         if (page.result()) holdLimits(0);
     }

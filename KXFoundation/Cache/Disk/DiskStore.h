@@ -80,19 +80,27 @@ class DiskStore {
     Result<std::vector<std::uint32_t>> segmentNumbers();
     Result<void> loadSegment(std::uint32_t number, Position tail) KX_REQUIRES(mutex_);
     Result<void> mendLast(bool isDamaged) KX_REQUIRES(mutex_);
-    Result<void> follow() KX_REQUIRES(mutex_) {
-        return page_->tail() > known_ || page_->head() > knownHead_ ? replay() : Result<void>();
+    /// Opens the folder, or reads what others have changed in it.
+    Result<void> openAndFollow() KX_REQUIRES(mutex_);
+    Result<void> follow(const HeaderPage::Ends& ends) KX_REQUIRES(mutex_) {
+        return ends.tail > known_ || ends.head > knownHead_ ? replay(ends) : Result<void>();
     }
-    Result<void> replay() KX_REQUIRES(mutex_);
+    Result<void> replay(const HeaderPage::Ends& ends) KX_REQUIRES(mutex_);
     Result<void> replaySegment(std::uint32_t number, Position tail) KX_REQUIRES(mutex_);
-    void leaveIfReplaced() KX_REQUIRES(mutex_);
+    void leave() KX_REQUIRES(mutex_);
+    enum class Use : bool { Read, Change };
+    bool leaveIfReplaced(Use use) KX_REQUIRES(mutex_);
+    [[nodiscard]] bool isReplaced() KX_REQUIRES(mutex_);
+    [[nodiscard]] Error lostPage() const;
 
     // Changing, under the page's lock.
     Result<void> append(Form form, std::string_view key, std::span<const std::byte> payload, Stamp stamp)
         KX_REQUIRES(mutex_);
     Result<void> roll() KX_REQUIRES(mutex_);
     void holdLimits(std::uint64_t budget) KX_REQUIRES(mutex_);
-    bool carry(const Place& place) KX_REQUIRES(mutex_);
+    enum class Carried : std::uint8_t { Done, Refused, Damaged };
+    Carried carry(const Place& place) KX_REQUIRES(mutex_);
+    Result<std::vector<std::byte>> readEntry(const Place& place) KX_REQUIRES(mutex_);
     /// Whether what was in the dropped files may have come to stand elsewhere.
     enum class Dropped : bool { ForGood, ForNewer };
     void publishHead(Dropped dropped) KX_REQUIRES(mutex_);
@@ -103,6 +111,8 @@ class DiskStore {
     [[nodiscard]] bool isWasteful() const KX_REQUIRES(mutex_);
     [[nodiscard]] Result<std::optional<Place>> locate(std::string_view key) KX_REQUIRES(mutex_);
     Result<std::optional<Read>> prepareRead(std::string_view key) KX_REQUIRES(mutex_);
+    Result<std::optional<Read>> readElsewhere(std::string_view key, const Place& place, Error why)
+        KX_REQUIRES(mutex_);
     Result<Value> readValue(std::string_view key, const Read& read);
     void heal(std::string_view key, const Read& read);
 

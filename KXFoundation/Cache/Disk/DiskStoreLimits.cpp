@@ -1,6 +1,7 @@
 #include <algorithm>
 
 #include <KXFoundation/Cache/Disk/DiskStore.h>
+#include <KXFoundation/Platform/Runtime/Log.h>
 
 // How a store keeps its limits: the head of the log moves on, and files that lie before it go.
 
@@ -35,13 +36,10 @@ void DiskStore::holdLimits(std::uint64_t budget) {
             const bool isWanted = !over || place->segment->used[place->slot];
             const bool isAffordable = size <= budget;
             if (!over && !isAffordable) break;
-            if (isWanted && isAffordable && carry(*place)) {
-                budget -= size;
-            } else if (over) {
-                ++evictions_;
-            } else {
-                break;
-            }
+            const Carried carried = isWanted && isAffordable ? carry(*place) : Carried::Refused;
+            if (carried == Carried::Refused && !over) break;
+            if (carried == Carried::Done) budget -= size;
+            if (carried == Carried::Refused) ++evictions_;
         } else if (isTooOld) {
             ++evictions_;
         }
@@ -50,24 +48,44 @@ void DiskStore::holdLimits(std::uint64_t budget) {
     publishHead(Dropped::ForNewer);
 }
 
-/// Writes a live entry once more, at the tail; false if it cannot be read or written.
-bool DiskStore::carry(const Place& place) {
+/// Writes a live entry once more, at the tail. A damaged one is not worth it, and would keep all after it in
+/// the log.
+DiskStore::Carried DiskStore::carry(const Place& place) {
     const Record record = place.record();
+    const auto entry = readEntry(place);
+    if (!entry) {
+        const ErrorKind kind = entry.error().kind;
+        const bool isGone = kind == ErrorKind::Corrupt || kind == ErrorKind::Missing;
+        if (isGone) logError("disk cache, value dropped", entry.error());
+        return isGone ? Carried::Damaged : Carried::Refused;
+    }
+    const auto stored = std::span(*entry).subspan(sizeof(EntryHeader));
+    const std::string_view key(reinterpret_cast<const char*>(stored.data()), record.keySize);
+    const auto done = append(record.form, key, stored.subspan(record.keySize), record.stamp);
+    return done ? Carried::Done : Carried::Refused;
+}
+
+/// The bytes of a live entry; Corrupt if they are not what was written.
+Result<std::vector<std::byte>> DiskStore::readEntry(const Place& place) {
+    const Record& record = place.record();
+    const Error corrupt{ErrorKind::Corrupt, 0, place.segment->file->path()};
     std::vector<std::byte> entry(record.entrySize());
     const auto got = place.segment->file->readAt(record.offset, entry);
-    if (!got || *got != entry.size()) return false;
+    if (!got) return got.error();
+    if (*got != entry.size()) return corrupt;
     const auto header = readStruct<EntryHeader>(entry.data());
     const auto payload = std::span<const std::byte>(entry).subspan(sizeof header + record.keySize);
-    if (header.payloadHash != hashOfContents(payload)) return false;
+    if (header.payloadHash != hashOfContents(payload)) return corrupt;
     const std::string_view key(reinterpret_cast<const char*>(entry.data()) + sizeof header, record.keySize);
-    return hashOfKey(key) == record.keyHash && append(record.form, key, payload, record.stamp).ok();
+    if (hashOfKey(key) != record.keyHash) return corrupt;
+    return entry;
 }
 
 void DiskStore::publishHead(Dropped dropped) {
     const Position head = index_.head();
     if (head > knownHead_) {
         knownHead_ = head;
-        page_->setHead(head);
+        (void)page_->setHead(head);  // a lost page knows nothing of what is dropped
     }
     if (auto emptied = index_.takeEmptied(); !emptied.empty()) removeLater(std::move(emptied), dropped);
 }

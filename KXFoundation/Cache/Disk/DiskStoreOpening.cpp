@@ -18,7 +18,11 @@ std::string headerPathIn(const std::string& folder) {
 }
 
 bool isUnreadable(const Error& error) noexcept {
-    return error.kind == ErrorKind::Corrupt || error.kind == ErrorKind::Ended;
+    return error.kind == ErrorKind::Corrupt || error.kind == ErrorKind::Ended || error.systemError == EISDIR;
+}
+
+bool mayRefuseWritesOnly(const Error& error) noexcept {
+    return error.kind == ErrorKind::Denied || error.kind == ErrorKind::Full;
 }
 
 }  // namespace
@@ -39,9 +43,20 @@ Result<void> DiskStore::open() {
 }
 
 Result<void> DiskStore::openToChange() {
-    leaveIfReplaced();
+    static_cast<void>(leaveIfReplaced(Use::Change));
     whyClosed_ = std::nullopt;
+    return openAndFollow();
+}
+
+Result<void> DiskStore::openAndFollow() {
+    if (auto opened = open(); !opened) return opened;
+    if (const auto ends = page_->ends()) return follow(*ends);
+    leave();
     return open();
+}
+
+Error DiskStore::lostPage() const {
+    return {ErrorKind::Corrupt, 0, headerPathIn(folder_)};
 }
 
 Result<void> DiskStore::openPage() {
@@ -51,7 +66,7 @@ Result<void> DiskStore::openPage() {
     auto page = HeaderPage::open(*files_, path, HeaderPage::Access::ReadWrite);
     if (!page) {
         Error why = std::move(page).error();
-        if (why.kind != ErrorKind::Denied) return why;
+        if (!mayRefuseWritesOnly(why)) return why;
         page = HeaderPage::open(*files_, path, HeaderPage::Access::Read);  // reading may go on all the same
         if (!page) return why;
         logError("disk cache, opened for reading only", why);
@@ -71,8 +86,9 @@ Result<void> DiskStore::load() {
     known_ = knownHead_ = {};
     auto numbers = segmentNumbers();
     if (!numbers) return std::move(numbers).error();
-    const Position tail = page_->tail();
-    const Position head = page_->head();
+    const auto ends = page_->ends();
+    if (!ends) return lostPage();
+    const auto [head, tail] = *ends;
     for (const std::uint32_t number : *numbers) {
         if (number >= head.segment) {
             if (auto done = loadSegment(number, tail); !done) return done;
@@ -88,8 +104,9 @@ Result<void> DiskStore::load() {
         known_ = {last->file->number(), static_cast<std::uint32_t>(last->end)};
     }
     known_ = std::max(known_, tail);
-    if (page_->isWritable() && known_ > tail) page_->setTail(known_);
-    if (page_->isWritable()) publishHead(Dropped::ForGood);
+    if (!page_->isWritable()) return {};
+    if (known_ > tail && !page_->setTail(known_)) return lostPage();
+    publishHead(Dropped::ForGood);
     return {};
 }
 
@@ -152,9 +169,8 @@ Result<void> DiskStore::mendLast(bool isDamaged) {
 }
 
 /// Reads what other processes have appended, and drops what they have dropped.
-Result<void> DiskStore::replay() {
-    const Position tail = page_->tail();
-    const Position head = page_->head();
+Result<void> DiskStore::replay(const HeaderPage::Ends& ends) {
+    const auto [head, tail] = ends;
     const std::uint32_t first = std::max({known_.segment, head.segment, std::uint32_t{1}});
     using Numbers = std::vector<std::uint32_t>;
     auto numbers = first < tail.segment ? segmentNumbers() : Result<Numbers>(Numbers{tail.segment});
@@ -195,17 +211,30 @@ Result<void> DiskStore::replaySegment(std::uint32_t number, Position tail) {
     return {};
 }
 
-/// Somebody may have deleted the folder, or put another in its place.
-void DiskStore::leaveIfReplaced() {
-    const auto now = clock_->now();
-    if (!page_ || now < lookAgainAt_) return;
-    lookAgainAt_ = now + kLookAgainAfter;
-    const auto info = files_->info(headerPathIn(folder_));
-    const bool isSame = info ? info->identity == page_->identity() : info.error().kind != ErrorKind::Missing;
-    if (isSame && page_->isWritable()) return;
+/// What is not synced stays known: its segments may be there still.
+void DiskStore::leave() {
     page_ = nullptr;
     index_.clear();
-    unsynced_.clear();
+}
+
+/// Somebody may have deleted the folder, or put another in its place; and what could be opened for reading
+/// only may be writable by now. Looks once a second at most, and answers whether it has left.
+bool DiskStore::leaveIfReplaced(Use use) {
+    const auto now = clock_->now();
+    if (!page_ || now < lookAgainAt_) return false;
+    const bool leavesReadOnly = use == Use::Change;
+    if (leavesReadOnly || page_->isWritable()) lookAgainAt_ = now + kLookAgainAfter;
+    if (!isReplaced() && (page_->isWritable() || !leavesReadOnly)) return false;
+    leave();
+    return true;
+}
+
+bool DiskStore::isReplaced() {
+    const auto isGone = [](const auto& info) { return !info && info.error().kind == ErrorKind::Missing; };
+    const auto header = files_->info(headerPathIn(folder_));
+    if (header ? header->identity != page_->identity() : isGone(header)) return true;
+    const Segment* const last = index_.last();  // what is written to a deleted file is lost
+    return last && isGone(files_->info(last->file->path()));
 }
 
 }  // namespace kx::disk

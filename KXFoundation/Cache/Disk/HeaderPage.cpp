@@ -56,6 +56,22 @@ Result<void> makePage(File& file, const Fields& found, const Fields& fresh, std:
 
 }  // namespace
 
+/// The head first: it never passes a tail that is read after it. The magic last: where that is there, what
+/// was read before was the file's.
+std::optional<HeaderPage::Ends> HeaderPage::ends() const noexcept {
+    Fields fields = {};
+    fields.head = load(kHead);
+    fields.tail = load(kTail);
+    fields.magic = load(kMagicWord);
+    if (!isPage(fields, kMagic)) return std::nullopt;
+    return Ends{Position::unpacked(fields.head), Position::unpacked(fields.tail)};
+}
+
+bool HeaderPage::store(std::size_t offset, std::uint64_t value) noexcept {
+    std::atomic_ref(word(offset)).store(value, std::memory_order_release);
+    return load(kMagicWord) == kMagic;
+}
+
 Result<std::unique_ptr<HeaderPage>> HeaderPage::open(FileSystem& files, const std::string& path,
                                                      Access access) {
     const bool writes = access == Access::ReadWrite;

@@ -3,16 +3,19 @@
 #include <atomic>
 #include <cstdint>
 #include <memory>
+#include <optional>
 #include <string>
 
 #include <KXFoundation/Cache/Disk/DiskFormat.h>
 #include <KXFoundation/Platform/Runtime/FileSystem.h>
+#include <KXFoundation/Platform/Runtime/GuardedRead.h>
 
 namespace kx::disk {
 
 /// The page that the processes of a folder share: where the log begins and ends, and the lock under which
 /// that changes. A process that finds the tail moved has entries to read. Never synced: after a power cut the
-/// segments say more. Private to Cache.
+/// segments say more. Somebody may cut the file short or write over it at any time: then this page is lost,
+/// and is to be opened anew. Private to Cache.
 class HeaderPage {
   public:
     enum class Access : bool { Read, ReadWrite };
@@ -28,15 +31,20 @@ class HeaderPage {
     [[nodiscard]] Result<void> lock() { return file_->lock(File::Lock::Exclusive); }
     void unlock() { file_->unlock(); }
 
-    [[nodiscard]] Position head() const noexcept { return Position::unpacked(load(kHead)); }
-    [[nodiscard]] Position tail() const noexcept { return Position::unpacked(load(kTail)); }
-    void setHead(Position position) noexcept { store(kHead, position.packed()); }
+    /// Where the log begins and ends.
+    struct Ends {
+        Position head, tail;
+    };
+    /// Absent if the page is lost.
+    [[nodiscard]] std::optional<Ends> ends() const noexcept;
+    // False if the page is lost.
+    [[nodiscard]] bool setHead(Position position) noexcept { return store(kHead, position.packed()); }
     /// Everything before the position is in the segments when this is called.
-    void setTail(Position position) noexcept { store(kTail, position.packed()); }
+    [[nodiscard]] bool setTail(Position position) noexcept { return store(kTail, position.packed()); }
 
   private:
     static constexpr std::size_t kSize = 4096;
-    static constexpr std::size_t kHead = 8, kTail = 16;
+    static constexpr std::size_t kMagicWord = 0, kHead = 8, kTail = 16;
     static constexpr std::uint64_t kMagic = 0x0131'4448'5358'4B00;  // "\0KXSHD1\1"
 
     HeaderPage(std::unique_ptr<File> file, std::unique_ptr<FileMapping> page, std::uint64_t identity,
@@ -48,12 +56,11 @@ class HeaderPage {
     [[nodiscard]] std::uint64_t load(std::size_t offset) const noexcept {
         return std::atomic_ref(word(offset)).load(std::memory_order_acquire);
     }
-    void store(std::size_t offset, std::uint64_t value) noexcept {
-        std::atomic_ref(word(offset)).store(value, std::memory_order_release);
-    }
+    [[nodiscard]] bool store(std::size_t offset, std::uint64_t value) noexcept;
 
     const std::unique_ptr<File> file_;
     const std::unique_ptr<FileMapping> page_;
+    const GuardedPages guard_{page_->bytes()};
     const std::uint64_t identity_;
     const bool isWritable_;
 };

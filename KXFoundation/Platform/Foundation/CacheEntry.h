@@ -12,8 +12,8 @@ namespace kx {
 
 /// One value of an NSCache with its key behind it, in one allocation. Private to Foundation.
 ///
-/// What a reader without a lock touches does not change after the entry is linked, but for `next` and the
-/// visited bit; the rest belongs to the shard's lock.
+/// What a reader without a lock touches does not change after the entry is linked, but for the visited bit;
+/// the rest belongs to the shard's lock.
 struct CacheEntry {
     struct Facts {
         std::uint64_t hash;
@@ -36,10 +36,9 @@ struct CacheEntry {
     const std::uint64_t cost;
     CacheEntry* older = nullptr;  // the order of their coming; after unlinking: the next one to destroy
     CacheEntry* newer = nullptr;
-
-    // What a hit looks at, beside the key.
-    std::atomic<CacheEntry*> next{nullptr};  // in the bucket
     const std::uint64_t hash;
+
+    // What a hit looks at, beside the key that follows.
     const Value value;
     const std::uint32_t keySize;
     std::atomic<bool> visited{false};

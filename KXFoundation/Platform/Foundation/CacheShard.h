@@ -10,7 +10,7 @@
 #include <vector>
 
 #include <KXFoundation/Platform/Foundation/CacheEntry.h>
-#include <KXFoundation/Platform/Runtime/Epoch.h>
+#include <KXFoundation/Platform/Foundation/CacheTable.h>
 #include <KXFoundation/Platform/Runtime/Mutex.h>
 
 namespace kx {
@@ -58,8 +58,8 @@ class DiscardedEntries {
 /// A part of an NSCache: a hash table that is read without a lock, and the order in which its entries leave.
 /// Private to Foundation.
 ///
-/// Invariants under the mutex: the chains of the buckets and the list from oldest to newest hold the same
-/// entries; the hand points into the list or nowhere.
+/// Invariants under the mutex: the table and the list from oldest to newest hold the same entries; the hand
+/// points into the list or nowhere.
 ///
 /// The order is SIEVE (Zhang and others, NSDI 2024): a hand walks from the oldest entry to the newest; it
 /// spares a visited one and takes its mark, and evicts the first unvisited one. A hit only sets the mark,
@@ -72,7 +72,9 @@ class alignas(64) CacheShard {
     CacheShard& operator=(const CacheShard&) = delete;
 
     /// The entry of the key, valid as long as the caller's EpochReading; no lock.
-    [[nodiscard]] CacheEntry* find(std::uint64_t hash, std::string_view key) const noexcept;
+    [[nodiscard]] CacheEntry* find(std::uint64_t hash, std::string_view key) const noexcept {
+        return table_.load(std::memory_order_acquire)->find(hash, key);
+    }
     /// When its oldest entry was set; no lock.
     [[nodiscard]] std::chrono::nanoseconds oldestTime() const noexcept {
         return std::chrono::nanoseconds(oldestTime_.load(std::memory_order_relaxed));
@@ -87,7 +89,10 @@ class alignas(64) CacheShard {
     [[nodiscard]] CacheEntry* findLocked(std::uint64_t hash, std::string_view key) const KX_REQUIRES(mutex_) {
         return find(hash, key);
     }
+    /// Adds an entry whose key has none.
     void insert(CacheEntry* entry) KX_REQUIRES(mutex_);
+    /// Puts the entry in the place of one with the same key; readers find the one or the other.
+    void replace(CacheEntry* former, CacheEntry* entry) KX_REQUIRES(mutex_);
     /// Takes the entry out of table and order; readers may still hold it.
     void unlink(CacheEntry* entry) KX_REQUIRES(mutex_);
     /// Unlinks the entry that is to leave next, never `keep`; nullptr if there is no other.
@@ -99,9 +104,9 @@ class alignas(64) CacheShard {
     [[nodiscard]] std::size_t count() const KX_REQUIRES(mutex_) { return count_; }
 
     [[nodiscard]] CacheEntry* oldest() const KX_REQUIRES(mutex_) { return oldest_; }
-    // Around a move of entries to other shards: a reader's miss counts only after it.
-    void beginMoving() noexcept { version_.fetch_add(1, std::memory_order_acq_rel); }
-    void endMoving() noexcept { version_.fetch_add(1, std::memory_order_acq_rel); }
+    /// Hands the entry over; it is found here too until forgetMoved().
+    void move(CacheEntry* entry, CacheShard& to) KX_REQUIRES(mutex_) KX_REQUIRES(to.mutex_);
+    void forgetMoved() KX_REQUIRES(mutex_) { rebuild(count_ + 1); }
 
     /// Puts an unlinked entry aside, so that several share the price of retire().
     void discard(CacheEntry* entry) KX_REQUIRES(mutex_) { discarded_.add(entry); }
@@ -112,16 +117,15 @@ class alignas(64) CacheShard {
     std::uint64_t evictions KX_GUARDED_BY(mutex_) = 0;
 
   private:
-    struct Bucket;
-    struct Buckets;
-    Bucket& bucket(std::uint64_t hash) const noexcept;
-    void grow() KX_REQUIRES(mutex_);
+    [[nodiscard]] CacheTable& table() const noexcept KX_REQUIRES(mutex_) {
+        return *table_.load(std::memory_order_relaxed);
+    }
+    void rebuild(std::size_t room) KX_REQUIRES(mutex_);
     void linkNewest(CacheEntry* entry) KX_REQUIRES(mutex_);
+    void unlinkFromOrder(CacheEntry* entry) KX_REQUIRES(mutex_);
     void prefetchNextVictim() const KX_REQUIRES(mutex_);
-    [[nodiscard]] std::uint64_t version() const noexcept { return version_.load(std::memory_order_acquire); }
 
-    std::atomic<Buckets*> buckets_;
-    std::atomic<std::uint64_t> version_{0};  // odd while entries move
+    std::atomic<CacheTable*> table_;
     std::atomic<std::int64_t> oldestTime_{kNever.count()};
 
     mutable Mutex mutex_;

@@ -13,15 +13,16 @@ namespace kx {
 struct IcuFormatter;
 
 /// Date patterns through ICU, for what DatePattern leaves to it: names, other calendars, fractions. ICU's own
-/// zone rules are never asked (they may be older than the system's): it gets an offset, or local time as if
-/// it were UTC. Any thread, one at a time. Private to Foundation.
+/// zone rules decide nothing (they may be older than the system's): it gets an offset, or local time as if it
+/// were UTC. Any thread, one at a time. Private to Foundation.
 class IcuDateFormat {
   public:
     IcuDateFormat(std::string_view pattern, const std::string& localeIdentifier);
 
-    /// The text for seconds from 1970 in UTC, shown that many seconds east of it. Absent if the pattern is
-    /// none or the module for ICU is missing.
-    [[nodiscard]] std::optional<std::string> format(double utc, std::int32_t offset) const;
+    /// The text for seconds from 1970 in UTC, shown that many seconds east of it, which is what the zone of
+    /// that name has then. Absent if the pattern is none or the module for ICU is missing.
+    [[nodiscard]] std::optional<std::string> format(double utc, std::int32_t offset,
+                                                    const std::string& zone) const;
 
     struct Parsed {
         double seconds;  ///< from 1970, in UTC if the text names its zone, else local

@@ -4,8 +4,12 @@
 namespace kx {
 
 const IcuModule* icuModule() {
-    static const auto module = openModule<IcuModule>("icu");
-    return module ? *module : nullptr;
+    // A plain pointer: objects that outlive main still reach the module.
+    static const IcuModule* const module = [] {
+        const auto opened = openModule<IcuModule>("icu");
+        return opened ? *opened : nullptr;
+    }();
+    return module;
 }
 
 }  // namespace kx

@@ -30,7 +30,7 @@ struct IcuLocale {
 struct IcuFormatter;
 
 struct IcuModule {
-    static constexpr std::uint32_t kVersion = 1;
+    static constexpr std::uint32_t kVersion = 2;
 
     std::uint32_t version;
     /// Unicode's normalization form C of UTF-8. False if there is none to be had. Any thread.
@@ -54,8 +54,11 @@ struct IcuModule {
     /// at a time.
     IcuFormatter* (*open)(const char* pattern, std::int32_t size, const char* locale);
     void (*close)(IcuFormatter* formatter);
-    /// The text for milliseconds from 1970 in UTC, shown that many seconds east of it.
-    bool (*format)(IcuFormatter* formatter, double utc, std::int32_t offset, const IcuText* text);
+    /// The text for milliseconds from 1970 in UTC, shown that many seconds east of it. The zone's name
+    /// ("Europe/Berlin", empty for none) is for the fields that show it; where ICU's own rules for it say
+    /// another offset, the offset itself stands there.
+    bool (*format)(IcuFormatter* formatter, double utc, std::int32_t offset, const char* zone,
+                   const IcuText* text);
     /// The milliseconds from 1970 that the whole text says: in UTC if it names its zone, else local.
     bool (*parse)(IcuFormatter* formatter, const char* text, std::int32_t size, double* milliseconds);
 };

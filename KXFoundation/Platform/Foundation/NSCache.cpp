@@ -150,12 +150,13 @@ void NSCache::setObject(Value object, std::string_view key, std::uint64_t cost) 
         CacheShard& shard = *locked;
         const auto replace = [&]() KX_THREAD_ANNOTATION(no_thread_safety_analysis) {
             CacheEntry* const former = shard.findLocked(hash, key);
-            shard.insert(entry);  // before the former one goes, so that a reader always finds one
             Change change{1, cost};
             if (former) {
-                shard.unlink(former);
+                shard.replace(former, entry);
                 change = Change(0, cost - former->cost);
                 shard.discard(former);
+            } else {
+                shard.insert(entry);
             }
             discarded = makeRoom(shard, entry, change);
             isLarge = shard.count() > kSplitAt;
@@ -245,17 +246,14 @@ void NSCache::split() KX_THREAD_ANNOTATION(no_thread_safety_analysis) {
     for (CacheShard& shard : shards_) shard.mutex().lock();
     CacheShard& first = shards_[0];
     if (shardMask_.load(std::memory_order_relaxed) == 0) {
-        first.beginMoving();
         CacheEntry* newer = nullptr;
         for (CacheEntry* entry = first.oldest(); entry; entry = newer) {
             newer = entry->newer;
             CacheShard& target = shards_[(entry->hash >> 60) & (kShards - 1)];
-            if (&target == &first) continue;
-            first.unlink(entry);
-            target.insert(entry);
+            if (&target != &first) first.move(entry, target);
         }
         shardMask_.store(kShards - 1, std::memory_order_release);
-        first.endMoving();
+        first.forgetMoved();  // a reader that misses one now sees that the mask has changed
     }
     for (std::size_t i = 0; i < kShards; ++i) tables[i] = shards_[i].takeDiscarded();
     for (CacheShard& shard : shards_) shard.mutex().unlock();

@@ -120,6 +120,15 @@ NSDateComponents NSCalendar::components(NSCalendarUnit units, const std::optiona
 }
 
 /// With one minimum day, a week belongs to the year of its last day.
+std::int64_t NSCalendar::weekYearOf(std::int64_t day) const noexcept {
+    return civilFromDays(day - columnOf(day) + 6).year;
+}
+
+std::int64_t NSCalendar::weekYearStart(std::int64_t year) const noexcept {
+    const std::int64_t yearStart = daysFromCivil(year, 1, 1);
+    return yearStart - columnOf(yearStart);
+}
+
 void NSCalendar::addWeekFields(NSDateComponents& fields, NSCalendarUnit units,
                                std::int64_t day) const noexcept {
     const std::int64_t lastOfWeek = day - columnOf(day) + 6;

@@ -69,9 +69,10 @@ class KX_EXPORT NSCalendar : public Subclass<NSCalendar, NSObject> {
     [[nodiscard]] std::optional<NSDate> dateFromComponents(
         const std::optional<NSDateComponents>& components) const;
 
-    /// Adds years and months first, on a day that exists (31 March less one month is the last of February),
-    /// then weeks and days, all at the same time of day; then hours and less as they pass. A step back from
-    /// after a skipped day leads before it.
+    /// Adds years and months first, on a day that exists (31 March less one month is the last of February);
+    /// then years of weeks, which keep the week's number (week 53 becomes the last one of a shorter year) and
+    /// the weekday; then weeks and days, all at the same time of day; then hours and less as they pass. A
+    /// step back from after a skipped day leads before it.
     [[nodiscard]] std::optional<NSDate> dateByAddingComponents(const NSDateComponents& components,
                                                                const std::optional<NSDate>& date) const;
     /// None for what is not one unit.
@@ -111,6 +112,11 @@ class KX_EXPORT NSCalendar : public Subclass<NSCalendar, NSObject> {
   private:
     [[nodiscard]] std::optional<std::int64_t> localSeconds(const std::optional<NSDate>& date) const noexcept;
     [[nodiscard]] std::int64_t columnOf(std::int64_t day) const noexcept;
+    [[nodiscard]] std::int64_t weekYearOf(std::int64_t day) const noexcept;
+    [[nodiscard]] std::int64_t weekYearStart(std::int64_t year) const noexcept;
+    [[nodiscard]] std::int64_t daysInWeekYears(std::int64_t day, std::int64_t years) const noexcept;
+    [[nodiscard]] std::int64_t unitsBetween(NSCalendarUnit unit, std::int64_t from,
+                                            std::int64_t to) const noexcept;
     void addWeekFields(NSDateComponents& fields, NSCalendarUnit units, std::int64_t day) const noexcept;
     struct Days {
         std::int64_t first, next;

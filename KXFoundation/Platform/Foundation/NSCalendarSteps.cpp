@@ -20,13 +20,14 @@ constexpr std::int64_t kMostDays = 2 * kLastSecond / kSecondsPerDay;
 /// What adding a record of fields means.
 struct Step {
     std::int64_t months = 0;
+    std::int64_t weekYears = 0;
     std::int64_t days = 0;
     std::int64_t seconds = 0;
     double fraction = 0;
 };
 
 std::int64_t monthsIn(NSCalendarUnit unit) noexcept {
-    if (unit == NSCalendarUnitYear || unit == NSCalendarUnitYearForWeekOfYear) return 12;
+    if (unit == NSCalendarUnitYear) return 12;
     return unit == NSCalendarUnitMonth ? 1 : 0;
 }
 
@@ -55,12 +56,14 @@ std::optional<Step> stepOf(const NSDateComponents& fields) noexcept {
         if (value == NSDateComponentUndefined) continue;
         if (value < -kLongestStep || value > kLongestStep) return std::nullopt;
         step.months += value * monthsIn(unit);
+        if (unit == NSCalendarUnitYearForWeekOfYear) step.weekYears = value;
         step.days += value * daysIn(unit);
         step.seconds += value * secondsIn(unit);
     }
     if (fields.nanosecond() != NSDateComponentUndefined)
         step.fraction = static_cast<double>(fields.nanosecond()) * 1e-9;
-    const bool isInside = std::abs(step.months) <= kMostMonths && std::abs(step.days) <= kMostDays;
+    const bool isInside = std::abs(step.months) <= kMostMonths && std::abs(step.weekYears) <= 2 * kLastYear &&
+                          std::abs(step.days) <= kMostDays;
     return isInside ? std::optional(step) : std::nullopt;
 }
 
@@ -78,23 +81,40 @@ std::int64_t movedLocally(std::int64_t local, std::int64_t months, std::int64_t 
     return (addMonths(start.day, months) + days) * kSecondsPerDay + start.second;
 }
 
+/// A count of units by their names, less one if the last of them is not over.
+std::int64_t wholeOnes(std::int64_t count, std::int64_t reached, std::int64_t to) noexcept {
+    if (count > 0 && reached > to) return count - 1;
+    return count < 0 && reached < to ? count + 1 : count;
+}
+
 /// Whole months from one local time to another.
 std::int64_t monthsBetween(std::int64_t from, std::int64_t to) noexcept {
     const CivilDate first = civilFromDays(DayAndSecond(from).day);
     const CivilDate last = civilFromDays(DayAndSecond(to).day);
     const std::int64_t months = (last.year - first.year) * 12 + last.month - first.month;
-    const std::int64_t reached = movedLocally(from, months, 0);
-    if (months > 0 && reached > to) return months - 1;
-    return months < 0 && reached < to ? months + 1 : months;
-}
-
-/// Whole years, months, weeks or days from one local time to another.
-std::int64_t unitsBetween(NSCalendarUnit unit, std::int64_t from, std::int64_t to) noexcept {
-    if (const std::int64_t months = monthsIn(unit)) return monthsBetween(from, to) / months;
-    return (to - from) / (daysIn(unit) * kSecondsPerDay);
+    return wholeOnes(months, movedLocally(from, months, 0), to);
 }
 
 }  // namespace
+
+/// The days to the same week and weekday, that many years of weeks later; to the last week of a shorter year.
+std::int64_t NSCalendar::daysInWeekYears(std::int64_t day, std::int64_t years) const noexcept {
+    if (years == 0) return 0;
+    const std::int64_t year = weekYearOf(day), passed = day - weekYearStart(year);
+    const std::int64_t start = weekYearStart(year + years);
+    const std::int64_t lastWeek = weekYearStart(year + years + 1) - start - 7;
+    return start + std::min(passed, lastWeek + passed % 7) - day;
+}
+
+/// Whole years, months, weeks or days from one local time to another.
+std::int64_t NSCalendar::unitsBetween(NSCalendarUnit unit, std::int64_t from,
+                                      std::int64_t to) const noexcept {
+    if (const std::int64_t months = monthsIn(unit)) return monthsBetween(from, to) / months;
+    if (unit != NSCalendarUnitYearForWeekOfYear) return (to - from) / (daysIn(unit) * kSecondsPerDay);
+    const std::int64_t day = DayAndSecond(from).day;
+    const std::int64_t years = weekYearOf(DayAndSecond(to).day) - weekYearOf(day);
+    return wholeOnes(years, movedLocally(from, 0, daysInWeekYears(day, years)), to);
+}
 
 /// The same time of day, months and days away.
 std::int64_t NSCalendar::moved(std::int64_t utc, std::int64_t months, std::int64_t days) const noexcept {
@@ -111,7 +131,12 @@ std::optional<NSDate> NSCalendar::dateByAddingComponents(const NSDateComponents&
     const auto utc = wholeSeconds(date);
     const auto step = stepOf(components);
     if (!utc || !step) return std::nullopt;
-    const std::int64_t whole = moved(*utc, step->months, step->days) - *utc + step->seconds;
+    std::int64_t days = step->days;
+    if (step->weekYears != 0) {
+        const std::int64_t day = DayAndSecond(*utc + zone_->rules().offsetAt(*utc)).day;
+        days += daysInWeekYears(addMonths(day, step->months), step->weekYears);
+    }
+    const std::int64_t whole = moved(*utc, step->months, days) - *utc + step->seconds;
     const NSDate result = date->dateByAddingTimeInterval(static_cast<double>(whole) + step->fraction);
     return wholeSeconds(result) ? std::optional(result) : std::nullopt;
 }
@@ -153,7 +178,8 @@ NSDateComponents NSCalendar::components(NSCalendarUnit units, const std::optiona
         // The wall clock may show less on the later of two dates, where it went back between them.
         if (isForward ? count < 0 : count > 0) count = 0;
         const std::int64_t months = count * monthsIn(unit);
-        const std::int64_t days = count * daysIn(unit);
+        const std::int64_t weekYears = unit == NSCalendarUnitYearForWeekOfYear ? count : 0;
+        const std::int64_t days = count * daysIn(unit) + daysInWeekYears(DayAndSecond(local).day, weekYears);
         local = movedLocally(local, months, days);
         instant = moved(instant, months, days) + count * secondsIn(unit);
         difference.setValueForComponent(count, unit);
@@ -177,12 +203,11 @@ std::optional<NSCalendar::Days> NSCalendar::daysOfUnit(NSCalendarUnit unit, std:
     const std::int64_t week = day - columnOf(day);
     const CivilDate civil = civilFromDays(day);
     const auto yearStart = [](std::int64_t year) { return daysFromCivil(year, 1, 1); };
-    const auto weekYearStart = [&](std::int64_t year) { return yearStart(year) - columnOf(yearStart(year)); };
     switch (unit) {
         case NSCalendarUnitYear:
             return Days{yearStart(civil.year), yearStart(civil.year + 1)};
         case NSCalendarUnitYearForWeekOfYear: {
-            const std::int64_t year = civilFromDays(week + 6).year;
+            const std::int64_t year = weekYearOf(day);
             return Days{weekYearStart(year), weekYearStart(year + 1)};
         }
         case NSCalendarUnitMonth:

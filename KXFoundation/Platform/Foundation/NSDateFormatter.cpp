@@ -110,7 +110,7 @@ std::optional<std::string> NSDateFormatter::stringFromDate(const std::optional<N
     if (pattern_->quick) {
         pattern_->quick->append(text.emplace(), *utc + offset);
     } else {
-        text = pattern_->icu->format(date->timeIntervalSince1970(), offset);
+        text = pattern_->icu->format(date->timeIntervalSince1970(), offset, zone_->name());
     }
     return text;
 }

@@ -66,6 +66,18 @@ std::size_t schemeLength(std::string_view text) {
     return found ? static_cast<std::size_t>(end - text.begin()) : text.npos;
 }
 
+/// RFC 3986, 3.2: behind the user a host, a literal address of which stands in brackets, and a port's digits.
+bool isAuthority(std::string_view text) {
+    text.remove_prefix(text.rfind('@') + 1);
+    const bool isLiteral = text.starts_with('[');
+    const std::size_t end = isLiteral ? text.find(']') : std::min(text.find(':'), text.size());
+    if (end == text.npos || (isLiteral && end == 1)) return false;
+    const std::string_view host = text.substr(isLiteral, end - isLiteral),
+                           port = text.substr(end + isLiteral);
+    return host.find_first_of("[]") == host.npos &&
+           (port.empty() || (port.front() == ':' && std::ranges::all_of(port.substr(1), isDigit)));
+}
+
 }  // namespace
 
 NSURL::NSURL(std::string text) : text_(std::move(text)) {
@@ -94,7 +106,9 @@ NSURL NSURL::fileURLWithPath(std::string_view path) {
 
 std::optional<NSURL> NSURL::URLWithString(std::optional<std::string_view> text) {
     if (!text || !isWellFormed(*text)) return std::nullopt;
-    return NSURL(std::string(*text));
+    NSURL url{std::string(*text)};
+    const bool hasOneFragment = url.fragment().value_or("").find('#') == std::string_view::npos;
+    return hasOneFragment && isAuthority(url.authority()) ? std::optional(std::move(url)) : std::nullopt;
 }
 
 std::string_view NSURL::slice(std::size_t from, std::size_t to) const noexcept {

@@ -17,8 +17,8 @@ class KX_EXPORT NSURL {
     [[nodiscard]] static NSURL fileURLWithPath(std::string_view path);
 
     /// Absent for what RFC 3986 does not allow: an empty text, characters that must be percent-encoded
-    /// (spaces, anything but ASCII), a "%" without two hexadecimal digits; and for an encoded zero byte,
-    /// which no path can hold.
+    /// (spaces, anything but ASCII), a "%" without two hexadecimal digits, a host or port that can be none, a
+    /// second "#"; and for an encoded zero byte, which no path can hold.
     [[nodiscard]] static std::optional<NSURL> URLWithString(std::optional<std::string_view> text);
 
     /// The whole address as it was given, percent-encoding included.

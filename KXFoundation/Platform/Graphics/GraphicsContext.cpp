@@ -63,6 +63,7 @@ struct GraphicsContext::Native {
 
     Native(std::shared_ptr<NSBitmapImageRep> target, double pixelsPerPoint)
         : bitmap(std::move(target)), scale(pixelsPerPoint) {
+        bitmap->addContexts(1);
         cairo_surface_t* surface = surfaceOver(*bitmap);
         cairo = cairo_create(surface);
         cairo_surface_destroy(surface);
@@ -71,6 +72,7 @@ struct GraphicsContext::Native {
     ~Native() {
         while (!saved.empty()) close();
         cairo_destroy(cairo);
+        bitmap->addContexts(-1);
     }
     Native(const Native&) = delete;
     Native& operator=(const Native&) = delete;

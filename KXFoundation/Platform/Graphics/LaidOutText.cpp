@@ -29,6 +29,7 @@ bool isBlank(gunichar letter) {
 /// these, 0.6 s with them.
 std::string withBreaks(const std::string& text) {
     constexpr int kLongestRun = 256;
+    if (text.size() <= kLongestRun) return text;
     std::string broken;
     int run = 0;
     const char* next = nullptr;
@@ -71,7 +72,7 @@ void setFlow(PangoLayout* layout, const TextFlow& flow) {
     if (breaksLines(flow)) {
         pango_layout_set_width(layout, units(std::max(flow.width, 0.0)));
         pango_layout_set_wrap(layout, PANGO_WRAP_WORD_CHAR);
-        breakWithoutHyphens(layout);
+        if (lineLimit(flow) != 1) breakWithoutHyphens(layout);
     }
     if (const std::uint32_t limit = lineLimit(flow)) {
         pango_layout_set_ellipsize(layout, PANGO_ELLIPSIZE_END);

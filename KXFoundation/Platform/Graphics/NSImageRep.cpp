@@ -44,6 +44,16 @@ std::shared_ptr<NSBitmapImageRep> NSBitmapImageRep::bitmapWithSize(NSSize points
     return bitmapWithPixels(cut(points.width), cut(points.height));
 }
 
+std::uint64_t NSBitmapImageRep::changeCount() const noexcept {
+    if (contexts_.load(std::memory_order_acquire) > 0) changes_.fetch_add(1, std::memory_order_relaxed);
+    return changes_.load(std::memory_order_relaxed);
+}
+
+void NSBitmapImageRep::addContexts(int count) noexcept {
+    contexts_.fetch_add(count, std::memory_order_release);
+    changes_.fetch_add(1, std::memory_order_relaxed);
+}
+
 void NSBitmapImageRep::setEncodedData(Value data) noexcept {
     encodedData_ = std::move(data);
     changesWhenDecoded_ = changeCount();

@@ -69,9 +69,9 @@ class KX_EXPORT NSBitmapImageRep : public Subclass<NSBitmapImageRep, NSImageRep>
     /// The pixel of that column and row; 0 outside.
     [[nodiscard]] std::uint32_t pixelAt(std::uint32_t x, std::uint32_t y) const noexcept;
 
-    [[nodiscard]] std::uint64_t changeCount() const noexcept override {
-        return changes_.load(std::memory_order_relaxed);
-    }
+    /// While there is a graphics context on it, another one whenever it is asked: anything may have been
+    /// drawn.
+    [[nodiscard]] std::uint64_t changeCount() const noexcept override;
 
     /// The encoded bytes, in any format that decodeImage reads, that the pixels were read from; null if they
     /// come from elsewhere, or pixels() were taken for writing since. Archives keep these bytes.
@@ -90,6 +90,9 @@ class KX_EXPORT NSBitmapImageRep : public Subclass<NSBitmapImageRep, NSImageRep>
 
     bool init(std::uint32_t wide, std::uint32_t high);
 
+    /// Said by contexts of their beginning (1) and their end (-1).
+    void addContexts(int count) noexcept;
+
   protected:
     NSBitmapImageRep() = default;
 
@@ -100,7 +103,8 @@ class KX_EXPORT NSBitmapImageRep : public Subclass<NSBitmapImageRep, NSImageRep>
     std::uint32_t high_ = 0;
     std::string colorSpaceName_{NSDeviceRGBColorSpace};
     std::unique_ptr<std::uint32_t[]> pixels_;
-    std::atomic<std::uint64_t> changes_{0};  // readers that hold no const bitmap count too
+    mutable std::atomic<std::uint64_t> changes_{0};  // readers that hold no const bitmap count too
+    std::atomic<int> contexts_{0};
     std::uint64_t changesWhenDecoded_ = 0;
     Value encodedData_;
 };

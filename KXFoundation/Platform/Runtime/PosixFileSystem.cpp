@@ -26,6 +26,12 @@ Result<void> done(int answer, const std::string& path) {
     return {};
 }
 
+/// The path for a system call, which ends at the first zero byte: with one inside it would name another file.
+/// No file has the empty name.
+const char* systemPath(const std::string& path) {
+    return path.find('\0') == std::string::npos ? path.c_str() : "";
+}
+
 template <class Call>
 auto untilUninterrupted(Call call) {
     auto answer = call();
@@ -126,14 +132,14 @@ class PosixFileSystem final : public FileSystem {
                 flags |= O_RDWR | O_CREAT | O_EXCL;
                 break;
         }
-        const int descriptor = untilUninterrupted([&] { return ::open(path.c_str(), flags, 0600); });
+        const int descriptor = untilUninterrupted([&] { return ::open(systemPath(path), flags, 0600); });
         if (descriptor < 0) return failed(path);
         return std::unique_ptr<File>(std::make_unique<PosixFile>(descriptor, path));
     }
 
     Result<Info> info(const std::string& path) override {
         struct stat status;
-        if (::stat(path.c_str(), &status) != 0) return failed(path);
+        if (::stat(systemPath(path), &status) != 0) return failed(path);
         const auto kind = S_ISREG(status.st_mode)   ? Info::Kind::File
                           : S_ISDIR(status.st_mode) ? Info::Kind::Directory
                                                     : Info::Kind::Other;
@@ -142,7 +148,7 @@ class PosixFileSystem final : public FileSystem {
     }
 
     Result<std::vector<std::string>> list(const std::string& directory) override {
-        DIR* stream = ::opendir(directory.c_str());
+        DIR* stream = ::opendir(systemPath(directory));
         if (!stream) return failed(directory);
         std::vector<std::string> names;
         // Safe over a stream of one's own.
@@ -155,13 +161,13 @@ class PosixFileSystem final : public FileSystem {
     }
 
     Result<void> rename(const std::string& from, const std::string& to) override {
-        return done(::rename(from.c_str(), to.c_str()), to);
+        return done(::rename(systemPath(from), systemPath(to)), to);
     }
 
-    Result<void> remove(const std::string& path) override { return done(::remove(path.c_str()), path); }
+    Result<void> remove(const std::string& path) override { return done(::remove(systemPath(path)), path); }
 
     Result<void> makeDirectory(const std::string& path) override {
-        if (::mkdir(path.c_str(), 0700) == 0) return {};
+        if (::mkdir(systemPath(path), 0700) == 0) return {};
         if (errno != EEXIST) return failed(path);
         auto found = info(path);
         if (found && found->kind == Info::Kind::Directory) return {};
@@ -169,7 +175,7 @@ class PosixFileSystem final : public FileSystem {
     }
 
     Result<void> syncDirectory(const std::string& path) override {
-        const int descriptor = ::open(path.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC);
+        const int descriptor = ::open(systemPath(path), O_RDONLY | O_DIRECTORY | O_CLOEXEC);
         if (descriptor < 0) return failed(path);
         auto answer = done(::fsync(descriptor), path);
         ::close(descriptor);

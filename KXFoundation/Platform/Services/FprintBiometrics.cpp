@@ -22,20 +22,25 @@ Error failure(DesktopReply reply) {
     }
 }
 
+Result<BiometryType> ask(std::chrono::milliseconds patience) {
+    const auto module = desktopModuleWithin(patience);
+    if (!module) return module.error();
+    bool hasReader = false;
+    const DesktopReply reply = (*module)->biometrics->hasFingerprintReader(
+        systemBusAddress().c_str(), static_cast<std::uint32_t>(patience.count()), &hasReader);
+    if (reply != DesktopReply::Answered) return failure(reply);
+    return hasReader ? BiometryType::Fingerprint : BiometryType::None;
+}
+
 }  // namespace
 
 Result<BiometryType> FprintBiometrics::type(std::chrono::milliseconds patience) {
     const Clock& clock = Clock::slot().current();
     if (clock.now() < silentUntil_.load(std::memory_order_relaxed)) return failure(DesktopReply::TimedOut);
-    const DesktopModule* module = desktopModule();
-    if (!module) return Error{ErrorKind::Unsupported, 0, "fingerprint service"};
-    bool hasReader = false;
-    const DesktopReply reply = module->biometrics->hasFingerprintReader(
-        systemBusAddress().c_str(), static_cast<std::uint32_t>(patience.count()), &hasReader);
-    if (reply == DesktopReply::TimedOut)
+    auto found = ask(patience);
+    if (!found && found.error().kind == ErrorKind::TimedOut)
         silentUntil_.store(clock.now() + kPauseAfterTimeout, std::memory_order_relaxed);
-    if (reply != DesktopReply::Answered) return failure(reply);
-    return hasReader ? BiometryType::Fingerprint : BiometryType::None;
+    return found;
 }
 
 PortSlot<Biometrics>& Biometrics::slot() {

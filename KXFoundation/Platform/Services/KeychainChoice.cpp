@@ -39,11 +39,12 @@ std::string application() {
 Result<std::shared_ptr<SecretServiceKeychain>> secretService(const std::optional<std::string>& busAddress,
                                                              std::chrono::milliseconds timeout) {
     if (!busAddress) return Error{ErrorKind::Missing, 0, "session bus"};
-    const DesktopModule* module = desktopModule();
-    if (!module) return Error{ErrorKind::Unsupported, 0, "desktop module"};
+    auto left = timeout;
+    const auto module = desktopModuleWithin(left);
+    if (!module) return module.error();
     auto service =
-        std::make_shared<SecretServiceKeychain>(*module->secrets, *busAddress, application(), timeout);
-    if (auto answered = service->probe(); !answered) return std::move(answered).error();
+        std::make_shared<SecretServiceKeychain>(*(*module)->secrets, *busAddress, application(), timeout);
+    if (auto answered = service->probe(left); !answered) return std::move(answered).error();
     return service;
 }
 

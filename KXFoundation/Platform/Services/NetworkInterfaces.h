@@ -45,8 +45,8 @@ enum class InterfaceNaming : std::uint8_t {
 
 /// Chooses the naming for the whole process; Roles from the start. Bridges, tunnels and the loopback
 /// interface get neither name: behind a tunnel's default route, "en0" is the real interface that has the next
-/// best one. An interface that has such a name of its own but not the role is then called "literal en0".
-/// Any thread.
+/// best one. An interface that has such a name of its own but not the role is then called "literal en0"; an
+/// address with a label ("eth0:1") goes by its interface's name. Any thread.
 KX_EXPORT void setInterfaceNaming(InterfaceNaming naming) noexcept;
 [[nodiscard]] KX_EXPORT InterfaceNaming interfaceNaming() noexcept;
 

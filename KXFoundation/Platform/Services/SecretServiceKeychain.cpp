@@ -72,8 +72,8 @@ DesktopReply SecretServiceKeychain::reply(Ask ask) {
     return reply;
 }
 
-Result<void> SecretServiceKeychain::probe() {
-    return outcome(secrets_.probe(busAddress_.c_str(), timeoutMilliseconds_));
+Result<void> SecretServiceKeychain::probe(std::chrono::milliseconds patience) {
+    return outcome(secrets_.probe(busAddress_.c_str(), static_cast<std::uint32_t>(patience.count())));
 }
 
 Result<std::string> SecretServiceKeychain::copy(const KeychainItem& item) {

@@ -19,8 +19,9 @@ class KX_EXPORT SecretServiceKeychain final : public KeychainStore {
     SecretServiceKeychain(const DesktopSecrets& secrets, std::string busAddress, std::string application,
                           std::chrono::milliseconds timeout);
 
-    /// Whether the service can keep items.
-    [[nodiscard]] Result<void> probe();
+    /// Whether the service can keep items, and says so in time.
+    [[nodiscard]] Result<void> probe(std::chrono::milliseconds patience);
+    [[nodiscard]] Result<void> probe() { return probe(std::chrono::milliseconds(timeoutMilliseconds_)); }
 
     Result<std::string> copy(const KeychainItem& item) override;
     Result<void> add(const KeychainItem& item, std::string_view data) override;

@@ -4,8 +4,12 @@
 namespace kx {
 
 const SqliteModule* sqliteModule() {
-    static const auto module = openModule<SqliteModule>("sqlite");
-    return module ? *module : nullptr;
+    // A plain pointer: objects that outlive main still reach the module.
+    static const SqliteModule* const module = [] {
+        const auto opened = openModule<SqliteModule>("sqlite");
+        return opened ? *opened : nullptr;
+    }();
+    return module;
 }
 
 }  // namespace kx

@@ -1,4 +1,5 @@
 #include <algorithm>
+#include <cerrno>
 #include <charconv>
 #include <cmath>
 
@@ -52,7 +53,7 @@ Result<std::uint32_t> SysfsTorch::number(const std::string& path) {
     if (!text) return text.error();
     std::uint32_t value = 0;
     if (std::from_chars(text->data(), text->data() + text->size(), value).ec != std::errc())
-        return Error{ErrorKind::Corrupt, 0, path};
+        return Error{ErrorKind::Corrupt, EIO, path};
     return value;
 }
 

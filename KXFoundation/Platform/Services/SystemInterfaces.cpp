@@ -73,8 +73,8 @@ std::string deviceType(FileSystem& files, const std::string& folder) {
 }
 
 bool isTunnelType(std::string_view type) {
-    static constexpr std::string_view kTypes[] = {"bridge", "bareudp", "geneve", "gtp",
-                                                  "macsec", "ppp",     "vxlan",  "wireguard"};
+    static constexpr std::string_view kTypes[] = {"amt",     "bridge", "bareudp", "geneve", "gtp",
+                                                  "l2tpeth", "macsec", "ppp",     "vxlan",  "wireguard"};
     return std::ranges::find(kTypes, type) != std::end(kTypes);
 }
 
@@ -128,6 +128,8 @@ bool SystemInterfaces::isReal(const std::string& interface) const {
     const std::string folder = root_ + "/sys/class/net/" + interface;
     const auto has = [&](const char* name) { return files_->info(folder + name).ok(); };
     if (has("/bridge") || has("/tun_flags") || isTunnelType(deviceType(*files_, folder))) return false;
+    // Neither itself nor another one carries its frames: a tunnel ("gretap1@NONE", as ip-link(8) shows it).
+    if (readSystemLine(*files_, folder + "/iflink") == "0") return false;
     if (has("/device")) return true;
     return readSystemLine(*files_, folder + "/type") == std::to_string(ARPHRD_ETHER);
 }
@@ -150,6 +152,8 @@ std::vector<std::string> SystemInterfaces::routedInterfaces() const {
 }
 
 std::vector<InterfaceAddress> SystemInterfaces::namedByRole(std::vector<InterfaceAddress> list) const {
+    // getifaddrs gives the label of an address where it has one ("eth0:1", ip-address(8)).
+    for (InterfaceAddress& entry : list) entry.name.resize(std::min(entry.name.find(':'), entry.name.size()));
     const auto hasAddress = [&](const std::string& name) {
         return std::ranges::any_of(list, [&](const auto& e) { return e.name == name && e.address; });
     };

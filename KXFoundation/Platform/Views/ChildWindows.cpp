@@ -28,7 +28,7 @@ void NSWindow::addChildWindow(const std::shared_ptr<NSWindow>& given, NSWindowOr
     const auto child = given;  // the argument may live in a list that changes now
     const auto held = self();
     if (isInside(*child)) return callerError(className() + ": a window cannot be put into itself");
-    if (child->isVisible() || child->parent_) child->orderOut();
+    if (child->isVisible() || child->isMiniaturized() || child->parent_) child->orderOut();
     if (child->parent_ || isInside(*child)) return;  // a hook has put it elsewhere, or this one into it
     const bool isAbove = ordered == NSWindowOrderingMode::Above;
     childWindows_.insert(isAbove ? childWindows_.end() : childWindows_.begin(), child);

@@ -39,7 +39,10 @@ bool NSApplication::isMainThread() noexcept {
 }
 
 bool NSApplication::init() {
-    beforeWait_ = EventLoop::main().addBeforeWait([this] { displayIfNeeded(); });
+    beforeWait_ = EventLoop::main().addBeforeWait([this] {
+        wakesLoop_ = false;  // what drawing asks for takes another turn
+        displayIfNeeded();
+    });
     return Super::init();
 }
 
@@ -69,6 +72,20 @@ void NSApplication::focusChanged(const std::shared_ptr<NSWindow>& window, bool f
     makeKey(window);
     NSNotificationCenter::defaultCenter().postNotificationName(NSApplicationWillBecomeActiveNotification,
                                                                self());
+}
+
+/// A loop of the application's own learns from the descriptor that there is something to lay out or draw.
+void NSApplication::wakeLoop() {
+    if (!std::exchange(wakesLoop_, true)) takeTurn();
+}
+
+/// And one more where this one's blocks run after the drawing that asked for it.
+void NSApplication::takeTurn() {
+    const std::weak_ptr<NSApplication> weak = self();
+    EventLoop::main().perform([weak] {
+        const auto application = weak.lock();
+        if (application && application->wakesLoop_) application->takeTurn();
+    });
 }
 
 void NSApplication::displayIfNeeded() {

@@ -47,6 +47,8 @@ class KX_EXPORT NSApplication : public Subclass<NSApplication, NSResponder> {
   private:
     friend class NSWindow;
 
+    void wakeLoop();
+    void takeTurn();
     void bringToFront(const std::shared_ptr<NSWindow>& window);
     void makeKey(const std::shared_ptr<NSWindow>& window);
     void takeAway(const NSWindow& window);
@@ -59,6 +61,7 @@ class KX_EXPORT NSApplication : public Subclass<NSApplication, NSResponder> {
     std::weak_ptr<NSWindow> focusedWindow_;  // the desktop's word
     int beforeWait_ = 0;
     bool running_ = false;
+    bool wakesLoop_ = false;  // the loop was woken and has not displayed since
 };
 
 }  // namespace kx

@@ -8,7 +8,8 @@
 
 namespace kx {
 
-/// Plain mouse events are those of the primary button.
+/// Plain mouse events are those of the primary button, right ones those of the secondary, other ones those of
+/// every further button.
 enum class NSEventType : std::uint8_t {
     MouseDown,
     MouseDragged,
@@ -16,6 +17,8 @@ enum class NSEventType : std::uint8_t {
     MouseMoved,
     RightMouseDown,
     RightMouseUp,
+    OtherMouseDown,
+    OtherMouseUp,
     ScrollWheel,
     KeyDown,
     KeyUp,
@@ -36,6 +39,7 @@ struct NSEvent {
     NSPoint locationInWindow{};  ///< in the content view's coordinates
     NSEventModifierFlags modifierFlags = NSEventModifierFlags::None;
     int clickCount = 0;        ///< 1 for a click, 2 for a double click
+    int buttonNumber = 0;      ///< of mouse buttons: 0 primary, 1 secondary, 2 middle, from 3 on the rest
     bool isARepeat = false;    ///< of KeyDown: the key is held
     std::string characters{};  ///< what the key types; "\r", "\t" and " " for Enter, Tab and Space
     NSPoint scrollingDelta{};  ///< of ScrollWheel: lines, towards the right and towards the top

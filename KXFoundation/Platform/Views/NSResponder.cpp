@@ -25,6 +25,12 @@ void NSResponder::rightMouseDown(const NSEvent& event) {
 void NSResponder::rightMouseUp(const NSEvent& event) {
     passOn(&NSResponder::rightMouseUp, event);
 }
+void NSResponder::otherMouseDown(const NSEvent& event) {
+    passOn(&NSResponder::otherMouseDown, event);
+}
+void NSResponder::otherMouseUp(const NSEvent& event) {
+    passOn(&NSResponder::otherMouseUp, event);
+}
 void NSResponder::scrollWheel(const NSEvent& event) {
     passOn(&NSResponder::scrollWheel, event);
 }

@@ -22,6 +22,8 @@ class KX_EXPORT NSResponder : public Subclass<NSResponder, NSObject> {
     virtual void mouseMoved(const NSEvent& event);
     virtual void rightMouseDown(const NSEvent& event);
     virtual void rightMouseUp(const NSEvent& event);
+    virtual void otherMouseDown(const NSEvent& event);
+    virtual void otherMouseUp(const NSEvent& event);
     virtual void scrollWheel(const NSEvent& event);
     virtual void keyDown(const NSEvent& event);
     virtual void keyUp(const NSEvent& event);

@@ -110,6 +110,13 @@ void NSWindow::didShowOrHide() {
     for (const auto& child : children) child->didShowOrHide();
 }
 
+void NSWindow::setMiniaturized(bool miniaturized) {
+    if (miniaturized == miniaturized_) return;
+    miniaturized_ = miniaturized;
+    if (!miniaturized) setNeedsDisplay(bounds());
+    didShowOrHide();
+}
+
 void NSWindow::makeKeyAndOrderFront() {
     const auto held = self();
     orderFront();
@@ -123,13 +130,14 @@ void NSWindow::orderOut() {
     if (parent_) return detach();
     surface_ = nullptr;
     backing_ = nullptr;
+    miniaturized_ = false;
     NSApplication::sharedApplication()->takeAway(*this);
     didShowOrHide();
 }
 
 bool NSWindow::isVisible() const {
     if (parent_) return parent_->isVisible();
-    return NSApplication::sharedApplication()->shows(*this);
+    return !miniaturized_ && NSApplication::sharedApplication()->shows(*this);
 }
 bool NSWindow::isKeyWindow() const {
     return NSApplication::sharedApplication()->keyWindow().get() == this;
@@ -154,6 +162,7 @@ void NSWindow::surfaceDid(const SurfaceEvent& event) {
                    [&](SurfaceResized) { takeSizeFromSurface(); },
                    [&](SurfaceExposed) { setNeedsDisplay(bounds()); },
                    [&](SurfaceCloseRequested) { close(); },
+                   [&](SurfaceMiniaturized change) { setMiniaturized(change.miniaturized); },
                    [&](SurfaceFocusChanged change) {
                        NSApplication::sharedApplication()->focusChanged(self(), change.focused);
                    },

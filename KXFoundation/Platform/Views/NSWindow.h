@@ -88,7 +88,10 @@ class KX_EXPORT NSWindow : public Subclass<NSWindow, NSResponder> {
     /// Takes the window from the screen or from its parent and, unless somebody else holds it, destroys it.
     void orderOut();
     void close() { orderOut(); }
+    /// Whether it is on the screen, covered or not; one that the desktop has put away (minimised) is not.
     [[nodiscard]] bool isVisible() const;
+    /// Whether the desktop has put it away: it is not drawn meanwhile.
+    [[nodiscard]] bool isMiniaturized() const noexcept { return miniaturized_; }
     [[nodiscard]] NSWindowLevel level() const noexcept { return level_; }
     /// Takes effect when the window is next ordered to the front.
     void setLevel(NSWindowLevel level) noexcept { level_ = level; }
@@ -99,7 +102,7 @@ class KX_EXPORT NSWindow : public Subclass<NSWindow, NSResponder> {
     // Events
 
     /// Finds the view that the event is for and calls it. A drag and its end go to the view that got the
-    /// mouse down, the secondary button and the wheel to the view under the mouse.
+    /// mouse down, the other buttons and the wheel to the view under the mouse.
     virtual void sendEvent(const NSEvent& event);
     /// Where keys go first; the window itself if there is none. A view that has left the window is none.
     [[nodiscard]] std::shared_ptr<NSResponder> firstResponder() const;
@@ -134,6 +137,7 @@ class KX_EXPORT NSWindow : public Subclass<NSWindow, NSResponder> {
 
     [[nodiscard]] NSRect bounds() const noexcept { return {{0, 0}, frame_.size}; }
     void didShowOrHide();
+    void setMiniaturized(bool miniaturized);
     void openSurface();
     void surfaceDid(const SurfaceEvent& event);
     void takeSizeFromSurface();
@@ -174,6 +178,7 @@ class KX_EXPORT NSWindow : public Subclass<NSWindow, NSResponder> {
     NSWindow* parent_ = nullptr;  // cleared by the parent before it dies
     NSPoint originInParent_;
     bool hasOwnFrame_ = false;
+    bool miniaturized_ = false;
     std::vector<std::shared_ptr<NSWindow>> childWindows_;
 
     std::weak_ptr<NSWindow> mouseChild_;  // which child window has the mouse while it is down

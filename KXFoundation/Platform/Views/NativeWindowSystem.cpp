@@ -53,7 +53,7 @@ class NativeSurface final : public WindowSurface {
 
   private:
     void takeSize() { module_.size(window_, &size_.width, &size_.height); }
-    void tookButton(NSEventType primary, NSEventType secondary, const WindowModuleEvent& event);
+    void tookButton(const WindowModuleEvent& event);
     void tookMouse(NSEventType type, const WindowModuleEvent& event);
     void tookWheel(const WindowModuleEvent& event);
     void tookKey(NSEventType type, const WindowModuleEvent& event);
@@ -113,10 +113,18 @@ std::string charactersOf(std::uint32_t key, NSEventType type) {
 
 }  // namespace
 
-void NativeSurface::tookButton(NSEventType primary, NSEventType secondary, const WindowModuleEvent& event) {
-    if (event.button > 1) return;  // no control has a use for the others
-    if (event.button == 0) isPressed_ = primary == NSEventType::MouseDown;
-    tookMouse(event.button == 0 ? primary : secondary, event);
+void NativeSurface::tookButton(const WindowModuleEvent& event) {
+    using enum NSEventType;
+    const bool isDown = event.type == WindowEventType::MouseDown;
+    if (event.button == 0) isPressed_ = isDown;
+    switch (event.button) {
+        case 0:
+            return tookMouse(isDown ? MouseDown : MouseUp, event);
+        case 1:
+            return tookMouse(isDown ? RightMouseDown : RightMouseUp, event);
+        default:
+            return tookMouse(isDown ? OtherMouseDown : OtherMouseUp, event);
+    }
 }
 
 void NativeSurface::tookMouse(NSEventType type, const WindowModuleEvent& event) {
@@ -125,7 +133,8 @@ void NativeSurface::tookMouse(NSEventType type, const WindowModuleEvent& event) 
     handler(NSEvent{.type = type,
                     .locationInWindow = mouse_,
                     .modifierFlags = modifiersOf(event),
-                    .clickCount = static_cast<int>(event.clicks)});
+                    .clickCount = static_cast<int>(event.clicks),
+                    .buttonNumber = static_cast<int>(event.button)});
 }
 
 void NativeSurface::tookWheel(const WindowModuleEvent& event) {
@@ -151,9 +160,8 @@ void NativeSurface::took(const WindowModuleEvent& event) {
     const auto handler = handler_;  // a window closed by its own event takes this surface with it
     switch (event.type) {
         case WindowEventType::MouseDown:
-            return tookButton(NSEventType::MouseDown, NSEventType::RightMouseDown, event);
         case WindowEventType::MouseUp:
-            return tookButton(NSEventType::MouseUp, NSEventType::RightMouseUp, event);
+            return tookButton(event);
         case WindowEventType::MouseMoved:
             return tookMouse(isPressed_ ? NSEventType::MouseDragged : NSEventType::MouseMoved, event);
         case WindowEventType::Wheel:
@@ -172,6 +180,10 @@ void NativeSurface::took(const WindowModuleEvent& event) {
             return handler(SurfaceResized());
         case WindowEventType::Exposed:
             return handler(SurfaceExposed());
+        case WindowEventType::Minimized:
+            return handler(SurfaceMiniaturized{true});
+        case WindowEventType::Restored:
+            return handler(SurfaceMiniaturized{false});
         case WindowEventType::FocusGained:
             return handler(SurfaceFocusChanged{true});
         case WindowEventType::FocusLost:

@@ -1,3 +1,6 @@
+#include <algorithm>
+#include <optional>
+
 #include <KXFoundation/Platform/Graphics/GraphicsContext.h>
 #include <KXFoundation/Platform/Graphics/NSColor.h>
 #include <KXFoundation/Platform/Views/CALayer.h>
@@ -7,12 +10,18 @@
 
 namespace kx {
 
+/// Asked of every view for every rectangle that is drawn; nearly all of them are plain and elsewhere.
+bool ViewDrawing::canMark(const NSView& view, NSRect dirty) {
+    if (!view.frame().intersection(dirty).isEmpty()) return true;
+    if (!view.clipsToBounds() && !view.subviews().empty()) return true;
+    const CALayer* layer = view.layer().get();
+    if (!layer || (layer->shadowOpacity_ <= 0 && !layer->presentation_.moves())) return false;
+    return !view.placedInSuperview(view.ownExtent()).intersection(dirty).isEmpty();
+}
+
 void ViewDrawing::draw(NSView& view, NSRect dirty) {
-    if (!view.isDrawn()) return;
-    const bool marksItsOwnExtentOnly = view.clipsToBounds() || view.subviews().empty();
-    if (marksItsOwnExtentOnly && view.placedInSuperview(view.ownExtent()).intersection(dirty).isEmpty())
-        return;
-    const auto held = view.self();
+    if (!canMark(view, dirty) || !view.isDrawn()) return;
+    const auto held = view.self();  // drawing may run application code that changes the tree
     const GraphicsContext::SavedState state(context_);
     dirty = enter(view, dirty);
     const double opacity = view.shownAlpha();
@@ -55,7 +64,8 @@ void ViewDrawing::drawLayer(const NSView& view, NSRect dirty) {
 void ViewDrawing::drawContent(NSView& view, NSRect dirty) {
     dirty = dirty.intersection(view.bounds());
     if (dirty.isEmpty()) return;
-    const GraphicsContext::SavedState state(context_);
+    std::optional<GraphicsContext::SavedState> state;
+    if (!view.subviews().empty()) state.emplace(context_);  // they are not cut by this clip
     clipToBounds(view);
     view.drawRect(context_, dirty);
 }
@@ -67,8 +77,9 @@ void ViewDrawing::drawSubviews(NSView& view, NSRect dirty) {
         if (dirty.isEmpty()) return;
         clipToBounds(view);
     }
-    const auto subviews = view.subviews();  // drawing may run application code that changes the tree
-    for (const auto& subview : subviews) draw(*subview, dirty);
+    const auto& subviews = view.subviews();
+    const std::size_t count = subviews.size();  // what drawing adds is drawn the next time
+    for (std::size_t i = 0; i < std::min(count, subviews.size()); ++i) draw(*subviews[i], dirty);
 }
 
 /// Rounded where the view cuts what it holds at rounded corners.

@@ -17,6 +17,7 @@ class ViewDrawing {
     void draw(NSView& view, NSRect dirty);
 
   private:
+    [[nodiscard]] static bool canMark(const NSView& view, NSRect dirty);
     [[nodiscard]] NSRect enter(const NSView& view, NSRect dirty);
     void drawLayer(const NSView& view, NSRect dirty);
     void drawContent(NSView& view, NSRect dirty);

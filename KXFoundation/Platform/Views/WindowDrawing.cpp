@@ -4,7 +4,7 @@
 #include <KXFoundation/Platform/Graphics/GraphicsContext.h>
 #include <KXFoundation/Platform/Graphics/NSColor.h>
 #include <KXFoundation/Platform/Graphics/NSImageRep.h>
-#include <KXFoundation/Platform/Runtime/EventLoop.h>
+#include <KXFoundation/Platform/Views/NSApplication.h>
 #include <KXFoundation/Platform/Views/NSView.h>
 #include <KXFoundation/Platform/Views/NSWindow.h>
 #include <KXFoundation/Platform/Views/ViewDrawing.h>
@@ -25,10 +25,9 @@ void NSWindow::setNeedsDisplay(NSRect rect) {
     if (wasEmpty && !invalid_.isEmpty()) wakeLoop();
 }
 
-/// A loop of the application's own learns from the descriptor that there is something to lay out or draw.
 void NSWindow::wakeLoop() const {
     if (parent_) return parent_->wakeLoop();
-    if (surface_) EventLoop::main().perform([] {});
+    if (surface_) NSApplication::sharedApplication()->wakeLoop();
 }
 
 void NSWindow::setAppearance(NSAppearance appearance) {
@@ -39,7 +38,7 @@ void NSWindow::setAppearance(NSAppearance appearance) {
 
 void NSWindow::displayIfNeeded() {
     if (const auto parent = parentWindow()) return parent->displayIfNeeded();
-    if (!surface_) return;
+    if (!surface_ || miniaturized_) return;
     const auto held = self();
     const auto surface = surface_;  // drawing may close the window
     layoutIfNeeded();

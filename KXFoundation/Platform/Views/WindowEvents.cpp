@@ -49,6 +49,10 @@ void NSWindow::sendEvent(const NSEvent& event) {
             return sendUnder(&NSResponder::rightMouseDown, event);
         case NSEventType::RightMouseUp:
             return sendUnder(&NSResponder::rightMouseUp, event);
+        case NSEventType::OtherMouseDown:
+            return sendUnder(&NSResponder::otherMouseDown, event);
+        case NSEventType::OtherMouseUp:
+            return sendUnder(&NSResponder::otherMouseUp, event);
         case NSEventType::ScrollWheel:
             return sendUnder(&NSResponder::scrollWheel, event);
         case NSEventType::KeyDown:

@@ -20,6 +20,8 @@ enum class WindowEventType : std::uint32_t {
     Exposed,  ///< the contents must be presented again
     FocusGained,
     FocusLost,
+    Minimized,  ///< the desktop has put the window away
+    Restored,   ///< it has not, or no longer
     CloseRequested,
     Quit,  ///< the display went away or the session ends
 };
@@ -52,15 +54,16 @@ enum WindowModifier : std::uint32_t {
 
 struct WindowModuleEvent {
     WindowEventType type = WindowEventType::Nothing;
-    std::uint32_t window = 0;      ///< the number that createWindow answered; 0 for Quit
-    double x = 0, y = 0;           ///< points from the window's top left corner; for Wheel the lines, to the right and up
+    std::uint32_t window = 0;  ///< the number that createWindow answered; 0 for Quit
+    /// Points from the window's top left corner; for Wheel the lines, to the right and up.
+    double x = 0, y = 0;
     double width = 0, height = 0;  ///< of Resized
-    std::uint32_t button = 0;      ///< 0 the primary one, 1 the secondary one, 2 the middle one
-    std::uint32_t clicks = 0;      ///< 1, 2, ... of MouseDown and MouseUp
-    std::uint32_t modifiers = 0;   ///< WindowModifier bits
-    std::uint32_t key = 0;         ///< a WindowKey or a code point
-    bool isRepeat = false;         ///< of KeyDown
-    char text[32] = {};            ///< UTF-8, zero-terminated, of Text
+    std::uint32_t button = 0;     ///< 0 the primary one, 1 the secondary one, 2 the middle one, then the rest
+    std::uint32_t clicks = 0;     ///< 1, 2, ... of MouseDown and MouseUp
+    std::uint32_t modifiers = 0;  ///< WindowModifier bits
+    std::uint32_t key = 0;        ///< a WindowKey or a code point
+    bool isRepeat = false;        ///< of KeyDown
+    char text[32] = {};           ///< UTF-8, zero-terminated, of Text
 };
 
 struct WindowModulePixelRect {
@@ -68,7 +71,7 @@ struct WindowModulePixelRect {
 };
 
 struct WindowModule {
-    static constexpr std::uint32_t kVersion = 1;
+    static constexpr std::uint32_t kVersion = 2;
 
     std::uint32_t version;
     /// "x11" or "wayland".
@@ -81,6 +84,7 @@ struct WindowModule {
     /// What it has got, in points, which may be another size than was asked for.
     void (*size)(std::uint32_t window, double* width, double* height);
     void (*setVisible)(std::uint32_t window, bool visible);
+    /// To the front, also one that the desktop has put away.
     void (*raise)(std::uint32_t window);
     /// Pixels to the point.
     double (*scale)(std::uint32_t window);

@@ -21,11 +21,14 @@ class NSBitmapImageRep;
 struct SurfaceResized {};  ///< size or scale are new
 struct SurfaceExposed {};  ///< what was presented is lost
 struct SurfaceCloseRequested {};
+struct SurfaceMiniaturized {
+    bool miniaturized;  ///< the desktop has put the window away, or brings it back
+};
 struct SurfaceFocusChanged {
     bool focused;
 };
-using SurfaceEvent =
-    std::variant<NSEvent, SurfaceResized, SurfaceExposed, SurfaceCloseRequested, SurfaceFocusChanged>;
+using SurfaceEvent = std::variant<NSEvent, SurfaceResized, SurfaceExposed, SurfaceCloseRequested,
+                                  SurfaceMiniaturized, SurfaceFocusChanged>;
 
 /// The port under a native window: where its pixels go and its events come from. The window is destroyed with
 /// its surface. Main thread.

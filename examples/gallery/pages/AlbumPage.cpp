@@ -167,7 +167,8 @@ void AlbumPage::build(Column& column, Gallery& gallery) {
     if (const auto& outcome = state_->outcome)
         column.pair(text("album.outcome"), outcome->empty() ? text("album.done") : *outcome);
     column.pair(text("album.count"), std::to_string(contents.count));
-    column.pair(text("album.folder"), contents.folder.empty() ? text("general.none") : contents.folder);
+    column.pair(text("album.folder"),
+                contents.folder.empty() ? text("general.none") : shownPath(contents.folder));
     column.space(4);
     addTiles(column, contents.album);
 }

@@ -2,16 +2,14 @@
 
 #include <chrono>
 #include <cstdio>
-#include <functional>
-#include <utility>
 #include <vector>
 
 #include <KXFoundation/Platform/Foundation/NSBundle.h>
 #include <KXFoundation/Platform/Graphics/ImageSource.h>
 #include <KXFoundation/Platform/Runtime/DispatchQueue.h>
-#include <KXFoundation/Platform/Views/NSButton.h>
 
 #include "Gallery.h"
+#include "PushButton.h"
 
 namespace gallery {
 
@@ -28,15 +26,6 @@ constexpr struct {
     {"spinner", "animation.spinner"}, {"ball", "animation.ball"},           {"plasma", "animation.plasma"},
     {"rings", "animation.rings"},     {"countdown", "animation.countdown"}, {"large", "animation.large"},
 };
-
-std::shared_ptr<NSButton> button(std::string_view title, bool isChosen, std::function<void()> action) {
-    auto made = make<NSButton>();
-    made->setTitle(title);
-    made->setDefaultButton(isChosen);
-    made->sizeToFit();
-    made->setAction([action = std::move(action)](NSControl&) { action(); });
-    return made;
-}
 
 std::string memoryText() {
     char text[32];
@@ -57,6 +46,7 @@ void showMemory(const std::weak_ptr<NSTextField>& line) {
 }  // namespace
 
 void AnimationPage::build(Column& column, Gallery& gallery) {
+    const std::string held = memoryText();  // before this page's own pictures
     column.title(text("animation.title"));
     column.paragraph(text("animation.explanation"));
     column.space(8);
@@ -71,7 +61,7 @@ void AnimationPage::build(Column& column, Gallery& gallery) {
     addPictures(column);
     column.space(8);
     addControls(column, gallery);
-    const auto memory = column.pair(text("animation.memory"), memoryText());
+    const auto memory = column.pair(text("animation.memory"), held);
     if (playing_) showMemory(memory);
 }
 
@@ -103,11 +93,13 @@ void AnimationPage::addControls(Column& column, Gallery& gallery) {
     };
     const auto restart = [](View& view) { view.seekToFrame(0); };
     const auto speed = [&](const char* title, double factor) {
-        return button(title, speed_ == factor, [=, this, &gallery] { setSpeed(factor, gallery); });
+        auto button = titledButton(title, [=, this, &gallery] { setSpeed(factor, gallery); });
+        button->setDefaultButton(speed_ == factor);
+        return button;
     };
-    column.row({button(text(playing_ ? "animation.pause" : "animation.play"), false, playOrPause),
-                button(text("animation.step"), false, [=, this] { forEach(step); }),
-                button(text("animation.restart"), false, [=, this] { forEach(restart); }), speed("½×", 0.5),
+    column.row({pushButton(playing_ ? "animation.pause" : "animation.play", playOrPause),
+                pushButton("animation.step", [=, this] { forEach(step); }),
+                pushButton("animation.restart", [=, this] { forEach(restart); }), speed("½×", 0.5),
                 speed("1×", 1), speed("2×", 2)});
 }
 

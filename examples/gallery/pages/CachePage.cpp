@@ -87,7 +87,7 @@ void CachePage::build(Column& column, Gallery& gallery) {
     if (!disk) return column.paragraph(text("general.none"));
     addStatistics(column, disk->statistics());
     column.pair(text("cache.bytes"), std::to_string(disk->statistics().bytes));
-    column.paragraph(disk->path().value_or(""));
+    column.paragraph(shownPath(disk->path().value_or("")));
 }
 
 }  // namespace gallery

@@ -62,8 +62,10 @@ void CalendarPage::addMonth(Column& column, Gallery& gallery) {
         cells.push_back(heading(weekday->stringFromDate(day).value_or("")));
     }
     for (std::int64_t i = 0; i < blanks; ++i) cells.push_back(make<NSView>());
-    const Day last = Dates::lastDayInMonth(chosen_);
-    for (Day day = first; day && *day <= *last; day = Dates::nextDay(day)) {
+    // Each day is counted from the first: after a midnight that the clocks skip, day by day would stay later.
+    const std::int64_t days = Dates::totalDaysInMonth(chosen_);
+    for (std::int64_t i = 0; i < days; ++i) {
+        const Day day = Dates::dateByAddingUnit(NSCalendarUnitDay, i, first);
         auto cell = make<NSButton>();
         cell->setTitle(number->stringFromDate(day));
         cell->setDefaultButton(Dates::isDateInSameDayAsDate(day, chosen_));

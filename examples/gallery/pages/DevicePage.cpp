@@ -1,21 +1,17 @@
 #include "pages/DevicePage.h"
 
-#include <algorithm>
-#include <filesystem>
-#include <fstream>
 #include <utility>
-
-#include <sys/utsname.h>
+#include <vector>
 
 #include <KXFoundation/AppEnvironment/KXAppUtils.h>
 #include <KXFoundation/Device/KXDeviceUtils.h>
 #include <KXFoundation/Device/KXNetworkUtils.h>
 #include <KXFoundation/Platform/Foundation/NSError.h>
 #include <KXFoundation/Platform/Runtime/DispatchQueue.h>
-#include <KXFoundation/Platform/Services/Capabilities.h>
 #include <KXFoundation/Platform/Services/NetworkInterfaces.h>
 
 #include "Gallery.h"
+#include "MachineFacts.h"
 #include "PushButton.h"
 
 namespace gallery {
@@ -44,28 +40,13 @@ std::string interfaces() {
     return line.empty() ? text("general.none") : line;
 }
 
-/// That of the first interface that has one.
-std::string hardwareAddress() {
-    std::vector<std::filesystem::path> folders;
-    std::error_code none;
-    for (const auto& entry : std::filesystem::directory_iterator("/sys/class/net", none))
-        folders.push_back(entry.path());
-    std::ranges::sort(folders);
-    for (const auto& folder : folders) {
-        std::string address;
-        std::getline(std::ifstream(folder / "address"), address);
-        const std::int64_t number = KXNetworkUtils::macStringToInteger(address);
-        if (number != 0) return KXNetworkUtils::formatMACInteger(number, ":");
-    }
-    return text("general.none");
-}
-
 void addNetwork(Column& column) {
+    const std::string address = MachineFacts::slot().current().hardwareAddress();
     column.pair(text("device.interfaces"), interfaces());
     column.pair(text("device.address"), orNone(KXNetworkUtils::localIP()));
     column.pair(text("device.netmask"), orNone(KXNetworkUtils::localNetmask()));
     column.pair(text("device.gateway"), orNone(KXNetworkUtils::gatewayIP()));
-    column.pair(text("device.mac"), hardwareAddress());
+    column.pair(text("device.mac"), address.empty() ? text("general.none") : address);
 }
 
 }  // namespace
@@ -81,7 +62,7 @@ DevicePage::~DevicePage() = default;
 
 void DevicePage::ask(Gallery& gallery) {
     DispatchQueue::shared().async([page = std::weak_ptr(answers_), &gallery] {
-        Answers found{KXDeviceUtils::isSupportFaceID(), capabilities()};
+        Answers found{KXDeviceUtils::isSupportFaceID(), MachineFacts::slot().current().capabilities()};
         DispatchQueue::main().async([page, &gallery, found = std::move(found)] {
             const auto answers = page.lock();
             if (!answers) return;
@@ -114,14 +95,13 @@ void DevicePage::addCapabilities(Column& column) {
 
 void DevicePage::build(Column& column, Gallery& gallery) {
     if (answers_->capabilities.empty()) ask(gallery);
-    utsname system{};
-    ::uname(&system);
+    MachineFacts& facts = MachineFacts::slot().current();
     column.title(text("device.title"));
     column.paragraph(text("device.explanation"));
     column.space(8);
     column.pair(text("device.model"), KXDeviceUtils::deviceModel());
-    column.pair(text("device.name"), system.nodename);
-    column.pair(text("device.system"), std::string(system.sysname) + " " + system.release);
+    column.pair(text("device.name"), facts.hostName());
+    column.pair(text("device.system"), facts.system());
     column.pair(text("device.free"), KXAppUtils::getSpaceStringFromByteValue(
                                          static_cast<std::int64_t>(KXDeviceUtils::freeSpace())));
     addNetwork(column);

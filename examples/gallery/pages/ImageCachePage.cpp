@@ -1,10 +1,7 @@
 #include "pages/ImageCachePage.h"
 
 #include <array>
-#include <functional>
-#include <optional>
 #include <string>
-#include <utility>
 #include <vector>
 
 #include <KXFoundation/Cache/KXImageCache.h>
@@ -95,7 +92,7 @@ struct ImageCachePage::State : std::enable_shared_from_this<State> {
     const std::shared_ptr<KXImageCache> cache = openCache();
     using Row = std::array<Found, kMasks.size()>;
     std::array<Row, std::size(kPictures)> found;
-    std::size_t awaited = 0;
+    std::size_t rounds = 0;  // of reading, so far
     bool wasRead = false;
 
     void store() {
@@ -108,23 +105,25 @@ struct ImageCachePage::State : std::enable_shared_from_this<State> {
         for (const Picture& picture : kPictures) cache->removeImageForKey(picture.name);
     }
 
-    /// Every picture from each choice of stores; the page is made anew with the last answer.
+    /// Every picture from each choice of stores, one after the other: what is found on disk is in memory
+    /// after that. The page is made anew with the last answer.
     void read(Gallery& gallery) {
         wasRead = true;
-        for (std::size_t i = 0; i < found.size(); ++i) {
-            for (std::size_t j = 0; j < kMasks.size(); ++j) {
-                ++awaited;
-                cache->getImageForKey(
-                    kPictures[i].name, kMasks[j],
-                    [weak = weak_from_this(), &gallery, i, j](auto image, std::uint64_t source) {
-                        if (const auto alive = weak.lock()) alive->note(i, j, {image, source}, gallery);
-                    });
-            }
-        }
+        ++rounds;
+        readFrom(0, gallery);
     }
-    void note(std::size_t i, std::size_t j, Found answer, Gallery& gallery) {
-        found[i][j] = std::move(answer);
-        if (--awaited == 0) gallery.rebuild();
+    void readFrom(std::size_t cell, Gallery& gallery) {
+        if (cell == found.size() * kMasks.size()) return gallery.rebuild();
+        const std::size_t i = cell / kMasks.size();
+        const std::size_t j = cell % kMasks.size();
+        cache->getImageForKey(kPictures[i].name, kMasks[j],
+                              [=, this, weak = weak_from_this(), round = rounds, &gallery](
+                                  const std::shared_ptr<NSImage>& image, std::uint64_t source) {
+                                  const auto alive = weak.lock();
+                                  if (!alive || round != rounds) return;
+                                  found[i][j] = {image, source};
+                                  readFrom(cell + 1, gallery);
+                              });
     }
 };
 

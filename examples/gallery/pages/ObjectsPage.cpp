@@ -1,6 +1,8 @@
 #include "pages/ObjectsPage.h"
 
+#include <algorithm>
 #include <string>
+#include <vector>
 
 #include <KXFoundation/Platform/Runtime/DispatchQueue.h>
 #include <KXFoundation/Platform/Runtime/Semaphore.h>
@@ -30,6 +32,16 @@ std::uint64_t changeList(KXList& list, const std::string& who) {
         changes += 3;
     }
     return changes;
+}
+
+/// Sorted: which thread's objects came first is another thing each time.
+std::vector<std::string> identifiers(KXList& list) {
+    std::vector<std::string> found;
+    list.enumerateObjectsUsingBlock([&](const KXList::Element& object, std::uint64_t, bool&) {
+        found.push_back(object->id().value_or(""));
+    });
+    std::ranges::sort(found);
+    return found;
 }
 
 }  // namespace
@@ -79,14 +91,14 @@ void ObjectsPage::build(Column& column, Gallery& gallery) {
                 pushButton("button.clear", showingAnew(&ObjectsPage::clear))});
     column.space(12);
 
-    constexpr std::int64_t kShown = 40;
+    constexpr std::size_t kShown = 40;
     std::vector<std::shared_ptr<NSView>> tiles;
-    list_->enumerateObjectsUsingBlock([&](const KXList::Element& object, std::uint64_t index, bool& stop) {
+    for (const std::string& id : identifiers(*list_)) {
         auto tile = make<NSButton>();
-        tile->setTitle(object->id());
+        tile->setTitle(id);
         tiles.push_back(tile);
-        stop = index + 1 == kShown;
-    });
+        if (tiles.size() == kShown) break;
+    }
     auto layout = make<NSCollectionViewFlowLayout>();
     layout->setItemSize({64, 28});
     auto view = make<NSCollectionView>();

@@ -19,6 +19,7 @@ TEST(NSURL, Components) {
         {"https://example.org?q", "https", "example.org", "", "q", {}},
         {"file:///a%20b/%E6%B8%AF.png", "file", "", "/a b/港.png", {}, {}},
         {"h://a/b#c?d", "h", "a", "/b", {}, "c?d"},
+        {"h://u:p@[::1]:80/", "h", "u:p@[::1]:80", "/", {}, {}},
         {"pier.jpg", "", "", "pier.jpg", {}, {}},
         {"a/b:c", "", "", "a/b:c", {}, {}},
         {"1a:b", "", "", "1a:b", {}, {}},
@@ -37,7 +38,9 @@ TEST(NSURL, Components) {
 }
 
 TEST(NSURL, RefusesWhatIsNoAddress) {
-    for (const std::string_view text : {"", "a b", "a%2", "a%zz", "%", "a%00b", "h://港", "a\nb", "<a>"}) {
+    for (const std::string_view text :
+         {"", "a b", "a%2", "a%zz", "%", "a%00b", "h://港", "a\nb", "<a>", "h://a#b#c", "h://a:b/",
+          "h://::1/", "h://[::1/", "h://[]/", "h://[::1]8/", "h://a]/"}) {
         EXPECT_EQ(NSURL::URLWithString(text), std::nullopt) << text;
     }
     EXPECT_EQ(NSURL::URLWithString(std::nullopt), std::nullopt);

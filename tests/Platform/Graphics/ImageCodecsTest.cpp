@@ -227,7 +227,7 @@ TEST(Webp, ReadsBothKindsWithAlphaAndOrientation) {
 }
 
 TEST(Tiff, ComesBackAsItWasWritten) {
-    const auto bitmap = quarters(37, 29, 0x80402010);
+    const auto bitmap = quarters(37, 29, 0x80804010);
     const auto encoded = encodeTiff(*bitmap);
     ASSERT_TRUE(encoded.ok()) << encoded.error().message();
     const auto decoded = decodeImage(*encoded);
@@ -235,6 +235,15 @@ TEST(Tiff, ComesBackAsItWasWritten) {
     ASSERT_EQ((*decoded)->pixels().size(), bitmap->pixels().size());
     for (std::size_t i = 0; i < bitmap->pixels().size(); ++i)
         ASSERT_LE(distance((*decoded)->pixels()[i], bitmap->pixels()[i]), 1) << i;
+
+    Bytes lying = *encoded;  // that its colours, which are straight, are premultiplied
+    const std::byte extraSamples[] = {std::byte{0x52}, std::byte{1}, std::byte{3},
+                                      std::byte{0}};  // 338, words
+    const auto entry =
+        std::search(lying.begin(), lying.end(), std::begin(extraSamples), std::end(extraSamples));
+    ASSERT_NE(entry, lying.end());
+    entry[8] = std::byte{1};
+    expectCorners(decodeImage(lying), {kOpaque[0], kOpaque[1], kOpaque[2], 0x80808020}, "no such colours", 1);
 }
 
 /// A chunk whose check sum is wrong, which nobody sees where it is passed over.
@@ -301,6 +310,7 @@ TEST(ImageDecoder, TakesDamagedFilesOfEveryFormat) {
     const Bytes files[] = {
         *encodeJpeg(*picture, 0.5),
         jpeg(*picture, {"", 3, JCS_RGB, JCS_YCbCr, true, false}),
+        jpeg(*picture, {"", 4, JCS_CMYK, JCS_YCCK, true, true}),
         webp(*picture, true),
         webp(*picture, false),
         *encodeTiff(*picture),

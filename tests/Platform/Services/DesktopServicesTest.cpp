@@ -16,6 +16,7 @@
 #include <KXFoundation/Platform/Services/DesktopOpener.h>
 #include <KXFoundation/Platform/Services/DesktopWorkspace.h>
 #include <KXFoundation/Platform/Services/FprintBiometrics.h>
+#include <KXFoundation/Platform/Services/ScreenReader.h>
 
 #include "support/CapturedLog.h"
 #include "support/ScopedPlatform.h"
@@ -171,11 +172,15 @@ TEST_F(DesktopServicesTest, TheDesktopsProxiesAreAskedFor) {
 }
 
 /// Waits for the desktop's word, which comes on a thread of the module's own; false if it does not.
-bool becomes(const ClockFormatSetting& setting, ClockFormat want) {
+template <class Question>
+bool eventually(Question isSo) {
     const auto latest = std::chrono::steady_clock::now() + kPatience;
-    while (setting.clockFormat() != want && std::chrono::steady_clock::now() < latest)
-        std::this_thread::yield();
-    return setting.clockFormat() == want;
+    while (!isSo() && std::chrono::steady_clock::now() < latest) std::this_thread::yield();
+    return isSo();
+}
+
+bool becomes(const ClockFormatSetting& setting, ClockFormat want) {
+    return eventually([&] { return setting.clockFormat() == want; });
 }
 
 TEST_F(DesktopServicesTest, TheDesktopsClockSettingIsFollowed) {
@@ -196,6 +201,30 @@ TEST_F(DesktopServicesTest, TheDesktopsClockSettingIsFollowed) {
         script_->writeLine(schema + changes[1].substr(0, changes[1].find(' ')) + " never");
         EXPECT_TRUE(becomes(*setting, ClockFormat::Unset)) << desktop;
     }
+}
+
+TEST_F(DesktopServicesTest, TextsAreAnnouncedWhereSomebodyListens) {
+    const testing::CapturedLog log;
+    platform_.bundle().setInfo("CFBundleDisplayName", "Harbour");
+    ScreenReader::makeDefault()->announce("no bus");
+    if (!startBus({})) GTEST_SKIP() << "no message bus can be started here";
+    ScreenReader::makeDefault()->announce("nobody");
+    ASSERT_TRUE(startBus({"accessibility"}));
+    const auto reader = ScreenReader::makeDefault();
+    const std::pair<std::string, std::string> rows[] = {
+        {"Saved \xC3\xBC", "7 Saved \xC3\xBC"},
+        {"a\xFF", "2 a\xEF\xBF\xBD"},
+        {std::string(4095, 'x') + "\xC3\xBC", "4095 " + std::string(40, 'x')},
+    };
+    for (const auto& [text, want] : rows) {
+        reader->announce(text);
+        EXPECT_EQ(script_->readLine(), "application Harbour, 1: " + want);
+    }
+    EXPECT_EQ(log.lines().size(), 0U);
+    ASSERT_TRUE(startBus({"accessibility", "gone"}));
+    const auto unheard = ScreenReader::makeDefault();
+    unheard->announce("nobody at the address");
+    EXPECT_TRUE(eventually([&] { return log.lines().size() == 1; }));
 }
 
 /// The answer of that name.

@@ -157,8 +157,12 @@ TEST_F(PhotoStoreTest, OneFileThatCannotBeTakenKeepsAllOut) {
     EXPECT_FALSE(PhotoStore(std::nullopt, pictures).perform(albumOf("A", {})).ok()) << "no home";
 }
 
-/// Every call of a change fails in turn, or is the last one of all.
-struct PhotoStoreFaultTest : PhotoStoreTest, ::testing::WithParamInterface<Then> {};
+/// Every call of a change fails in turn, or is the last one of all, or of all before the power goes.
+struct Fault {
+    Then then;
+    bool losesPower;
+};
+struct PhotoStoreFaultTest : PhotoStoreTest, ::testing::WithParamInterface<Fault> {};
 
 TEST_P(PhotoStoreFaultTest, AllOfItOrNothing) {
     const std::vector<std::string> paths{picture("a/x.png"), picture("b/x.png")};
@@ -167,10 +171,12 @@ TEST_P(PhotoStoreFaultTest, AllOfItOrNothing) {
         ASSERT_LT(number, 600u) << "no end of calls";
         for (const char* folder : {"data", "Pictures"}) std::filesystem::remove_all(directory / folder);
         ASSERT_TRUE(store().perform(albumOf("before", paths)).ok());
-        files->failCall(number, number % 2 == 0 ? EIO : ENOSPC, GetParam());
+        if (GetParam().losesPower) files->rememberUnsynced();
+        files->failCall(number, number % 2 == 0 ? EIO : ENOSPC, GetParam().then);
         files->resetCounts();
         const bool acknowledged = store().perform(albumOf("new", paths)).ok();
         passed = files->calls() < number;
+        if (GetParam().losesPower) files->dropUnsynced();
         files->heal();
         const auto titles = titlesOfWholeLibrary(2);
         const bool holds = titles.size() > 1;
@@ -184,7 +190,26 @@ TEST_P(PhotoStoreFaultTest, AllOfItOrNothing) {
     EXPECT_THAT(log.lines(), IsEmpty());
 }
 
-INSTANTIATE_TEST_SUITE_P(After, PhotoStoreFaultTest, ::testing::Values(Then::Recovers, Then::StaysBroken));
+INSTANTIATE_TEST_SUITE_P(After, PhotoStoreFaultTest,
+                         ::testing::Values(Fault{Then::Recovers, false}, Fault{Then::StaysBroken, false},
+                                           Fault{Then::StaysBroken, true}));
+
+TEST_F(PhotoStoreTest, TwoProcessesAtOnceLoseNothing) {
+    const std::vector<std::string> paths{picture("a/x.png"), picture("b/x.png")};
+    const auto maker = [&](const char* process) {
+        return [&, process](auto) {
+            PhotoStore store = this->store();
+            bool good = true;
+            for (int i = 0; i < 20; ++i)
+                good = store.perform(albumOf(process + std::to_string(i % 5), paths)).ok() && good;
+            return good;
+        };
+    };
+    ChildProcess first(maker("a")), second(maker("b"));
+    EXPECT_EQ(first.end(), 0);
+    EXPECT_EQ(second.end(), 0);
+    EXPECT_EQ(titlesOfWholeLibrary(2).size(), 40u);
+}
 
 TEST_F(PhotoStoreTest, AFullDiskKeepsWhatWasThere) {
     ASSERT_TRUE(store().perform(albumOf("before", {picture("x.png")})).ok());

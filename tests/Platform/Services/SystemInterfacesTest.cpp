@@ -60,6 +60,8 @@ TEST(SystemInterfaces, RolesComeFromTheRoutesAndTheKindOfInterface) {
     machine.addInterface("tap0", "1", "", "tun_flags");
     machine.addInterface("wg0", "65534", "DEVTYPE=wireguard\n");
     machine.addInterface("vxlan0", "1", "DEVTYPE=vxlan\n");
+    machine.addInterface("gretap1", "1");
+    machine.directory.write("sys/class/net/gretap1/iflink", "0\n");
     machine.addInterface("en0", "1");
     using Names = std::vector<std::string>;
     const std::tuple<const char*, std::string, Names, Names> rows[] = {
@@ -77,8 +79,9 @@ TEST(SystemInterfaces, RolesComeFromTheRoutesAndTheKindOfInterface) {
          {"wg0", "en1", "en0"}},
         {"bridges and tunnels",
          "",
-         {"lo", "virbr0", "tap0", "vxlan0", "wg0", "wwan0"},
-         {"lo", "virbr0", "tap0", "vxlan0", "wg0", "en1"}},
+         {"lo", "virbr0", "tap0", "vxlan0", "wg0", "gretap1", "wwan0"},
+         {"lo", "virbr0", "tap0", "vxlan0", "wg0", "gretap1", "en1"}},
+        {"labels", route("eth0", 0), {"eth0:home", "wlan0:1", "wg0:1"}, {"en0", "en1", "wg0"}},
         {"many addresses",
          route("eth0", 0),
          {"eth0", "eth0", "wlan0", "wlan0"},

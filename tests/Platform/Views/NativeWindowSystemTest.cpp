@@ -88,6 +88,12 @@ class Listener : public Subclass<Listener, NSView> {
   public:
     void rightMouseDown(const NSEvent& event) override { note("right down", event.locationInWindow); }
     void rightMouseUp(const NSEvent& event) override { note("right up", event.locationInWindow); }
+    void otherMouseDown(const NSEvent& event) override {
+        note("other down", {double(event.buttonNumber), event.locationInWindow.y});
+    }
+    void otherMouseUp(const NSEvent& event) override {
+        note("other up", {double(event.buttonNumber), event.locationInWindow.y});
+    }
     void scrollWheel(const NSEvent& event) override {
         note("wheel", event.locationInWindow);
         note("by", event.scrollingDelta);
@@ -120,9 +126,17 @@ TEST_F(NativeWindows, PassesMouseKeysAndSizesToTheWindow) {
     happens({{.type = Exposed, .window = 1}});
     ASSERT_EQ(display.presented.size(), 1U);
     EXPECT_EQ(display.presented[0].width, 120) << "what was lost is shown again";
+
+    display.presented.clear();
+    happens({{.type = Minimized, .window = 1}, {.type = Exposed, .window = 1}});
+    EXPECT_FALSE(window->isVisible());
+    EXPECT_EQ(display.presented.size(), 0U) << "nobody would see it";
+    happens({{.type = Restored, .window = 1}});
+    EXPECT_TRUE(window->isVisible());
+    EXPECT_EQ(display.presented.size(), 1U);
 }
 
-TEST_F(NativeWindows, SecondaryButtonWheelAndCursorKeysPassControlsBy) {
+TEST_F(NativeWindows, OtherButtonsWheelAndCursorKeysPassControlsBy) {
     const auto window = open();
     const auto listener = make<Listener>();
     window->setContentView(listener);
@@ -133,11 +147,13 @@ TEST_F(NativeWindows, SecondaryButtonWheelAndCursorKeysPassControlsBy) {
     happens({{.type = MouseDown, .window = 1, .x = 20, .y = 20, .button = 1},
              {.type = MouseUp, .window = 1, .x = 20, .y = 21, .button = 1},
              {.type = MouseDown, .window = 1, .x = 20, .y = 22, .button = 2},
+             {.type = MouseUp, .window = 1, .x = 20, .y = 23, .button = 4},
              {.type = Wheel, .window = 1, .x = 1, .y = -2},
              {.type = KeyDown, .window = 1, .key = std::uint32_t(WindowKey::Left)},
              {.type = KeyDown, .window = 1, .key = std::uint32_t(WindowKey::PageDown)}});
-    EXPECT_EQ(listener->told, "right down 20,20 right up 20,21 wheel 20,21 by 1,-2 " +
-                                  std::string(NSLeftArrowFunctionKey) + std::string(NSPageDownFunctionKey));
+    EXPECT_EQ(listener->told,
+              "right down 20,20 right up 20,21 other down 2,22 other up 4,23 wheel 20,23 by 1,-2 " +
+                  std::string(NSLeftArrowFunctionKey) + std::string(NSPageDownFunctionKey));
 }
 
 TEST_F(NativeWindows, FocusMakesKeyAndActiveAndTellsOnceEach) {

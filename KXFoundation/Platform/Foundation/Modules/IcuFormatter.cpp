@@ -12,12 +12,39 @@ constexpr UDate kBeforeAllTime =
     -184'303'902'528'000'000.0;              // the first millisecond that ICU's calendars hold
 constexpr UDate k1950 = -631'152'000'000.0;  // milliseconds from 1970
 
+std::unique_ptr<const icu::TimeZone> knownZone(const char* name) {
+    std::unique_ptr<const icu::TimeZone> zone(
+        icu::TimeZone::createTimeZone(icu::UnicodeString::fromUTF8(name)));
+    const bool isKnown = zone && *zone != icu::TimeZone::getUnknown();
+    return isKnown ? std::move(zone) : nullptr;
+}
+
+bool hasOffset(const icu::TimeZone& zone, double utc, std::int32_t offset) {
+    std::int32_t raw = 0, daylight = 0;
+    UErrorCode status = U_ZERO_ERROR;
+    zone.getOffset(utc, false, raw, daylight, status);
+    return U_SUCCESS(status) && raw + daylight == offset * 1000;
+}
+
 }  // namespace
 
 void IcuFormatter::useOffset(std::int32_t wanted) {
-    if (wanted == offset) return;
+    if (!isNamed && wanted == offset) return;
     icu->adoptTimeZone(new icu::SimpleTimeZone(wanted * 1000, icu::UnicodeString()));
     offset = wanted;
+    isNamed = false;
+}
+
+/// ICU's rules may be older than the system's, which a name must not make the time follow.
+void IcuFormatter::useZone(double utc, std::int32_t wanted, const char* zone) {
+    if (zone != name) {
+        useOffset(wanted);
+        name = zone;
+        known = name.empty() ? nullptr : knownZone(zone);
+    }
+    if (!known || !hasOffset(*known, utc, wanted)) return useOffset(wanted);
+    if (!isNamed) icu->setTimeZone(*known);
+    isNamed = true;
 }
 
 IcuFormatter* openFormatter(const char* pattern, std::int32_t size, const char* locale) {
@@ -40,8 +67,9 @@ void closeFormatter(IcuFormatter* formatter) {
     delete formatter;
 }
 
-bool formatDate(IcuFormatter* formatter, double utc, std::int32_t offset, const IcuText* text) {
-    formatter->useOffset(offset);
+bool formatDate(IcuFormatter* formatter, double utc, std::int32_t offset, const char* zone,
+                const IcuText* text) {
+    formatter->useZone(utc, offset, zone);
     icu::UnicodeString written;
     UErrorCode status = U_ZERO_ERROR;
     formatter->icu->format(utc, written, nullptr, status);

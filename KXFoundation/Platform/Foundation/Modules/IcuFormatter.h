@@ -2,6 +2,7 @@
 
 #include <cstdint>
 #include <memory>
+#include <string>
 
 #include <unicode/smpdtfmt.h>
 
@@ -12,14 +13,20 @@ namespace kx {
 
 struct IcuFormatter {
     std::unique_ptr<icu::SimpleDateFormat> icu;
-    std::int32_t offset = 0;  // of its zone
+    // The zone in use: one without a name by its offset, else `known`.
+    std::int32_t offset = 0;
+    bool isNamed = false;
+    std::string name = {};
+    std::unique_ptr<const icu::TimeZone> known = {};  // what ICU has under the name, none for nothing
 
     void useOffset(std::int32_t wanted);
+    void useZone(double utc, std::int32_t wanted, const char* zone);
 };
 
 IcuFormatter* openFormatter(const char* pattern, std::int32_t size, const char* locale);
 void closeFormatter(IcuFormatter* formatter);
-bool formatDate(IcuFormatter* formatter, double utc, std::int32_t offset, const IcuText* text);
+bool formatDate(IcuFormatter* formatter, double utc, std::int32_t offset, const char* zone,
+                const IcuText* text);
 bool parseDate(IcuFormatter* formatter, const char* text, std::int32_t size, double* milliseconds);
 
 }  // namespace kx

@@ -9,7 +9,7 @@
 namespace kx {
 
 /// What the frames of all animations of the process hold: a share of it, given back by its destructor. Beyond
-/// what each file needs to be shown at all, everything is taken within the budget: frames kept whole, and
+/// what each file that is shown needs for that, everything is taken within the budget: frames kept whole, and
 /// streams of their own for several players. Any thread.
 class KX_EXPORT FrameMemory {
   public:

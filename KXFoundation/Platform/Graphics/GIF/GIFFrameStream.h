@@ -4,6 +4,7 @@
 #include <cstdint>
 #include <functional>
 #include <memory>
+#include <optional>
 
 #include <KXFoundation/Platform/Graphics/GIF/FrameMemory.h>
 #include <KXFoundation/Platform/Graphics/GIF/GIFAheadDecoder.h>
@@ -29,7 +30,9 @@ struct GIFFile {
 /// away stays as it is. Any thread; requests are served in the order of their coming, in the background.
 class KX_EXPORT GIFFrameStream {
   public:
-    GIFFrameStream(std::shared_ptr<const GIFFile> file, FrameMemory memory);
+    /// Without a share of the memory it takes one when it is needed, whatever the budget says.
+    explicit GIFFrameStream(std::shared_ptr<const GIFFile> file,
+                            std::optional<FrameMemory> memory = std::nullopt);
     ~GIFFrameStream();
     GIFFrameStream(const GIFFrameStream&) = delete;
     GIFFrameStream& operator=(const GIFFrameStream&) = delete;
@@ -41,10 +44,17 @@ class KX_EXPORT GIFFrameStream {
     /// Calls back in the background.
     void prepare(std::size_t index, std::function<void(Bitmap)> done);
 
+    /// Takes its share of the memory now.
+    void reserve();
+    /// Lets go of all memory, and of the share, when what was asked before is done; the next frame costs as
+    /// any out of order then.
+    void rest();
+
     /// What a stream of the file holds at most, in bytes.
     [[nodiscard]] static std::uint64_t memoryFor(const GIFFile& file) noexcept;
 
   private:
+    struct Work;
     struct State;
     const std::shared_ptr<State> state_;  // with the blocks on the queue
     const std::shared_ptr<DispatchQueue> queue_;

@@ -95,9 +95,12 @@ File open(Stream& stream, const char* mode, tmsize_t largest, Reason& reason) {
     return {file, TIFFClose};
 }
 
-/// libtiff's 0xAABBGGRR.
+/// libtiff's 0xAABBGGRR. What a file says is multiplied by its alpha already comes as it is, colours that
+/// cannot be included.
 std::uint32_t argb(std::uint32_t abgr) {
-    return (abgr & 0xFF00FF00) | (abgr & 0xFF) << 16 | (abgr >> 16 & 0xFF);
+    const std::uint32_t alpha = abgr >> 24;
+    const auto held = [&](int shift) { return std::min(channel(abgr, shift), alpha); };
+    return alpha << 24 | held(0) << 16 | held(8) << 8 | held(16);
 }
 
 bool read(const void* data, std::size_t size, std::uint64_t mostPixels, TiffModule::Allocate allocate,

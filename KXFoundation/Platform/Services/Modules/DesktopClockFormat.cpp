@@ -5,6 +5,7 @@
 
 #include <KXFoundation/Platform/Services/DesktopClockFormat.h>
 
+#include "BusThread.h"
 #include "DesktopPortal.h"
 #include "DesktopServices.h"
 
@@ -37,43 +38,16 @@ class FollowedKey {
     FollowedKey(const char* address, const char* schema, const char* key, DesktopClockFormat::Changed changed,
                 void* context)
         : address_(address), schema_(schema), key_(key), changed_(changed), changedContext_(context) {
-        thread_ = g_thread_new("kx-clock-format", &FollowedKey::run, this);
+        thread_.start("kx-clock-format", [this] { follow(); });
     }
-    ~FollowedKey() {
-        g_cancellable_cancel(cancel_);
-        GSource* const quit = g_idle_source_new();
-        g_source_set_callback(quit, &FollowedKey::quit, loop_, nullptr);
-        g_source_attach(quit, context_);
-        g_source_unref(quit);
-        g_thread_join(thread_);
-        g_object_unref(cancel_);
-        g_main_loop_unref(loop_);
-        g_main_context_unref(context_);
-    }
-    FollowedKey(const FollowedKey&) = delete;
-    FollowedKey& operator=(const FollowedKey&) = delete;
 
   private:
-    static gboolean quit(void* loop) {
-        g_main_loop_quit(static_cast<GMainLoop*>(loop));
-        return G_SOURCE_REMOVE;
-    }
-
-    static void* run(void* self) {
-        static_cast<FollowedKey*>(self)->follow();
-        return nullptr;
-    }
-
     void follow() {
-        g_main_context_push_thread_default(context_);  // signals arrive in our loop
-        {
-            const BusConnection bus = connectToBus(address_, cancel_);
-            const guint subscription = bus ? subscribe(bus.get()) : 0;
-            const Settings settings = bus && askPortal(bus.get()) ? nullptr : openSchema();
-            g_main_loop_run(loop_);
-            if (bus) g_dbus_connection_signal_unsubscribe(bus.get(), subscription);
-        }
-        g_main_context_pop_thread_default(context_);
+        const BusConnection bus = connectToBus(address_, thread_.cancellable());
+        const guint subscription = bus ? subscribe(bus.get()) : 0;
+        const Settings settings = bus && askPortal(bus.get()) ? nullptr : openSchema();
+        thread_.runLoop();
+        if (bus) g_dbus_connection_signal_unsubscribe(bus.get(), subscription);
     }
 
     guint subscribe(GDBusConnection* bus) {
@@ -97,7 +71,7 @@ class FollowedKey {
         const BusValues answer(g_dbus_connection_call_sync(
             bus, kPortal, kPortalPath, kSettings, "Read",
             g_variant_new("(ss)", schema_.c_str(), key_.c_str()), G_VARIANT_TYPE("(v)"),
-            G_DBUS_CALL_FLAGS_NONE, kPatienceMilliseconds, cancel_, nullptr));
+            G_DBUS_CALL_FLAGS_NONE, kPatienceMilliseconds, thread_.cancellable(), nullptr));
         if (answer) tell(BusValues(g_variant_get_child_value(answer.get(), 0)));
         return answer != nullptr;
     }
@@ -124,10 +98,7 @@ class FollowedKey {
     const std::string address_, schema_, key_;
     const DesktopClockFormat::Changed changed_;
     void* const changedContext_;
-    GCancellable* const cancel_ = g_cancellable_new();
-    GMainContext* const context_ = g_main_context_new();
-    GMainLoop* const loop_ = g_main_loop_new(context_, FALSE);
-    GThread* thread_;
+    BusThread thread_;  // joined before anything that it uses goes
 };
 
 void* follow(const char* address, const char* schema, const char* key, DesktopClockFormat::Changed changed,

@@ -9,6 +9,7 @@ namespace {
 
 constexpr DesktopModule kModule{
     .version = DesktopModule::kVersion,
+    .announcer = &kDesktopAnnouncer,
     .biometrics = &kDesktopBiometrics,
     .clockFormat = &kDesktopClockFormat,
     .opener = &kDesktopOpener,

@@ -5,6 +5,7 @@
 /// The tables that the module hands out, each made in the file of its name.
 namespace kx {
 
+extern const DesktopAnnouncer kDesktopAnnouncer;
 extern const DesktopBiometrics kDesktopBiometrics;
 extern const DesktopClockFormat kDesktopClockFormat;
 extern const DesktopOpener kDesktopOpener;

@@ -1,5 +1,7 @@
 // Windows, mouse and keyboard through SDL2. A module: it links SDL and no code of ours.
 
+#include <algorithm>
+#include <cmath>
 #include <cstdio>
 #include <cstring>
 #include <string>
@@ -21,12 +23,53 @@ SDL_Window* find(std::uint32_t window) {
     return SDL_GetWindowFromID(window);
 }
 
+/// Of the display's connection.
+struct DisplayFacts {
+    int descriptor = -1;
+    double unitsPerPoint = 1;  // SDL's units, which are pixels on X11 and points on Wayland
+};
+
+/// X11 itself knows no scale: desktops say in their resources how many dots an inch has, 96 for scale 1. Held
+/// to eighths, at which a line of a point has nearly the same pixels everywhere.
+double scaleOf(Display* display) {
+    const char* dots = XGetDefault(display, "Xft", "dpi");
+    const double scale = dots ? std::round(SDL_atof(dots) / 96 * 8) / 8 : 1;
+    return std::isfinite(scale) ? std::clamp(scale, 1.0, 4.0) : 1;
+}
+
+DisplayFacts askDisplay() {
+    // Any window of ours knows the display; a hidden one serves before the first is made.
+    SDL_Window* probe = SDL_CreateWindow("", 0, 0, 1, 1, SDL_WINDOW_HIDDEN);
+    SDL_SysWMinfo info;
+    SDL_VERSION(&info.version);
+    DisplayFacts facts;
+    if (probe && SDL_GetWindowWMInfo(probe, &info)) {
+        if (info.subsystem == SDL_SYSWM_X11)
+            facts = {XConnectionNumber(info.info.x11.display), scaleOf(info.info.x11.display)};
+        if (info.subsystem == SDL_SYSWM_WAYLAND) facts.descriptor = wl_display_get_fd(info.info.wl.display);
+    }
+    if (probe) SDL_DestroyWindow(probe);
+    return facts;
+}
+
+const DisplayFacts& displayFacts() {
+    static const DisplayFacts facts = askDisplay();
+    return facts;
+}
+
+double points(double units) {
+    return units / displayFacts().unitsPerPoint;
+}
+int units(double points) {
+    return static_cast<int>(std::lround(points * displayFacts().unitsPerPoint));
+}
+
 double scaleOf(SDL_Window* window) {
-    int points = 0;
+    int wide = 0;
     int pixels = 0;
-    SDL_GetWindowSize(window, &points, nullptr);
+    SDL_GetWindowSize(window, &wide, nullptr);
     SDL_GetWindowSizeInPixels(window, &pixels, nullptr);
-    return points > 0 && pixels > 0 ? static_cast<double>(pixels) / points : 1;
+    return wide > 0 && pixels > 0 ? pixels / points(wide) : 1;
 }
 
 std::uint32_t modifiersOf(int mod) {
@@ -64,9 +107,14 @@ std::uint32_t buttonOf(std::uint8_t button) {
             return 1;
         case SDL_BUTTON_MIDDLE:
             return 2;
-        default:
-            return button;
+        default:  // counted from 1 there
+            return button - 1U;
     }
+}
+
+/// Which of several events tells of it depends on the window manager; all of them change these.
+bool isPutAway(std::uint32_t window) {
+    return (SDL_GetWindowFlags(find(window)) & (SDL_WINDOW_MINIMIZED | SDL_WINDOW_HIDDEN)) != 0;
 }
 
 void translateWindowEvent(const SDL_WindowEvent& from, WindowModuleEvent& to) {
@@ -74,8 +122,8 @@ void translateWindowEvent(const SDL_WindowEvent& from, WindowModuleEvent& to) {
     switch (from.event) {
         case SDL_WINDOWEVENT_SIZE_CHANGED:
             to.type = WindowEventType::Resized;
-            to.width = from.data1;
-            to.height = from.data2;
+            to.width = points(from.data1);
+            to.height = points(from.data2);
             break;
         case SDL_WINDOWEVENT_EXPOSED:
             to.type = WindowEventType::Exposed;
@@ -85,6 +133,13 @@ void translateWindowEvent(const SDL_WindowEvent& from, WindowModuleEvent& to) {
             break;
         case SDL_WINDOWEVENT_FOCUS_LOST:
             to.type = WindowEventType::FocusLost;
+            break;
+        case SDL_WINDOWEVENT_SHOWN:
+        case SDL_WINDOWEVENT_HIDDEN:
+        case SDL_WINDOWEVENT_MINIMIZED:
+        case SDL_WINDOWEVENT_MAXIMIZED:
+        case SDL_WINDOWEVENT_RESTORED:
+            to.type = isPutAway(from.windowID) ? WindowEventType::Minimized : WindowEventType::Restored;
             break;
         case SDL_WINDOWEVENT_LEAVE:
             to.type = WindowEventType::MouseLeft;
@@ -100,8 +155,8 @@ void translateWindowEvent(const SDL_WindowEvent& from, WindowModuleEvent& to) {
 void translateButton(const SDL_MouseButtonEvent& from, WindowModuleEvent& to) {
     to.type = from.type == SDL_MOUSEBUTTONDOWN ? WindowEventType::MouseDown : WindowEventType::MouseUp;
     to.window = from.windowID;
-    to.x = from.x;
-    to.y = from.y;
+    to.x = points(from.x);
+    to.y = points(from.y);
     to.button = buttonOf(from.button);
     to.clicks = from.clicks;
     to.modifiers = modifiersOf(SDL_GetModState());
@@ -129,8 +184,8 @@ bool translate(const SDL_Event& from, WindowModuleEvent& to) {
         case SDL_MOUSEMOTION:
             to.type = WindowEventType::MouseMoved;
             to.window = from.motion.windowID;
-            to.x = from.motion.x;
-            to.y = from.motion.y;
+            to.x = points(from.motion.x);
+            to.y = points(from.motion.y);
             to.modifiers = modifiersOf(SDL_GetModState());
             break;
         case SDL_MOUSEWHEEL:
@@ -158,23 +213,6 @@ bool translate(const SDL_Event& from, WindowModuleEvent& to) {
     return to.type != WindowEventType::Nothing;
 }
 
-int displayDescriptor() {
-    // Any window of ours knows the display; a hidden one serves before the first is made.
-    static const int descriptor = [] {
-        SDL_Window* probe = SDL_CreateWindow("", 0, 0, 1, 1, SDL_WINDOW_HIDDEN);
-        SDL_SysWMinfo info;
-        SDL_VERSION(&info.version);
-        int found = -1;
-        if (probe && SDL_GetWindowWMInfo(probe, &info)) {
-            if (info.subsystem == SDL_SYSWM_X11) found = XConnectionNumber(info.info.x11.display);
-            if (info.subsystem == SDL_SYSWM_WAYLAND) found = wl_display_get_fd(info.info.wl.display);
-        }
-        if (probe) SDL_DestroyWindow(probe);
-        return found;
-    }();
-    return descriptor;
-}
-
 bool present(std::uint32_t id, const void* pixels, std::int32_t width, std::int32_t height,
              std::int32_t stride, const WindowModulePixelRect* rects, std::int32_t count) {
     SDL_Window* window = find(id);
@@ -199,30 +237,32 @@ const WindowModule kTable{
     .driver = [] { return SDL_GetCurrentVideoDriver(); },
     .createWindow = [](const char* title, double width, double height) -> std::uint32_t {
         SDL_Window* window =
-            SDL_CreateWindow(title, SDL_WINDOWPOS_CENTERED, SDL_WINDOWPOS_CENTERED, static_cast<int>(width),
-                             static_cast<int>(height), SDL_WINDOW_RESIZABLE | SDL_WINDOW_ALLOW_HIGHDPI);
+            SDL_CreateWindow(title, SDL_WINDOWPOS_CENTERED, SDL_WINDOWPOS_CENTERED, units(width),
+                             units(height), SDL_WINDOW_RESIZABLE | SDL_WINDOW_ALLOW_HIGHDPI);
         return window ? SDL_GetWindowID(window) : 0;
     },
     .destroyWindow = [](std::uint32_t id) { SDL_DestroyWindow(find(id)); },
     .setTitle = [](std::uint32_t id, const char* title) { SDL_SetWindowTitle(find(id), title); },
-    .setSize =
-        [](std::uint32_t id, double width, double height) {
-            SDL_SetWindowSize(find(id), static_cast<int>(width), static_cast<int>(height));
-        },
+    .setSize = [](std::uint32_t id, double width,
+                  double height) { SDL_SetWindowSize(find(id), units(width), units(height)); },
     .size =
         [](std::uint32_t id, double* width, double* height) {
             int wide = 0;
             int high = 0;
             SDL_GetWindowSize(find(id), &wide, &high);
-            *width = wide;
-            *height = high;
+            *width = points(wide);
+            *height = points(high);
         },
     .setVisible = [](std::uint32_t id,
                      bool visible) { visible ? SDL_ShowWindow(find(id)) : SDL_HideWindow(find(id)); },
-    .raise = [](std::uint32_t id) { SDL_RaiseWindow(find(id)); },
+    .raise =
+        [](std::uint32_t id) {
+            if (isPutAway(id)) SDL_RestoreWindow(find(id));
+            SDL_RaiseWindow(find(id));
+        },
     .scale = [](std::uint32_t id) { return scaleOf(find(id)); },
     .present = present,
-    .descriptor = displayDescriptor,
+    .descriptor = [] { return displayFacts().descriptor; },
     .nextEvent =
         [](WindowModuleEvent* event) {
             SDL_Event from;
@@ -235,8 +275,8 @@ const WindowModule kTable{
         [](double* width, double* height) {
             SDL_Rect bounds;
             if (SDL_GetDisplayBounds(0, &bounds) != 0) return false;
-            *width = bounds.w;
-            *height = bounds.h;
+            *width = points(bounds.w);
+            *height = points(bounds.h);
             return true;
         },
 };

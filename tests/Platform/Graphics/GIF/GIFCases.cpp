@@ -84,6 +84,8 @@ GIFCase makeCase(const Shape& shape, const Kind& kind, unsigned seed) {
                 palette,
                 {},
                 GIFWriter(shape.width, shape.height, palette, shape.depth, kind.packing)};
+    if (seed % 2 == 1)
+        gif.file.comment("a comment").loopCount(3, seed % 4 == 1 ? "NETSCAPE2.0" : "ANIMEXTS1.0");
     for (unsigned i = 0; i < 5; ++i) {
         const Place place = i == 0 || random() % 4 == 0 ? Place::WholeCanvas : kind.place;
         GIFWriterFrame frame = someFrame(random, gif, shape.depth, place);

@@ -1,0 +1,209 @@
+#include <algorithm>
+#include <cctype>
+#include <chrono>
+#include <cstdlib>
+#include <memory>
+#include <string>
+
+#include <gtest/gtest.h>
+
+#include <KXFoundation/Localization/KXLocalizationUtils.h>
+#include <KXFoundation/Platform/Foundation/NSBundle.h>
+#include <KXFoundation/Platform/Graphics/GraphicsContext.h>
+#include <KXFoundation/Platform/Runtime/ProcessState.h>
+#include <KXFoundation/Platform/Views/NSEvent.h>
+#include <KXFoundation/Platform/Views/OffscreenSurface.h>
+
+#include "Column.h"
+#include "Gallery.h"
+#include "Headless.h"
+#include "SteadyWorld.h"
+#include "golden/GoldenSheet.h"
+#include "golden/PictureFile.h"
+#include "support/ScopedLanguageState.h"
+#include "support/ScopedQueues.h"
+
+namespace kx::testing {
+namespace {
+
+using gallery::Gallery;
+
+/// The same files of fonts and the same libraries draw the same pixels on every machine, but for the last
+/// bits where a processor's own instructions round otherwise; a channel may differ by that, twelve steps of
+/// 255. No pixel may differ by more: the faintest control, a hairline of a button's border, is further from
+/// what is under it, and so is every edge of a letter that stands a point aside.
+constexpr Tolerance kTolerance{.channel = 12, .pixels = 0};
+
+enum class Shown : std::uint8_t {
+    Page,     ///< without the side list, which is the same beside every page
+    Window,   ///< all of it
+    Dark,     ///< the page in the dark
+    SmallEnd  ///< the end of the page, in a window of 640 x 400
+};
+
+struct Picture {
+    const char* page;
+    const char* language = "en";
+    double scale = 1;
+    Shown shown = Shown::Page;
+    double seconds = 0;  ///< that pass before
+};
+
+/// Every page once, and again where something else draws it: lines from right to left, letters of another
+/// font, two pixels to the point, other colours, a scrolled page.
+constexpr Picture kPictures[] = {
+    {"language", "en", 1, Shown::Window},
+    {"language", "ar", 1, Shown::Window},
+    {"language", "en", 1, Shown::Dark},
+    {"objects"},
+    {"application"},
+    {"requests"},
+    {"cache"},
+    {"cache", "en", 1, Shown::SmallEnd},
+    {"links"},
+    {"time"},
+    {"calendar"},
+    {"calendar", "ar"},
+    {"device"},
+    {"keychain"},
+    {"text"},
+    {"text", "ar"},
+    {"text", "zh-Hans"},
+    {"album"},
+    {"animation"},
+    {"pictures"},
+    {"pictures", "en", 2},
+    {"image-cache"},
+    {"colours"},
+    {"toast"},
+    {"toast", "ar", 2},
+    {"mask"},
+    {"loading", "en", 1, Shown::Page, 0.4},
+    {"buttons"},
+    {"buttons", "ar", 2},
+    {"screen"},
+    {"once"},
+};
+
+std::string nameOf(const Picture& picture) {
+    std::string name = picture.page;
+    if (std::string_view(picture.language) != "en") name += std::string("-") + picture.language;
+    if (picture.shown == Shown::Dark) name += "-dark";
+    if (picture.shown == Shown::SmallEnd) name += "-small";
+    return picture.scale == 1 ? name : name + "@2x";
+}
+
+/// A gallery in a world of its own that shows the page as a person finds it after using it.
+class Stage {
+  public:
+    explicit Stage(const Picture& picture)
+        : picture_(picture), windows_(std::make_shared<OffscreenWindowSystem>(picture.scale)) {
+        NSBundle::setMainBundlePath(KX_GALLERY_BUNDLE);
+        KXLocalizationUtils::setSelectLanguage(picture.language);
+        gallery_ = std::make_unique<Gallery>();
+        gallery_->show(picture.page);
+        NSWindow& window = *gallery_->window();
+        if (picture.shown == Shown::Dark) window.setAppearance(NSAppearance::Dark);
+        if (picture.shown == Shown::SmallEnd) window.setFrame({0, 0, 640, 400});
+        window.makeKeyAndOrderFront();
+        gallery::drawDemonstration(*gallery_);
+        world_.clock().advance(std::chrono::milliseconds(static_cast<int>(picture.seconds * 1000)));
+        if (picture.shown == Shown::SmallEnd)
+            window.sendEvent({.type = NSEventType::KeyDown, .characters = std::string(NSEndFunctionKey)});
+    }
+
+    [[nodiscard]] NSView& root() const { return *gallery_->window()->contentView(); }
+    /// Where the page is in the window.
+    [[nodiscard]] NSRect page() const {
+        const NSSize size = root().frame().size;
+        if (picture_.shown == Shown::Window) return {{}, size};
+        return gallery::directed({Gallery::kSideWidth, 0, size.width - Gallery::kSideWidth, size.height},
+                                 size.width);
+    }
+    [[nodiscard]] std::shared_ptr<NSBitmapImageRep> pixels() const {
+        gallery_->window()->displayIfNeeded();
+        const auto surface = std::static_pointer_cast<OffscreenSurface>(gallery_->window()->surface());
+        const auto whole = surface->bitmap();
+        const NSRect part = page();
+        const auto length = [&](double points) {
+            return static_cast<std::uint32_t>(points * picture_.scale);
+        };
+        auto cut = NSBitmapImageRep::bitmapWithPixels(length(part.size.width), length(part.size.height));
+        for (std::uint32_t y = 0; y < cut->pixelsHigh(); ++y) {
+            const auto row = whole->pixels().subspan(y * whole->pixelsWide() + length(part.origin.x));
+            std::copy_n(row.begin(), cut->pixelsWide(),
+                        cut->pixels().begin() + std::ptrdiff_t{y} * cut->pixelsWide());
+        }
+        return cut;
+    }
+
+  private:
+    const Picture picture_;
+    gallery::SteadyWorld world_;
+    ScopedPort<WindowSystem> windows_;
+    ScopedLanguageState language_;
+    ScopedProcessState process_;
+    ScopedQueues queues_;
+    std::unique_ptr<Gallery> gallery_;
+};
+
+struct Golden : ::testing::TestWithParam<Picture> {};
+
+TEST_P(Golden, PageIsAsItWas) {
+    const std::string name = nameOf(GetParam());
+    const std::string path = KX_GOLDEN_PICTURES + name + ".png";
+    const auto now = Stage(GetParam()).pixels();
+    const auto before = readPicture(path);
+    const Difference difference = before ? compare(*before, *now, kTolerance) : Difference();
+    if (difference.accepted) return;
+    if (before) GoldenSheet::shared().add(name, *before, *now, kTolerance);
+    if (std::getenv("KX_UPDATE_PICTURES")) {
+        ASSERT_TRUE(writePicture(*now, path)) << path;
+    } else {
+        FAIL() << path << (before ? " differs in " : " is missing: ") << difference.pixels
+               << " pixels, by up to " << difference.largest;
+    }
+}
+
+INSTANTIATE_TEST_SUITE_P(, Golden, ::testing::ValuesIn(kPictures), [](const auto& info) {
+    std::string name = nameOf(info.param);
+    for (char& c : name) {
+        if (!std::isalnum(static_cast<unsigned char>(c))) c = '_';
+    }
+    return name;
+});
+
+/// The views that hold no others: what a person takes for the controls.
+void collectControls(const std::shared_ptr<NSView>& view, std::vector<std::shared_ptr<NSView>>& found) {
+    if (view->subviews().empty()) found.push_back(view);
+    for (const auto& subview : view->subviews()) collectControls(subview, found);
+}
+
+TEST(GoldenTolerance, EveryControlThatMovesByAPointIsNoticed) {
+    for (const char* page : {"language", "calendar", "pictures", "keychain", "buttons"}) {
+        const Stage stage({page});
+        const auto before = stage.pixels();
+        std::vector<std::shared_ptr<NSView>> controls;
+        collectControls(stage.root().self(), controls);
+        std::size_t moved = 0;
+        for (const auto& control : controls) {
+            control->setHidden(true);
+            const bool isSeen = compare(*before, *stage.pixels()).pixels > 0;
+            control->setHidden(false);
+            for (const NSPoint step : {NSPoint{1, 0}, NSPoint{0, 1}}) {
+                if (!isSeen) break;
+                const NSRect place = control->frame();
+                control->setFrame(place.movedBy(step));
+                EXPECT_FALSE(compare(*before, *stage.pixels(), kTolerance).accepted)
+                    << page << ": " << control->description();
+                control->setFrame(place);
+                ++moved;
+            }
+        }
+        EXPECT_GT(moved, 10U) << page;
+        EXPECT_EQ(compare(*before, *stage.pixels()).pixels, 0U) << page;
+    }
+}
+
+}  // namespace
+}  // namespace kx::testing
