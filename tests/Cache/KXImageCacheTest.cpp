@@ -135,11 +135,7 @@ TEST_F(KXImageCacheTest, APathHasOneCacheUntilItIsDestroyed) {
 }
 
 TEST_F(KXImageCacheTest, StoresThatCannotBeMadeAreAbsent) {
-    const struct {
-        KXStoreClass memory, disk;
-        const char* path;
-        bool hasMemory, hasDisk;
-    } rows[] = {
+    const std::tuple<KXStoreClass, KXStoreClass, const char*, bool, bool> rows[] = {
         {"KXMemoryCache", "KXDiskCache", "both", true, true},
         {"KXDiskCache", "KXMemoryCache", "exchanged", false, false},
         {nullptr, "no such class", "none", false, false},
@@ -172,16 +168,12 @@ TEST_F(KXImageCacheTest, ImagesAreOnDiskAfterARestart) {
         GraphicsContext::current()->fill(rect, *NSColor::controlAccentColor());
         return true;
     });
-    const struct {
-        const char* key;
-        std::shared_ptr<NSImage> image;
-        bool keepsFile;
-    } rows[] = {{"file", file, true},
-                {"changed", changed, false},
-                {"painted", painted, false},
-                {"dense", dense, false},
-                {"drawn", drawn, false}};
-    for (const auto& row : rows) open()->setImage(row.image, row.key);
+    const std::tuple<const char*, std::shared_ptr<NSImage>, bool> rows[] = {{"file", file, true},
+                                                                            {"changed", changed, false},
+                                                                            {"painted", painted, false},
+                                                                            {"dense", dense, false},
+                                                                            {"drawn", drawn, false}};
+    for (const auto& [key, image, keepsFile] : rows) open()->setImage(image, key);
     platform.restart();
     for (const auto& [key, image, keepsFile] : rows) {
         ASSERT_EQ(sourceOf(*open(), key, 3), 2) << key;

@@ -2,7 +2,6 @@
 #include <tuple>
 
 #include <gmock/gmock.h>
-#include <gtest/gtest.h>
 
 #include <KXFoundation/DateTime/KXDateUtils.h>
 #include <KXFoundation/Platform/Foundation/NSNotificationCenter.h>
@@ -10,6 +9,7 @@
 #include <KXFoundation/Platform/Runtime/Executor.h>
 #include <KXFoundation/Platform/Runtime/ManualClock.h>
 
+#include "support/CountedAllocations.h"
 #include "support/InjectedClockFormat.h"
 #include "support/ScopedPlatform.h"
 
@@ -180,6 +180,27 @@ TEST(KXDateUtils, EachActivationRefreshesAndTellsASecondLater) {
         EXPECT_EQ(told, activation - 1);
         clock->advance(std::chrono::milliseconds(1));
         EXPECT_EQ(told, activation);
+    }
+}
+
+TEST(KXDateUtils, AllocatesNothingBeyondItsAnswer) {
+    const std::pair<const char*, std::size_t> rows[] = {
+        {"en_US", 0}, {"de_DE", 0}, {"zh_CN", 0}, {"fa_IR", 1}};  // a string object holds all but the last
+    for (const auto& [locale, perText] : rows) {
+        Desk desk;
+        desk.clockFormat->set(ClockFormat::TwelveHour);
+        desk.platform.locale().setLocale(locale);
+        const auto dates = KXDateUtils::sharedInstance();
+        (void)dates->convertMinutesToTimeString(0, false, false);
+        (void)dates->convertMinutesToTimeString(0, true, true);
+        (void)dates->convertMinutesToTimeString(0, true, false);
+        std::optional<std::string> byFlags, bySettings;
+        const std::size_t allocations = testing::allocationsOf([&] {
+            byFlags = dates->convertMinutesToTimeString(845, true, false);
+            bySettings = dates->convertMinutesToTimeString(845);
+        });
+        EXPECT_EQ(allocations, 2 * perText) << locale;
+        EXPECT_EQ(byFlags, bySettings) << locale;
     }
 }
 

@@ -1,7 +1,6 @@
 #include <stdexcept>
 
 #include <gmock/gmock.h>
-#include <gtest/gtest.h>
 
 #include <KXFoundation/Device/KXDeviceUtils.h>
 #include <KXFoundation/Device/KXKeychainUtils.h>

@@ -52,14 +52,11 @@ TEST(KXNetworkUtils, MACNumbers) {
         {"1: 2:x:3:4:5:6:7", 0x01'02'00'03'04'05},
         {"ffffffffffffffffff:0:0:0:0:0", -0x100'00'00'00'00},
         {"0:0:0:0:0:fffffffffffffffff", -1},
-        {"00:11:22:AA:BB", 0},
-        {"001122AABBCC", 0},
-        {":::::", 0},
-        {"", 0},
-        {{}, 0},
     };
     for (const auto& [mac, want] : rows)
         EXPECT_EQ(KXNetworkUtils::macStringToInteger(mac), want) << "mac: " << mac.value_or("absent");
+    for (const Text mac : {Text("00:11:22:AA:BB"), Text("001122AABBCC"), Text(":::::"), Text(""), Text()})
+        EXPECT_EQ(KXNetworkUtils::macStringToInteger(mac), 0) << "mac: " << mac.value_or("absent");
     EXPECT_EQ(KXNetworkUtils::formatMACInteger(73'596'058'572, ":"), "00:11:22:AA:BB:CC");
     EXPECT_EQ(KXNetworkUtils::formatMACInteger(0, ":"), "00:00:00:00:00:00");
     for (const Text none : {Text(""), Text()})

@@ -24,10 +24,7 @@ constexpr double of255(int n) {
 
 TEST(NSColor_HEX, ReadsSixDigits) {
     const Four orange{1, of255(0x88), 0, 1}, clear{};
-    struct {
-        std::optional<std::string_view> text;
-        Four want;
-    } const rows[] = {
+    const std::pair<std::optional<std::string_view>, Four> rows[] = {
         {"#FF8800", orange},
         {"ff8800", orange},
         {"0xFF8800", orange},

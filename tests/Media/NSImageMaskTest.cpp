@@ -50,9 +50,7 @@ TEST(NSImage_Mask, ColoursTheShapeUpright) {
 }
 
 TEST(NSImage_Mask, GreyHasHalfTheContrastAndAPointToAPixel) {
-    struct {
-        std::uint32_t pixel, grey;
-    } const rows[] = {
+    const std::pair<std::uint32_t, std::uint32_t> rows[] = {
         {0xFF000000, 0xFF404040}, {0xFFFFFFFF, 0xFFBFBFBF}, {0xFF808080, 0xFF808080},
         {0xFFFF0000, 0xFF5B5B5B}, {0xFF00FF00, 0xFF9B9B9B}, {0xFF0000FF, 0xFF494949},
         {0x80000000, 0x80202020}, {0x80808080, 0x80606060}, {0x00000000, 0x00000000},

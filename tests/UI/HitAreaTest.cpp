@@ -32,11 +32,9 @@ TEST_F(HitArea, ClicksAroundAnEnlargedButtonAreItsOwn) {
     NSButton_Custom::setEnlargeEdgeWithTop(button, 1, 20, 30, 0.1);
     const double narrow = static_cast<double>(0.1F);
     EXPECT_EQ(NSButton_Custom::enlargedRect(button), NSRect(-20, -1, 100 + narrow, 61));
-    const struct {
-        NSPoint point;
-        bool hit;
-    } rows[] = {{{120, 60}, true},    {{80, 49}, true},    {{79.9, 60}, false}, {{120, 48.9}, false},
-                {{120, 109.9}, true}, {{120, 110}, false}, {{10, 10}, false},   {{180.05, 60}, true}};
+    const std::pair<NSPoint, bool> rows[] = {{{120, 60}, true},    {{80, 49}, true},     {{79.9, 60}, false},
+                                             {{120, 48.9}, false}, {{120, 109.9}, true}, {{120, 110}, false},
+                                             {{10, 10}, false},    {{180.05, 60}, true}};
     for (const auto& [point, hit] : rows) EXPECT_EQ(isHit(point), hit) << point.x << ", " << point.y;
     button->setHidden(true);
     EXPECT_FALSE(isHit({85, 60}));

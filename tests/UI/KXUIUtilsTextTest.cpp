@@ -88,11 +88,7 @@ TEST(KXUIUtils, OutlinesEachRunInItsFont) {
     const auto serif = font("DejaVu Serif", 20), sans = font("DejaVu Sans", 20);
     const Text other = NSMutableAttributedString::initWithString(
         "quay", DictionaryBuilder().set(NSFontAttributeName, "DejaVu Sans").build());
-    const struct {
-        const char* what;
-        Text text, want;
-        bool equal;
-    } rows[] = {
+    const std::tuple<const char*, Text, Text, bool> rows[] = {
         {"no font after one", joined({styled("Har", serif), styled("bour", nullptr)}),
          styled("Harbour", serif), true},
         {"no font at all", styled("Harbour", nullptr), styled("Harbour", NSFont::systemFontOfSize(0)), true},
@@ -103,9 +99,9 @@ TEST(KXUIUtils, OutlinesEachRunInItsFont) {
         {"two fonts", joined({styled("Har", serif), styled("bour", sans)}), styled("Harbour", serif), false},
         {"two sizes", styled("Harbour", serif), styled("Harbour", font("DejaVu Serif", 21)), false},
     };
-    for (const auto& row : rows) {
-        EXPECT_FALSE(outlined(row.text)->isEmpty()) << row.what;
-        EXPECT_EQ(outlined(row.text)->isEqual(*outlined(row.want)), row.equal) << row.what;
+    for (const auto& [what, text, want, equal] : rows) {
+        EXPECT_FALSE(outlined(text)->isEmpty()) << what;
+        EXPECT_EQ(outlined(text)->isEqual(*outlined(want)), equal) << what;
     }
 }
 

@@ -13,10 +13,7 @@ namespace {
 
 TEST(Once, TokensAreEqualAsUnicodeTexts) {
     const ScopedProcessState process;
-    const struct {
-        std::string token;
-        bool runs;
-    } rows[] = {
+    const std::pair<std::string, bool> rows[] = {
         {"a", true},        {"a", false},        {"A", true},           {"", true},
         {"", false},        {"caf\u00E9", true}, {"cafe\u0301", false},  // decomposed
         {"\u212B", true},                                                // the unit, equivalent to the letter

@@ -10,8 +10,6 @@
 
 namespace kx::testing {
 
-namespace {
-
 int distance(std::uint32_t a, std::uint32_t b) {
     int largest = 0;
     for (int shift = 0; shift < 32; shift += 8) {
@@ -20,6 +18,8 @@ int distance(std::uint32_t a, std::uint32_t b) {
     }
     return largest;
 }
+
+namespace {
 
 bool sameSize(const NSBitmapImageRep& a, const NSBitmapImageRep& b) {
     return a.pixelsWide() == b.pixelsWide() && a.pixelsHigh() == b.pixelsHigh();

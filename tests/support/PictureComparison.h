@@ -8,6 +8,9 @@
 
 namespace kx::testing {
 
+/// The greatest difference of two pixels in a channel.
+[[nodiscard]] int distance(std::uint32_t a, std::uint32_t b);
+
 /// How much two pictures may differ.
 struct Tolerance {
     int channel = 0;         ///< a pixel differs if one of its four channels does by more than this

@@ -60,9 +60,6 @@ class SimulatedWorld::Scheduler final : public Executor, public Clock {
     void fileLocked() noexcept { ++lockedFiles_; }
     void fileUnlocked() noexcept { --lockedFiles_; }
 
-    void moveTo(nanoseconds time) { now_ = std::max(now_, time); }
-    [[nodiscard]] std::uint64_t steps() const noexcept { return steps_; }
-
   private:
     static constexpr int kDeepest = 16;
 
@@ -83,7 +80,7 @@ class SimulatedWorld::Scheduler final : public Executor, public Clock {
 
     bool runTimer() {
         const auto timer = timers_.extract(timers_.begin());
-        moveTo(timer.key());
+        now_ = std::max(now_, timer.key());
         const auto& [thread, action] = timer.mapped();
         perform(action, thread == TimerThread::Main ? Role::Main : Role::Background);
         return true;
@@ -91,7 +88,6 @@ class SimulatedWorld::Scheduler final : public Executor, public Clock {
 
     void perform(const Job& job, Role role) {
         const ScopedThreadRole scope(role);
-        ++steps_;
         ++depth_;
         job();
         --depth_;
@@ -104,7 +100,6 @@ class SimulatedWorld::Scheduler final : public Executor, public Clock {
     std::deque<Job> background_;
     std::multimap<nanoseconds, std::pair<TimerThread, std::function<void()>>> timers_;
     nanoseconds now_ = std::chrono::hours(1);
-    std::uint64_t steps_ = 0;
     int depth_ = 0;
     int lockedFiles_ = 0;
 };
@@ -193,17 +188,6 @@ SimulatedWorld::~SimulatedWorld() {
 void SimulatedWorld::run() {
     while (scheduler_->step(Scheduler::kForEver)) {
     }
-}
-
-void SimulatedWorld::runFor(nanoseconds duration) {
-    const nanoseconds until = scheduler_->now() + duration;
-    while (scheduler_->step(until)) {
-    }
-    scheduler_->moveTo(until);
-}
-
-std::uint64_t SimulatedWorld::steps() const noexcept {
-    return scheduler_->steps();
 }
 
 }  // namespace kx::testing

@@ -39,11 +39,6 @@ class SimulatedWorld {
 
     /// Runs until no block and no timer is left.
     void run();
-    /// Runs until no block is left and the next timer would be later than `duration` from now.
-    void runFor(std::chrono::nanoseconds duration);
-
-    /// How many blocks and timers ran so far.
-    [[nodiscard]] std::uint64_t steps() const noexcept;
 
   private:
     class Scheduler;

@@ -1,22 +1,19 @@
-#include "support/TestFonts.h"
-
 #include <cstdio>
 #include <cstdlib>
 
 #include <KXFoundation/Platform/Graphics/FontSource.h>
 
-namespace kx::testing {
+namespace {
 
-void useTestFonts() {
-    const auto outcome = Fonts::useConfiguration(KX_TEST_FONTS);
-    if (outcome) return;
+/// Draws with the few named font files that golden pictures are made with.
+bool useTestFonts() {
+    const auto outcome = kx::Fonts::useConfiguration(KX_TEST_FONTS);
+    if (outcome) return true;
     std::fprintf(stderr, "%s\n", outcome.error().message().c_str());
     std::exit(1);
 }
 
-namespace {
 // Every test program of the UI library uses them from its start.
-[[maybe_unused]] const bool inUse = (useTestFonts(), true);
-}  // namespace
+[[maybe_unused]] const bool inUse = useTestFonts();
 
-}  // namespace kx::testing
+}  // namespace

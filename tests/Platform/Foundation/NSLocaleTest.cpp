@@ -1,7 +1,6 @@
 #include <map>
 
 #include <gmock/gmock.h>
-#include <gtest/gtest.h>
 
 #include <KXFoundation/Platform/Foundation/NSLocale.h>
 

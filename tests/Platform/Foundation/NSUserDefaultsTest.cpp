@@ -3,7 +3,6 @@
 #include <functional>
 
 #include <gmock/gmock.h>
-#include <gtest/gtest.h>
 
 #include <KXFoundation/Platform/Foundation/NSUserDefaults.h>
 

@@ -14,9 +14,12 @@
 #include <KXFoundation/Platform/Graphics/PngCodec.h>
 #include <KXFoundation/Platform/Graphics/TiffCodec.h>
 
+#include "support/PictureComparison.h"
+
 namespace kx {
 namespace {
 
+using testing::distance;
 using Bytes = std::vector<std::byte>;
 
 /// Four colours, one in each quarter; the last one half transparent if wanted.
@@ -37,15 +40,6 @@ std::array<std::uint32_t, 4> cornersOf(const NSBitmapImageRep& bitmap) {
     const std::uint32_t wide = bitmap.pixelsWide(), high = bitmap.pixelsHigh();
     return {bitmap.pixelAt(wide / 4, high / 4), bitmap.pixelAt(wide * 3 / 4, high / 4),
             bitmap.pixelAt(wide / 4, high * 3 / 4), bitmap.pixelAt(wide * 3 / 4, high * 3 / 4)};
-}
-
-/// The greatest difference of a channel.
-int distance(std::uint32_t a, std::uint32_t b) {
-    int most = 0;
-    for (int shift = 0; shift < 32; shift += 8)
-        most =
-            std::max(most, std::abs(static_cast<int>(a >> shift & 255) - static_cast<int>(b >> shift & 255)));
-    return most;
 }
 
 void expectCorners(const Result<std::shared_ptr<NSBitmapImageRep>>& decoded,

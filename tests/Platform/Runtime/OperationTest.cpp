@@ -1,5 +1,4 @@
 #include <gmock/gmock.h>
-#include <gtest/gtest.h>
 
 #include <KXFoundation/Platform/Runtime/Operation.h>
 #include <KXFoundation/Platform/Runtime/OperationExchange.h>

@@ -1,5 +1,4 @@
 #include <algorithm>
-#include <functional>
 #include <optional>
 #include <set>
 #include <string>
@@ -64,18 +63,6 @@ TEST(SimulatedWorld, OrdersDifferBySeedButQueuesKeepTheirPromises) {
         EXPECT_EQ(ran, "abc") << "seed " << seed;
     }
     EXPECT_GT(orders.size(), 5u);
-}
-
-TEST(SimulatedWorld, TimePassesWithoutWaiting) {
-    SimulatedWorld world(1);
-    int ticks = 0;
-    std::function<void()> tick = [&] {
-        ++ticks;
-        DispatchQueue::main().after(1h, tick);
-    };
-    DispatchQueue::main().after(1h, tick);
-    world.runFor(240h);
-    EXPECT_EQ(ticks, 240);
 }
 
 TEST(SimulatedWorld, FileOperationsOfBlocksMix) {

@@ -1,7 +1,6 @@
 #include <filesystem>
 
 #include <gmock/gmock.h>
-#include <gtest/gtest.h>
 #include <sys/stat.h>
 
 #include <KXFoundation/Platform/Runtime/Module.h>

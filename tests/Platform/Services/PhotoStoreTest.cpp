@@ -5,7 +5,6 @@
 #include <set>
 
 #include <gmock/gmock.h>
-#include <gtest/gtest.h>
 #include <sys/time.h>
 
 #include <KXFoundation/Platform/Services/Photos/PhotoFileName.h>

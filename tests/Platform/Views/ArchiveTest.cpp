@@ -57,10 +57,7 @@ TEST(Archive, HostileValuesLeaveTheDefaults) {
     const auto withAlignment = [](Value alignment) {
         return DictionaryBuilder().set("alignment", std::move(alignment)).build();
     };
-    struct {
-        std::string what;
-        Value archive;
-    } const rows[] = {
+    const std::pair<std::string, Value> rows[] = {
         {"no dictionary", Value(3)},
         {"empty", DictionaryBuilder().build()},
         {"other types", wrong.build()},

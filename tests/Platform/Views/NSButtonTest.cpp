@@ -21,12 +21,7 @@ struct Button : ::testing::Test {
 
 TEST_F(Button, SendsItsActionWhenTheMouseIsReleasedOverIt) {
     using enum NSEventType;
-    struct {
-        std::string what;
-        NSPoint down, dragged, up;
-        bool pressed;
-        int clicks;
-    } const rows[] = {
+    const std::tuple<std::string, NSPoint, NSPoint, NSPoint, bool, int> rows[] = {
         {"click", {20, 20}, {21, 20}, {22, 20}, true, 1},
         {"slips off", {20, 20}, {80, 80}, {80, 80}, false, 0},
         {"comes back", {20, 20}, {80, 80}, {20, 20}, false, 1},

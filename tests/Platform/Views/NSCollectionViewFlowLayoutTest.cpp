@@ -36,13 +36,7 @@ void arrange(NSCollectionViewFlowLayout& layout) {
 }
 
 TEST(NSCollectionViewFlowLayout, Frames) {
-    struct {
-        std::string what;
-        std::size_t count;
-        double width;
-        std::vector<NSRect> want;
-        double height;
-    } const rows[] = {
+    const std::tuple<std::string, std::size_t, double, std::vector<NSRect>, double> rows[] = {
         {"nothing", 0, 200, {}, 7},
         {"two just fit", 2, 104, {{6, 3, 40, 20}, {56, 3, 40, 20}}, 27},
         {"gaps grow", 2, 114, {{6, 3, 40, 20}, {66, 3, 40, 20}}, 27},

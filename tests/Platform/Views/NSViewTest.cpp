@@ -43,10 +43,7 @@ struct ViewPlaces : ::testing::Test {
 };
 
 TEST_F(ViewPlaces, HitTest) {
-    struct {
-        NSPoint point;
-        std::string want;
-    } const rows[] = {
+    const std::pair<NSPoint, std::string> rows[] = {
         {{0, 0}, "root"},
         {{200, 50}, "none"},
         {{-1, 50}, "none"},
@@ -72,11 +69,7 @@ TEST_F(ViewPlaces, WhatIsNotSeenIsNotHit) {
 
 TEST_F(ViewPlaces, Conversion) {
     const NSPoint point{3, 4};
-    struct {
-        const NSView* from;
-        const NSView* to;
-        NSPoint want;
-    } const rows[] = {
+    const std::tuple<const NSView*, const NSView*, NSPoint> rows[] = {
         {inner.get(), inner.get(), {3, 4}},    {inner.get(), left.get(), {23, 24}},
         {inner.get(), root.get(), {33, 34}},   {inner.get(), nullptr, {33, 34}},
         {inner.get(), right.get(), {-37, 4}},  {right.get(), inner.get(), {43, 4}},
@@ -95,10 +88,7 @@ TEST_F(ViewPlaces, Conversion) {
 TEST(NSView, FrameTakesUsableNumbersOnly) {
     constexpr double kInfinity = std::numeric_limits<double>::infinity();
     const double nan = std::nan("");
-    struct {
-        NSRect given;
-        NSRect want;
-    } const rows[] = {
+    const std::pair<NSRect, NSRect> rows[] = {
         {{1.5, -2, 3, 4}, {1.5, -2, 3, 4}},
         {{nan, kInfinity, 3, 4}, {0, 0, 3, 4}},
         {{1, 2, nan, -kInfinity}, {1, 2, 0, 0}},

@@ -165,10 +165,7 @@ TEST_F(ViewTree, AViewThatGoesInItsOwnEventOrDrawing) {
 }
 
 TEST_F(ViewTree, AWindowThatGoesWhileItIsAtWork) {
-    const struct {
-        std::string moment;
-        std::function<void()> work;
-    } rows[] = {
+    const std::pair<std::string, std::function<void()>> rows[] = {
         {"mouse down",
          [&] {
              shown.surface().click({10, 10});

@@ -100,11 +100,7 @@ TEST(WindowDrawing, OnlyWhatChangedIsDrawn) {
     shown.window->displayIfNeeded();
     const auto dirty = [&](NSRect rect) { return [&, rect] { changing->setNeedsDisplay(rect); }; };
     const auto move = [&](NSRect frame) { return [&, frame] { changing->setFrame(frame); }; };
-    const struct {
-        std::string what;
-        std::function<void()> change;
-        std::vector<PixelRect> want;
-    } rows[] = {
+    const std::tuple<std::string, std::function<void()>, std::vector<PixelRect>> rows[] = {
         {"nothing", [] {}, {}},
         {"a part", dirty({1, 2, 3, 4}), {{22, 24, 6, 8}}},
         {"beyond the bounds", dirty({30, 10, 100, 100}), {{80, 40, 20, 20}}},
