@@ -7,10 +7,11 @@
 #include <KXFoundation/AppEnvironment/KXAppUtils.h>
 #include <KXFoundation/AppEnvironment/StoreLookup.h>
 #include <KXFoundation/Core/KXAppInfo.h>
-#include <KXFoundation/Platform/Foundation/URLLoader.h>
+#include <KXFoundation/Platform/Foundation/CurlURLLoader.h>
 #include <KXFoundation/Platform/Runtime/Executor.h>
 
 #include "support/CapturedLog.h"
+#include "support/HTTPSServer.h"
 #include "support/ScopedPlatform.h"
 #include "support/ScopedQueues.h"
 
@@ -130,6 +131,16 @@ TEST_F(StoreLookupTest, WhatIsMissingIsHarmless) {
     const testing::CapturedLog log;
     EXPECT_FALSE(KXAppUtils::checkAppInfoFromAppStore("1", nullptr));
     EXPECT_EQ(log.lines().size(), 1U);
+}
+
+TEST_F(StoreLookupTest, AsksARealServer) {
+    testing::HTTPSServer server;
+    setAppLinks({.lookupHost = server.host()});
+    const ScopedPort<URLLoader> scope(std::make_shared<CurlURLLoader>(URLLimits(), server.certificateFile()));
+    std::string got;
+    ASSERT_TRUE(KXAppUtils::checkAppInfoFromAppStore("4711", [&](const auto& info) { got = wordsOf(info); }));
+    drainQueues();
+    EXPECT_EQ(got, "2.10.1 4711");
 }
 
 }  // namespace

@@ -3,6 +3,7 @@
 Prints its port, then a line per request: its path. Ends when its input ends. The certificate names 127.0.0.1 only.
 """
 import http.server
+import json
 import os
 import pathlib
 import ssl
@@ -45,7 +46,11 @@ class Handler(http.server.BaseHTTPRequestHandler):
         address = urllib.parse.urlsplit(self.path)
         number = int(address.query) if address.query.isdigit() else 0
         port = self.server.server_address[1]
-        if address.path == "/error":
+        if address.path == "/lookup":
+            identifier = urllib.parse.parse_qs(address.query).get("id", ["none"])[0]
+            results = {"results": [{"version": "2.10.1", "releaseNotes": identifier}]}
+            self.answer(200, json.dumps(results).encode())
+        elif address.path == "/error":
             self.answer(500, b"gone wrong")
         elif address.path == "/big":
             self.answer(200, b"x" * number)
