@@ -167,14 +167,13 @@ NSRect GraphicsContext::clipBounds() const {
 }
 
 NSRect GraphicsContext::pixelAligned(NSRect rect) const {
-    if (native_->turnsOrSkews()) return rect;  // no edge of it could lie on pixels' edges
-    double left = rect.origin.x, top = rect.origin.y, right = rect.maxX(), bottom = rect.maxY();
-    cairo_user_to_device(native_->cairo, &left, &top);
-    cairo_user_to_device(native_->cairo, &right, &bottom);
-    left = std::round(left), top = std::round(top), right = std::round(right), bottom = std::round(bottom);
-    cairo_device_to_user(native_->cairo, &left, &top);
-    cairo_device_to_user(native_->cairo, &right, &bottom);
-    return {left, top, right - left, bottom - top};
+    cairo_matrix_t at;
+    cairo_get_matrix(native_->cairo, &at);
+    if (at.xy != 0 || at.yx != 0) return rect;  // no edge of it could lie on pixels' edges
+    const auto across = [&](double x) { return (std::round(x * at.xx + at.x0) - at.x0) / at.xx; };
+    const auto down = [&](double y) { return (std::round(y * at.yy + at.y0) - at.y0) / at.yy; };
+    const double left = across(rect.origin.x), top = down(rect.origin.y);
+    return {left, top, across(rect.maxX()) - left, down(rect.maxY()) - top};
 }
 
 void GraphicsContext::clear(NSRect rect) {
@@ -257,6 +256,12 @@ void GraphicsContext::drawText(const TextLayout& text, NSPoint topLeft, const NS
     if (!std::isfinite(topLeft.x + topLeft.y)) return;
     native_->setSource(color);
     LaidOutText::of(text)->draw(native_->cairo, withinReach({topLeft, {}}).origin);
+}
+
+void GraphicsContext::drawTextOnBaseline(const TextLayout& text, NSPoint baseline, const NSColor& color) {
+    if (!std::isfinite(baseline.x + baseline.y)) return;
+    native_->setSource(color);
+    LaidOutText::of(text)->drawOnBaseline(native_->cairo, withinReach({baseline, {}}).origin);
 }
 
 void GraphicsContext::saveState() {

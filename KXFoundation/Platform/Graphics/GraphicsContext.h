@@ -75,6 +75,8 @@ class KX_EXPORT GraphicsContext {
     /// The text with its top left corner at the point. Where its flow has a width, lines stand between the
     /// point and that width; else between the point and the widest line.
     void drawText(const TextLayout& text, NSPoint topLeft, const NSColor& color);
+    /// The same with the left end of its first line's baseline at the point.
+    void drawTextOnBaseline(const TextLayout& text, NSPoint baseline, const NSColor& color);
 
     // State: the coordinates and the clip. Every save needs its restore; SavedState pairs them.
     void saveState();

@@ -138,6 +138,10 @@ double LaidOutText::indentOf(const Line& line) const noexcept {
     return line.isRightToLeft ? room : 0;
 }
 
+void LaidOutText::drawOnBaseline(cairo_t* cairo, NSPoint baseline) const {
+    draw(cairo, {baseline.x, baseline.y - measure_.firstBaseline});
+}
+
 void LaidOutText::draw(cairo_t* cairo, NSPoint topLeft) const {
     for (const Line& line : lines_) {
         cairo_move_to(cairo, topLeft.x + indentOf(line), topLeft.y + line.baseline);

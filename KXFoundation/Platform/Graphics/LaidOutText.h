@@ -25,6 +25,7 @@ class LaidOutText {
     [[nodiscard]] const TextMeasure& measure() const noexcept { return measure_; }
     /// Draws in the handle's source colour.
     void draw(cairo_t* cairo, NSPoint topLeft) const;
+    void drawOnBaseline(cairo_t* cairo, NSPoint baseline) const;
 
     /// The calling thread's laid out text for this one, made or remembered.
     static std::shared_ptr<const LaidOutText> of(const TextLayout& text);

@@ -23,7 +23,7 @@ void drawLine(GraphicsContext& context, const TextLayout& line, NSRect inside, c
     const double baseline =
         inside.origin.y + (inside.size.height - plain.size.height) / 2 + plain.firstBaseline;
     const double crisp = context.pixelAligned({0, baseline, 1, 1}).origin.y;
-    context.drawText(line, {inside.origin.x, crisp - line.measure().firstBaseline}, color);
+    context.drawTextOnBaseline(line, {inside.origin.x, crisp}, color);
 }
 
 }  // namespace kx::ControlLook

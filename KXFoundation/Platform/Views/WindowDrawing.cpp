@@ -80,7 +80,8 @@ void NSWindow::redraw(const PixelRect& pixels) {
     const NSRect dirty(pixels.x / scale, pixels.y / scale, pixels.width / scale, pixels.height / scale);
     const ScopedAppearance look(appearance_);
     const GraphicsContext::Current current(*context);
-    context->clip(context->pixelAligned(dirty));
+    const bool isWhole = pixels.width == backing_->pixelsWide() && pixels.height == backing_->pixelsHigh();
+    if (!isWhole) context->clip(context->pixelAligned(dirty));
     context->fill(dirty, *NSColor::windowBackgroundColor());
     drawTree(*context, dirty);
 }
