@@ -264,6 +264,14 @@ void GraphicsContext::drawTextOnBaseline(const TextLayout& text, NSPoint baselin
     LaidOutText::of(text)->drawOnBaseline(native_->cairo, withinReach({baseline, {}}).origin);
 }
 
+bool GraphicsContext::isAsMade() const {
+    return native_->saved.empty() && cairo_status(native_->cairo) == CAIRO_STATUS_SUCCESS;
+}
+
+bool GraphicsContext::draws(const std::shared_ptr<NSBitmapImageRep>& bitmap) const noexcept {
+    return native_->bitmap == bitmap;
+}
+
 void GraphicsContext::saveState() {
     cairo_save(native_->cairo);
     native_->saved.push_back({Native::Kind::State});

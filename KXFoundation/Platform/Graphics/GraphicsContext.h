@@ -78,6 +78,11 @@ class KX_EXPORT GraphicsContext {
     /// The same with the left end of its first line's baseline at the point.
     void drawTextOnBaseline(const TextLayout& text, NSPoint baseline, const NSColor& color);
 
+    /// Whether everything that was saved has been restored, and it still draws: then it serves for another
+    /// drawing.
+    [[nodiscard]] bool isAsMade() const;
+    [[nodiscard]] bool draws(const std::shared_ptr<NSBitmapImageRep>& bitmap) const noexcept;
+
     // State: the coordinates and the clip. Every save needs its restore; SavedState pairs them.
     void saveState();
     void restoreState();

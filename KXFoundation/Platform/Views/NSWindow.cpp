@@ -123,6 +123,7 @@ void NSWindow::orderOut() {
     if (parent_) return detach();
     surface_ = nullptr;
     backing_ = nullptr;
+    context_ = nullptr;
     NSApplication::sharedApplication()->takeAway(*this);
     didShowOrHide();
 }
