@@ -258,10 +258,16 @@ void GraphicsContext::drawText(const TextLayout& text, NSPoint topLeft, const NS
     LaidOutText::of(text)->draw(native_->cairo, withinReach({topLeft, {}}).origin);
 }
 
-void GraphicsContext::drawTextOnBaseline(const TextLayout& text, NSPoint baseline, const NSColor& color) {
-    if (!std::isfinite(baseline.x + baseline.y)) return;
+void GraphicsContext::drawTextLine(const TextLayout& line, NSRect inside, const NSColor& color) {
+    if (!isDrawable(inside)) return;
+    const auto laidOut = LaidOutText::of(line);
+    const TextMeasure& plain = laidOut->emptyLine(line.font());
+    const double baseline =
+        inside.origin.y + (inside.size.height - plain.size.height) / 2 + plain.firstBaseline;
+    const double crisp = pixelAligned({0, baseline, 1, 1}).origin.y;
+    const NSPoint topLeft{inside.origin.x, crisp - laidOut->measure().firstBaseline};
     native_->setSource(color);
-    LaidOutText::of(text)->drawOnBaseline(native_->cairo, withinReach({baseline, {}}).origin);
+    laidOut->draw(native_->cairo, withinReach({topLeft, {}}).origin);
 }
 
 bool GraphicsContext::isAsMade() const {

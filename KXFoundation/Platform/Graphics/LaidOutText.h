@@ -1,6 +1,7 @@
 #pragma once
 
 #include <memory>
+#include <optional>
 #include <vector>
 
 #include <KXFoundation/Platform/Foundation/NSGeometry.h>
@@ -23,9 +24,10 @@ class LaidOutText {
     LaidOutText& operator=(const LaidOutText&) = delete;
 
     [[nodiscard]] const TextMeasure& measure() const noexcept { return measure_; }
+    /// Of the empty text in its font, which is given again.
+    [[nodiscard]] const TextMeasure& emptyLine(const std::shared_ptr<NSFont>& font) const;
     /// Draws in the handle's source colour.
     void draw(cairo_t* cairo, NSPoint topLeft) const;
-    void drawOnBaseline(cairo_t* cairo, NSPoint baseline) const;
 
     /// The calling thread's laid out text for this one, made or remembered.
     static std::shared_ptr<const LaidOutText> of(const TextLayout& text);
@@ -47,6 +49,7 @@ class LaidOutText {
     TextFlow flow_;
     std::vector<Line> lines_;
     TextMeasure measure_;
+    mutable std::optional<TextMeasure> emptyLine_;
 };
 
 }  // namespace kx
