@@ -1,5 +1,7 @@
 #include <limits>
 
+#include <malloc.h>
+
 #include <KXFoundation/Platform/Foundation/NSNotificationCenter.h>
 #include <KXFoundation/Platform/Graphics/NSImage.h>
 #include <KXFoundation/Platform/Views/NSImageView.h>
@@ -30,9 +32,11 @@ class HookedToast : public Subclass<HookedToast, KXToastView> {
         ++removals;
         call(didDismiss);
     }
+    void layout() override { ++solutions; }
 
     std::function<void(HookedToast&)> willPresent, willDismiss, didDismiss;
     int removals = 0;
+    int solutions = 0;  // of its constraints; one comes with each layout
 
   private:
     void call(const std::function<void(HookedToast&)>& hook) {
@@ -92,14 +96,16 @@ TEST_F(Toast, LaysOutItsCardAndFollowsTheWindow) {
     EXPECT_EQ(toast->contentView()->frame().size.height, 90);
 }
 
-TEST_F(Toast, AResizeAsksForNoMemory) {
-    const auto toast = KXToastView::initWithTitle("Saved", nullptr);
+TEST_F(Toast, AResizeIsOneSolutionAndAsksForNoMemory) {
+    const auto toast = hooked();
     const auto resize = [&](double width) {
         toast->setFrame({0, 0, width, 480});
         toast->layoutSubtreeIfNeeded();
     };
     resize(500);
+    const int before = toast->solutions;
     EXPECT_EQ(testing::allocationsOf([&] { resize(700); }), 0U);
+    EXPECT_EQ(toast->solutions - before, 1);
     EXPECT_EQ(toast->contentView()->frame().origin.x, (700 - 235) / 2.0);
 }
 
@@ -142,16 +148,26 @@ TEST_F(Toast, AClickDismissesWhereItMay) {
     }
 }
 
-TEST_F(Toast, AThousandLeaveNothing) {
+TEST_F(Toast, ManyLeaveNothing) {
     std::vector<std::weak_ptr<KXToastView>> watched;
-    for (int i = 0; i < 1000; ++i) {
-        const auto toast = KXToastView::initWithTitle("Saved", nullptr);
-        toast->showWithTimeout(1 + i % 3);
-        watched.push_back(toast);
-        if (i == 500) clearAll();
-    }
-    EXPECT_EQ(children(), 1000U);
-    pass(3);
+    const auto show = [&](std::size_t count) {
+        watched.assign(count, {});
+        for (std::size_t i = 0; i < count; ++i) {
+            const auto toast = KXToastView::initWithTitle("Saved", nullptr);
+            toast->showWithTimeout(1 + double(i % 3));
+            watched[i] = toast;
+            if (i == count / 2) clearAll();
+        }
+        EXPECT_EQ(children(), count);
+        clearAll();
+        pass(3);
+        reader->heard.clear();
+    };
+    show(10'000);
+    show(1000);
+    const std::size_t held = ::mallinfo2().uordblks;  // caches are filled and lists have grown
+    show(1000);
+    EXPECT_EQ(::mallinfo2().uordblks, held);
     EXPECT_EQ(children(), 0U);
     EXPECT_EQ(clock->pendingTimers(), 0U);
     EXPECT_TRUE(std::ranges::all_of(watched, [](const auto& toast) { return toast.expired(); }));
@@ -185,6 +201,25 @@ TEST_F(Toast, HooksMayDoAnything) {
         }
     }
     EXPECT_EQ(children(), 0U);
+}
+
+TEST_F(Toast, IsReadOutWhenItIsShown) {
+    const auto toast = KXToastView::initWithTitle("Saved", nullptr);
+    EXPECT_TRUE(reader->heard.empty());
+    toast->show();
+    EXPECT_EQ(reader->heard, std::vector<std::string>{"Saved"});
+    shown.window->close();
+    toast->show();
+    EXPECT_EQ(reader->heard.size(), 1U) << "nobody sees it";
+}
+
+TEST_F(Toast, LeavesTheScreenWhereItsWindowWasPutThere) {
+    shown.window->close();
+    const auto toast = KXToastView::initWithTitle("Saved", nullptr);
+    toast->showWithTimeout(1);
+    toast->window()->makeKeyAndOrderFront();
+    pass(1);
+    EXPECT_TRUE(NSApplication::sharedApplication()->windows().empty());
 }
 
 TEST_F(Toast, WithoutAKeyWindowItComesAndGoes) {

@@ -1,6 +1,5 @@
 #include <algorithm>
 #include <cmath>
-#include <numbers>
 
 #include <cairo.h>
 
@@ -20,17 +19,24 @@ double heldToReach(double coordinate) noexcept {
 }  // namespace
 
 void addRoundedRect(cairo_t* cairo, NSRect rect, double cornerRadius) {
-    constexpr double quarter = std::numbers::pi / 2;
+    // How far the handles of a curve lie along the tangents, for a quarter of a circle; it misses the circle
+    // by 0.03 % of the radius. Cairo's own arcs are the same curve, at several times the cost.
+    constexpr double kHandle = 0.5522847498307936;
     const double radius = std::min(cornerRadius, std::min(rect.size.width, rect.size.height) / 2);
     if (!(radius > 0)) {
         cairo_rectangle(cairo, rect.origin.x, rect.origin.y, rect.size.width, rect.size.height);
         return;
     }
-    cairo_new_sub_path(cairo);
-    cairo_arc(cairo, rect.maxX() - radius, rect.origin.y + radius, radius, -quarter, 0);
-    cairo_arc(cairo, rect.maxX() - radius, rect.maxY() - radius, radius, 0, quarter);
-    cairo_arc(cairo, rect.origin.x + radius, rect.maxY() - radius, radius, quarter, 2 * quarter);
-    cairo_arc(cairo, rect.origin.x + radius, rect.origin.y + radius, radius, 2 * quarter, 3 * quarter);
+    const double left = rect.origin.x, top = rect.origin.y, right = rect.maxX(), bottom = rect.maxY();
+    const double rest = radius * (1 - kHandle);
+    cairo_move_to(cairo, right - radius, top);
+    cairo_curve_to(cairo, right - rest, top, right, top + rest, right, top + radius);
+    cairo_line_to(cairo, right, bottom - radius);
+    cairo_curve_to(cairo, right, bottom - rest, right - rest, bottom, right - radius, bottom);
+    cairo_line_to(cairo, left + radius, bottom);
+    cairo_curve_to(cairo, left + rest, bottom, left, bottom - rest, left, bottom - radius);
+    cairo_line_to(cairo, left, top + radius);
+    cairo_curve_to(cairo, left, top + rest, left + rest, top, left + radius, top);
     cairo_close_path(cairo);
 }
 

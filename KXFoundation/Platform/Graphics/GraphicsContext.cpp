@@ -169,14 +169,13 @@ NSRect GraphicsContext::clipBounds() const {
 }
 
 NSRect GraphicsContext::pixelAligned(NSRect rect) const {
-    if (native_->turnsOrSkews()) return rect;  // no edge of it could lie on pixels' edges
-    double left = rect.origin.x, top = rect.origin.y, right = rect.maxX(), bottom = rect.maxY();
-    cairo_user_to_device(native_->cairo, &left, &top);
-    cairo_user_to_device(native_->cairo, &right, &bottom);
-    left = std::round(left), top = std::round(top), right = std::round(right), bottom = std::round(bottom);
-    cairo_device_to_user(native_->cairo, &left, &top);
-    cairo_device_to_user(native_->cairo, &right, &bottom);
-    return {left, top, right - left, bottom - top};
+    cairo_matrix_t at;
+    cairo_get_matrix(native_->cairo, &at);
+    if (at.xy != 0 || at.yx != 0) return rect;  // no edge of it could lie on pixels' edges
+    const auto across = [&](double x) { return (std::round(x * at.xx + at.x0) - at.x0) / at.xx; };
+    const auto down = [&](double y) { return (std::round(y * at.yy + at.y0) - at.y0) / at.yy; };
+    const double left = across(rect.origin.x), top = down(rect.origin.y);
+    return {left, top, across(rect.maxX()) - left, down(rect.maxY()) - top};
 }
 
 void GraphicsContext::clear(NSRect rect) {
@@ -259,6 +258,26 @@ void GraphicsContext::drawText(const TextLayout& text, NSPoint topLeft, const NS
     if (!std::isfinite(topLeft.x + topLeft.y)) return;
     native_->setSource(color);
     LaidOutText::of(text)->draw(native_->cairo, withinReach({topLeft, {}}).origin);
+}
+
+void GraphicsContext::drawTextLine(const TextLayout& line, NSRect inside, const NSColor& color) {
+    if (!isDrawable(inside)) return;
+    const auto laidOut = LaidOutText::of(line);
+    const TextMeasure& plain = laidOut->emptyLine(line.font());
+    const double baseline =
+        inside.origin.y + (inside.size.height - plain.size.height) / 2 + plain.firstBaseline;
+    const double crisp = pixelAligned({0, baseline, 1, 1}).origin.y;
+    const NSPoint topLeft{inside.origin.x, crisp - laidOut->measure().firstBaseline};
+    native_->setSource(color);
+    laidOut->draw(native_->cairo, withinReach({topLeft, {}}).origin);
+}
+
+bool GraphicsContext::isAsMade() const {
+    return native_->saved.empty() && cairo_status(native_->cairo) == CAIRO_STATUS_SUCCESS;
+}
+
+bool GraphicsContext::draws(const std::shared_ptr<NSBitmapImageRep>& bitmap) const noexcept {
+    return native_->bitmap == bitmap;
 }
 
 void GraphicsContext::saveState() {

@@ -75,6 +75,14 @@ class KX_EXPORT GraphicsContext {
     /// The text with its top left corner at the point. Where its flow has a width, lines stand between the
     /// point and that width; else between the point and the widest line.
     void drawText(const TextLayout& text, NSPoint topLeft, const NSColor& color);
+    /// A text of one line in the middle of the rectangle's height. The middle is that of its font, so that
+    /// texts of one font in different scripts stand on one baseline; that lies on a pixel edge.
+    void drawTextLine(const TextLayout& line, NSRect inside, const NSColor& color);
+
+    /// Whether everything that was saved has been restored, and it still draws: then it serves for another
+    /// drawing.
+    [[nodiscard]] bool isAsMade() const;
+    [[nodiscard]] bool draws(const std::shared_ptr<NSBitmapImageRep>& bitmap) const noexcept;
 
     // State: the coordinates and the clip. Every save needs its restore; SavedState pairs them.
     void saveState();

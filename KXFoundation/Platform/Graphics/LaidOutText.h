@@ -1,6 +1,7 @@
 #pragma once
 
 #include <memory>
+#include <optional>
 #include <vector>
 
 #include <KXFoundation/Platform/Foundation/NSGeometry.h>
@@ -23,6 +24,8 @@ class LaidOutText {
     LaidOutText& operator=(const LaidOutText&) = delete;
 
     [[nodiscard]] const TextMeasure& measure() const noexcept { return measure_; }
+    /// Of the empty text in its font, which is given again.
+    [[nodiscard]] const TextMeasure& emptyLine(const std::shared_ptr<NSFont>& font) const;
     /// Draws in the handle's source colour.
     void draw(cairo_t* cairo, NSPoint topLeft) const;
 
@@ -46,6 +49,7 @@ class LaidOutText {
     TextFlow flow_;
     std::vector<Line> lines_;
     TextMeasure measure_;
+    mutable std::optional<TextMeasure> emptyLine_;
 };
 
 }  // namespace kx

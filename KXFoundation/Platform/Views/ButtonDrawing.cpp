@@ -50,8 +50,7 @@ void NSButton::drawBackground(GraphicsContext& context) const {
         layer() && layer()->cornerRadius() > 0 ? layer()->cornerRadius() : ControlLook::kCornerRadius;
     ControlLook::drawFace(context, bounds(), *face, default_ ? *face : *NSColor::separatorColor(), radius);
     if (isHighlighted()) {
-        context.fill(context.pixelAligned(bounds()), radius,
-                     *NSColor::colorWithWhite(0, 0.15));
+        context.fill(context.pixelAligned(bounds()), radius, *NSColor::colorWithWhite(0, 0.15));
     }
     if (showsFocus()) ControlLook::drawFocusRing(context, bounds(), default_);
 }
@@ -91,7 +90,7 @@ void NSButton::drawContent(GraphicsContext& context) const {
     const TextLayout line(
         title_, usedFont(),
         {.width = titleWidth, .alignment = alignment(), .lineBreak = LineBreakMode::TruncateTail});
-    ControlLook::drawLine(context, line, {titleX, inside.origin.y, titleWidth, inside.size.height}, *color);
+    context.drawTextLine(line, {titleX, inside.origin.y, titleWidth, inside.size.height}, *color);
 }
 
 }  // namespace kx

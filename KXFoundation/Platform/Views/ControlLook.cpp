@@ -1,6 +1,5 @@
 #include <KXFoundation/Platform/Graphics/GraphicsContext.h>
 #include <KXFoundation/Platform/Graphics/NSColor.h>
-#include <KXFoundation/Platform/Graphics/TextLayout.h>
 #include <KXFoundation/Platform/Views/ControlLook.h>
 
 namespace kx::ControlLook {
@@ -16,14 +15,6 @@ void drawFocusRing(GraphicsContext& context, NSRect rect, bool onAccent) {
     const auto color =
         onAccent ? NSColor::alternateSelectedControlTextColor() : NSColor::controlAccentColor();
     context.stroke(context.pixelAligned(rect).insetBy(2, 2), kCornerRadius - 2, 2, *color);
-}
-
-void drawLine(GraphicsContext& context, const TextLayout& line, NSRect inside, const NSColor& color) {
-    const TextMeasure plain = TextLayout("", line.font()).measure();
-    const double baseline =
-        inside.origin.y + (inside.size.height - plain.size.height) / 2 + plain.firstBaseline;
-    const double crisp = context.pixelAligned({0, baseline, 1, 1}).origin.y;
-    context.drawText(line, {inside.origin.x, crisp - line.measure().firstBaseline}, color);
 }
 
 }  // namespace kx::ControlLook

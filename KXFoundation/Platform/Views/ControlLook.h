@@ -6,7 +6,6 @@
 namespace kx {
 
 class NSColor;
-class TextLayout;
 
 /// What all controls have in common to look at; their colours are NSColor's semantic ones. Private to Views.
 namespace ControlLook {
@@ -26,10 +25,6 @@ void drawFace(GraphicsContext& context, NSRect rect, const NSColor& fill, const 
 /// What tells that the control has the keys: a line inside its edge, in the accent colour or, on a face of
 /// that colour, in that of the text upon it.
 void drawFocusRing(GraphicsContext& context, NSRect rect, bool onAccent);
-
-/// A text of one line in the middle of the rectangle's height. The middle is that of its font, so that texts
-/// of one font in different scripts stand on one baseline; that lies on a pixel edge.
-void drawLine(GraphicsContext& context, const TextLayout& line, NSRect inside, const NSColor& color);
 
 /// Runs `draw` in full strength or, for what is switched off, faded.
 template <class Draw>

@@ -89,7 +89,7 @@ void NSTextField::drawString(GraphicsContext& context) const {
     const TextLayout line(
         placeholder ? placeholder_.value_or("") : string_, usedFont(),
         {.width = inside.size.width, .alignment = alignment(), .lineBreak = LineBreakMode::TruncateTail});
-    ControlLook::drawLine(context, line, inside, *color);
+    context.drawTextLine(line, inside, *color);
 }
 
 }  // namespace kx

@@ -131,6 +131,7 @@ void NSWindow::orderOut() {
     surface_ = nullptr;
     backing_ = nullptr;
     miniaturized_ = false;
+    context_ = nullptr;
     NSApplication::sharedApplication()->takeAway(*this);
     didShowOrHide();
 }

@@ -171,6 +171,7 @@ class KX_EXPORT NSWindow : public Subclass<NSWindow, NSResponder> {
     std::shared_ptr<NSView> contentView_;
     std::shared_ptr<WindowSurface> surface_;
     std::shared_ptr<NSBitmapImageRep> backing_;
+    std::shared_ptr<GraphicsContext> context_;  // on the backing; none while somebody draws
     InvalidRegion invalid_;
     std::shared_ptr<NSViewController> contentViewController_;
     NSWindowLevel level_ = NSNormalWindowLevel;

@@ -200,8 +200,7 @@ void NativeSurface::took(const WindowModuleEvent& event) {
 NativeWindowSystem::~NativeWindowSystem() {
     if (!listens_) return;
     EventLoop::main().removeBeforeWait(beforeWait_);
-    if (const int descriptor = module_->descriptor(); descriptor >= 0)
-        EventLoop::main().removeDescriptor(descriptor);
+    if (descriptor_ >= 0) EventLoop::main().removeDescriptor(descriptor_);
 }
 
 void NativeWindowSystem::find() {
@@ -213,9 +212,8 @@ bool NativeWindowSystem::open() {
     if (!module_ || std::exchange(listens_, true)) return module_ != nullptr;
     // The display's connection reads ahead: what it has read makes its descriptor readable no more.
     beforeWait_ = EventLoop::main().addBeforeWait([this] { takeEvents(); });
-    if (const int descriptor = module_->descriptor(); descriptor >= 0) {
-        EventLoop::main().addDescriptor(descriptor, [this] { takeEvents(); });
-    }
+    descriptor_ = module_->descriptor();
+    if (descriptor_ >= 0) EventLoop::main().addDescriptor(descriptor_, [this] { takeEvents(); });
     return true;
 }
 
@@ -248,7 +246,11 @@ void NativeWindowSystem::takeEvents() {
 }
 
 void NativeWindowSystem::dispatch(const WindowModuleEvent& event) {
-    if (event.type == WindowEventType::Quit) return closeAll();
+    if (event.type == WindowEventType::Quit) {
+        if (descriptor_ >= 0 && module_->descriptor() < 0)  // the display's end would be readable for ever
+            EventLoop::main().removeDescriptor(std::exchange(descriptor_, -1));
+        return closeAll();
+    }
     followHeldKey(event);
     const auto found = surfaces_.find(event.window);  // a window may be gone while its events still come
     if (found != surfaces_.end()) found->second->took(event);

@@ -1,4 +1,5 @@
 #include <cmath>
+#include <utility>
 #include <vector>
 
 #include <KXFoundation/Platform/Graphics/GraphicsContext.h>
@@ -67,6 +68,7 @@ bool NSWindow::prepareBacking() {
     const std::uint32_t wide = pixels(frame_.size.width);
     const std::uint32_t high = pixels(frame_.size.height);
     if (backing_ && backing_->pixelsWide() == wide && backing_->pixelsHigh() == high) return true;
+    context_ = nullptr;
     backing_ = NSBitmapImageRep::bitmapWithPixels(wide, high);
     setNeedsDisplay(bounds());
     return backing_ != nullptr;
@@ -75,14 +77,19 @@ bool NSWindow::prepareBacking() {
 void NSWindow::redraw(const PixelRect& pixels) {
     if (!backing_ || !surface_) return;
     const double scale = surface_->scale();
-    const auto context = GraphicsContext::onBitmap(backing_, scale);
+    auto context = std::exchange(context_, nullptr);  // drawing may draw the window anew
+    if (!context || context->scale() != scale) context = GraphicsContext::onBitmap(backing_, scale);
     if (!context) return;
     const NSRect dirty(pixels.x / scale, pixels.y / scale, pixels.width / scale, pixels.height / scale);
     const ScopedAppearance look(appearance_);
     const GraphicsContext::Current current(*context);
-    context->clip(context->pixelAligned(dirty));
+    context->saveState();
+    const bool isWhole = pixels.width == backing_->pixelsWide() && pixels.height == backing_->pixelsHigh();
+    if (!isWhole) context->clip(context->pixelAligned(dirty));
     context->fill(dirty, *NSColor::windowBackgroundColor());
     drawTree(*context, dirty);
+    context->restoreState();
+    if (context->isAsMade() && context->draws(backing_)) context_ = std::move(context);
 }
 
 /// The content, and over it the child windows.

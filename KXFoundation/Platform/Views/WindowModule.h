@@ -92,7 +92,8 @@ struct WindowModule {
     /// if the window has another size by now: the Resized event is on its way.
     bool (*present)(std::uint32_t window, const void* pixels, std::int32_t width, std::int32_t height,
                     std::int32_t stride, const WindowModulePixelRect* rects, std::int32_t count);
-    /// The descriptor that becomes readable when the display has something to say; -1 if it has none.
+    /// The descriptor that becomes readable when the display has something to say; -1 if it has none, also
+    /// once the display has gone.
     int (*descriptor)();
     /// Takes the next event, without waiting; false if there is none. Call until it answers false before
     /// every wait for the descriptor: events may have been read from it already.

@@ -90,6 +90,13 @@ TEST(GraphicsContext, PixelsArePremultiplied) {
     EXPECT_TRUE(canvas.isBlank());
 }
 
+TEST(GraphicsContext, SemanticColorIsDrawnForTheLookOfTheMoment) {
+    const Canvas canvas;
+    const ScopedAppearance dark(NSAppearance::Dark);
+    canvas->fill({0, 0, 10, 10}, *NSColor::colorWithLight({1, 1, 1, 1}, {0, 0, 0, 1}));
+    EXPECT_EQ(canvas.at(5, 5), 0xFF000000u);
+}
+
 TEST(GraphicsContext, StateIsSavedAndRestored) {
     const Canvas canvas;
     {

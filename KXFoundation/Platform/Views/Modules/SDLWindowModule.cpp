@@ -5,6 +5,7 @@
 #include <cstdio>
 #include <cstring>
 #include <string>
+#include <utility>
 #include <vector>
 
 #include <SDL2/SDL.h>
@@ -18,10 +19,6 @@
 namespace {
 
 using namespace kx;
-
-SDL_Window* find(std::uint32_t window) {
-    return SDL_GetWindowFromID(window);
-}
 
 /// Of the display's connection.
 struct DisplayFacts {
@@ -37,6 +34,16 @@ double scaleOf(Display* display) {
     return std::isfinite(scale) ? std::clamp(scale, 1.0, 4.0) : 1;
 }
 
+/// What an X11 connection does when its server has gone, where the library's own way is to end the program:
+/// the windows are told to close, and nothing is asked of the connection any more.
+bool displayHasGone = false;
+
+void outliveDisplay(Display* display) {
+    const auto stay = [](Display*, void*) { displayHasGone = true; };
+    XSetIOErrorHandler([](Display*) { return 0; });  // it would write lines of its own
+    XSetIOErrorExitHandler(display, stay, nullptr);
+}
+
 DisplayFacts askDisplay() {
     // Any window of ours knows the display; a hidden one serves before the first is made.
     SDL_Window* probe = SDL_CreateWindow("", 0, 0, 1, 1, SDL_WINDOW_HIDDEN);
@@ -44,8 +51,10 @@ DisplayFacts askDisplay() {
     SDL_VERSION(&info.version);
     DisplayFacts facts;
     if (probe && SDL_GetWindowWMInfo(probe, &info)) {
-        if (info.subsystem == SDL_SYSWM_X11)
+        if (info.subsystem == SDL_SYSWM_X11) {
             facts = {XConnectionNumber(info.info.x11.display), scaleOf(info.info.x11.display)};
+            outliveDisplay(info.info.x11.display);
+        }
         if (info.subsystem == SDL_SYSWM_WAYLAND) facts.descriptor = wl_display_get_fd(info.info.wl.display);
     }
     if (probe) SDL_DestroyWindow(probe);
@@ -64,9 +73,15 @@ int units(double points) {
     return static_cast<int>(std::lround(points * displayFacts().unitsPerPoint));
 }
 
+/// None of a display that has gone: SDL answers none with an error, and asks the display nothing.
+SDL_Window* find(std::uint32_t window) {
+    return displayHasGone ? nullptr : SDL_GetWindowFromID(window);
+}
+
 double scaleOf(SDL_Window* window) {
     int wide = 0;
     int pixels = 0;
+    if (!window) return 1;
     SDL_GetWindowSize(window, &wide, nullptr);
     SDL_GetWindowSizeInPixels(window, &pixels, nullptr);
     return wide > 0 && pixels > 0 ? pixels / points(wide) : 1;
@@ -213,6 +228,15 @@ bool translate(const SDL_Event& from, WindowModuleEvent& to) {
     return to.type != WindowEventType::Nothing;
 }
 
+/// Once.
+bool tellsThatDisplayHasGone(WindowModuleEvent& event) {
+    static bool isTold = false;
+    if (!displayHasGone || std::exchange(isTold, true)) return false;
+    event = {};
+    event.type = WindowEventType::Quit;
+    return true;
+}
+
 bool present(std::uint32_t id, const void* pixels, std::int32_t width, std::int32_t height,
              std::int32_t stride, const WindowModulePixelRect* rects, std::int32_t count) {
     SDL_Window* window = find(id);
@@ -236,6 +260,7 @@ const WindowModule kTable{
     .version = WindowModule::kVersion,
     .driver = [] { return SDL_GetCurrentVideoDriver(); },
     .createWindow = [](const char* title, double width, double height) -> std::uint32_t {
+        if (displayHasGone) return 0;
         SDL_Window* window =
             SDL_CreateWindow(title, SDL_WINDOWPOS_CENTERED, SDL_WINDOWPOS_CENTERED, units(width),
                              units(height), SDL_WINDOW_RESIZABLE | SDL_WINDOW_ALLOW_HIGHDPI);
@@ -262,19 +287,19 @@ const WindowModule kTable{
         },
     .scale = [](std::uint32_t id) { return scaleOf(find(id)); },
     .present = present,
-    .descriptor = [] { return displayFacts().descriptor; },
+    .descriptor = [] { return displayHasGone ? -1 : displayFacts().descriptor; },
     .nextEvent =
         [](WindowModuleEvent* event) {
             SDL_Event from;
-            while (SDL_PollEvent(&from)) {
+            while (!displayHasGone && SDL_PollEvent(&from)) {
                 if (translate(from, *event)) return true;
             }
-            return false;
+            return tellsThatDisplayHasGone(*event);
         },
     .screenSize =
         [](double* width, double* height) {
             SDL_Rect bounds;
-            if (SDL_GetDisplayBounds(0, &bounds) != 0) return false;
+            if (displayHasGone || SDL_GetDisplayBounds(0, &bounds) != 0) return false;
             *width = points(bounds.w);
             *height = points(bounds.h);
             return true;
