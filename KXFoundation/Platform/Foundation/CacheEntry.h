@@ -48,5 +48,6 @@ struct CacheEntry {
         : time(facts.time), cost(facts.cost), hash(facts.hash), value(std::move(v)), keySize(size) {}
     ~CacheEntry() = default;
 };
+static_assert(sizeof(CacheEntry) == 64);  // a line of the processor's cache
 
 }  // namespace kx

@@ -68,8 +68,10 @@ struct ThreadBlocks {
         }
         --count;
         Block* const block = std::exchange(first, first->next);
-        __builtin_prefetch(first, 1);  // for the next entry
-        __builtin_prefetch(reinterpret_cast<const char*>(first) + 64, 1);
+        if (first) {  // for the next entry
+            __builtin_prefetch(first, 1);
+            __builtin_prefetch(reinterpret_cast<const char*>(first) + 64, 1);
+        }
         return block;
     }
     void push(void* memory) {

@@ -1,6 +1,5 @@
 #include <algorithm>
 #include <bit>
-#include <limits>
 
 #include <KXFoundation/Platform/Foundation/CacheTable.h>
 
@@ -10,7 +9,7 @@ namespace {
 
 constexpr unsigned kAddressBits = 48;
 constexpr std::uint64_t kTag = ~std::uint64_t{0} << kAddressBits;
-constexpr std::intptr_t kLine = 64;
+constexpr std::int64_t kLine = 64;
 
 /// Of the hash's bits that choose neither the group nor the shard.
 std::uint64_t tagOf(std::uint64_t hash) noexcept {
@@ -23,13 +22,6 @@ std::uint64_t wordOf(const CacheEntry* entry) noexcept {
 
 CacheEntry* entryIn(std::uint64_t word) noexcept {
     return reinterpret_cast<CacheEntry*>(word & ~kTag);
-}
-
-std::int32_t linesToPayload(const CacheEntry* entry) noexcept {
-    const auto payload = reinterpret_cast<std::intptr_t>(entry->value.sharedPayload());
-    const std::intptr_t lines = payload / kLine - reinterpret_cast<std::intptr_t>(entry) / kLine;
-    const auto stored = static_cast<std::int32_t>(lines);
-    return payload != 0 && stored == lines ? stored : 0;
 }
 
 }  // namespace
@@ -50,19 +42,25 @@ CacheEntry* CacheTable::find(std::uint64_t hash, std::string_view key) const noe
         for (; alike != 0; alike &= alike - 1) {
             const auto slot = static_cast<unsigned>(std::countr_zero(alike));
             CacheEntry* const entry = entryIn(group->slots[slot].load(std::memory_order_acquire));
-            const std::intptr_t payload = group->payloads[slot].load(std::memory_order_relaxed) * kLine;
-            __builtin_prefetch(reinterpret_cast<const char*>(entry) + payload, 1);
-            __builtin_prefetch(reinterpret_cast<const char*>(entry + 1) + key.size());
-            if (entry && entry->key() == key) return entry;
+            if (!entry) continue;
+            const std::int64_t payload = firstPayload_.load(std::memory_order_relaxed) +
+                                         group->payloads[slot].load(std::memory_order_relaxed);
+            __builtin_prefetch(reinterpret_cast<const void*>(payload * kLine), 1);
+            __builtin_prefetch(reinterpret_cast<const char*>(entry + 1) + key.size());  // to the key's end
+            if (entry->key() == key) return entry;
         }
         if (group->passed.load(std::memory_order_acquire) == 0) break;
     }
     return nullptr;
 }
 
-void CacheTable::Place::put(CacheEntry* entry) const noexcept {
-    group.payloads[slot].store(linesToPayload(entry), std::memory_order_relaxed);
-    group.slots[slot].store(wordOf(entry), std::memory_order_release);
+void CacheTable::put(CacheEntry* entry, const Place& place) noexcept {
+    const auto payload = reinterpret_cast<std::intptr_t>(entry->value.sharedPayload()) / kLine;
+    if (firstPayload_.load(std::memory_order_relaxed) == 0)
+        firstPayload_.store(payload, std::memory_order_relaxed);
+    const std::int64_t lines = payload - firstPayload_.load(std::memory_order_relaxed);
+    place.group.payloads[place.slot].store(static_cast<std::int32_t>(lines), std::memory_order_relaxed);
+    place.group.slots[place.slot].store(wordOf(entry), std::memory_order_release);
 }
 
 void CacheTable::insert(CacheEntry* entry) noexcept {
@@ -71,13 +69,13 @@ void CacheTable::insert(CacheEntry* entry) noexcept {
         const auto slot = std::ranges::find_if(
             group->slots, [](const Slot& s) { return s.load(std::memory_order_relaxed) == 0; });
         if (slot != group->slots.end())
-            return Place{*group, static_cast<std::size_t>(slot - group->slots.begin())}.put(entry);
+            return put(entry, {*group, static_cast<std::size_t>(slot - group->slots.begin())});
         group->passed.store(group->passed.load(std::memory_order_relaxed) + 1, std::memory_order_relaxed);
     }
 }
 
 void CacheTable::replace(const CacheEntry* former, CacheEntry* entry) noexcept {
-    placeOf(former).put(entry);
+    put(entry, placeOf(former));
 }
 
 void CacheTable::erase(const CacheEntry* entry) noexcept {

@@ -47,25 +47,27 @@ class CacheTable final : public Retirable {
     using Slot = std::atomic<std::uint64_t>;
     struct alignas(64) Group {
         std::array<Slot, kSlots> slots{};
-        /// How many lines of memory lie between an entry and the payload of its value: a hit fetches that,
-        /// whose count it is to change, and the entry at once, not one after the other. 0: too many.
+        /// Where the payloads of the values lie, in lines of the processor's cache from the first: a hit
+        /// fetches its value's, whose count it is to change, and the entry at once, not one after the other.
+        /// What is fetched may be wrong.
         std::array<std::atomic<std::int32_t>, kSlots> payloads{};
         std::atomic<std::uint32_t> passed{0};
     };
     struct Place {
         Group& group;
         std::size_t slot;
-        void put(CacheEntry* entry) const noexcept;
     };
 
     [[nodiscard]] Group& home(std::uint64_t hash) const noexcept { return groups_[hash & mask_]; }
     [[nodiscard]] Group& after(const Group& group) const noexcept {
         return groups_[static_cast<std::size_t>(&group - groups_.get() + 1) & mask_];
     }
+    void put(CacheEntry* entry, const Place& place) noexcept;
     [[nodiscard]] Place placeOf(const CacheEntry* entry) const noexcept;
 
     const std::size_t mask_;
     const std::unique_ptr<Group[]> groups_;
+    std::atomic<std::int64_t> firstPayload_{0};
     std::size_t count_ = 0;
 };
 
