@@ -216,5 +216,17 @@ TEST(GoldenTolerance, EveryControlThatMovesByAPointIsNoticed) {
     }
 }
 
+TEST(SmallWindow, TabBringsEveryControlIntoSight) {
+    const Stage stage({"once", "en", 1, Shown::SmallEnd});
+    const auto window = stage.root()->window();
+    for (std::size_t i = 0; i < gallery::pages().size() + 6; ++i) {
+        window->sendEvent({.type = NSEventType::KeyDown, .characters = "\t"});
+        const auto view = std::dynamic_pointer_cast<NSView>(window->firstResponder());
+        ASSERT_TRUE(view);
+        const NSRect place = view->convertRectToView(view->bounds(), nullptr);
+        EXPECT_TRUE(place.origin.y >= 0 && place.maxY() <= 400) << view->description() << ", Tab " << i;
+    }
+}
+
 }  // namespace
 }  // namespace kx::testing
