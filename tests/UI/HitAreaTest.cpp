@@ -47,10 +47,10 @@ TEST_F(HitArea, ClicksAroundAnEnlargedButtonAreItsOwn) {
 TEST_F(HitArea, AConfirmButtonIsSetUpFromFrameAndArchive) {
     const auto plain = make<KXConfirmButton>(NSRect(0, 0, 80, 30));
     plain->setWantsLayer(true);
-    NSCoder writer;
-    plain->encodeWithCoder(writer);
-    NSCoder reader(writer.archive());
-    const auto archived = make<KXConfirmButton>(reader);
+    NSCoder encoder;
+    plain->encodeWithCoder(encoder);
+    NSCoder decoder(encoder.archive());
+    const auto archived = make<KXConfirmButton>(decoder);
     EXPECT_EQ(archived->layer()->cornerRadius(), 8);
     for (const auto& button : {plain, archived}) {
         EXPECT_EQ(button->style(), KXConfirmButton::Style::blue);
