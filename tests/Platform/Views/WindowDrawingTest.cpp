@@ -3,11 +3,13 @@
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
+#include <poll.h>
 
 #include <KXFoundation/Platform/Graphics/GraphicsContext.h>
 #include <KXFoundation/Platform/Graphics/NSColor.h>
 #include <KXFoundation/Platform/Graphics/NSFont.h>
 #include <KXFoundation/Platform/Graphics/NSImage.h>
+#include <KXFoundation/Platform/Runtime/EventLoop.h>
 #include <KXFoundation/Platform/Views/NSButton.h>
 #include <KXFoundation/Platform/Views/NSCollectionView.h>
 #include <KXFoundation/Platform/Views/NSCollectionViewFlowLayout.h>
@@ -89,6 +91,23 @@ void addControls(NSView& content, NSUserInterfaceLayoutDirection direction) {
     layout->setUserInterfaceLayoutDirection(direction);
     collection.setCollectionViewLayout(layout);
     for (int i = 0; i < 5; ++i) addButton(collection, {});
+}
+
+class Restless : public Subclass<Restless, NSView> {
+  public:
+    void drawRect(GraphicsContext&, NSRect) override {
+        if (++drawn < 3) setNeedsDisplay();
+    }
+    int drawn = 0;
+};
+
+TEST(WindowDrawing, ADrawingThatAsksForAnotherIsHeardInALoopOfOnesOwn) {
+    const testing::OffscreenWindow shown({100, 100});
+    const auto view = make<Restless>(NSRect(0, 0, 50, 50));
+    shown.content().addSubview(view);
+    pollfd loop{EventLoop::main().descriptor(), POLLIN, 0};
+    while (::poll(&loop, 1, 0) > 0) EventLoop::main().drain();
+    EXPECT_EQ(view->drawn, 3);
 }
 
 TEST(WindowDrawing, OnlyWhatChangedIsDrawn) {
