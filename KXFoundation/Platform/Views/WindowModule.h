@@ -52,8 +52,9 @@ enum WindowModifier : std::uint32_t {
 
 struct WindowModuleEvent {
     WindowEventType type = WindowEventType::Nothing;
-    std::uint32_t window = 0;      ///< the number that createWindow answered; 0 for Quit
-    double x = 0, y = 0;           ///< points from the window's top left corner; for Wheel the lines, to the right and up
+    std::uint32_t window = 0;  ///< the number that createWindow answered; 0 for Quit
+    double x = 0,
+           y = 0;  ///< points from the window's top left corner; for Wheel the lines, to the right and up
     double width = 0, height = 0;  ///< of Resized
     std::uint32_t button = 0;      ///< 0 the primary one, 1 the secondary one, 2 the middle one
     std::uint32_t clicks = 0;      ///< 1, 2, ... of MouseDown and MouseUp
