@@ -1,5 +1,6 @@
 #include <algorithm>
 #include <cstring>
+#include <memory>
 #include <string>
 #include <string_view>
 
@@ -98,15 +99,15 @@ Result<std::vector<std::byte>> encodePng(const NSBitmapImageRep& bitmap) {
     image.height = bitmap.pixelsHigh();
     image.format = PNG_FORMAT_BGRA;
     image.flags = PNG_IMAGE_FLAG_FAST;
-    std::vector<std::uint32_t> pixels(bitmap.pixels().size());
-    std::transform(bitmap.pixels().begin(), bitmap.pixels().end(), pixels.begin(), straight);
+    // Not cleared first: of the room for the worst case most pictures touch a small part.
+    const auto pixels = std::make_unique_for_overwrite<std::uint32_t[]>(bitmap.pixels().size());
+    std::transform(bitmap.pixels().begin(), bitmap.pixels().end(), pixels.get(), straight);
     png_alloc_size_t size = PNG_IMAGE_PNG_SIZE_MAX(image);
-    std::vector<std::byte> encoded(size);
-    if (!png_image_write_to_memory(&image, encoded.data(), &size, 0, pixels.data(), 0, nullptr)) {
+    const auto encoded = std::make_unique_for_overwrite<std::byte[]>(size);
+    if (!png_image_write_to_memory(&image, encoded.get(), &size, 0, pixels.get(), 0, nullptr)) {
         return pngError(image);
     }
-    encoded.resize(size);
-    return encoded;
+    return std::vector<std::byte>(encoded.get(), encoded.get() + size);
 }
 
 }  // namespace kx

@@ -155,6 +155,7 @@ void NSWindow::openSurface() {
     if (!surface_) return;
     surface_->setTitle(title_);
     takeSizeFromSurface();
+    wakeLoop();  // for what was asked for before there was a surface
 }
 
 void NSWindow::surfaceDid(const SurfaceEvent& event) {

@@ -42,7 +42,7 @@ class KX_EXPORT NativeWindowSystem final : public WindowSystem,
     bool keyIsHeld_ = false;
     bool turnsForKey_ = false;  // a timer is under way
     int beforeWait_ = 0;
-    int descriptor_ = -1;  // that the loop watches
+    int descriptor_ = -1;                               // that the loop watches
     std::map<std::uint32_t, NativeSurface*> surfaces_;  // each takes itself out when it dies
 };
 
