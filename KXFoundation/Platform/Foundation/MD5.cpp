@@ -1,8 +1,7 @@
-#include <KXFoundation/Platform/Foundation/MD5.h>
-
+#include <md5.h>
 #include <sys/types.h>  // md5.h needs it
 
-#include <md5.h>
+#include <KXFoundation/Platform/Foundation/MD5.h>
 
 namespace kx {
 

@@ -1,5 +1,3 @@
-#include <KXFoundation/Platform/Runtime/MemoryPressure.h>
-
 #include <cerrno>
 #include <string_view>
 #include <thread>
@@ -10,6 +8,7 @@
 #include <sys/eventfd.h>
 #include <unistd.h>
 
+#include <KXFoundation/Platform/Runtime/MemoryPressure.h>
 #include <KXFoundation/Platform/Runtime/Mutex.h>
 
 namespace kx {

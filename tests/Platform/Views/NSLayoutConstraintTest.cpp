@@ -107,7 +107,7 @@ TEST_F(Constraints, TheyEndWhenAViewLeaves) {
     const auto inside = equal(b, Top, inner, Top, 9);
     equal(a, Left, root, Left, 60);
     root->layoutSubtreeIfNeeded();
-    EXPECT_EQ(b->frame().origin, NSPoint(17, 9)) << "60 + 7 in the coordinates of the inner view";
+    EXPECT_EQ(b->frame().origin, (NSPoint{17, 9})) << "60 + 7 in the coordinates of the inner view";
     inner->removeFromSuperview();
     EXPECT_FALSE(across->isActive());
     EXPECT_TRUE(inside->isActive());
