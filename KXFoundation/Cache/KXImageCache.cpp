@@ -25,9 +25,9 @@ class Registry {
         return found == caches_.end() ? nullptr : found->second;
     }
     /// False if the path has its cache.
-    bool add(const std::string& path, std::shared_ptr<KXImageCache> cache) {
+    bool add(const std::string& path, const std::shared_ptr<KXImageCache>& cache) {
         const MutexLock lock(mutex_);
-        return caches_.try_emplace(path, std::move(cache)).second;
+        return caches_.try_emplace(path, cache).second;
     }
     /// Not one that took the cache's place after it was destroyed before.
     void remove(const KXImageCache& cache) {

@@ -1,4 +1,5 @@
 #include <algorithm>
+#include <new>
 #include <utility>
 
 #include <KXFoundation/Platform/Foundation/CacheShard.h>
@@ -33,7 +34,8 @@ class RetiredEntries final : public Retirable {
 }  // namespace
 
 DiscardedEntries::~DiscardedEntries() {
-    if (first_) retire(new RetiredEntries(first_));
+    // Without memory for this little the entries stay for good: no reader may lose them.
+    if (auto* const entries = first_ ? new (std::nothrow) RetiredEntries(first_) : nullptr) retire(entries);
     for (Retirable* table : tables_) retire(table);
 }
 

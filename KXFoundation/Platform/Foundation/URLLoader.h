@@ -22,7 +22,7 @@ struct URLAnswer {
 /// The limits of one loading.
 struct URLLimits {
     std::chrono::milliseconds time = std::chrono::seconds(60);  ///< from the first to the last byte
-    std::uint64_t bodyBytes = 4 * 1024 * 1024;                  ///< unpacked
+    std::uint64_t bodyBytes = std::uint64_t{4} << 20;           ///< unpacked
     std::uint32_t redirects = 5;
 };
 
