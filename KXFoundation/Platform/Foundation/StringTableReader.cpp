@@ -105,7 +105,9 @@ class Reader {
     }
 
     StringTableFaults read() {
-        while (skipSpace()) readEntry();
+        while (skipSpace()) {
+            if (!readPlainEntry()) readEntry();
+        }
         return faults_;
     }
 
@@ -151,6 +153,21 @@ class Reader {
         if (isBlock) note(at_, "a comment without end");
         neverClosed_ = neverClosed_ || isBlock;
         at_ = std::find(at_, end_, '\n');
+    }
+
+    /// An entry as programs write it, without an escape: most are. Leaves any other to readEntry.
+    bool readPlainEntry() {
+        constexpr std::string_view kBetween = R"(" = ")", kAfter = R"(";)";
+        if (!clean_ || *at_ != '"') return false;
+        char* const key = at_ + 1;
+        char* const keyEnd = findQuoteOrBackslash(key, end_);
+        if (!std::string_view(keyEnd, end_).starts_with(kBetween)) return false;
+        char* const text = keyEnd + kBetween.size();
+        char* const textEnd = findQuoteOrBackslash(text, end_);
+        if (!std::string_view(textEnd, end_).starts_with(kAfter)) return false;
+        at_ = textEnd + kAfter.size();
+        take_({{key, keyEnd}, {text, textEnd}});
+        return true;
     }
 
     void readEntry() {
