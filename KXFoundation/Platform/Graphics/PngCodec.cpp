@@ -65,6 +65,10 @@ struct PngChunks {
     ImageOrientation orientation = ImageOrientation::TopLeft;
 };
 
+bool isOpaque(std::uint32_t pixel) {
+    return channel(pixel, 24) == 255;
+}
+
 }  // namespace
 
 bool sniffPng(std::span<const std::byte> data) {
@@ -99,12 +103,17 @@ Result<std::vector<std::byte>> encodePng(const NSBitmapImageRep& bitmap) {
     image.height = bitmap.pixelsHigh();
     image.format = PNG_FORMAT_BGRA;
     image.flags = PNG_IMAGE_FLAG_FAST;
+    // An opaque picture, as of a window, is written as it lies.
+    std::unique_ptr<std::uint32_t[]> straightened;
+    if (!std::ranges::all_of(bitmap.pixels(), isOpaque)) {
+        straightened = std::make_unique_for_overwrite<std::uint32_t[]>(bitmap.pixels().size());
+        std::transform(bitmap.pixels().begin(), bitmap.pixels().end(), straightened.get(), straight);
+    }
+    const std::uint32_t* const pixels = straightened ? straightened.get() : bitmap.pixels().data();
     // Not cleared first: of the room for the worst case most pictures touch a small part.
-    const auto pixels = std::make_unique_for_overwrite<std::uint32_t[]>(bitmap.pixels().size());
-    std::transform(bitmap.pixels().begin(), bitmap.pixels().end(), pixels.get(), straight);
     png_alloc_size_t size = PNG_IMAGE_PNG_SIZE_MAX(image);
     const auto encoded = std::make_unique_for_overwrite<std::byte[]>(size);
-    if (!png_image_write_to_memory(&image, encoded.get(), &size, 0, pixels.get(), 0, nullptr)) {
+    if (!png_image_write_to_memory(&image, encoded.get(), &size, 0, pixels, 0, nullptr)) {
         return pngError(image);
     }
     return std::vector<std::byte>(encoded.get(), encoded.get() + size);
