@@ -98,8 +98,9 @@ std::optional<char> simpleEscape(char c) noexcept {
 /// quote, so it is read again at most once, and comments, which could be long, are never read again.
 class Reader {
   public:
-    Reader(std::string& text, const std::function<void(const StringTableEntry&)>& take) noexcept
-        : begin_(text.data()), at_(begin_), end_(begin_ + text.size()), take_(take) {
+    Reader(std::string& text, const std::function<void(const StringTableEntry&)>& take,
+           const TellStringTableFault& tell) noexcept
+        : begin_(text.data()), at_(begin_), end_(begin_ + text.size()), take_(take), tell_(tell) {
         if (text.starts_with(kMark)) at_ += kMark.size();
         clean_ = text.find('\0') == text.npos && isUtf8(text);
     }
@@ -277,6 +278,7 @@ class Reader {
 
     void note(const char* where, Fault reason) noexcept { note(where, reason, linesMade_); }
     void note(const char* where, Fault reason, std::size_t linesMadeBefore) noexcept {
+        if (tell_) tell_(static_cast<std::size_t>(where - begin_), reason);
         if (faults_.count++ > 0) return;
         const auto lineEnds = static_cast<std::size_t>(std::count<const char*>(begin_, where, '\n'));
         faults_.firstLine = 1 + lineEnds - linesMadeBefore;
@@ -294,13 +296,14 @@ class Reader {
     std::size_t linesMade_ = 0;  // line ends that escapes put where the file had none
     StringTableFaults faults_;
     const std::function<void(const StringTableEntry&)>& take_;
+    const TellStringTableFault& tell_;
 };
 
 }  // namespace
 
-StringTableFaults readStringTable(std::string& text,
-                                  const std::function<void(const StringTableEntry&)>& take) {
-    return Reader(text, take).read();
+StringTableFaults readStringTable(std::string& text, const std::function<void(const StringTableEntry&)>& take,
+                                  const TellStringTableFault& tell) {
+    return Reader(text, take, tell).read();
 }
 
 }  // namespace kx

@@ -3,7 +3,9 @@
 #include <string>
 #include <string_view>
 
-/// UTF-8 one code point at a time. Private to Foundation.
+#include <KXFoundation/Platform/Runtime/Export.h>
+
+/// UTF-8 one code point at a time. Private to Foundation and to the programs beside it.
 namespace kx {
 
 inline constexpr char32_t kReplacementCharacter = 0xFFFD;
@@ -13,6 +15,6 @@ inline constexpr char32_t kReplacementCharacter = 0xFFFD;
 char32_t takeCodePoint(std::string_view& text) noexcept;
 
 /// Appends the code point as UTF-8; a surrogate or a number beyond U+10FFFF as kReplacementCharacter.
-void appendCodePoint(std::string& text, char32_t codePoint);
+KX_EXPORT void appendCodePoint(std::string& text, char32_t codePoint);
 
 }  // namespace kx
