@@ -14,7 +14,7 @@ namespace {
 
 // A longer step leaves the years held in any unit of a second and more.
 constexpr std::int64_t kLongestStep = std::int64_t{1} << 46;
-constexpr std::int64_t kMostMonths = 12 * 2 * kLastYear;
+constexpr std::int64_t kMostMonths = std::int64_t{12} * 2 * kLastYear;
 constexpr std::int64_t kMostDays = 2 * kLastSecond / kSecondsPerDay;
 
 /// What adding a record of fields means.
@@ -110,7 +110,7 @@ std::int64_t NSCalendar::daysInWeekYears(std::int64_t day, std::int64_t years) c
 std::int64_t NSCalendar::unitsBetween(NSCalendarUnit unit, std::int64_t from,
                                       std::int64_t to) const noexcept {
     if (const std::int64_t months = monthsIn(unit)) return monthsBetween(from, to) / months;
-    if (unit != NSCalendarUnitYearForWeekOfYear) return (to - from) / (daysIn(unit) * kSecondsPerDay);
+    if (const std::int64_t days = daysIn(unit)) return (to - from) / (days * kSecondsPerDay);
     const std::int64_t day = DayAndSecond(from).day;
     const std::int64_t years = weekYearOf(DayAndSecond(to).day) - weekYearOf(day);
     return wholeOnes(years, movedLocally(from, 0, daysInWeekYears(day, years)), to);

@@ -28,7 +28,7 @@ struct HTTPTransfer {
 namespace {
 
 /// curl 7.88 keeps every header of an answer, however many a server sends.
-constexpr std::size_t kMostHeaderBytes = 256 * 1024;
+constexpr std::size_t kMostHeaderBytes = std::size_t{256} << 10;
 
 std::size_t takeBody(char* bytes, std::size_t size, std::size_t count, void* context) {
     const auto& request = static_cast<HTTPTransfer*>(context)->request;
