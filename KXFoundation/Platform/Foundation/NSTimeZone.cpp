@@ -15,7 +15,7 @@ namespace kx {
 
 namespace {
 
-constexpr std::int64_t kFarthestFromGMT = 18 * 3600;
+constexpr std::int64_t kFarthestFromGMT = std::int64_t{18} * 3600;
 
 /// Every zone that was asked for, by name: as many as the system has zone files, at most.
 class LoadedZones {

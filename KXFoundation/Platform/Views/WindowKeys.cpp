@@ -25,7 +25,7 @@ void collectKeyViews(const std::shared_ptr<NSView>& view, std::vector<std::share
 }  // namespace
 
 std::shared_ptr<NSResponder> NSWindow::firstResponder() const {
-    const auto responder = firstResponder_.lock();
+    auto responder = firstResponder_.lock();
     const auto* view = dynamic_cast<const NSView*>(responder.get());
     if (!view) return responder;
     for (auto above = responder; above; above = above->nextResponder()) {
