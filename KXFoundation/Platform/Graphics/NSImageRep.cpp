@@ -1,6 +1,10 @@
+#include <algorithm>
 #include <atomic>
 #include <new>
 #include <utility>
+
+#include <sys/mman.h>
+#include <unistd.h>
 
 #include <KXFoundation/Platform/Graphics/GraphicsContext.h>
 #include <KXFoundation/Platform/Graphics/NSImageRep.h>
@@ -9,7 +13,30 @@ namespace kx {
 
 namespace {
 constinit std::atomic<std::uint64_t> limit{std::uint64_t{64} << 20};
+
+/// Has the system back the whole pages of memory that is about to be written, in one call: one by one, as
+/// they are first touched, they can cost more than all that is drawn on them. Where it knows no such call
+/// they come so.
+void backPages([[maybe_unused]] void* memory, [[maybe_unused]] std::size_t bytes) noexcept {
+#ifdef MADV_POPULATE_WRITE
+    static const auto page = static_cast<std::uintptr_t>(::sysconf(_SC_PAGESIZE));
+    const auto start = reinterpret_cast<std::uintptr_t>(memory);
+    const std::uintptr_t first = (start + page - 1) / page * page, end = (start + bytes) / page * page;
+    if (end > first)
+        ::madvise(static_cast<std::byte*>(memory) + (first - start), end - first, MADV_POPULATE_WRITE);
+#endif
 }
+
+std::unique_ptr<std::uint32_t[]> clearPixels(std::size_t count) {
+    constexpr std::size_t kWorthCalling = std::size_t{16} << 10;
+    std::unique_ptr<std::uint32_t[]> pixels(new (std::nothrow) std::uint32_t[count]);
+    if (!pixels) return nullptr;
+    if (count >= kWorthCalling) backPages(pixels.get(), count * sizeof(std::uint32_t));
+    std::fill_n(pixels.get(), count, 0U);
+    return pixels;
+}
+
+}  // namespace
 
 std::uint64_t NSBitmapImageRep::pixelLimit() noexcept {
     return limit.load(std::memory_order_relaxed);
@@ -26,7 +53,7 @@ bool NSBitmapImageRep::allows(std::uint64_t wide, std::uint64_t high) noexcept {
 
 bool NSBitmapImageRep::init(std::uint32_t wide, std::uint32_t high) {
     if (!Super::init() || !allows(wide, high)) return false;
-    pixels_.reset(new (std::nothrow) std::uint32_t[std::size_t{wide} * high]());
+    pixels_ = clearPixels(std::size_t{wide} * high);
     if (!pixels_) return false;
     wide_ = wide;
     high_ = high;
