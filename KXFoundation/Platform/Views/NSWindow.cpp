@@ -88,7 +88,8 @@ void NSWindow::fitContentView() {
 void NSWindow::setContentViewController(std::shared_ptr<NSViewController> controller) {
     const auto held = self();
     contentViewController_ = controller;
-    if (controller) setContentView(controller->view());
+    const auto shown = std::move(controller);  // making its view may replace it here
+    if (shown) setContentView(shown->view());
 }
 
 // On the screen
