@@ -11,7 +11,7 @@ namespace {
 
 constexpr std::int64_t kPeriod = kDaysPer400Years * kSecondsPerDay;
 constexpr int kBucketBits = 23;  // 97 days: seldom two changes in one bucket
-constexpr std::int64_t kLargestOffset = 48 * 3600;
+constexpr std::int64_t kLargestOffset = std::int64_t{48} * 3600;
 constexpr std::int64_t kForEver = std::numeric_limits<std::int64_t>::max();
 
 }  // namespace

@@ -246,9 +246,10 @@ bool present(std::uint32_t id, const void* pixels, std::int32_t width, std::int3
     for (std::int32_t i = 0; i < count; ++i) {
         const SDL_Rect& rect =
             changed.emplace_back(SDL_Rect{rects[i].x, rects[i].y, rects[i].width, rects[i].height});
-        const auto* from = static_cast<const std::uint8_t*>(pixels) + rect.y * stride + rect.x * 4;
-        auto* to = static_cast<std::uint8_t*>(surface->pixels) + rect.y * surface->pitch +
-                   rect.x * surface->format->BytesPerPixel;
+        const std::ptrdiff_t x = rect.x, y = rect.y;
+        const auto* from = static_cast<const std::uint8_t*>(pixels) + y * stride + x * 4;
+        auto* to = static_cast<std::uint8_t*>(surface->pixels) + y * surface->pitch +
+                   x * surface->format->BytesPerPixel;
         SDL_ConvertPixels(rect.w, rect.h, SDL_PIXELFORMAT_ARGB8888, from, stride, surface->format->format, to,
                           surface->pitch);
     }
