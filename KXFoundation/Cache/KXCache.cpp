@@ -5,6 +5,7 @@
 #include <KXFoundation/Cache/KXMemoryCache.h>
 #include <KXFoundation/Cache/KXYYDiskCache.h>
 #include <KXFoundation/Cache/KXYYMemoryCache.h>
+#include <KXFoundation/Cache/Load/CacheLoads.h>
 #include <KXFoundation/Cache/StoreMaking.h>
 #include <KXFoundation/Platform/Foundation/ApplicationFolder.h>
 #include <KXFoundation/Platform/Runtime/DispatchQueue.h>
@@ -65,6 +66,7 @@ bool KXCache::init(KXStoreClass memoryCacheClass, KXStoreClass diskCacheClass,
     if (!diskCacheClass.conformsTo(KXDiskCacheProtocol::classObject())) return false;
     memory_ = madeStore<KXMemoryCacheProtocol>(memoryCacheClass, place);
     disk_ = madeDiskCache(diskCacheClass, place, form);
+    loads_ = std::make_shared<CacheLoads>(memory_, disk_);
     return true;
 }
 
@@ -82,8 +84,12 @@ void KXCache::containsObjectForKey(KXCacheKey key, KXCacheContains block) {
     }
 }
 
+Value KXCache::inMemory(KXCacheKey key) const {
+    return memory_ ? fromMemory(memory_->objectForKey(key)).value : Value();
+}
+
 Value KXCache::objectForKey(KXCacheKey key) {
-    Value object = memory_ ? memory_->objectForKey(key) : Value();
+    Value object = inMemory(key);
     if (!object.isNull() || !disk_) return object;
     object = disk_->objectForKey(key);
     if (!object.isNull() && memory_) memory_->setObject(object, key);
@@ -92,7 +98,7 @@ Value KXCache::objectForKey(KXCacheKey key) {
 
 void KXCache::objectForKey(KXCacheKey key, KXCacheObject block) {
     if (!block) return;
-    if (Value object = memory_ ? memory_->objectForKey(key) : Value(); !object.isNull()) {
+    if (Value object = inMemory(key); !object.isNull()) {
         DispatchQueue::shared().async([block = std::move(block), key = std::string(key.value_or("")),
                                        object = std::move(object)] { block(key, object); });
     } else if (disk_) {
@@ -106,31 +112,37 @@ void KXCache::objectForKey(KXCacheKey key, KXCacheObject block) {
 }
 
 void KXCache::setObject(Value object, KXCacheKey forKey) {
+    loads_->outdate(forKey);
     if (memory_) memory_->setObject(object, forKey);
     if (disk_) disk_->setObject(std::move(object), forKey);
 }
 
 void KXCache::setObject(Value object, KXCacheKey forKey, KXCacheDone block) {
+    loads_->outdate(forKey);
     if (memory_) memory_->setObject(object, forKey);
     if (disk_) disk_->setObject(std::move(object), forKey, std::move(block));
 }
 
 void KXCache::removeObjectForKey(KXCacheKey key) {
+    loads_->outdate(key);
     if (memory_) memory_->removeObjectForKey(key);
     if (disk_) disk_->removeObjectForKey(key);
 }
 
 void KXCache::removeObjectForKey(KXCacheKey key, KXCacheKeyDone block) {
+    loads_->outdate(key);
     if (memory_) memory_->removeObjectForKey(key);
     if (disk_) disk_->removeObjectForKey(key, std::move(block));
 }
 
 void KXCache::removeAllObjects() {
+    loads_->outdateAll();
     if (memory_) memory_->removeAllObjects();
     if (disk_) disk_->removeAllObjects();
 }
 
 void KXCache::removeAllObjectsWithBlock(KXCacheDone block) {
+    loads_->outdateAll();
     if (memory_) memory_->removeAllObjects();
     if (disk_) disk_->removeAllObjectsWithBlock(std::move(block));
 }

@@ -6,6 +6,7 @@
 #include <string_view>
 #include <type_traits>
 
+#include <KXFoundation/Cache/KXCacheLoad.h>
 #include <KXFoundation/Cache/KXDiskCacheProtocol.h>
 #include <KXFoundation/Cache/KXMemoryCacheProtocol.h>
 #include <KXFoundation/Cache/KXStoreClass.h>
@@ -20,6 +21,8 @@ namespace kx {
 ///     auto cache = KXCache::initWithNameSpace("KXMemoryCache", "KXDiskCache", "org.example.harbours");
 ///     cache->setObject("12 berths", "nice");
 ///     std::optional<std::string> berths = cache->get<std::string>("nice");
+///
+/// Or in one call, with the way to make what neither store has: load().
 ///
 /// The facade takes no lock: it allows on several threads what its stores allow. Callbacks come on background
 /// threads: hits in memory on the shared background queue, all else on the disk store's threads. An absent
@@ -56,6 +59,26 @@ class KX_EXPORT KXCache : public Subclass<KXCache, NSObject> {
     void removeAllObjects();
     void removeAllObjectsWithBlock(KXCacheDone block);
 
+    /// The key's value from memory, else from disk, else from the loader, whose value is stored in both. One
+    /// load serves all who ask for the key meanwhile, each by its own options; the loader is that of one of
+    /// them. What is set or removed through this object while a load is under way stays so: the load answers
+    /// those who asked before, and is not stored. A failure is not stored either.
+    ///
+    ///     cache->load("nice", [] { return askForBerths("nice"); }, {.freshFor = 60, .staleFor = 600},
+    ///                 [](const Result<Value>& berths) { if (berths) show(*berths); });
+    ///     const Result<Value> berths = co_await cache->load("nice", askForBerths, {.freshFor = 60});
+    ///
+    /// Never waits; the completion is called once, in a later block of the queue of the options; without one
+    /// the value is fetched for later. An absent key is answered ErrorKind::Missing; so is an absent loader
+    /// where one is needed. Any thread, if the stores allow that: they are read here and on the shared queue,
+    /// and written there. Under way when this object goes, a load goes on to its end.
+    ///
+    /// In the memory store itself, but not through this object, a loaded value is a KXLoadedValue.
+    void load(KXCacheKey key, KXCacheLoader loader, KXCacheLoadOptions options, KXCacheLoaded completion);
+    [[nodiscard]] KXCacheLoadAnswer load(KXCacheKey key, KXCacheLoader loader,
+                                         KXCacheLoadOptions options = {});
+    [[nodiscard]] KXCacheLoadStatistics loadStatistics() const;
+
     [[nodiscard]] const std::shared_ptr<KXMemoryCacheProtocol>& memoryCache() const noexcept {
         return memory_;
     }
@@ -74,8 +97,11 @@ class KX_EXPORT KXCache : public Subclass<KXCache, NSObject> {
     }
 
   private:
+    [[nodiscard]] Value inMemory(KXCacheKey key) const;
+
     std::shared_ptr<KXMemoryCacheProtocol> memory_;
     std::shared_ptr<KXDiskCacheProtocol> disk_;
+    std::shared_ptr<CacheLoads> loads_;
 };
 
 }  // namespace kx

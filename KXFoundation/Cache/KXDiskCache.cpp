@@ -174,6 +174,10 @@ std::optional<std::string> KXDiskCache::cachePathForKey(KXCacheKey key) const {
     return key ? state_->store.fileOf(*key) : std::nullopt;
 }
 
+std::optional<double> KXDiskCache::ageOfObjectForKey(KXCacheKey key) const {
+    return key ? state_->store.ageOf(*key) : std::nullopt;
+}
+
 KXDiskCache::Statistics KXDiskCache::statistics() const {
     const auto found = answered(state_->store.statistics());
     return {found.hits, found.misses, found.evictions, found.count, found.cost, found.bytes};

@@ -64,6 +64,8 @@ class KX_EXPORT KXDiskCache : public Subclass<KXDiskCache, KXDiskCacheProtocol> 
     void setAgeLimit(double seconds) override;
     /// The segment that holds the key's value, absent if none does.
     [[nodiscard]] std::optional<std::string> cachePathForKey(KXCacheKey key) const override;
+    /// To 1/256 seconds, which count as passed; absent if there is no value.
+    [[nodiscard]] std::optional<double> ageOfObjectForKey(KXCacheKey key) const override;
 
     struct Statistics {
         std::uint64_t hits = 0;

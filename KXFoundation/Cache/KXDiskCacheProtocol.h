@@ -48,6 +48,9 @@ class KX_EXPORT KXDiskCacheProtocol : public Subclass<KXDiskCacheProtocol, NSObj
     [[nodiscard]] virtual std::optional<std::string> cachePathForKey(KXCacheKey) const {
         return std::nullopt;
     }
+    /// Optional: how many seconds ago the key's value was set, whichever process did so; below zero if that
+    /// is in the future by the present clock. Without it the ages of KXCache::load end with the process.
+    [[nodiscard]] virtual std::optional<double> ageOfObjectForKey(KXCacheKey) const { return std::nullopt; }
 };
 
 /// Optional for a disk store: derive from this too if a namespace alone says where the store lies. KXCache's

@@ -64,6 +64,12 @@ std::optional<std::string> DiskStore::fileOf(std::string_view key) {
     return place && *place ? std::optional((*place)->segment->file->path()) : std::nullopt;
 }
 
+std::optional<double> DiskStore::ageOf(std::string_view key) {
+    const MutexLock lock(mutex_);
+    const auto place = locate(key);
+    return place && *place ? std::optional(age((*place)->record())) : std::nullopt;
+}
+
 Result<std::optional<DiskStore::Read>> DiskStore::prepareRead(std::string_view key) {
     auto place = locate(key);
     if (!place) return std::move(place).error();

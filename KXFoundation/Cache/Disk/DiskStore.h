@@ -57,6 +57,8 @@ class DiskStore {
     [[nodiscard]] Result<DiskStatistics> statistics();
     /// The file that holds the key's value.
     [[nodiscard]] std::optional<std::string> fileOf(std::string_view key);
+    /// Seconds since the key's value was set.
+    [[nodiscard]] std::optional<double> ageOf(std::string_view key);
 
   private:
     using Place = DiskIndex::Place;
@@ -107,6 +109,7 @@ class DiskStore {
     void removeLater(std::vector<std::string> paths, Dropped dropped) KX_REQUIRES(mutex_);
 
     [[nodiscard]] bool isOver() const KX_REQUIRES(mutex_);
+    [[nodiscard]] double age(const Record& record) const;
     [[nodiscard]] bool isExpired(const Record& record) const KX_REQUIRES(mutex_);
     [[nodiscard]] bool isWasteful() const KX_REQUIRES(mutex_);
     [[nodiscard]] Result<std::optional<Place>> locate(std::string_view key) KX_REQUIRES(mutex_);

@@ -7,10 +7,13 @@
 
 namespace kx::disk {
 
-bool DiskStore::isExpired(const Record& record) const {
-    if (limits_.age <= 0) return false;
+double DiskStore::age(const Record& record) const {
     const std::chrono::duration<double> now = clock_->wallTime().time_since_epoch();
-    return now.count() - record.stamp.sinceEpoch() > limits_.age;
+    return now.count() - record.stamp.sinceEpoch();
+}
+
+bool DiskStore::isExpired(const Record& record) const {
+    return limits_.age > 0 && age(record) > limits_.age;
 }
 
 bool DiskStore::isOver() const {
