@@ -88,7 +88,7 @@ std::shared_ptr<NSBitmapImageRep> upright(std::shared_ptr<NSBitmapImageRep> bitm
     if (orientation == ImageOrientation::TopLeft) return bitmap;
     const std::uint32_t wide = bitmap->pixelsWide(), high = bitmap->pixelsHigh();
     const bool isTurned = orientation >= ImageOrientation::LeftTop;
-    const auto made = NSBitmapImageRep::bitmapWithPixels(isTurned ? high : wide, isTurned ? wide : high);
+    auto made = NSBitmapImageRep::bitmapWithPixels(isTurned ? high : wide, isTurned ? wide : high);
     if (!made) return nullptr;
     const Steps steps = stepsOf(orientation, wide, high);
     const std::uint32_t* const stored = bitmap->pixels().data();

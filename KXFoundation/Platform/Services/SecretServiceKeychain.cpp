@@ -51,7 +51,8 @@ Result<void> outcome(DesktopReply reply, bool found) {
 }  // namespace
 
 SecretServiceKeychain::SecretServiceKeychain(const DesktopSecrets& secrets, std::string busAddress,
-                                             std::string application, std::chrono::milliseconds timeout)
+                                             const std::string& application,
+                                             std::chrono::milliseconds timeout)
     : secrets_(secrets),
       busAddress_(std::move(busAddress)),
       application_(attribute(application)),

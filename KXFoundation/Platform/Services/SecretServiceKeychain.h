@@ -16,8 +16,8 @@ namespace kx {
 /// TimedOut at once for as long again: what is done in several calls holds its caller up once. Any thread.
 class KX_EXPORT SecretServiceKeychain final : public KeychainStore {
   public:
-    SecretServiceKeychain(const DesktopSecrets& secrets, std::string busAddress, std::string application,
-                          std::chrono::milliseconds timeout);
+    SecretServiceKeychain(const DesktopSecrets& secrets, std::string busAddress,
+                          const std::string& application, std::chrono::milliseconds timeout);
 
     /// Whether the service can keep items, and says so in time.
     [[nodiscard]] Result<void> probe(std::chrono::milliseconds patience);

@@ -5,7 +5,7 @@
 namespace kx {
 
 namespace {
-constexpr std::size_t kMostBytes = 64 * 1024;
+constexpr std::size_t kMostBytes = std::size_t{64} << 10;
 }
 
 Result<std::string> readSystemFile(FileSystem& files, const std::string& path) {

@@ -59,7 +59,7 @@ void GIFFrameStream::State::rest() {
 GIFFrameStream::Bitmap GIFFrameStream::Work::bitmapAtIndex(std::size_t index) {
     if (last && index + 1 == decoder.position()) return last;
     moveTo(index);
-    const Bitmap bitmap = pool->take();
+    Bitmap bitmap = pool->take();
     if (!bitmap) return nullptr;
     const GIFPixels pixels = pixelsOf(*bitmap);
     if (const Bitmap before = std::exchange(last, nullptr)) decoder.next(pixels, pixelsOf(*before));
