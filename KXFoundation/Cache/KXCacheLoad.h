@@ -67,29 +67,35 @@ class KX_EXPORT KXCacheLoading {
     std::shared_ptr<Ending> ending_;
 };
 
+class KXCacheLoader;
+template <class F>
+concept KXCacheLoaderCall = !std::same_as<F, KXCacheLoader> && std::copy_constructible<F> &&
+                            (std::invocable<F&, const KXCacheLoading&> || std::invocable<F&>);
+
 /// Makes the value of a key. Anything callable, with the KXCacheLoading or without: it answers the value (or
 /// an Error, or a Result<Value>), or it answers nothing and completes the loading, then or later.
 ///
 ///     [] { return readBerths(); }
-///     [](const KXCacheLoading& loading) { service.ask(loading.key(), [loading](auto text) {
-///         loading.complete(Value(text)); }); }
+///     [](const KXCacheLoading& loading) {
+///         service.ask(loading.key(), [loading](const std::string& text) { loading.complete(Value(text)); });
+///     }
 ///
 /// It runs on the shared background queue. What it throws is the load's error (ErrorKind::Failed).
 class KX_EXPORT KXCacheLoader {
   public:
     KXCacheLoader() = default;
     KXCacheLoader(std::nullptr_t) {}
-    template <class F>
-    requires(!std::same_as<F, KXCacheLoader>) && std::copy_constructible<F> &&
-        (std::invocable<F&, const KXCacheLoading&> || std::invocable<F&>)KXCacheLoader(F loader)
-        : run_([loader = std::move(loader)](const KXCacheLoading& loading) mutable {
-              if constexpr (std::invocable<F&, const KXCacheLoading&>) {
-                  runWith([&]() -> decltype(auto) { return loader(loading); }, loading);
-              } else {
-                  static_assert(!std::is_void_v<std::invoke_result_t<F&>>, "a loader that gives no value");
-                  runWith(loader, loading);
-              }
-          }) {}
+    template <KXCacheLoaderCall F>
+    KXCacheLoader(F loader) {
+        run_ = [loader = std::move(loader)](const KXCacheLoading& loading) mutable {
+            if constexpr (std::invocable<F&, const KXCacheLoading&>) {
+                runWith([&]() -> decltype(auto) { return loader(loading); }, loading);
+            } else {
+                static_assert(!std::is_void_v<std::invoke_result_t<F&>>, "a loader that gives no value");
+                runWith(loader, loading);
+            }
+        };
+    }
 
     explicit operator bool() const noexcept { return static_cast<bool>(run_); }
     void operator()(const KXCacheLoading& loading) const { run_(loading); }
