@@ -1,8 +1,11 @@
 #include "FormatArguments.h"
 
+#include <algorithm>
 #include <charconv>
 #include <cstddef>
 #include <optional>
+#include <system_error>
+#include <utility>
 
 namespace kxstrings {
 

@@ -15,7 +15,10 @@ namespace fs = std::filesystem;
 namespace {
 
 constexpr std::uint64_t kLargestSource = std::uint64_t{32} << 20;
-constexpr std::size_t kLongestCall = 10'000;  // tokens, so that no source takes more than linear time
+
+// They keep the time linear for any source.
+constexpr std::size_t kLongestCall = 10'000;  // tokens
+constexpr std::size_t kDeepestBracket = 64;   // in a call
 
 bool isSource(const fs::path& path) {
     constexpr std::string_view kEndings[] = {".c",  ".cc",  ".cpp", ".cxx", ".h",
@@ -83,6 +86,7 @@ void eachKey(const Places& places, std::size_t open, std::size_t keyArgument, Ta
     const std::size_t end = std::min(places.size(), open + kLongestCall);
     for (std::size_t i = open + 1; i < end && argument <= keyArgument; ++i) {
         if (places.isOpening(i) || places.sign(i) == '[') {
+            if (transparent.size() == kDeepestBracket) return;
             transparent.push_back(places.isTransparent(i));
         } else if (places.isClosing(i)) {
             if (transparent.empty()) return;

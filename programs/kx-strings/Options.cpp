@@ -1,8 +1,10 @@
 #include "Options.h"
 
+#include <algorithm>
 #include <charconv>
 #include <cstdio>
 #include <string_view>
+#include <system_error>
 
 #include <getopt.h>
 

@@ -2,7 +2,6 @@
 
 #include <algorithm>
 #include <filesystem>
-#include <optional>
 #include <system_error>
 #include <utility>
 #include <vector>
@@ -101,8 +100,7 @@ Table readTable(std::string file, std::string contents, Findings& findings) {
     return table;
 }
 
-/// A folder without a table localizes other things than texts: it is no language here, unless it is the only
-/// one of its kind.
+/// A folder without a table localizes other things than texts: it is no language here.
 kx::Result<Tables> readTables(const std::string& folder, Findings& findings) {
     Tables tables;
     for (const auto& [language, directory] : endingIn(folder, ".lproj")) {
