@@ -3,6 +3,7 @@
 
 #include <gtest/gtest.h>
 
+#include <KXFoundation/Cache/KXCache.h>
 #include <KXFoundation/Cache/KXDiskCache.h>
 #include <KXFoundation/Cache/KXMemoryCache.h>
 
@@ -106,6 +107,33 @@ TEST(CacheThreadTest, DiskCacheOnThreadsAndTwoStores) {
     EXPECT_EQ(answers, 12);
     for (const auto& cache : {stores[0], stores[1], KXDiskCache::initWithPath(directory / "c")})
         EXPECT_EQ(cache->totalCount(), 4 * 50 + 4u);
+}
+
+TEST(CacheThreadTest, LoadsThatAreJoinedCancelledAndOutdatedOnThreads) {
+    const testing::ScopedQueues queues;
+    const testing::TemporaryDirectory directory;
+    const auto cache = KXCache::initWithPath("KXMemoryCache", "KXDiskCache", directory / "c");
+    std::atomic<int> answers{0}, wrong{0};
+    onThreads(4, [&](int thread) {
+        for (int i = 0; i < 300; ++i) {
+            std::stop_source stop;
+            KXCacheLoadOptions options{.freshFor = i % 2 == 0 ? KXCacheLoadOptions::kForever : 0};
+            options.cancellation = stop.get_token();
+            options.queue = DispatchQueue::shared().shared_from_this();
+            const int key = i % 3;
+            cache->load(
+                std::to_string(key), [key] { return key; }, options,
+                [&, key](auto& answer) {
+                    ++answers;
+                    wrong += answer ? *answer != Value(key) : answer.error().systemError != ECANCELED;
+                });
+            if (i % 5 == thread) stop.request_stop();
+            if (i % 7 == thread) cache->removeObjectForKey(std::to_string(key));
+        }
+    });
+    drainQueues();
+    EXPECT_EQ(answers, 4 * 300);
+    EXPECT_EQ(wrong, 0);
 }
 
 }  // namespace

@@ -1,0 +1,260 @@
+#include <cmath>
+#include <stdexcept>
+
+#include <gtest/gtest.h>
+
+#include <KXFoundation/Cache/KXCache.h>
+#include <KXFoundation/Platform/Runtime/DetachedTask.h>
+#include <KXFoundation/Platform/Runtime/ManualClock.h>
+
+#include "support/ScopedPlatform.h"
+#include "support/ScopedQueues.h"
+#include "support/SimulatedWorld.h"
+
+namespace kx {
+namespace {
+
+using Failure = KXCacheLoadOptions::Failure;
+
+std::string textOf(const Result<Value>& answer) {
+    return !answer ? answer.error().message() : std::string(answer->asString().value_or("null"));
+}
+const std::string kCancelled = "cache load: failed (Operation canceled)";
+
+struct KXCacheLoadTest : ::testing::Test {
+    [[nodiscard]] std::shared_ptr<KXCache> opened() {
+        return KXCache::initWithPath("KXMemoryCache", "KXDiskCache", platform.directory() / "cache");
+    }
+    [[nodiscard]] std::string load(KXCacheLoader loader, const KXCacheLoadOptions& options = {},
+                                   KXCacheKey key = "nice") {
+        std::string seen = "nothing";
+        cache->load(key, std::move(loader), options, [&](auto& answer) {
+            EXPECT_EQ(std::exchange(seen, textOf(answer)), "nothing");
+            EXPECT_EQ(DispatchQueue::currentQueueLabel(), "main");
+        });
+        EXPECT_EQ(seen, "nothing") << "never before load() returns";
+        drainQueues();
+        return seen;
+    }
+    testing::ScopedPlatform platform;
+    std::shared_ptr<ManualClock> clock = std::make_shared<ManualClock>();
+    ScopedPort<Clock> scope{clock};
+    std::shared_ptr<KXCache> cache = opened();
+    testing::ScopedQueues queues;
+};
+
+TEST_F(KXCacheLoadTest, FreshStaleAndExpired) {
+    constexpr bool kFails = true;
+    const struct {
+        int age;
+        double freshFor, staleFor;
+        bool fails;
+        Failure failure;
+        const char *answer, *stored;
+        bool isStale;
+    } rows[] = {
+        {9, 10, 0, kFails, Failure::AnswerError, "old", "old", false},
+        {10, 10, 0, !kFails, Failure::AnswerError, "new", "new", false},
+        {10, 10, 10, !kFails, Failure::AnswerError, "old", "new", true},
+        {20, 10, 10, !kFails, Failure::AnswerError, "new", "new", false},
+        {10, 10, 10, kFails, Failure::AnswerError, "old", "old", true},
+        {20, 10, 10, kFails, Failure::AnswerError, "why: busy", "old", false},
+        {20, 10, 10, kFails, Failure::AnswerStale, "old", "old", true},
+        {1'000'000, KXCacheLoadOptions::kForever, 0, kFails, Failure::AnswerError, "old", "old", false},
+        {1'000'000, 10, KXCacheLoadOptions::kForever, !kFails, Failure::AnswerError, "old", "new", true},
+        {0, 0, 0, !kFails, Failure::AnswerError, "new", "new", false},
+        {0, NAN, -1, !kFails, Failure::AnswerError, "new", "new", false},
+        {-60, 10, 10, !kFails, Failure::AnswerError, "new", "new", false},  // the clock was set back
+    };
+    enum { InMemory, OnDisk, AfterARestart, SetPlain, kWays };
+    for (const auto& row : rows) {
+        for (int way = 0; way < kWays; ++way) {
+            SCOPED_TRACE("row " + std::to_string(&row - rows) + " way " + std::to_string(way));
+            cache->removeAllObjects();
+            if (way == SetPlain) cache->setObject("old", "nice");
+            if (way != SetPlain) static_cast<void>(load([] { return "old"; }));
+            if (way == OnDisk) cache->memoryCache()->removeAllObjects();
+            if (way == AfterARestart) cache = opened();
+            clock->setWallTime(clock->wallTime() + std::chrono::seconds(row.age));
+            const auto before = cache->loadStatistics();
+            const KXCacheLoader loader = [&]() -> Result<Value> {
+                if (row.fails) return Error{ErrorKind::Busy, 0, "why"};
+                return Value("new");
+            };
+            EXPECT_EQ(load(loader, {row.freshFor, row.staleFor, row.failure}), row.answer);
+            EXPECT_EQ(cache->get<std::string>("nice"), row.stored) << "plainly read";
+            EXPECT_EQ(opened()->get<std::string>("nice"), row.stored) << "plain on disk";
+            const auto after = cache->loadStatistics();
+            EXPECT_EQ(after.staleAnswers - before.staleAnswers, row.isStale);
+            const auto hits = after.memoryHits + after.diskHits - before.memoryHits - before.diskHits;
+            EXPECT_EQ(hits + (after.loads - before.loads), 1U);
+        }
+    }
+}
+
+TEST_F(KXCacheLoadTest, WhatALoaderMayDo) {
+    const struct {
+        KXCacheLoader loader;
+        const char* want;
+        KXCacheKey key = "nice";
+    } rows[] = {
+        {[] { return std::string("text"); }, "text"},
+        {[](const KXCacheLoading& loading) { return Value(loading.key()); }, "nice"},
+        {[](const KXCacheLoading& loading) {
+             DispatchQueue::main().async([loading] {
+                 loading.complete(Value("later"));
+                 loading.complete(Value("again"));
+             });
+         },
+         "later"},
+        {[] { return Value(); }, "null"},
+        {[] {
+             return Error{ErrorKind::Denied, 0, "berths"};
+         },
+         "berths: denied"},
+        {[]() -> Value { throw std::runtime_error("thrown"); }, "cache load: thrown: failed"},
+        {[]() -> Value { throw 1; }, "cache load: the loader threw: failed"},
+        {[](const KXCacheLoading&) {}, "cache load: the loader let go without an answer: failed"},
+        {nullptr, "cache load: no loader: missing"},
+        {[] { return "text"; }, "cache load: no key: missing", std::nullopt},
+    };
+    for (const auto& [loader, want, key] : rows) {
+        cache->removeAllObjects();
+        EXPECT_EQ(load(loader, {}, key), want);
+        const std::string stored = cache->get<std::string>(key).value_or("none");
+        EXPECT_EQ(stored,
+                  std::string(want).find_first_of(":") == std::string::npos && want != std::string("null")
+                      ? want
+                      : "none");
+    }
+}
+
+/// A loader that answers when the test says so.
+struct HeldLoader {
+    KXCacheLoader loader = [this](const KXCacheLoading& asked) { loading = asked; };
+    std::optional<KXCacheLoading> loading;
+};
+
+TEST_F(KXCacheLoadTest, WhoeverCancelsIsAnsweredAtOnceAndTheLastOneEndsTheLoad) {
+    const auto ask = [&](const HeldLoader& held, std::string& seen, const std::stop_source& stop,
+                         double staleFor = 0) {
+        const KXCacheLoadOptions options{
+            .freshFor = 10, .staleFor = staleFor, .cancellation = stop.get_token()};
+        cache->load("nice", held.loader, options, [&seen](auto& answer) { seen += textOf(answer); });
+        drainQueues();
+    };
+    const auto stopped = [](const HeldLoader& held) { return held.loading->cancellation().stop_requested(); };
+    std::stop_source one, other;
+    std::string first, second, late;
+    HeldLoader held, unused, next;
+    ask(held, first, one);
+    ask(unused, second, other);
+    one.request_stop();
+    drainQueues();
+    EXPECT_EQ(first + second, kCancelled);
+    EXPECT_FALSE(stopped(held));
+    other.request_stop();
+    drainQueues();
+    EXPECT_EQ(second, kCancelled);
+    EXPECT_TRUE(stopped(held));
+    held.loading->complete(Value("too late"));
+    ask(next, late, other);  // has cancelled before
+    EXPECT_EQ(late, kCancelled);
+    EXPECT_FALSE(next.loading || unused.loading || cache->containsObjectForKey("nice"));
+
+    // A stale answer's renewal is nobody's to cancel, and outlives the cache.
+    ASSERT_EQ(load([] { return "old"; }), "old");
+    clock->advance(std::chrono::seconds(11));
+    std::string stale;
+    std::stop_source third;
+    ask(next, stale, third, 60);
+    third.request_stop();
+    EXPECT_EQ(stale, "old");
+    EXPECT_FALSE(stopped(next));
+    const auto statistics = cache->loadStatistics();
+    EXPECT_EQ(std::tuple(statistics.loads, statistics.joined, statistics.cancelled, statistics.failures),
+              std::tuple(3U, 1U, 3U, 0U));
+    cache = nullptr;
+    next.loading->complete(Value("new"));
+    drainQueues();
+    EXPECT_EQ(opened()->get<std::string>("nice"), "new");
+}
+
+/// A coroutine whose owner may destroy it.
+struct OwnedTask {
+    struct promise_type {
+        OwnedTask get_return_object() { return {std::coroutine_handle<promise_type>::from_promise(*this)}; }
+        std::suspend_never initial_suspend() noexcept { return {}; }
+        std::suspend_always final_suspend() noexcept { return {}; }
+        void return_void() {}
+        void unhandled_exception() { throw; }
+    };
+    std::coroutine_handle<promise_type> handle;
+};
+
+OwnedTask await(const std::shared_ptr<KXCache>& cache, KXCacheLoader loader, std::string& seen) {
+    seen = textOf(co_await cache->load("nice", std::move(loader)));
+    seen += " on " + std::string(DispatchQueue::currentQueueLabel());
+}
+
+TEST_F(KXCacheLoadTest, ACoroutineAwaitsALoad) {
+    std::string seen = "nothing";
+    HeldLoader held;
+    const auto destroyed = await(cache, held.loader, seen);
+    drainQueues();
+    destroyed.handle.destroy();
+    EXPECT_TRUE(held.loading->cancellation().stop_requested());
+    held.loading->complete(Value("too late"));
+    drainQueues();
+    EXPECT_EQ(seen, "nothing");
+    for (const char* loaded : {"first", "second"}) {
+        const auto task = await(
+            cache, [loaded] { return loaded; }, seen);
+        drainQueues();
+        EXPECT_EQ(seen, "first on main");
+        task.handle.destroy();
+    }
+    static_cast<void>(cache->load("nice", nullptr));  // never awaited
+}
+
+/// Callers, one that cancels and one who removes the key after the source has changed, in every order.
+TEST(KXCacheLoadOrders, OneLoadForAllAndNothingOutdatedIsKept) {
+    for (std::uint64_t seed = 0; seed < 600; ++seed) {
+        testing::SimulatedWorld world(seed);
+        const auto cache = KXCache::initWithPath("KXMemoryCache", "KXYYDiskCache", "x");
+        const bool changes = seed % 2 == 1;
+        int source = 1, runs = 0;
+        const KXCacheLoader loader = [&](const KXCacheLoading& loading) {
+            ++runs;
+            const int read = source;
+            DispatchQueue::shared().after(std::chrono::milliseconds(seed % 3),
+                                          [loading, read] { loading.complete(Value(read)); });
+        };
+        std::stop_source stop;
+        std::array<int, 4> answers{};
+        for (std::size_t i = 0; i < answers.size(); ++i)
+            DispatchQueue::shared().async([&, i] {
+                KXCacheLoadOptions options;
+                if (i == 0) options.cancellation = stop.get_token();
+                cache->load("a", loader, options, [&answers, i](auto& answer) {
+                    answers[i] +=
+                        answer.ok() || (i == 0 && answer.error().systemError == ECANCELED) ? 1 : 100;
+                });
+            });
+        if (changes) {
+            DispatchQueue::shared().async([&] { stop.request_stop(); });
+            DispatchQueue::shared().async([&] {
+                source = 2;
+                cache->removeObjectForKey("a");
+            });
+        }
+        world.run();
+        EXPECT_EQ(answers, (std::array<int, 4>{1, 1, 1, 1})) << "seed " << seed;
+        EXPECT_TRUE(runs == 1 || changes) << "seed " << seed;
+        const auto kept = cache->get<int>("a");
+        EXPECT_EQ(kept.value_or(source), source) << "seed " << seed;
+    }
+}
+
+}  // namespace
+}  // namespace kx
