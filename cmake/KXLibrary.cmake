@@ -61,7 +61,7 @@ function(kx_tests name library)
   set_target_properties(${name} PROPERTIES
     RUNTIME_OUTPUT_DIRECTORY ${PROJECT_BINARY_DIR}/tests
     POSITION_INDEPENDENT_CODE OFF)  # as the owner of the precompiled header has it
-  set(properties TIMEOUT 120)
+  set(properties TIMEOUT 300)
   foreach(property LABELS ENVIRONMENT)  # gtest_discover_tests loses empty values
     if(arg_${property})
       list(APPEND properties ${property} ${arg_${property}})
