@@ -1,3 +1,5 @@
+#include <utility>
+
 #include <KXFoundation/Platform/Foundation/ApplicationFolder.h>
 #include <KXFoundation/Platform/Foundation/PercentEncoding.h>
 
