@@ -12,8 +12,8 @@ std::shared_ptr<GIFFrameStream> StreamedFrames::open() {
     if (lent_.expired()) {
         // A count of its own, so that its end can be told: kept files that nobody plays shall hold no frames.
         shared_->reserve();
-        const std::shared_ptr<GIFFrameStream> first(shared_.get(),
-                                                    [held = shared_](GIFFrameStream*) { held->rest(); });
+        std::shared_ptr<GIFFrameStream> first(shared_.get(),
+                                              [held = shared_](GIFFrameStream*) { held->rest(); });
         lent_ = first;
         return first;
     }

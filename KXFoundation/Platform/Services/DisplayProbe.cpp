@@ -53,7 +53,7 @@ Capability probeDisplay(Patience) {
     const auto wayland = environment.variable("WAYLAND_DISPLAY");
     const auto x11 = environment.variable("DISPLAY");
     if (wayland) {
-        const Capability answer = probeWayland(*wayland);
+        Capability answer = probeWayland(*wayland);
         if (answer.works || !x11) return answer;
     }
     if (x11) return probeX11(*x11);

@@ -39,7 +39,7 @@ Result<std::optional<std::string>> contentsOf(FileSystem& files, const std::stri
 
 }  // namespace
 
-FileKeychain::FileKeychain(std::string folder, const SodiumModule& sodium)
+FileKeychain::FileKeychain(const std::string& folder, const SodiumModule& sodium)
     : files_(FileSystem::slot().shared()),
       path_(folder + "/keychain"),
       keyPath_(folder + "/keychain.key"),

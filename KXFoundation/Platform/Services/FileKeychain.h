@@ -21,7 +21,7 @@ namespace kx {
 class KX_EXPORT FileKeychain final : public KeychainStore {
   public:
     /// In that folder, which is made when it is needed. Asks the module for every byte: it must outlive this.
-    FileKeychain(std::string folder, const SodiumModule& sodium);
+    FileKeychain(const std::string& folder, const SodiumModule& sodium);
 
     Result<std::string> copy(const KeychainItem& item) override;
     Result<void> add(const KeychainItem& item, std::string_view data) override;

@@ -39,7 +39,7 @@ const Curves& curves() {
 }
 
 std::int16_t lightWord(const Curves& table, std::uint32_t colour, std::uint32_t alpha) {
-    if (alpha == 255) return static_cast<std::int16_t>(table.light[colour * 4]);
+    if (alpha == 255) return static_cast<std::int16_t>(table.light[std::size_t{colour} * 4]);
     const std::uint32_t straight =
         std::min<std::uint32_t>((colour * kFineSteps + alpha / 2) / alpha, kFineSteps);
     return static_cast<std::int16_t>((table.light[straight] * alpha + 127) / 255);
