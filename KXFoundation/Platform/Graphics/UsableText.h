@@ -13,7 +13,8 @@ inline constexpr double kWidestLine = 1'000'000;
 /// How many bytes of a text of that size are set, where a line has `room` points left.
 [[nodiscard]] std::size_t letterLimit(double pointSize, double room = kWidestLine) noexcept;
 
-/// The text that is set: whole characters up to the limit, bytes that are no UTF-8 as U+FFFD.
+/// The text that is set: whole characters up to the limit, bytes that are no UTF-8 as U+FFFD, and no more
+/// than 256 combining marks on one letter.
 [[nodiscard]] std::string usableText(std::string_view text, std::size_t limit);
 
 }  // namespace kx

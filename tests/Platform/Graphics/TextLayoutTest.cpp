@@ -167,7 +167,7 @@ TEST(TextLayout, HostileTextIsHarmless) {
     std::string arabic;
     while (arabic.size() < 20'000) arabic += kArabic;
     std::string marks = "a";
-    while (marks.size() < 6'000) marks += "\u0301";
+    while (marks.size() < 100'000) marks += "\u0301";
     const std::tuple<const char*, std::string, TextFlow, double> rows[] = {
         {"no UTF-8", "\xFF\xFE\xC3(\x80", {}, 14},
         {"a zero byte", std::string("a\0b", 3), {}, 14},
@@ -178,6 +178,7 @@ TEST(TextLayout, HostileTextIsHarmless) {
         {"only line ends", std::string(5'000, '\n'), {.width = 100}, 14},
         {"only direction marks", "\u202E\u202E\u2067\u2067", {.width = 100}, 14},
         {"a tower of marks", marks, {}, 14},
+        {"a tower of marks in a column", marks, {.width = 100}, 14},
         {"long Arabic", arabic, {.width = 50, .alignment = NSTextAlignment::Justified}, 14},
         {"negative width", "abc def", {.width = -5}, 14},
         {"width that is no number", "abc def", {.width = std::numeric_limits<double>::quiet_NaN()}, 14},
