@@ -1,6 +1,7 @@
 #include <algorithm>
 #include <atomic>
 #include <mutex>
+#include <utility>
 
 #include <KXFoundation/Platform/Foundation/NSNotificationCenter.h>
 #include <KXFoundation/Platform/Foundation/NSNotificationNames.h>
@@ -74,17 +75,13 @@ void NSApplication::focusChanged(const std::shared_ptr<NSWindow>& window, bool f
                                                                self());
 }
 
-/// A loop of the application's own learns from the descriptor that there is something to lay out or draw.
+/// A loop of the application's own learns from the descriptor that there is something to lay out or draw. A
+/// turn draws before it runs its blocks: one that runs in the turn that asked for it asks for another.
 void NSApplication::wakeLoop() {
-    if (!std::exchange(wakesLoop_, true)) takeTurn();
-}
-
-/// And one more where this one's blocks run after the drawing that asked for it.
-void NSApplication::takeTurn() {
-    const std::weak_ptr<NSApplication> weak = self();
-    EventLoop::main().perform([weak] {
+    if (std::exchange(wakesLoop_, true)) return;
+    EventLoop::main().perform([weak = std::weak_ptr(self())] {
         const auto application = weak.lock();
-        if (application && application->wakesLoop_) application->takeTurn();
+        if (application && std::exchange(application->wakesLoop_, false)) application->wakeLoop();
     });
 }
 

@@ -48,7 +48,6 @@ class KX_EXPORT NSApplication : public Subclass<NSApplication, NSResponder> {
     friend class NSWindow;
 
     void wakeLoop();
-    void takeTurn();
     void bringToFront(const std::shared_ptr<NSWindow>& window);
     void makeKey(const std::shared_ptr<NSWindow>& window);
     void takeAway(const NSWindow& window);

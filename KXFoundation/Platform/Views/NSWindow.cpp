@@ -114,7 +114,10 @@ void NSWindow::didShowOrHide() {
 void NSWindow::setMiniaturized(bool miniaturized) {
     if (miniaturized == miniaturized_) return;
     miniaturized_ = miniaturized;
-    if (!miniaturized) setNeedsDisplay(bounds());
+    if (!miniaturized) {
+        setNeedsDisplay(bounds());
+        wakeLoop();  // also for what was asked for meanwhile
+    }
     didShowOrHide();
 }
 

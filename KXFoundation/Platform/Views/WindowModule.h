@@ -83,7 +83,6 @@ struct WindowModule {
     void (*setSize)(std::uint32_t window, double width, double height);
     /// What it has got, in points, which may be another size than was asked for.
     void (*size)(std::uint32_t window, double* width, double* height);
-    void (*setVisible)(std::uint32_t window, bool visible);
     /// To the front, also one that the desktop has put away.
     void (*raise)(std::uint32_t window);
     /// Pixels to the point.

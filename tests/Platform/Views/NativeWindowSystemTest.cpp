@@ -42,7 +42,6 @@ constexpr WindowModule kModule{
             *width = display.size.width;
             *height = display.size.height;
         },
-    .setVisible = [](std::uint32_t, bool) {},
     .raise = [](std::uint32_t) {},
     .scale = [](std::uint32_t) { return 1.0; },
     .present =

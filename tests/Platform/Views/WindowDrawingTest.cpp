@@ -101,13 +101,22 @@ class Restless : public Subclass<Restless, NSView> {
     int drawn = 0;
 };
 
-TEST(WindowDrawing, ADrawingThatAsksForAnotherIsHeardInALoopOfOnesOwn) {
+TEST(WindowDrawing, WhatAsksForItIsHeardInALoopOfOnesOwn) {
     const testing::OffscreenWindow shown({100, 100});
     const auto view = make<Restless>(NSRect(0, 0, 50, 50));
     shown.content().addSubview(view);
-    pollfd loop{EventLoop::main().descriptor(), POLLIN, 0};
-    while (::poll(&loop, 1, 0) > 0) EventLoop::main().drain();
-    EXPECT_EQ(view->drawn, 3);
+    const auto drawnWhenStill = [&] {
+        pollfd loop{EventLoop::main().descriptor(), POLLIN, 0};
+        while (::poll(&loop, 1, 0) > 0) EventLoop::main().drain();
+        return view->drawn;
+    };
+    EXPECT_EQ(drawnWhenStill(), 3);
+
+    shown.surface().send(SurfaceMiniaturized{true});
+    view->setNeedsDisplay();
+    EXPECT_EQ(drawnWhenStill(), 3);
+    shown.surface().send(SurfaceMiniaturized{false});
+    EXPECT_EQ(drawnWhenStill(), 4) << "the window came back";
 }
 
 TEST(WindowDrawing, OnlyWhatChangedIsDrawn) {

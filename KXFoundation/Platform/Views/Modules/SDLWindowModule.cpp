@@ -279,8 +279,6 @@ const WindowModule kTable{
             *width = points(wide);
             *height = points(high);
         },
-    .setVisible = [](std::uint32_t id,
-                     bool visible) { visible ? SDL_ShowWindow(find(id)) : SDL_HideWindow(find(id)); },
     .raise =
         [](std::uint32_t id) {
             if (isPutAway(id)) SDL_RestoreWindow(find(id));
