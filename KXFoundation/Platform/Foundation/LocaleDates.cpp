@@ -1,3 +1,5 @@
+#include <algorithm>
+
 #include <KXFoundation/Platform/Foundation/IcuModule.h>
 #include <KXFoundation/Platform/Foundation/LocaleDates.h>
 #include <KXFoundation/Platform/Runtime/ProcessState.h>
