@@ -1,8 +1,8 @@
 #include <algorithm>
+#include <chrono>
 #include <system_error>
 #include <thread>
 
-#include <KXFoundation/Platform/Runtime/Clock.h>
 #include <KXFoundation/Platform/Runtime/Module.h>
 #include <KXFoundation/Platform/Runtime/Mutex.h>
 #include <KXFoundation/Platform/Services/DesktopModule.h>
@@ -11,16 +11,18 @@ namespace kx {
 
 namespace {
 
-constexpr std::chrono::milliseconds kLongest = std::chrono::hours(1);
+using std::chrono::milliseconds;
+using std::chrono::steady_clock;
+
+constexpr milliseconds kLongest = std::chrono::hours(1);
 
 /// The thread that opens the module for whoever asks, and those who wait for it.
 class Opening {
   public:
-    Result<const DesktopModule*> waitFor(std::chrono::milliseconds patience) {
-        const auto latest = std::chrono::steady_clock::now() + patience;
+    Result<const DesktopModule*> waitUntil(steady_clock::time_point latest) {
         const MutexLock lock(mutex_);
         if (!hasBegun_) begin();
-        while (!isOver_ && std::chrono::steady_clock::now() < latest) ended_.waitUntil(mutex_, latest);
+        while (hasBegun_ && !isOver_ && steady_clock::now() < latest) ended_.waitUntil(mutex_, latest);
         if (!isOver_) return Error{ErrorKind::TimedOut, 0, "desktop module"};
         if (!module_) return Error{ErrorKind::Unsupported, 0, "desktop module"};
         return module_;
@@ -31,7 +33,7 @@ class Opening {
         try {
             std::thread([this] { open(); }).detach();
             hasBegun_ = true;
-        } catch (const std::system_error&) {  // the next one to ask tries again
+        } catch (const std::system_error&) {  // nothing to wait for; the next one to ask tries again
         }
     }
     void open() {
@@ -56,14 +58,12 @@ const DesktopModule* desktopModule() {
     return module ? *module : nullptr;
 }
 
-Result<const DesktopModule*> desktopModuleWithin(std::chrono::milliseconds& patience) {
+Result<const DesktopModule*> desktopModuleWithin(milliseconds& patience) {
     static auto& opening = *new Opening;
-    patience = std::clamp<std::chrono::milliseconds>(patience, std::chrono::milliseconds(0), kLongest);
-    const Clock& clock = Clock::slot().current();
-    const auto start = clock.now();
-    auto module = opening.waitFor(patience);
-    const auto spent = std::chrono::ceil<std::chrono::milliseconds>(clock.now() - start);
-    patience = std::max(patience - spent, std::chrono::milliseconds(0));
+    const auto latest = steady_clock::now() + std::clamp(patience, milliseconds(0), kLongest);
+    auto module = opening.waitUntil(latest);
+    const auto left = std::chrono::floor<milliseconds>(latest - steady_clock::now());
+    patience = std::max(left, milliseconds(0));
     return module;
 }
 

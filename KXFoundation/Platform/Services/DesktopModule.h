@@ -6,8 +6,8 @@
 #include <KXFoundation/Platform/Runtime/Result.h>
 
 /// The table between the library and its module of desktop services, which talks to the session and system
-/// buses through GIO (Modules/Desktop*.cpp). Whether the desktop answers shows at
-/// each call. Each service's header says on which threads it may be called.
+/// buses through GIO (Modules/Desktop*.cpp). Whether the desktop answers shows at each call. Each service's
+/// header says on which threads it may be called.
 namespace kx {
 
 struct DesktopAnnouncer;    // DesktopAnnouncer.h: the accessibility bus
