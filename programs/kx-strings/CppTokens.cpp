@@ -98,13 +98,15 @@ class Lexer {
     }
 
     void takeRawText() {
+        constexpr std::size_t kLongestDelimiter = 16;  // [lex.string]
         const std::size_t line = line_;
-        const std::size_t open = std::min(source_.find('(', at_), source_.size() - 1);
-        const std::string close = ")" + std::string(source_.substr(at_ + 1, open - at_ - 1)) + "\"";
-        const std::size_t end = std::min(source_.find(close, open), source_.size());
-        std::string text(source_.substr(open + 1, end - std::min(open + 1, end)));
-        skip(std::min(end + close.size(), source_.size()) - at_);
-        endText(std::move(text), line);
+        const std::string_view rest = source_.substr(at_ + 1);
+        const std::size_t open = rest.substr(0, kLongestDelimiter + 1).find('(');
+        if (open == rest.npos) return takeText();
+        const std::string close = ")" + std::string(rest.substr(0, open)) + "\"";
+        const std::size_t end = std::min(rest.find(close, open), rest.size());
+        skip(std::min(1 + end + close.size(), rest.size() + 1));
+        endText(std::string(rest.substr(open + 1, end - open - 1)), line);
     }
 
     /// Passes the suffix of literals such as "key"sv.

@@ -38,11 +38,16 @@ class Reader {
             if (c == '%' && !takePercent()) at_ = start + 1;
             if (c == '{' && !takeBrace()) at_ = start + 1;
         }
-        arguments_.mixed = hasNumbered_ && next_ > 1;
+        arguments_.mixed = count_.hasNumbered && count_.next > 1;
         return std::move(arguments_);
     }
 
   private:
+    struct Count {
+        std::size_t next = 1;  // the place of the next argument that has no number
+        bool hasNumbered = false;
+    };
+
     [[nodiscard]] char peek() const { return at_ < text_.size() ? text_[at_] : '\0'; }
     bool pass(char c) { return peek() == c && (++at_, true); }
 
@@ -53,17 +58,17 @@ class Reader {
         while (std::string_view("-+#0'").find(peek()) != std::string_view::npos && peek() != '\0') ++at_;
         const bool needsWidth = text_.substr(flags, at_ - flags).find('-') != std::string_view::npos;
         std::set<std::string> found;
-        std::size_t next = next_;
+        Count count = count_;
         const std::size_t width = at_;
-        if (!takeWidth(found, next) || (needsWidth && at_ == width)) return false;  // "20%-os" is a word
-        if (pass('.') && !takeWidth(found, next)) return false;
+        takeWidth(found, count);
+        if (needsWidth && at_ == width) return false;  // "20%-os" is a word
+        if (pass('.')) takeWidth(found, count);
         const std::string length = takeLength();
         const std::string_view kind = argumentClass(peek());
         if (kind.empty()) return false;
         ++at_;
-        found.insert(name(number, next, length + std::string(kind)));
-        hasNumbered_ = hasNumbered_ || number;
-        next_ = next;
+        found.insert(name(number, count, length + std::string(kind)));
+        count_ = count;
         arguments_.names.merge(found);
         return true;
     }
@@ -80,15 +85,12 @@ class Reader {
     }
 
     /// Digits, or a `*` that is an argument itself.
-    bool takeWidth(std::set<std::string>& found, std::size_t& next) {
+    void takeWidth(std::set<std::string>& found, Count& count) {
         if (pass('*')) {
-            const auto number = takePosition();
-            hasNumbered_ = hasNumbered_ || number;
-            found.insert(name(number, next, "d"));
-            return true;
+            found.insert(name(takePosition(), count, "d"));
+        } else {
+            while (isDigit(peek())) ++at_;
         }
-        while (isDigit(peek())) ++at_;
-        return true;
     }
 
     /// Without those of the lengths that make no other argument.
@@ -101,8 +103,9 @@ class Reader {
         return length == "ll" ? "q" : length;
     }
 
-    static std::string name(std::optional<unsigned> number, std::size_t& next, const std::string& kind) {
-        return "%" + std::to_string(number ? *number : next++) + "$" + kind;
+    static std::string name(std::optional<unsigned> number, Count& count, const std::string& kind) {
+        count.hasNumbered = count.hasNumbered || number;
+        return "%" + std::to_string(number ? *number : count.next++) + "$" + kind;
     }
 
     bool takeBrace() {
@@ -119,9 +122,8 @@ class Reader {
 
     std::string_view text_;
     std::size_t at_ = 0;
-    std::size_t next_ = 1;  // the place of the next argument that has no number
+    Count count_;
     std::size_t nextBrace_ = 0;
-    bool hasNumbered_ = false;
     FormatArguments arguments_;
 };
 

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <filesystem>
+#include <iterator>
 #include <system_error>
 
 #include <KXFoundation/Platform/Runtime/FileSystem.h>
@@ -61,8 +62,8 @@ class Places {
     }
     /// key + "end", or what a key is compared with.
     [[nodiscard]] bool isNoKey(std::size_t i) const {
-        const bool isCompared = sign(i - 1) == '=' || (sign(i + 1) != '\0' && sign(i + 2) == '=');
-        return sign(i - 1) == '+' || isCompared;
+        const bool beginsComparison = std::string_view("=!<>").find(sign(i + 1)) != std::string_view::npos;
+        return sign(i - 1) == '+' || sign(i - 1) == '=' || (beginsComparison && sign(i + 2) == '=');
     }
     /// Whether what stands in the bracket is still the argument around it: `(` of a text type or of nobody.
     [[nodiscard]] bool isTransparent(std::size_t i) const {
@@ -149,23 +150,35 @@ void KeyUses::addSource(const std::string& file, std::string_view contents) {
     for (std::size_t i = 0; i < tokens.size(); ++i) {
         if (places.isText(i)) {
             literals_.insert(tokens[i].text);
-            if (places.isMadeLonger(i) && !endsInLetterOrDigit(tokens[i].text))
-                beginnings_.insert(tokens[i].text);
+            if (places.isMadeLonger(i) && !endsInLetterOrDigit(tokens[i].text)) addBeginning(tokens[i].text);
         } else if (places.isWord(i) && places.sign(i + 1) == '(') {
             const auto function = functions_.find(tokens[i].text);
             if (function == functions_.end()) continue;
             eachKey(places, i + 1, function->second, [&](std::size_t key) {
                 const Token& token = tokens[key];
                 lookedUp_.push_back({token.text, file, token.line, places.isMadeLonger(key)});
-                if (lookedUp_.back().isBeginning && !token.text.empty()) beginnings_.insert(token.text);
+                if (lookedUp_.back().isBeginning && !token.text.empty()) addBeginning(token.text);
             });
         }
     }
 }
 
+void KeyUses::addBeginning(const std::string& text) {
+    if (hasBeginningOf(text)) return;
+    const auto isLonger = [&](const std::string& other) { return other.starts_with(text); };
+    const auto first = beginnings_.lower_bound(text);
+    beginnings_.erase(first, std::find_if_not(first, beginnings_.end(), isLonger));
+    beginnings_.insert(text);
+}
+
+/// As none of them begins another, only the last one before the key can begin it.
+bool KeyUses::hasBeginningOf(std::string_view key) const {
+    const auto after = beginnings_.upper_bound(key);
+    return after != beginnings_.begin() && key.starts_with(*std::prev(after));
+}
+
 bool KeyUses::uses(std::string_view key) const {
-    if (literals_.contains(std::string(key))) return true;
-    return std::ranges::any_of(beginnings_, [&](const auto& begin) { return key.starts_with(begin); });
+    return literals_.contains(std::string(key)) || hasBeginningOf(key);
 }
 
 }  // namespace kxstrings

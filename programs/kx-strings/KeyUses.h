@@ -47,10 +47,12 @@ class KeyUses {
 
   private:
     kx::Result<void> addFile(const std::string& file);
+    void addBeginning(const std::string& text);
+    [[nodiscard]] bool hasBeginningOf(std::string_view key) const;
 
     Functions functions_;
     std::unordered_set<std::string> literals_;
-    std::set<std::string, std::less<>> beginnings_;
+    std::set<std::string, std::less<>> beginnings_;  // none of which begins another
     std::vector<LookedUpKey> lookedUp_;
     std::size_t sources_ = 0;
 };

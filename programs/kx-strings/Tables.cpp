@@ -50,8 +50,10 @@ void addEntry(Table& table, const kx::StringTableEntry& read, std::size_t line, 
     entry->second = {std::string(read.text), line};  // the later one stays, as in the library
 }
 
-/// The paths in a directory whose names end so, by the rest of their names.
-std::map<std::string, fs::path> endingIn(const fs::path& directory, std::string_view ending) {
+/// The paths in a directory whose names end so, by the rest of their names. One that cannot be read is a
+/// finding.
+std::map<std::string, fs::path> endingIn(const fs::path& directory, std::string_view ending,
+                                         Findings& findings) {
     std::map<std::string, fs::path> found;
     std::error_code error;
     for (fs::directory_iterator entry(directory, error); !error && entry != fs::end(entry);
@@ -59,6 +61,7 @@ std::map<std::string, fs::path> endingIn(const fs::path& directory, std::string_
         const fs::path& path = entry->path();
         if (path.extension() == ending) found.emplace(path.stem().string(), path.lexically_normal());
     }
+    if (error) findings.insert({directory.string(), 1, error.message()});
     return found;
 }
 
@@ -103,8 +106,8 @@ Table readTable(std::string file, std::string contents, Findings& findings) {
 /// A folder without a table localizes other things than texts: it is no language here.
 kx::Result<Tables> readTables(const std::string& folder, Findings& findings) {
     Tables tables;
-    for (const auto& [language, directory] : endingIn(folder, ".lproj")) {
-        for (const auto& [name, file] : endingIn(directory, ".strings")) {
+    for (const auto& [language, directory] : endingIn(folder, ".lproj", findings)) {
+        for (const auto& [name, file] : endingIn(directory, ".strings", findings)) {
             tables.languages.insert(language);
             tables.byName[name].emplace(language, loadTable(file.string(), findings));
         }

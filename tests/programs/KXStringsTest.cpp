@@ -49,6 +49,10 @@ TEST(KXStrings, FindsWhatIsWrong) {
         std::string output;  // the findings, without the summary
     } rows[] = {
         {"clean", texts("A", "B"), "", ""},
+        {"a language that cannot be read",
+         {{kEnglish, "a = A;"}, {"R/fr.lproj", ""}},
+         "",
+         "R/fr.lproj:1: Not a directory\n"},
         {"languages with other resources alone", {{kEnglish, "a = A;"}, {"R/Base.lproj/x.png", ""}}, "", ""},
         {"missing keys",
          {{kEnglish, "a = A;\nb = B;"}, {kFrench, "c = C;\n"}, {"R/it.lproj/Localizable.strings", "b = B;"}},
@@ -85,6 +89,7 @@ TEST(KXStrings, FindsWhatIsWrong) {
          kFrench + ":1: \"k\" takes %1$d, but %1$d %2$d in en\n"},
         {"braces", texts("{} {}", "{0} {name}"), "",
          kFrench + ":1: \"k\" takes {0} {name}, but {0} {1} in en\n"},
+        {"a number in what is no argument", texts("%d", "%*1$ %d"), "", ""},
         {"numbers mixed", texts("%@ %@", "%2$@ %@"), "",
          kFrench + ":1: \"k\" mixes arguments with and without a number\n"},
         {"keys in calls, lists and put together",
@@ -93,13 +98,17 @@ TEST(KXStrings, FindsWhatIsWrong) {
         {"unused keys, with a mention in a comment, an include and a longer text",
          source("// \"a\"\n#include \"a\"\nf(\"a b\"); g('\"', R\"(b)\" \".one\");"), "--sources src",
          kEnglish + ":2: \"a\" is used by no source\n"},
+        {"beginnings of beginnings, raw texts that are none",
+         source("f(\"b.one.\" + x); f(\"b.\" + x); f(\"b.x.\" + x); g(R\"0123456789abcdefg(\"); f(\"a\");"),
+         "--sources src", ""},
         {"unknown keys",
          source("char c = '\"'; int n = 1'000;\n/*\n*/ localized(\"x\");\n"
                 "localized(b ? u8\"a\" : \"y\"s, \"no\"); localized(n == \"no\" ? g(\"no\") : \"b.one\");\n"
-                "localized(\"z.\" + name + \"no\");"),
+                "localized(\"z.\" + name + \"no\"); if (localized(\"w\") == n) return;"),
          "--sources=src",
          "src/deep/Page.cpp:3: no table has \"x\"\nsrc/deep/Page.cpp:4: no table has \"y\"\n"
-         "src/deep/Page.cpp:5: no table has a key that begins with \"z.\"\n"},
+         "src/deep/Page.cpp:5: no table has \"w\"\nsrc/deep/Page.cpp:5: no table has a key that begins with "
+         "\"z.\"\n"},
         {"functions of one's own, one source",
          source("text(\"b.one\"); text(\"c\"); caption([] { return 1; }, {\"a\"}); caption(x, \"d\");"),
          "--sources src/deep/Page.cpp --function text --function caption:2",
