@@ -84,7 +84,7 @@ class FingerprintSensor final : public Biometrics {
 }  // namespace
 
 SteadyWorld::SteadyWorld()
-    : clock_(std::make_shared<ManualClock>(kMoment)),
+    : clock_(std::make_shared<testing::ManualClock>(kMoment)),
       clockScope_(clock_),
       zone_(std::make_shared<Zone>()),
       clockFormat_(std::make_shared<NoClockFormat>()),

@@ -9,10 +9,9 @@
 #include <KXFoundation/Localization/KXLocalizationUtils.h>
 #include <KXFoundation/Platform/Foundation/NSURL.h>
 #include <KXFoundation/Platform/Services/Workspace.h>
-
-#include "support/InjectedTimeZone.h"
-#include "support/ScopedLanguageState.h"
-#include "support/ScopedPlatform.h"
+#include <KXFoundation/Testing/InjectedTimeZone.h>
+#include <KXFoundation/Testing/ScopedLanguageState.h>
+#include <KXFoundation/Testing/ScopedPlatform.h>
 
 namespace kx {
 namespace {

@@ -5,8 +5,8 @@
 #include <string_view>
 #include <vector>
 
-#include "support/ScopedLanguageState.h"
-#include "support/ScopedPlatform.h"
+#include <KXFoundation/Testing/ScopedLanguageState.h>
+#include <KXFoundation/Testing/ScopedPlatform.h>
 
 namespace kx::testing {
 

@@ -7,10 +7,10 @@
 #include <KXFoundation/Platform/Views/NSImageView.h>
 #include <KXFoundation/Platform/Views/NSLayoutConstraint.h>
 #include <KXFoundation/Platform/Views/NSTextView.h>
+#include <KXFoundation/Testing/CountedMemory.h>
 #include <KXFoundation/UI/KXToastView.h>
 
 #include "UI/TimedWindow.h"
-#include "support/CountedAllocations.h"
 
 namespace kx {
 namespace {

@@ -6,8 +6,8 @@
 
 #include <gtest/gtest.h>
 
-#include <KXFoundation/Platform/Runtime/ManualClock.h>
 #include <KXFoundation/Platform/Services/ScreenReader.h>
+#include <KXFoundation/Testing/ManualClock.h>
 
 #include "Platform/Views/ViewFixture.h"
 

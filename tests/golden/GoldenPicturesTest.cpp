@@ -14,6 +14,8 @@
 #include <KXFoundation/Platform/Runtime/ProcessState.h>
 #include <KXFoundation/Platform/Views/NSEvent.h>
 #include <KXFoundation/Platform/Views/OffscreenSurface.h>
+#include <KXFoundation/Testing/ScopedLanguageState.h>
+#include <KXFoundation/Testing/ScopedQueues.h>
 
 #include "Column.h"
 #include "Gallery.h"
@@ -21,8 +23,6 @@
 #include "SteadyWorld.h"
 #include "golden/GoldenSheet.h"
 #include "golden/PictureFile.h"
-#include "support/ScopedLanguageState.h"
-#include "support/ScopedQueues.h"
 
 namespace kx::testing {
 namespace {

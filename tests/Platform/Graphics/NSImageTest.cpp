@@ -15,10 +15,9 @@
 #include <KXFoundation/Platform/Graphics/PngCodec.h>
 #include <KXFoundation/Platform/Runtime/FileSystem.h>
 #include <KXFoundation/Platform/Runtime/ProcessState.h>
-
-#include "support/CapturedLog.h"
-#include "support/PictureComparison.h"
-#include "support/TemporaryDirectory.h"
+#include <KXFoundation/Testing/CapturedLog.h>
+#include <KXFoundation/Testing/PictureComparison.h>
+#include <KXFoundation/Testing/TemporaryDirectory.h>
 
 namespace kx {
 

@@ -1,7 +1,6 @@
-#include "support/ScopedPlatform.h"
-
 #include <KXFoundation/Platform/Foundation/NSBundle.h>
 #include <KXFoundation/Platform/Runtime/Executor.h>
+#include <KXFoundation/Testing/ScopedPlatform.h>
 
 namespace kx::testing {
 

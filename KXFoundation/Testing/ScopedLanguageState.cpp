@@ -1,6 +1,6 @@
-#include "support/ScopedLanguageState.h"
-
 #include <utility>
+
+#include <KXFoundation/Testing/ScopedLanguageState.h>
 
 namespace kx::testing {
 

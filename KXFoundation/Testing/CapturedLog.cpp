@@ -1,4 +1,4 @@
-#include "support/CapturedLog.h"
+#include <KXFoundation/Testing/CapturedLog.h>
 
 namespace kx::testing {
 

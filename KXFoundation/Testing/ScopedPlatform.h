@@ -7,11 +7,10 @@
 #include <KXFoundation/Platform/Runtime/Environment.h>
 #include <KXFoundation/Platform/Runtime/PortSlot.h>
 #include <KXFoundation/Platform/Runtime/ProcessState.h>
-
-#include "support/BundleFolder.h"
-#include "support/FakeEnvironment.h"
-#include "support/InjectedLocale.h"
-#include "support/TemporaryDirectory.h"
+#include <KXFoundation/Testing/BundleFolder.h>
+#include <KXFoundation/Testing/FakeEnvironment.h>
+#include <KXFoundation/Testing/InjectedLocale.h>
+#include <KXFoundation/Testing/TemporaryDirectory.h>
 
 namespace kx::testing {
 

@@ -1,7 +1,7 @@
-#include "support/BundleFolder.h"
-
 #include <filesystem>
 #include <fstream>
+
+#include <KXFoundation/Testing/BundleFolder.h>
 
 namespace kx::testing {
 

@@ -2,9 +2,9 @@
 #include <utility>
 
 #include <KXFoundation/Platform/Runtime/Executor.h>
-#include <KXFoundation/Platform/Runtime/ManualClock.h>
+#include <KXFoundation/Testing/ManualClock.h>
 
-namespace kx {
+namespace kx::testing {
 
 ManualClock::ManualClock(WallTime wallTime) : wallOffset_(wallTime.time_since_epoch() - now_) {}
 
@@ -53,4 +53,4 @@ std::function<void()> ManualClock::takeDue(std::chrono::nanoseconds until) {
     return std::move(timers_.extract(first).mapped());
 }
 
-}  // namespace kx
+}  // namespace kx::testing

@@ -1,5 +1,3 @@
-#include "support/SimulatedWorld.h"
-
 #include <deque>
 #include <map>
 #include <random>
@@ -8,6 +6,7 @@
 #include <vector>
 
 #include <KXFoundation/Platform/Runtime/MainThread.h>
+#include <KXFoundation/Testing/SimulatedWorld.h>
 
 namespace kx::testing {
 

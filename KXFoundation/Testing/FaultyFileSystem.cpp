@@ -1,5 +1,3 @@
-#include "support/FaultyFileSystem.h"
-
 #include <algorithm>
 #include <array>
 #include <limits>
@@ -8,6 +6,8 @@
 #include <optional>
 #include <span>
 #include <utility>
+
+#include <KXFoundation/Testing/FaultyFileSystem.h>
 
 namespace kx::testing {
 

@@ -1,4 +1,4 @@
-#include "support/FakeEnvironment.h"
+#include <KXFoundation/Testing/FakeEnvironment.h>
 
 namespace kx::testing {
 

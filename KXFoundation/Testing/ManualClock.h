@@ -5,7 +5,7 @@
 #include <KXFoundation/Platform/Runtime/Clock.h>
 #include <KXFoundation/Platform/Runtime/Mutex.h>
 
-namespace kx {
+namespace kx::testing {
 
 /// A clock that moves only when it is told: for tests of whatever waits.
 ///
@@ -13,7 +13,7 @@ namespace kx {
 ///     const ScopedPort<Clock> scope(clock);
 ///     toast->showWithTimeout(3);
 ///     clock->advance(std::chrono::seconds(3));  // the toast is gone when this returns
-class KX_EXPORT ManualClock final : public Clock {
+class ManualClock final : public Clock {
   public:
     /// Starts at one hour, with the given time of day.
     explicit ManualClock(WallTime wallTime = WallTime(std::chrono::hours(24 * 365 * 40)));
@@ -43,4 +43,4 @@ class KX_EXPORT ManualClock final : public Clock {
     std::multimap<std::chrono::nanoseconds, std::function<void()>> timers_ KX_GUARDED_BY(mutex_);
 };
 
-}  // namespace kx
+}  // namespace kx::testing

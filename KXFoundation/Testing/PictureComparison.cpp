@@ -1,5 +1,3 @@
-#include "support/PictureComparison.h"
-
 #include <algorithm>
 #include <cstdlib>
 
@@ -7,6 +5,7 @@
 #include <KXFoundation/Platform/Graphics/NSColor.h>
 #include <KXFoundation/Platform/Graphics/PngCodec.h>
 #include <KXFoundation/Platform/Runtime/FileSystem.h>
+#include <KXFoundation/Testing/PictureComparison.h>
 
 namespace kx::testing {
 

@@ -1,5 +1,3 @@
-#include "support/TemporaryDirectory.h"
-
 #include <cstdio>
 #include <cstdlib>
 #include <filesystem>
@@ -8,6 +6,8 @@
 #include <system_error>
 
 #include <stdlib.h>
+
+#include <KXFoundation/Testing/TemporaryDirectory.h>
 
 namespace kx::testing {
 

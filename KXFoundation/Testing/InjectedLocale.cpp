@@ -1,4 +1,4 @@
-#include "support/InjectedLocale.h"
+#include <KXFoundation/Testing/InjectedLocale.h>
 
 namespace kx::testing {
 
