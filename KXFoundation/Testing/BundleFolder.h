@@ -6,11 +6,13 @@
 #include <string_view>
 #include <utility>
 
+#include <KXFoundation/Platform/Runtime/Export.h>
+
 namespace kx::testing {
 
 /// A bundle's folder on disk, written by the test. What a bundle has looked at once it remembers: write
 /// first.
-class BundleFolder {
+class KX_EXPORT BundleFolder {
   public:
     /// Makes the directory if it is missing. It is left there at the end: see TemporaryDirectory.
     explicit BundleFolder(std::string path);

@@ -11,7 +11,7 @@
 namespace kx::testing {
 
 /// Takes the log for one scope and keeps its lines.
-class CapturedLog {
+class KX_EXPORT CapturedLog {
   public:
     CapturedLog();
     [[nodiscard]] std::vector<std::string> lines() const;
@@ -23,7 +23,7 @@ class CapturedLog {
 };
 
 /// Turns strict mode off for one scope: for tests of the harmless answer to a caller error.
-class LenientMode {
+class KX_EXPORT LenientMode {
   public:
     LenientMode() { setStrictMode(false); }
     ~LenientMode() { setStrictMode(true); }

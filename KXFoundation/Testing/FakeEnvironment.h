@@ -10,7 +10,7 @@
 namespace kx::testing {
 
 /// An environment that holds nothing but what the test puts there.
-class FakeEnvironment final : public Environment {
+class KX_EXPORT FakeEnvironment final : public Environment {
   public:
     /// Sets a variable; an empty value takes it away.
     FakeEnvironment& set(const std::string& name, std::string_view value);

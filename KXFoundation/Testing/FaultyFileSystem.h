@@ -17,7 +17,7 @@ namespace kx::testing {
 ///     auto files = std::make_shared<FaultyFileSystem>();
 ///     const ScopedPort<FileSystem> scope(files);
 ///     files->failCall(3);
-class FaultyFileSystem final : public FileSystem {
+class KX_EXPORT FaultyFileSystem final : public FileSystem {
   public:
     enum class Call : std::uint8_t {
         Open,

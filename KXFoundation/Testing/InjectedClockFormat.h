@@ -7,7 +7,7 @@
 namespace kx::testing {
 
 /// A 12/24-hour setting that the test gives and may change at any time.
-class InjectedClockFormat final : public ClockFormatSetting {
+class KX_EXPORT InjectedClockFormat final : public ClockFormatSetting {
   public:
     explicit InjectedClockFormat(ClockFormat format = ClockFormat::Unset) : format_(format) {}
 

@@ -8,7 +8,7 @@
 namespace kx::testing {
 
 /// A machine with the network interfaces that the test gives, or one that cannot tell its interfaces.
-class InjectedInterfaces final : public NetworkInterfaces {
+class KX_EXPORT InjectedInterfaces final : public NetworkInterfaces {
   public:
     explicit InjectedInterfaces(Result<std::vector<InterfaceAddress>> list) : list_(std::move(list)) {}
 

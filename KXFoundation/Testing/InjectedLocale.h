@@ -11,7 +11,7 @@
 namespace kx::testing {
 
 /// Language settings that the test gives and may change at any time.
-class InjectedLocale final : public LocaleSettings {
+class KX_EXPORT InjectedLocale final : public LocaleSettings {
   public:
     explicit InjectedLocale(std::vector<std::string> languages = {"en-US"}, std::string_view locale = "en_US")
         : languages_(std::move(languages)), locale_(locale) {}

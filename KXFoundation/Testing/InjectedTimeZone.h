@@ -8,7 +8,7 @@
 namespace kx::testing {
 
 /// A system that stands in the time zone the test names.
-class InjectedTimeZone final : public TimeZoneSettings {
+class KX_EXPORT InjectedTimeZone final : public TimeZoneSettings {
   public:
     explicit InjectedTimeZone(std::string name) : name_(std::move(name)) {}
 

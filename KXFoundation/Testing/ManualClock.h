@@ -13,7 +13,7 @@ namespace kx::testing {
 ///     const ScopedPort<Clock> scope(clock);
 ///     toast->showWithTimeout(3);
 ///     clock->advance(std::chrono::seconds(3));  // the toast is gone when this returns
-class ManualClock final : public Clock {
+class KX_EXPORT ManualClock final : public Clock {
   public:
     /// Starts at one hour, with the given time of day.
     explicit ManualClock(WallTime wallTime = WallTime(std::chrono::hours(24 * 365 * 40)));

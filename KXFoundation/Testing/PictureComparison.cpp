@@ -3,6 +3,7 @@
 
 #include <KXFoundation/Platform/Graphics/GraphicsContext.h>
 #include <KXFoundation/Platform/Graphics/NSColor.h>
+#include <KXFoundation/Platform/Graphics/NSImage.h>
 #include <KXFoundation/Platform/Graphics/PngCodec.h>
 #include <KXFoundation/Platform/Runtime/FileSystem.h>
 #include <KXFoundation/Testing/PictureComparison.h>
@@ -16,6 +17,12 @@ int distance(std::uint32_t a, std::uint32_t b) {
         largest = std::max(largest, std::abs(difference));
     }
     return largest;
+}
+
+std::string Difference::describe() const {
+    if (!sameSize) return "the sizes differ";
+    if (pixels == 0) return "no pixel differs";
+    return std::to_string(pixels) + " pixels differ, by up to " + std::to_string(largest);
 }
 
 namespace {
@@ -68,11 +75,26 @@ std::shared_ptr<NSBitmapImageRep> sideBySide(const NSBitmapImageRep& a, const NS
     return page;
 }
 
-bool writePng(const NSBitmapImageRep& bitmap, const std::string& path) {
-    const auto encoded = encodePng(bitmap);
-    if (!encoded) return false;
+Result<Difference> compareWithFile(const NSBitmapImageRep& picture, const std::string& path,
+                                   Tolerance tolerance) {
+    const auto kept = readPicture(path);
+    if (!kept) return kept.error();
+    return compare(**kept, picture, tolerance);
+}
+
+Result<std::shared_ptr<NSBitmapImageRep>> readPicture(const std::string& path) {
+    if (const auto there = FileSystem::slot().current().info(path); !there) return there.error();
+    const auto image = NSImage::initWithContentsOfFile(path);
+    auto bitmap = image ? image->largestBitmap() : nullptr;
+    if (!bitmap) return Error{ErrorKind::Corrupt, 0, path};
+    return bitmap;
+}
+
+Result<void> writePicture(const NSBitmapImageRep& picture, const std::string& path) {
+    const auto encoded = encodePng(picture);
+    if (!encoded) return encoded.error();
     const std::string_view contents(reinterpret_cast<const char*>(encoded->data()), encoded->size());
-    return replaceFile(FileSystem::slot().current(), path, contents).ok();
+    return replaceFile(FileSystem::slot().current(), path, contents);
 }
 
 }  // namespace kx::testing

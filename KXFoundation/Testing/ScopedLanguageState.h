@@ -5,14 +5,8 @@
 namespace kx::testing {
 
 /// The language variables of a process that has just started, for one scope; those from before come back at
-/// its end. Stands beside ScopedPlatform, which does the same to the objects that are no plain variables:
-///
-///     ScopedPlatform platform;
-///     ScopedLanguageState language;
-///     ...
-///     platform.restart();
-///     language.restart();
-class ScopedLanguageState {
+/// its end. Part of every ScopedPlatform. Main thread.
+class KX_EXPORT ScopedLanguageState {
   public:
     ScopedLanguageState() { exchange(); }
     ~ScopedLanguageState() { exchange(); }

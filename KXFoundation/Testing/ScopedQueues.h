@@ -6,7 +6,7 @@ namespace kx::testing {
 
 /// Begins and ends a scope with every queue empty and idle: stands first in a test whose blocks use what the
 /// test made, or before a port is replaced.
-class ScopedQueues {
+class KX_EXPORT ScopedQueues {
   public:
     ScopedQueues() { drainQueues(); }
     ~ScopedQueues() { drainQueues(); }

@@ -25,7 +25,7 @@ namespace kx::testing {
 /// only in run(), from deadline to deadline. A block that waits goes on only after those that ran meanwhile
 /// have ended or wait no more: orders that need two blocks to wait crosswise are not found. Other threads
 /// stay out of the scope.
-class SimulatedWorld {
+class KX_EXPORT SimulatedWorld {
   public:
     /// Whether other work may come between the file operations of a block. Only for code that holds no mutex
     /// during them: on the one thread, whoever came between and wanted the same mutex would wait for ever.

@@ -5,8 +5,6 @@
 #include <iterator>
 #include <system_error>
 
-#include <stdlib.h>
-
 #include <KXFoundation/Testing/TemporaryDirectory.h>
 
 namespace kx::testing {

@@ -3,10 +3,13 @@
 #include <string>
 #include <string_view>
 
+#include <KXFoundation/Platform/Runtime/Export.h>
+
 namespace kx::testing {
 
-/// A directory of its own below the system's temporary folder, removed with all in it at the end.
-class TemporaryDirectory {
+/// A directory of its own below the system's temporary folder, removed with all in it at the end. The program
+/// ends where none can be made.
+class KX_EXPORT TemporaryDirectory {
   public:
     TemporaryDirectory();
     ~TemporaryDirectory();
