@@ -1,4 +1,4 @@
-# The installed tree: both libraries, the public headers, a CMake package and pkg-config files. Nothing in it names
+# The installed tree: the libraries, the public headers, a CMake package and pkg-config files. Nothing in it names
 # the prefix that it was installed to, so the whole folder may be moved.
 include(CMakePackageConfigHelpers)
 
@@ -6,7 +6,7 @@ set(package_dir ${CMAKE_INSTALL_LIBDIR}/cmake/KXFoundation)
 set(pkgconfig_dir ${CMAKE_INSTALL_LIBDIR}/pkgconfig)
 file(RELATIVE_PATH prefix_from_pkgconfig /${pkgconfig_dir} /)
 
-# kx_install_library(<target> <Foundation|UI> <pkg-config name> <description> <pkg-config names it stands on>)
+# kx_install_library(<target> <Foundation|UI|Testing> <pkg-config name> <description> <pkg-config names it stands on>)
 function(kx_install_library target name pc_name description requires)
   install(TARGETS ${target} EXPORT ${target}Targets COMPONENT ${name}
     LIBRARY DESTINATION ${CMAKE_INSTALL_LIBDIR} ARCHIVE DESTINATION ${CMAKE_INSTALL_LIBDIR})
@@ -32,10 +32,14 @@ endfunction()
 kx_install_library(KXFoundation Foundation kxfoundation "Services shared by desktop applications" "")
 if(TARGET KXFoundationUI)
   kx_install_library(KXFoundationUI UI kxfoundation-ui "Pictures and views shared by desktop applications" kxfoundation)
+  kx_install_library(KXFoundationTesting Testing kxfoundation-testing "Tests of desktop applications without a display"
+    kxfoundation-ui)
 endif()
 
 install(DIRECTORY KXFoundation/ DESTINATION ${CMAKE_INSTALL_INCLUDEDIR}/KXFoundation
-  COMPONENT Foundation FILES_MATCHING PATTERN "*.h" PATTERN "Modules" EXCLUDE)
+  COMPONENT Foundation FILES_MATCHING PATTERN "*.h" PATTERN "Modules" EXCLUDE PATTERN "Testing" EXCLUDE)
+install(DIRECTORY KXFoundation/Testing DESTINATION ${CMAKE_INSTALL_INCLUDEDIR}/KXFoundation
+  COMPONENT Testing FILES_MATCHING PATTERN "*.h")
 install(FILES ${PROJECT_BINARY_DIR}/include/KXFoundation/Version.h
   DESTINATION ${CMAKE_INSTALL_INCLUDEDIR}/KXFoundation COMPONENT Foundation)
 

@@ -1,7 +1,8 @@
 set(target_Foundation KXFoundation)
+set(target_Testing KXFoundationTesting)
 set(target_UI KXFoundationUI)
 
-# kx_sources(<Foundation|UI> file...): adds the current folder's sources to one of the two libraries.
+# kx_sources(<Foundation|UI|Testing> file...): adds the current folder's sources to one of the libraries.
 # A folder's CMakeLists.txt is a sorted list of sources and this call; headers need no mention.
 function(kx_sources library)
   list(TRANSFORM ARGN PREPEND ${CMAKE_CURRENT_SOURCE_DIR}/)
@@ -57,6 +58,7 @@ function(kx_tests name library)
   cmake_parse_arguments(PARSE_ARGV 2 arg "" "" "LABELS;ENVIRONMENT")
   add_executable(${name} ${arg_UNPARSED_ARGUMENTS})
   target_link_libraries(${name} PRIVATE KXFoundation::${library} kx_test_support_${library} kx_warnings)
+  target_link_options(${name} PRIVATE LINKER:--as-needed)  # KXFoundation::Testing names the UI library to all
   target_precompile_headers(${name} REUSE_FROM kx_test_support_Foundation)
   set_target_properties(${name} PROPERTIES
     RUNTIME_OUTPUT_DIRECTORY ${PROJECT_BINARY_DIR}/tests

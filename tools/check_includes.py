@@ -31,6 +31,7 @@ SUBSYSTEMS = {  # beside Platform, Core and the folder itself
     "DateTime": (),
     "Device": (),
     "Media": ("UI", "AppEnvironment", "Device"),
+    "Testing": ("Localization",),  # and nobody knows Testing
     "UI": (),
 }
 EXCEPTIONS = {  # file pattern: what it may include beside the above

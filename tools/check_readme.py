@@ -1,10 +1,18 @@
 #!/usr/bin/env python3
-"""check_readme.py ROOT: fails unless README.md shows examples/quickstart/main.cpp word for word."""
+"""check_readme.py ROOT: fails unless each page shows its example's files word for word."""
 
 import pathlib
 import sys
 
+SHOWN = [  # page, file, language of the block
+    ("README.md", "examples/quickstart/main.cpp", "cpp"),
+    ("docs/guides/testing.md", "examples/testing/CMakeLists.txt", "cmake"),
+    ("docs/guides/testing.md", "examples/testing/Greeting.cpp", "cpp"),
+    ("docs/guides/testing.md", "examples/testing/GreetingTest.cpp", "cpp"),
+]
+
 root = pathlib.Path(sys.argv[1])
-program = (root / "examples/quickstart/main.cpp").read_text().strip()
-if f"```cpp\n{program}\n```" not in (root / "README.md").read_text():
-    sys.exit("README.md: its program differs from examples/quickstart/main.cpp; copy it again")
+stale = [f"{page}: its program differs from {file}; copy it again" for page, file, language in SHOWN
+         if f"```{language}\n{(root / file).read_text().strip()}\n```" not in (root / page).read_text()]
+if stale:
+    sys.exit("\n".join(stale))

@@ -8,11 +8,11 @@ import sys
 from declarations import declarations
 
 SECTIONS = ["Core", "Cache", "Localization", "AppEnvironment", "DateTime", "Device", "Media", "UI", "Platform/Foundation",
-            "Platform/Services", "Platform/Graphics", "Platform/Views", "Platform/Runtime"]
+            "Platform/Services", "Platform/Graphics", "Platform/Views", "Platform/Runtime", "Testing"]
 HEAD = """# Operations
 
 Every public operation, its C++ spelling and its header, made from the headers by `./dev docs`. All of it lives in the
-namespace `kx`. What a line does, its units, ownership, threads and failures stand above it in the header.
+namespace `kx`, that of Testing in `kx::testing`. What a line does, its units, ownership, threads and failures stand above it in the header.
 """
 
 

@@ -3,6 +3,10 @@
 #include <chrono>
 
 #include <KXFoundation/Platform/Runtime/Executor.h>
+#include <KXFoundation/Testing/InjectedClockFormat.h>
+#include <KXFoundation/Testing/InjectedInterfaces.h>
+#include <KXFoundation/Testing/InjectedLocale.h>
+#include <KXFoundation/Testing/InjectedTimeZone.h>
 
 namespace gallery {
 
@@ -14,23 +18,6 @@ namespace {
 constexpr Clock::WallTime kMoment{std::chrono::sys_days{std::chrono::March / 14 / 2024} +
                                   std::chrono::hours(14) + std::chrono::minutes(9) +
                                   std::chrono::seconds(26)};
-
-class Zone final : public TimeZoneSettings {
-  public:
-    std::string systemTimeZoneName() const override { return "Europe/Berlin"; }
-};
-
-class NoClockFormat final : public ClockFormatSetting {
-  public:
-    ClockFormat clockFormat() const noexcept override { return ClockFormat::Unset; }
-};
-
-class Locale final : public LocaleSettings {
-  public:
-    std::vector<std::string> preferredLanguages() const override { return {"en-US"}; }
-    std::string localeIdentifier() const override { return "en_US"; }
-    std::uint64_t version() const noexcept override { return 1; }
-};
 
 class Computer final : public Machine {
   public:
@@ -52,15 +39,12 @@ class Facts final : public MachineFacts {
     }
 };
 
-class Interfaces final : public NetworkInterfaces {
-  public:
-    Result<std::vector<InterfaceAddress>> addresses() override {
-        constexpr IPv4Address kMask{{255, 255, 255, 0}};
-        return std::vector<InterfaceAddress>{{"lo", IPv4Address{{127, 0, 0, 1}}, IPv4Address{{255, 0, 0, 0}}},
-                                             {"en0", IPv4Address{{192, 168, 1, 57}}, kMask},
-                                             {"en1", IPv4Address{{10, 0, 0, 4}}, kMask}};
-    }
-};
+std::vector<InterfaceAddress> interfaces() {
+    constexpr IPv4Address kMask{{255, 255, 255, 0}};
+    return {{"lo", IPv4Address{{127, 0, 0, 1}}, IPv4Address{{255, 0, 0, 0}}},
+            {"en0", IPv4Address{{192, 168, 1, 57}}, kMask},
+            {"en1", IPv4Address{{10, 0, 0, 4}}, kMask}};
+}
 
 class Lamp final : public Torch {
   public:
@@ -84,14 +68,14 @@ class FingerprintSensor final : public Biometrics {
 }  // namespace
 
 SteadyWorld::SteadyWorld()
-    : clock_(std::make_shared<ManualClock>(kMoment)),
+    : clock_(std::make_shared<testing::ManualClock>(kMoment)),
       clockScope_(clock_),
-      zone_(std::make_shared<Zone>()),
-      clockFormat_(std::make_shared<NoClockFormat>()),
-      locale_(std::make_shared<Locale>()),
+      zone_(std::make_shared<testing::InjectedTimeZone>("Europe/Berlin")),
+      clockFormat_(std::make_shared<testing::InjectedClockFormat>()),
+      locale_(std::make_shared<testing::InjectedLocale>()),
       machine_(std::make_shared<Computer>()),
       facts_(std::make_shared<Facts>()),
-      interfaces_(std::make_shared<Interfaces>()),
+      interfaces_(std::make_shared<testing::InjectedInterfaces>(interfaces())),
       torch_(std::make_shared<Lamp>()),
       biometrics_(std::make_shared<FingerprintSensor>()) {}
 

@@ -6,11 +6,11 @@
 #include <KXFoundation/Platform/Foundation/NSLocale.h>
 #include <KXFoundation/Platform/Foundation/NSTimeZone.h>
 #include <KXFoundation/Platform/Runtime/Clock.h>
-#include <KXFoundation/Platform/Runtime/ManualClock.h>
 #include <KXFoundation/Platform/Services/Biometrics.h>
 #include <KXFoundation/Platform/Services/Machine.h>
 #include <KXFoundation/Platform/Services/NetworkInterfaces.h>
 #include <KXFoundation/Platform/Services/Torch.h>
+#include <KXFoundation/Testing/ManualClock.h>
 
 #include "MachineFacts.h"
 #include "TemporaryHome.h"
@@ -28,11 +28,11 @@ class SteadyWorld {
     SteadyWorld& operator=(const SteadyWorld&) = delete;
 
     /// Lets time go on, for pictures of what moves.
-    [[nodiscard]] kx::ManualClock& clock() { return *clock_; }
+    [[nodiscard]] kx::testing::ManualClock& clock() { return *clock_; }
 
   private:
     TemporaryHome home_{TemporaryHome::Others::Unset};
-    std::shared_ptr<kx::ManualClock> clock_;
+    std::shared_ptr<kx::testing::ManualClock> clock_;
     kx::ScopedPort<kx::Clock> clockScope_;
     kx::ScopedPort<kx::TimeZoneSettings> zone_;
     kx::ScopedPort<kx::ClockFormatSetting> clockFormat_;

@@ -9,15 +9,12 @@
 #include <KXFoundation/Localization/KXLocalizationUtils.h>
 #include <KXFoundation/Platform/Foundation/NSURL.h>
 #include <KXFoundation/Platform/Services/Workspace.h>
-
-#include "support/InjectedTimeZone.h"
-#include "support/ScopedLanguageState.h"
-#include "support/ScopedPlatform.h"
+#include <KXFoundation/Testing/InjectedTimeZone.h>
+#include <KXFoundation/Testing/ScopedPlatform.h>
 
 namespace kx {
 namespace {
 
-using testing::ScopedLanguageState;
 using testing::ScopedPlatform;
 
 TEST(AppLinks, ArePlaceholdersUnlessTheBuildSaysOtherwise) {
@@ -41,7 +38,6 @@ TEST(FeedbackLinks, CodesOfTheSelectedLanguage) {
     };
     for (const bool isOrvik : {false, true}) {
         ScopedPlatform platform;
-        ScopedLanguageState language;
         platform.bundle().setInfo("CFBundleDisplayName", isOrvik ? "Orvik" : "Harbour");
         setAppLinks({.feedbackAddress = "https://a.example/f",
                      .orvikFeedbackAddress = "https://b.example/g",
@@ -64,18 +60,9 @@ TEST(FeedbackCodes, EveryLanguageStandsOnce) {
     EXPECT_EQ(languages.size(), 25U);
 }
 
-/// Remembers what it was to open.
-class InjectedWorkspace final : public Workspace {
-  public:
-    void openURL(const NSURL& address) override { opened.push_back(address.absoluteString()); }
-    std::vector<std::string> opened;
-};
-
 TEST(StoreLinks, AddressesGoToTheDesktop) {
     ScopedPlatform platform;
     setAppLinks({.storeHost = "store.example"});
-    const auto workspace = std::make_shared<InjectedWorkspace>();
-    const ScopedPort<Workspace> scope(workspace);
     KXAppUtils::jumpToAppStoreUserReviews("4711");
     KXAppUtils::jumpToAppStoreDetailViews("4711");
     KXAppUtils::jumpToAppStoreDetailViews("1&mt=9 é");
@@ -85,7 +72,7 @@ TEST(StoreLinks, AddressesGoToTheDesktop) {
         KXAppUtils::openURLString(text);
     KXAppUtils::openURL(std::nullopt);
     KXAppUtils::openURLString("mailto:a@example.org");
-    EXPECT_EQ(workspace->opened,
+    EXPECT_EQ(platform.workspace().opened(),
               (std::vector<std::string>{
                   "itms-apps://store.example/WebObjects/MZStore.woa/wa/viewContentsUserReviews"
                   "?id=4711&pageNumber=0&sortOrdering=2&type=Purple+Software&mt=8",

@@ -4,9 +4,8 @@
 
 #include <KXFoundation/AppEnvironment/CloudLocales.h>
 #include <KXFoundation/AppEnvironment/KXAppUtils.h>
-
-#include "support/CountedAllocations.h"
-#include "support/ScopedPlatform.h"
+#include <KXFoundation/Testing/CountedMemory.h>
+#include <KXFoundation/Testing/ScopedPlatform.h>
 
 namespace kx {
 namespace {

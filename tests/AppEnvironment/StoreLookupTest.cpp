@@ -9,11 +9,11 @@
 #include <KXFoundation/Core/KXAppInfo.h>
 #include <KXFoundation/Platform/Foundation/CurlURLLoader.h>
 #include <KXFoundation/Platform/Runtime/Executor.h>
+#include <KXFoundation/Testing/CapturedLog.h>
+#include <KXFoundation/Testing/ScopedPlatform.h>
+#include <KXFoundation/Testing/ScopedQueues.h>
 
-#include "support/CapturedLog.h"
 #include "support/HTTPSServer.h"
-#include "support/ScopedPlatform.h"
-#include "support/ScopedQueues.h"
 
 namespace kx {
 namespace {

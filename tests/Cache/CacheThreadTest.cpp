@@ -6,9 +6,8 @@
 #include <KXFoundation/Cache/KXCache.h>
 #include <KXFoundation/Cache/KXDiskCache.h>
 #include <KXFoundation/Cache/KXMemoryCache.h>
-
-#include "support/ScopedQueues.h"
-#include "support/TemporaryDirectory.h"
+#include <KXFoundation/Testing/ScopedQueues.h>
+#include <KXFoundation/Testing/TemporaryDirectory.h>
 
 namespace kx {
 namespace {

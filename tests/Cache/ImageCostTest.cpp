@@ -9,9 +9,8 @@
 #include <KXFoundation/Platform/Graphics/NSColor.h>
 #include <KXFoundation/Platform/Graphics/NSImage.h>
 #include <KXFoundation/Platform/Runtime/Export.h>
-
-#include "support/CountedMemory.h"
-#include "support/ScopedPlatform.h"
+#include <KXFoundation/Testing/CountedMemory.h>
+#include <KXFoundation/Testing/ScopedPlatform.h>
 
 namespace {
 int encodes = 0;

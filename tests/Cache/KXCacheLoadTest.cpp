@@ -5,11 +5,10 @@
 
 #include <KXFoundation/Cache/KXCache.h>
 #include <KXFoundation/Platform/Runtime/DetachedTask.h>
-#include <KXFoundation/Platform/Runtime/ManualClock.h>
-
-#include "support/ScopedPlatform.h"
-#include "support/ScopedQueues.h"
-#include "support/SimulatedWorld.h"
+#include <KXFoundation/Testing/ManualClock.h>
+#include <KXFoundation/Testing/ScopedPlatform.h>
+#include <KXFoundation/Testing/ScopedQueues.h>
+#include <KXFoundation/Testing/SimulatedWorld.h>
 
 namespace kx {
 namespace {
@@ -37,7 +36,7 @@ struct KXCacheLoadTest : ::testing::Test {
         return seen;
     }
     testing::ScopedPlatform platform;
-    std::shared_ptr<ManualClock> clock = std::make_shared<ManualClock>();
+    std::shared_ptr<testing::ManualClock> clock = std::make_shared<testing::ManualClock>();
     ScopedPort<Clock> scope{clock};
     std::shared_ptr<KXCache> cache = opened();
     testing::ScopedQueues queues;

@@ -8,9 +8,8 @@
 #include <KXFoundation/Cache/KXYYMemoryCache.h>
 #include <KXFoundation/Core/KXObject.h>
 #include <KXFoundation/Platform/Runtime/DispatchQueue.h>
-
-#include "support/ScopedPlatform.h"
-#include "support/ScopedQueues.h"
+#include <KXFoundation/Testing/ScopedPlatform.h>
+#include <KXFoundation/Testing/ScopedQueues.h>
 
 namespace kx {
 namespace {

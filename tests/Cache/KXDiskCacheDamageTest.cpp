@@ -6,12 +6,11 @@
 #include <gtest/gtest.h>
 
 #include <KXFoundation/Cache/KXDiskCache.h>
-#include <KXFoundation/Platform/Runtime/ManualClock.h>
-
-#include "support/CapturedLog.h"
-#include "support/FaultyFileSystem.h"
-#include "support/ScopedQueues.h"
-#include "support/TemporaryDirectory.h"
+#include <KXFoundation/Testing/CapturedLog.h>
+#include <KXFoundation/Testing/FaultyFileSystem.h>
+#include <KXFoundation/Testing/ManualClock.h>
+#include <KXFoundation/Testing/ScopedQueues.h>
+#include <KXFoundation/Testing/TemporaryDirectory.h>
 
 namespace kx {
 namespace {
@@ -57,7 +56,7 @@ struct KXDiskCacheDamageTest : ::testing::Test {
     testing::TemporaryDirectory directory;
     const std::string folder = directory / "cache";
     std::shared_ptr<testing::FaultyFileSystem> files = std::make_shared<testing::FaultyFileSystem>();
-    std::shared_ptr<ManualClock> clock = std::make_shared<ManualClock>();
+    std::shared_ptr<testing::ManualClock> clock = std::make_shared<testing::ManualClock>();
     ScopedPort<FileSystem> filesScope{files};
     ScopedPort<Clock> clockScope{clock};
     testing::CapturedLog log;

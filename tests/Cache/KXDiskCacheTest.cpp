@@ -8,12 +8,11 @@
 #include <KXFoundation/Cache/KXDiskCache.h>
 #include <KXFoundation/Platform/Foundation/NSCoder.h>
 #include <KXFoundation/Platform/Foundation/NSSecureCoding.h>
-#include <KXFoundation/Platform/Runtime/ManualClock.h>
-
-#include "support/CapturedLog.h"
-#include "support/FaultyFileSystem.h"
-#include "support/ScopedQueues.h"
-#include "support/TemporaryDirectory.h"
+#include <KXFoundation/Testing/CapturedLog.h>
+#include <KXFoundation/Testing/FaultyFileSystem.h>
+#include <KXFoundation/Testing/ManualClock.h>
+#include <KXFoundation/Testing/ScopedQueues.h>
+#include <KXFoundation/Testing/TemporaryDirectory.h>
 
 namespace kx {
 namespace {
@@ -53,7 +52,7 @@ struct KXDiskCacheTest : ::testing::Test {
     }
     testing::TemporaryDirectory directory;
     std::shared_ptr<testing::FaultyFileSystem> files = std::make_shared<testing::FaultyFileSystem>();
-    std::shared_ptr<ManualClock> clock = std::make_shared<ManualClock>();
+    std::shared_ptr<testing::ManualClock> clock = std::make_shared<testing::ManualClock>();
     ScopedPort<FileSystem> filesScope{files};
     ScopedPort<Clock> clockScope{clock};
     testing::CapturedLog log;

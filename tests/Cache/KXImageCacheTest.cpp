@@ -15,9 +15,8 @@
 #include <KXFoundation/Platform/Graphics/NSColor.h>
 #include <KXFoundation/Platform/Graphics/NSImage.h>
 #include <KXFoundation/Platform/Runtime/Executor.h>
-
-#include "support/CapturedLog.h"
-#include "support/ScopedPlatform.h"
+#include <KXFoundation/Testing/CapturedLog.h>
+#include <KXFoundation/Testing/ScopedPlatform.h>
 
 namespace kx {
 namespace {

@@ -6,8 +6,8 @@
 #include <gtest/gtest.h>
 
 #include <KXFoundation/Cache/KXMemoryCache.h>
-#include <KXFoundation/Platform/Runtime/ManualClock.h>
 #include <KXFoundation/Platform/Runtime/MemoryPressure.h>
+#include <KXFoundation/Testing/ManualClock.h>
 
 namespace kx {
 namespace {
@@ -37,7 +37,7 @@ struct KXMemoryCacheTest : ::testing::Test {
         }
         return left;
     }
-    std::shared_ptr<ManualClock> clock = std::make_shared<ManualClock>();
+    std::shared_ptr<testing::ManualClock> clock = std::make_shared<testing::ManualClock>();
     std::shared_ptr<FakePressure> pressure = std::make_shared<FakePressure>();
     ScopedPort<Clock> clockScope{clock};
     ScopedPort<MemoryPressure> pressureScope{pressure};

@@ -6,8 +6,7 @@
 #include <gmock/gmock.h>
 
 #include <KXFoundation/Core/KXList.h>
-
-#include "support/CapturedLog.h"
+#include <KXFoundation/Testing/CapturedLog.h>
 
 namespace kx {
 namespace {

@@ -6,11 +6,11 @@
 #include <KXFoundation/Core/KXRequestAnswer.h>
 #include <KXFoundation/Platform/Runtime/DetachedTask.h>
 #include <KXFoundation/Platform/Runtime/DispatchQueue.h>
-#include <KXFoundation/Platform/Runtime/ManualClock.h>
+#include <KXFoundation/Testing/ManualClock.h>
+#include <KXFoundation/Testing/ScopedPlatform.h>
+#include <KXFoundation/Testing/ScopedQueues.h>
 
 #include "Core/HarbourRequest.h"
-#include "support/ScopedPlatform.h"
-#include "support/ScopedQueues.h"
 
 namespace kx {
 namespace {
@@ -42,7 +42,7 @@ DetachedTask await(KXRequest& request, KXRequest::Method method, Seen& seen) {
 
 struct KXRequestAnswerTest : ::testing::Test {
     testing::ScopedPlatform platform;
-    std::shared_ptr<ManualClock> clock = std::make_shared<ManualClock>();
+    std::shared_ptr<testing::ManualClock> clock = std::make_shared<testing::ManualClock>();
     ScopedPort<Clock> scope{clock};
     std::shared_ptr<HarbourRequest> request = make<HarbourRequest>();
 };

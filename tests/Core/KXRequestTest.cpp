@@ -1,11 +1,11 @@
 #include <gmock/gmock.h>
 
-#include <KXFoundation/Platform/Runtime/ManualClock.h>
+#include <KXFoundation/Testing/CapturedLog.h>
+#include <KXFoundation/Testing/ManualClock.h>
+#include <KXFoundation/Testing/ScopedPlatform.h>
+#include <KXFoundation/Testing/ScopedQueues.h>
 
 #include "Core/HarbourRequest.h"
-#include "support/CapturedLog.h"
-#include "support/ScopedPlatform.h"
-#include "support/ScopedQueues.h"
 
 namespace kx {
 namespace {
@@ -173,7 +173,7 @@ struct KXRequestTimeTest : KXRequestTest {
     KXRequestTimeTest() { request->setTimeout(std::chrono::seconds(3)); }
 
     testing::ScopedQueues queues;
-    std::shared_ptr<ManualClock> clock = std::make_shared<ManualClock>();
+    std::shared_ptr<testing::ManualClock> clock = std::make_shared<testing::ManualClock>();
     ScopedPort<Clock> scope{clock};
 };
 

@@ -5,9 +5,9 @@
 #include <KXFoundation/Core/KXRequestAnswer.h>
 #include <KXFoundation/Platform/Runtime/DetachedTask.h>
 #include <KXFoundation/Platform/Runtime/DispatchQueue.h>
+#include <KXFoundation/Testing/ScopedPlatform.h>
 
 #include "Core/HarbourRequest.h"
-#include "support/ScopedPlatform.h"
 
 namespace kx {
 namespace {

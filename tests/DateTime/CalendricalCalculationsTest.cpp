@@ -4,10 +4,9 @@
 
 #include <KXFoundation/DateTime/NSCalendar_CalendricalCalculations.h>
 #include <KXFoundation/DateTime/NSDateFormatter_Standard.h>
-#include <KXFoundation/Platform/Runtime/ManualClock.h>
-
-#include "support/InjectedTimeZone.h"
-#include "support/ScopedPlatform.h"
+#include <KXFoundation/Testing/InjectedTimeZone.h>
+#include <KXFoundation/Testing/ManualClock.h>
+#include <KXFoundation/Testing/ScopedPlatform.h>
 
 namespace kx {
 namespace {
@@ -169,7 +168,7 @@ TEST(CalendricalCalculations, CountsUnits) {
 }
 
 TEST(CalendricalCalculations, KnowsTheDaysAroundToday) {
-    const auto clock = std::make_shared<ManualClock>(*at("2024-03-01 00:30:00")->timePoint());
+    const auto clock = std::make_shared<testing::ManualClock>(*at("2024-03-01 00:30:00")->timePoint());
     const ScopedPort<Clock> scope(clock);
     const Place place;
     const std::tuple<const char*, bool, bool> rows[] = {

@@ -7,11 +7,10 @@
 #include <KXFoundation/Platform/Foundation/NSNotificationCenter.h>
 #include <KXFoundation/Platform/Foundation/NSNotificationNames.h>
 #include <KXFoundation/Platform/Runtime/Executor.h>
-#include <KXFoundation/Platform/Runtime/ManualClock.h>
-
-#include "support/CountedAllocations.h"
-#include "support/InjectedClockFormat.h"
-#include "support/ScopedPlatform.h"
+#include <KXFoundation/Testing/CountedMemory.h>
+#include <KXFoundation/Testing/InjectedClockFormat.h>
+#include <KXFoundation/Testing/ManualClock.h>
+#include <KXFoundation/Testing/ScopedPlatform.h>
 
 namespace kx {
 namespace {
@@ -163,7 +162,7 @@ TEST(KXDateUtils, HandsOutItsFormatterAsTheLastConversionLeftIt) {
 }
 
 TEST(KXDateUtils, EachActivationRefreshesAndTellsASecondLater) {
-    const auto clock = std::make_shared<ManualClock>();
+    const auto clock = std::make_shared<testing::ManualClock>();
     const ScopedPort<Clock> clockScope(clock);
     Desk desk;
     const auto dates = KXDateUtils::sharedInstance();

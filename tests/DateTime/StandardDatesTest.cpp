@@ -3,9 +3,8 @@
 #include <KXFoundation/DateTime/NSCalendar_Standard.h>
 #include <KXFoundation/DateTime/NSDateComponents_Standard.h>
 #include <KXFoundation/DateTime/NSDateFormatter_Standard.h>
-
-#include "support/InjectedTimeZone.h"
-#include "support/ScopedPlatform.h"
+#include <KXFoundation/Testing/InjectedTimeZone.h>
+#include <KXFoundation/Testing/ScopedPlatform.h>
 
 namespace kx {
 namespace {

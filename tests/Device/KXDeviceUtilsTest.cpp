@@ -9,8 +9,7 @@
 #include <KXFoundation/Platform/Services/Biometrics.h>
 #include <KXFoundation/Platform/Services/Machine.h>
 #include <KXFoundation/Platform/Services/Torch.h>
-
-#include "support/CapturedLog.h"
+#include <KXFoundation/Testing/CapturedLog.h>
 
 namespace kx {
 namespace {

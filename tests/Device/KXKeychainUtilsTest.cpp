@@ -8,10 +8,9 @@
 #include <KXFoundation/Platform/Foundation/NSException.h>
 #include <KXFoundation/Platform/Services/KeychainChoice.h>
 #include <KXFoundation/Platform/Services/SecItem.h>
-
-#include "support/CapturedLog.h"
-#include "support/FaultyFileSystem.h"
-#include "support/ScopedPlatform.h"
+#include <KXFoundation/Testing/CapturedLog.h>
+#include <KXFoundation/Testing/FaultyFileSystem.h>
+#include <KXFoundation/Testing/ScopedPlatform.h>
 
 namespace kx {
 namespace {

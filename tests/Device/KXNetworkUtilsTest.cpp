@@ -4,10 +4,9 @@
 
 #include <KXFoundation/Device/KXNetworkUtils.h>
 #include <KXFoundation/Platform/Services/IPv4Address.h>
-
-#include "support/CapturedLog.h"
-#include "support/CountedAllocations.h"
-#include "support/InjectedInterfaces.h"
+#include <KXFoundation/Testing/CapturedLog.h>
+#include <KXFoundation/Testing/CountedMemory.h>
+#include <KXFoundation/Testing/InjectedInterfaces.h>
 
 namespace kx {
 namespace {

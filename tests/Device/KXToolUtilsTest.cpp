@@ -3,8 +3,7 @@
 #include <gtest/gtest.h>
 
 #include <KXFoundation/Device/KXToolUtils.h>
-
-#include "support/CountedAllocations.h"
+#include <KXFoundation/Testing/CountedMemory.h>
 
 namespace kx {
 namespace {

@@ -5,8 +5,7 @@
 #include <string_view>
 #include <vector>
 
-#include "support/ScopedLanguageState.h"
-#include "support/ScopedPlatform.h"
+#include <KXFoundation/Testing/ScopedPlatform.h>
 
 namespace kx::testing {
 
@@ -23,13 +22,9 @@ struct ApplicationRun {
         return *this;
     }
 
-    void restart() {
-        platform.restart();
-        language.restart();
-    }
+    void restart() { platform.restart(); }
 
     ScopedPlatform platform;
-    ScopedLanguageState language;
 };
 
 }  // namespace kx::testing

@@ -3,10 +3,10 @@
 #include <KXFoundation/Localization/KXLocalizationUtils.h>
 #include <KXFoundation/Localization/Localized.h>
 #include <KXFoundation/Platform/Foundation/NSBundle.h>
+#include <KXFoundation/Testing/CountedMemory.h>
+#include <KXFoundation/Testing/FaultyFileSystem.h>
 
 #include "Localization/ApplicationRun.h"
-#include "support/CountedAllocations.h"
-#include "support/FaultyFileSystem.h"
 
 namespace kx {
 namespace {

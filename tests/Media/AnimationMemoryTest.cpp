@@ -5,11 +5,11 @@
 #include <KXFoundation/Media/KXAnimatedGIFImageView.h>
 #include <KXFoundation/Platform/Graphics/GIF/FrameMemory.h>
 #include <KXFoundation/Platform/Runtime/Executor.h>
-#include <KXFoundation/Platform/Runtime/ManualClock.h>
+#include <KXFoundation/Testing/CountedMemory.h>
+#include <KXFoundation/Testing/ManualClock.h>
 
 #include "../Platform/Views/ViewFixture.h"
 #include "GIFFixture.h"
-#include "support/CountedMemory.h"
 
 namespace kx {
 namespace {
@@ -36,7 +36,7 @@ std::vector<std::uint8_t> fullHD() {
 
 TEST(AnimationMemory, AThousandFullHDFramesPlayInLessThan64MiB) {
     constexpr std::size_t kMiB = std::size_t{1} << 20;
-    const auto clock = std::make_shared<ManualClock>();
+    const auto clock = std::make_shared<testing::ManualClock>();
     const ScopedPort<Clock> scope(clock);
     const testing::TemporaryDirectory directory;
     const std::vector<std::uint8_t> file = fullHD();

@@ -6,9 +6,9 @@
 #include <vector>
 
 #include <KXFoundation/Platform/Graphics/NSImage.h>
+#include <KXFoundation/Testing/TemporaryDirectory.h>
 
 #include "support/GIFWriter.h"
-#include "support/TemporaryDirectory.h"
 
 namespace kx::testing {
 

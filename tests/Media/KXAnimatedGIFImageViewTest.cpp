@@ -9,12 +9,12 @@
 #include <KXFoundation/Media/AnimationTimeline.h>
 #include <KXFoundation/Media/KXAnimatedGIFImageView.h>
 #include <KXFoundation/Platform/Runtime/Executor.h>
-#include <KXFoundation/Platform/Runtime/ManualClock.h>
 #include <KXFoundation/Platform/Views/OffscreenSurface.h>
+#include <KXFoundation/Testing/CapturedLog.h>
+#include <KXFoundation/Testing/ManualClock.h>
 
 #include "../Platform/Views/ViewFixture.h"
 #include "GIFFixture.h"
-#include "support/CapturedLog.h"
 
 namespace kx {
 namespace {
@@ -86,7 +86,7 @@ struct Playing {
         drainQueues();
     }
     [[nodiscard]] int shown() const { return testing::frameOf(view->image()); }
-    int after(std::chrono::milliseconds time) requires std::same_as<C, ManualClock> {
+    int after(std::chrono::milliseconds time) requires std::same_as<C, testing::ManualClock> {
         clock->advance(time);
         EXPECT_EQ(shown(), static_cast<int>(view->currentFrame()));
         return shown();
@@ -94,7 +94,7 @@ struct Playing {
 };
 
 TEST(KXAnimatedGIFImageView, PlaysOnTheClockAsOftenAsTheFileSays) {
-    Playing<ManualClock> play;
+    Playing<testing::ManualClock> play;
     play.show(colouredGIF({5, 5, 20}, 2));
     EXPECT_EQ(play.view->frameCount(), 3U);
     EXPECT_EQ(play.view->loopCount(), 2);
@@ -121,7 +121,7 @@ TEST(KXAnimatedGIFImageView, LeavesLateFramesOutAndDoesNotDrift) {
 }
 
 TEST(KXAnimatedGIFImageView, PausesSeeksAndChangesSpeed) {
-    Playing<ManualClock> play;
+    Playing<testing::ManualClock> play;
     play.show(colouredGIF({10, 10, 10, 10}));
     play.after(150ms);
     play.view->pause();
@@ -149,7 +149,7 @@ TEST(KXAnimatedGIFImageView, PausesSeeksAndChangesSpeed) {
 }
 
 TEST(KXAnimatedGIFImageView, StandsStillWhileNobodySeesIt) {
-    Playing<ManualClock> play;
+    Playing<testing::ManualClock> play;
     play.show(colouredGIF({10, 10, 10, 10}));
     const auto window = play.window.window, parent = make<NSWindow>();
     const auto content = window->contentView();
@@ -190,7 +190,7 @@ TEST(KXAnimatedGIFImageView, StandsStillWhileNobodySeesIt) {
 }
 
 TEST(KXAnimatedGIFImageView, PlaysStreamedFilesTheSame) {
-    Playing<ManualClock> play;
+    Playing<testing::ManualClock> play;
     play.show(colouredGIF(std::vector<std::uint16_t>(14, 10), 1, 700));
     for (int frame = 0; frame < 13; ++frame) {
         EXPECT_EQ(play.shown(), frame);

@@ -14,10 +14,9 @@
 #include <KXFoundation/Platform/Services/Photos/PHAsset.h>
 #include <KXFoundation/Platform/Services/Photos/PHAssetChangeRequest.h>
 #include <KXFoundation/Platform/Services/Photos/PHAssetCollectionChangeRequest.h>
-
-#include "support/CapturedLog.h"
-#include "support/FaultyFileSystem.h"
-#include "support/ScopedPlatform.h"
+#include <KXFoundation/Testing/CapturedLog.h>
+#include <KXFoundation/Testing/FaultyFileSystem.h>
+#include <KXFoundation/Testing/ScopedPlatform.h>
 
 namespace kx {
 namespace {

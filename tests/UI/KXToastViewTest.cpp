@@ -7,10 +7,10 @@
 #include <KXFoundation/Platform/Views/NSImageView.h>
 #include <KXFoundation/Platform/Views/NSLayoutConstraint.h>
 #include <KXFoundation/Platform/Views/NSTextView.h>
+#include <KXFoundation/Testing/CountedMemory.h>
 #include <KXFoundation/UI/KXToastView.h>
 
 #include "UI/TimedWindow.h"
-#include "support/CountedAllocations.h"
 
 namespace kx {
 namespace {
@@ -161,7 +161,7 @@ TEST_F(Toast, ManyLeaveNothing) {
         EXPECT_EQ(children(), count);
         clearAll();
         pass(3);
-        reader->heard.clear();
+        reader->clear();
     };
     show(10'000);
     // Caches fill and lists grow once; what were lost with every toast would never come to rest.
@@ -210,12 +210,12 @@ TEST_F(Toast, HooksMayDoAnything) {
 
 TEST_F(Toast, IsReadOutWhenItIsShown) {
     const auto toast = KXToastView::initWithTitle("Saved", nullptr);
-    EXPECT_TRUE(reader->heard.empty());
+    EXPECT_TRUE(reader->heard().empty());
     toast->show();
-    EXPECT_EQ(reader->heard, std::vector<std::string>{"Saved"});
+    EXPECT_EQ(reader->heard(), std::vector<std::string>{"Saved"});
     shown.window->close();
     toast->show();
-    EXPECT_EQ(reader->heard.size(), 1U) << "nobody sees it";
+    EXPECT_EQ(reader->heard().size(), 1U) << "nobody sees it";
 }
 
 TEST_F(Toast, LeavesTheScreenWhereItsWindowWasPutThere) {

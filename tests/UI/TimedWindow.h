@@ -1,22 +1,17 @@
 #pragma once
 
 #include <chrono>
-#include <string>
-#include <vector>
+#include <cstdint>
+#include <memory>
 
 #include <gtest/gtest.h>
 
-#include <KXFoundation/Platform/Runtime/ManualClock.h>
-#include <KXFoundation/Platform/Services/ScreenReader.h>
+#include <KXFoundation/Testing/ManualClock.h>
+#include <KXFoundation/Testing/RecordingScreenReader.h>
 
 #include "Platform/Views/ViewFixture.h"
 
 namespace kx::testing {
-
-struct HeardTexts final : ScreenReader {
-    void announce(std::string_view text) override { heard.emplace_back(text); }
-    std::vector<std::string> heard;
-};
 
 /// A key window of 640 x 480 points, time that moves only when it is told, and a
 /// screen reader's ear.
@@ -28,7 +23,7 @@ struct TimedWindow : ::testing::Test {
 
     std::shared_ptr<ManualClock> clock = std::make_shared<ManualClock>();
     ScopedPort<Clock> clockScope{clock};
-    std::shared_ptr<HeardTexts> reader = std::make_shared<HeardTexts>();
+    std::shared_ptr<RecordingScreenReader> reader = std::make_shared<RecordingScreenReader>();
     ScopedPort<ScreenReader> readerScope{reader};
     OffscreenWindow shown{{640, 480}};
 };

@@ -1,44 +1,50 @@
 #!/usr/bin/env bash
 # check.sh BUILD COMPONENT CXX SCRATCH: installs BUILD's COMPONENT, moves the installed tree elsewhere, and builds and
-# runs the program beside this script against it: once through CMake, once through pkg-config and the plain compiler.
+# runs a program against it, once through CMake, once through pkg-config and the plain compiler: the one beside this
+# script or, for Testing, the tests of examples/testing.
 set -euo pipefail
 build=$1 component=$2 cxx=$3 scratch=$4
-program=$(cd "$(dirname "$0")" && pwd)/program
-version=$(cat "$(dirname "$0")/../../VERSION")
-declare -A modules=([Foundation]=kxfoundation [UI]=kxfoundation-ui)
-declare -A answers=([Foundation]="Harbour 15 $version" [UI]="alignment is intercepted")
+here=$(cd "$(dirname "$0")" && pwd)
+folder=$here/program sources=$component.cpp program=consumer
+declare -A parts=([Foundation]="Foundation" [UI]="Foundation UI" [Testing]="Foundation UI Testing")
+version=$(cat "$here/../../VERSION")
+declare -A modules=([Foundation]=kxfoundation [UI]=kxfoundation-ui [Testing]="kxfoundation-testing gtest_main")
+declare -A answers=([Foundation]="Harbour 15 $version" [UI]="alignment is intercepted" [Testing]="[  PASSED  ] 3 tests.")
+if [ "$component" = Testing ]; then
+    folder=$(cd "$here/../../examples/testing" && pwd) sources="Greeting.cpp GreetingTest.cpp" program=greeting_test
+fi
 
 installed() {
     rm -rf "$scratch"
     mkdir -p "$scratch"
     local part
-    for part in Foundation ${component/Foundation/}; do
+    for part in ${parts[$component]}; do
         cmake --install "$build" --prefix "$scratch/installed-here" --component "$part" >"$scratch/install.log"
     done
     mv "$scratch/installed-here" "$scratch/moved-there"
 }
 
 through_cmake() {
-    cmake -S "$program" -B "$scratch/cmake" -G Ninja -DCMAKE_CXX_COMPILER="$cxx" -DCOMPONENT="$component" \
+    cmake -S "$folder" -B "$scratch/cmake" -G Ninja -DCMAKE_CXX_COMPILER="$cxx" -DCOMPONENT="$component" \
         -DCMAKE_PREFIX_PATH="$scratch/moved-there" -DCMAKE_FIND_USE_PACKAGE_REGISTRY=OFF
     cmake --build "$scratch/cmake"
-    says "$scratch/cmake/consumer"
+    says "$scratch/cmake/$program"
 }
 
 through_pkg_config() {
-    local folder
-    folder=$(dirname "$(find "$scratch/moved-there" -name kxfoundation.pc)")
-    export PKG_CONFIG_PATH=$folder
-    local module=${modules[$component]}
-    # shellcheck disable=SC2046
-    "$cxx" -std=c++20 "$program/$component.cpp" -o "$scratch/plain" $(pkg-config --cflags --libs "$module") \
-        -Wl,-rpath,"$(pkg-config --variable=libdir "$module")"
+    PKG_CONFIG_PATH=$(dirname "$(find "$scratch/moved-there" -name kxfoundation.pc)")
+    export PKG_CONFIG_PATH
+    cd "$folder"
+    # shellcheck disable=SC2046,SC2086
+    "$cxx" -std=c++20 -DGREETING_FOLDER="\"$folder/\"" $sources -o "$scratch/plain" \
+        $(pkg-config --cflags --libs ${modules[$component]}) \
+        -Wl,-rpath,"$(pkg-config --variable=libdir kxfoundation)"
     says "$scratch/plain"
 }
 
 says() {
     local want=${answers[$component]} got
-    got=$("$1")
+    got=$(env -u DISPLAY -u WAYLAND_DISPLAY "$1" | tail -n 1)
     [ "$got" = "$want" ] || { echo "$1 says \"$got\", not \"$want\""; exit 1; }
     ! ldd "$1" | grep -E 'libKXFoundation.*(not found|installed-here)' || exit 1
 }

@@ -5,10 +5,11 @@
 
 #include <gtest/gtest.h>
 
+#include <KXFoundation/Testing/FaultyFileSystem.h>
+#include <KXFoundation/Testing/ScopedPlatform.h>
+
 #include "PersistedThing.h"
 #include "support/ChildProcess.h"
-#include "support/FaultyFileSystem.h"
-#include "support/ScopedPlatform.h"
 
 namespace kx {
 namespace {

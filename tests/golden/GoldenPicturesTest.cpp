@@ -14,6 +14,8 @@
 #include <KXFoundation/Platform/Runtime/ProcessState.h>
 #include <KXFoundation/Platform/Views/NSEvent.h>
 #include <KXFoundation/Platform/Views/OffscreenSurface.h>
+#include <KXFoundation/Testing/ScopedLanguageState.h>
+#include <KXFoundation/Testing/ScopedQueues.h>
 
 #include "Column.h"
 #include "Gallery.h"
@@ -21,8 +23,6 @@
 #include "SteadyWorld.h"
 #include "golden/GoldenSheet.h"
 #include "golden/PictureFile.h"
-#include "support/ScopedLanguageState.h"
-#include "support/ScopedQueues.h"
 
 namespace kx::testing {
 namespace {
@@ -162,17 +162,13 @@ TEST_P(Golden, PageIsAsItWas) {
     const std::string path = KX_GOLDEN_PICTURES + name + ".png";
     const auto now = Stage(GetParam()).pixels();
     const auto before = readPicture(path);
-    const Difference difference = before ? compare(*before, *now, kTolerance) : Difference();
+    const Difference difference = before ? compare(**before, *now, kTolerance) : Difference();
     if (difference.accepted) return;
-    if (before) GoldenSheet::shared().add(name, *before, *now, kTolerance);
+    if (before) GoldenSheet::shared().add(name, **before, *now, kTolerance);
     if (std::getenv("KX_UPDATE_PICTURES")) {
-        ASSERT_TRUE(writePicture(*now, path)) << path;
+        ASSERT_TRUE(writeSmallPicture(*now, path)) << path;
     } else {
-        FAIL() << path
-               << (!before                ? " is missing"
-                   : !difference.sameSize ? " has another size"
-                                          : " differs")
-               << ", in " << difference.pixels << " pixels by up to " << difference.largest;
+        FAIL() << (before ? path + ": " + difference.describe() : before.error().message());
     }
 }
 

@@ -6,7 +6,7 @@
 
 #include <gtest/gtest.h>
 
-#include "support/PictureComparison.h"
+#include <KXFoundation/Testing/PictureComparison.h>
 
 namespace kx::testing {
 

@@ -5,16 +5,9 @@
 
 #include <png.h>
 
-#include <KXFoundation/Platform/Graphics/NSImage.h>
-
 namespace kx::testing {
 
-std::shared_ptr<NSBitmapImageRep> readPicture(const std::string& path) {
-    const auto image = NSImage::initWithContentsOfFile(path);
-    return image ? image->largestBitmap() : nullptr;
-}
-
-bool writePicture(const NSBitmapImageRep& picture, const std::string& path) {
+bool writeSmallPicture(const NSBitmapImageRep& picture, const std::string& path) {
     std::vector<std::uint8_t> rgb;
     rgb.reserve(picture.pixels().size() * 3);
     for (const std::uint32_t pixel : picture.pixels()) {

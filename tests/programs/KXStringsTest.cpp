@@ -6,7 +6,7 @@
 
 #include <gmock/gmock.h>
 
-#include "support/TemporaryDirectory.h"
+#include <KXFoundation/Testing/TemporaryDirectory.h>
 
 namespace {
 

@@ -2,8 +2,9 @@
 
 #include <string>
 
+#include <KXFoundation/Testing/TemporaryDirectory.h>
+
 #include "support/ScriptProcess.h"
-#include "support/TemporaryDirectory.h"
 
 namespace kx::testing {
 

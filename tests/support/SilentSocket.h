@@ -7,7 +7,7 @@
 #include <sys/un.h>
 #include <unistd.h>
 
-#include "support/TemporaryDirectory.h"
+#include <KXFoundation/Testing/TemporaryDirectory.h>
 
 namespace kx::testing {
 

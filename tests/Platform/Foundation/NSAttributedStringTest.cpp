@@ -4,8 +4,7 @@
 #include <gtest/gtest.h>
 
 #include <KXFoundation/Platform/Foundation/NSMutableAttributedString.h>
-
-#include "support/CapturedLog.h"
+#include <KXFoundation/Testing/CapturedLog.h>
 
 namespace kx {
 namespace {

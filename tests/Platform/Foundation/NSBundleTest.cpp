@@ -5,10 +5,9 @@
 #include <gmock/gmock.h>
 
 #include <KXFoundation/Platform/Foundation/NSBundle.h>
-
-#include "support/CapturedLog.h"
-#include "support/FaultyFileSystem.h"
-#include "support/ScopedPlatform.h"
+#include <KXFoundation/Testing/CapturedLog.h>
+#include <KXFoundation/Testing/FaultyFileSystem.h>
+#include <KXFoundation/Testing/ScopedPlatform.h>
 
 namespace kx {
 namespace {

@@ -5,9 +5,8 @@
 #include <unicode/gregocal.h>
 
 #include <KXFoundation/Platform/Foundation/NSCalendar.h>
-
-#include "support/InjectedTimeZone.h"
-#include "support/ScopedPlatform.h"
+#include <KXFoundation/Testing/InjectedTimeZone.h>
+#include <KXFoundation/Testing/ScopedPlatform.h>
 
 namespace kx {
 namespace {

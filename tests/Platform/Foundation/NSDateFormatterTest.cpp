@@ -5,10 +5,9 @@
 #include <unicode/smpdtfmt.h>
 
 #include <KXFoundation/Platform/Foundation/NSDateFormatter.h>
-
-#include "support/InjectedClockFormat.h"
-#include "support/InjectedTimeZone.h"
-#include "support/ScopedPlatform.h"
+#include <KXFoundation/Testing/InjectedClockFormat.h>
+#include <KXFoundation/Testing/InjectedTimeZone.h>
+#include <KXFoundation/Testing/ScopedPlatform.h>
 
 namespace kx {
 namespace {

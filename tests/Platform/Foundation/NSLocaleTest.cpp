@@ -3,9 +3,8 @@
 #include <gmock/gmock.h>
 
 #include <KXFoundation/Platform/Foundation/NSLocale.h>
-
-#include "support/FakeEnvironment.h"
-#include "support/InjectedLocale.h"
+#include <KXFoundation/Testing/FakeEnvironment.h>
+#include <KXFoundation/Testing/InjectedLocale.h>
 
 namespace kx {
 namespace {

@@ -5,11 +5,10 @@
 #include <KXFoundation/Platform/Foundation/NSCalendar.h>
 #include <KXFoundation/Platform/Foundation/NSTimeZone.h>
 #include <KXFoundation/Platform/Foundation/ZoneRules.h>
-
-#include "support/CapturedLog.h"
-#include "support/InjectedTimeZone.h"
-#include "support/ScopedPlatform.h"
-#include "support/TemporaryDirectory.h"
+#include <KXFoundation/Testing/CapturedLog.h>
+#include <KXFoundation/Testing/InjectedTimeZone.h>
+#include <KXFoundation/Testing/ScopedPlatform.h>
+#include <KXFoundation/Testing/TemporaryDirectory.h>
 
 namespace kx {
 namespace {

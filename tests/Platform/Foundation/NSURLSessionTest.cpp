@@ -7,10 +7,10 @@
 #include <KXFoundation/Platform/Foundation/ProxySettings.h>
 #include <KXFoundation/Platform/Runtime/DispatchQueue.h>
 #include <KXFoundation/Platform/Runtime/MainThread.h>
+#include <KXFoundation/Testing/ScopedPlatform.h>
+#include <KXFoundation/Testing/ScopedQueues.h>
 
 #include "support/HTTPSServer.h"
-#include "support/ScopedPlatform.h"
-#include "support/ScopedQueues.h"
 
 namespace kx {
 namespace {

@@ -5,8 +5,7 @@
 #include <gtest/gtest.h>
 
 #include <KXFoundation/Platform/Foundation/NSUserDefaults.h>
-
-#include "support/ScopedPlatform.h"
+#include <KXFoundation/Testing/ScopedPlatform.h>
 
 namespace kx {
 namespace {

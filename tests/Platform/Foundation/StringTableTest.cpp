@@ -5,9 +5,8 @@
 #include <gmock/gmock.h>
 
 #include <KXFoundation/Platform/Foundation/StringTable.h>
-
-#include "support/CapturedLog.h"
-#include "support/TemporaryDirectory.h"
+#include <KXFoundation/Testing/CapturedLog.h>
+#include <KXFoundation/Testing/TemporaryDirectory.h>
 
 namespace kx {
 namespace {

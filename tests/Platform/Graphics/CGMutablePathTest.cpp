@@ -7,8 +7,7 @@
 #include <KXFoundation/Platform/Graphics/GraphicsContext.h>
 #include <KXFoundation/Platform/Graphics/NSColor.h>
 #include <KXFoundation/Platform/Graphics/NSImageRep.h>
-
-#include "support/CapturedLog.h"
+#include <KXFoundation/Testing/CapturedLog.h>
 
 namespace kx {
 namespace {

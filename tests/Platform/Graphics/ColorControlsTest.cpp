@@ -3,8 +3,7 @@
 #include <gtest/gtest.h>
 
 #include <KXFoundation/Platform/Graphics/Filters/ColorControls.h>
-
-#include "support/PictureComparison.h"
+#include <KXFoundation/Testing/PictureComparison.h>
 
 namespace kx {
 

@@ -10,9 +10,8 @@
 #include <KXFoundation/Platform/Graphics/NSFont.h>
 #include <KXFoundation/Platform/Graphics/NSImageRep.h>
 #include <KXFoundation/Platform/Graphics/TextLayout.h>
-
-#include "support/CapturedLog.h"
-#include "support/PictureComparison.h"
+#include <KXFoundation/Testing/CapturedLog.h>
+#include <KXFoundation/Testing/PictureComparison.h>
 
 namespace kx {
 

@@ -13,8 +13,7 @@
 #include <KXFoundation/Platform/Graphics/JpegCodec.h>
 #include <KXFoundation/Platform/Graphics/PngCodec.h>
 #include <KXFoundation/Platform/Graphics/TiffCodec.h>
-
-#include "support/PictureComparison.h"
+#include <KXFoundation/Testing/PictureComparison.h>
 
 namespace kx {
 namespace {

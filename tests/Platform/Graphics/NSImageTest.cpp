@@ -15,10 +15,9 @@
 #include <KXFoundation/Platform/Graphics/PngCodec.h>
 #include <KXFoundation/Platform/Runtime/FileSystem.h>
 #include <KXFoundation/Platform/Runtime/ProcessState.h>
-
-#include "support/CapturedLog.h"
-#include "support/PictureComparison.h"
-#include "support/TemporaryDirectory.h"
+#include <KXFoundation/Testing/CapturedLog.h>
+#include <KXFoundation/Testing/PictureComparison.h>
+#include <KXFoundation/Testing/TemporaryDirectory.h>
 
 namespace kx {
 
@@ -209,9 +208,9 @@ TEST(NSImage, NamedPictureComesFromTheMainBundleWithItsDoubledOne) {
     const testing::TemporaryDirectory folder;
     const ScopedProcessState fresh;
     NSBundle::setMainBundlePath(folder.path());
-    ASSERT_TRUE(testing::writePng(*filled(10, 0xFF0000FF), folder / "both.png"));
-    ASSERT_TRUE(testing::writePng(*filled(20, 0xFF00FF00), folder / "both@2x.png"));
-    ASSERT_TRUE(testing::writePng(*filled(30, 0xFFFF0000), folder / "doubled@2x.png"));
+    ASSERT_TRUE(testing::writePicture(*filled(10, 0xFF0000FF), folder / "both.png"));
+    ASSERT_TRUE(testing::writePicture(*filled(20, 0xFF00FF00), folder / "both@2x.png"));
+    ASSERT_TRUE(testing::writePicture(*filled(30, 0xFFFF0000), folder / "doubled@2x.png"));
     ASSERT_TRUE(replaceFile(FileSystem::slot().current(), folder / "broken.png", "no picture").ok());
 
     const auto both = NSImage::imageNamed("both");

@@ -6,8 +6,7 @@
 #include <gtest/gtest.h>
 
 #include <KXFoundation/Platform/Graphics/Resampling/Resampler.h>
-
-#include "support/PictureComparison.h"
+#include <KXFoundation/Testing/PictureComparison.h>
 
 namespace kx {
 

@@ -2,11 +2,10 @@
 
 #include <KXFoundation/Platform/Runtime/Clock.h>
 #include <KXFoundation/Platform/Runtime/DispatchQueue.h>
-#include <KXFoundation/Platform/Runtime/ManualClock.h>
 #include <KXFoundation/Platform/Runtime/Semaphore.h>
-
-#include "support/CapturedLog.h"
-#include "support/ScopedQueues.h"
+#include <KXFoundation/Testing/CapturedLog.h>
+#include <KXFoundation/Testing/ManualClock.h>
+#include <KXFoundation/Testing/ScopedQueues.h>
 
 namespace kx {
 namespace {
@@ -15,7 +14,7 @@ using namespace std::chrono_literals;
 
 struct ClockTest : ::testing::Test {
     testing::ScopedQueues queues;
-    std::shared_ptr<ManualClock> clock = std::make_shared<ManualClock>();
+    std::shared_ptr<testing::ManualClock> clock = std::make_shared<testing::ManualClock>();
     ScopedPort<Clock> scope{clock};
     std::string ran;
 

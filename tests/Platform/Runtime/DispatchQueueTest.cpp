@@ -10,9 +10,8 @@
 #include <KXFoundation/Platform/Runtime/NSObject.h>
 #include <KXFoundation/Platform/Runtime/OperationQueue.h>
 #include <KXFoundation/Platform/Runtime/Semaphore.h>
-
-#include "support/CapturedLog.h"
-#include "support/ScopedQueues.h"
+#include <KXFoundation/Testing/CapturedLog.h>
+#include <KXFoundation/Testing/ScopedQueues.h>
 
 namespace kx {
 namespace {

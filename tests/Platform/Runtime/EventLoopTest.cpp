@@ -6,8 +6,7 @@
 
 #include <KXFoundation/Platform/Runtime/DispatchQueue.h>
 #include <KXFoundation/Platform/Runtime/EventLoop.h>
-
-#include "support/ScopedQueues.h"
+#include <KXFoundation/Testing/ScopedQueues.h>
 
 namespace kx {
 namespace {

@@ -12,9 +12,8 @@
 #include <KXFoundation/Platform/Services/AVAsset.h>
 #include <KXFoundation/Platform/Services/KeychainChoice.h>
 #include <KXFoundation/Platform/Services/Photos/PhotoStore.h>
-
-#include "support/CapturedLog.h"
-#include "support/ScopedPlatform.h"
+#include <KXFoundation/Testing/CapturedLog.h>
+#include <KXFoundation/Testing/ScopedPlatform.h>
 
 namespace kx {
 namespace {

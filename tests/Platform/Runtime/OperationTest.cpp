@@ -2,8 +2,7 @@
 
 #include <KXFoundation/Platform/Runtime/Operation.h>
 #include <KXFoundation/Platform/Runtime/OperationExchange.h>
-
-#include "support/CapturedLog.h"
+#include <KXFoundation/Testing/CapturedLog.h>
 
 namespace kx {
 namespace {

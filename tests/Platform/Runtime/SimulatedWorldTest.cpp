@@ -8,8 +8,7 @@
 #include <KXFoundation/Platform/Runtime/DispatchQueue.h>
 #include <KXFoundation/Platform/Runtime/MainThread.h>
 #include <KXFoundation/Platform/Runtime/OperationQueue.h>
-
-#include "support/SimulatedWorld.h"
+#include <KXFoundation/Testing/SimulatedWorld.h>
 
 namespace kx::testing {
 namespace {

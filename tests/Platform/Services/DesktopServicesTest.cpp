@@ -17,10 +17,10 @@
 #include <KXFoundation/Platform/Services/DesktopWorkspace.h>
 #include <KXFoundation/Platform/Services/FprintBiometrics.h>
 #include <KXFoundation/Platform/Services/ScreenReader.h>
+#include <KXFoundation/Testing/CapturedLog.h>
+#include <KXFoundation/Testing/ScopedPlatform.h>
+#include <KXFoundation/Testing/ScopedQueues.h>
 
-#include "support/CapturedLog.h"
-#include "support/ScopedPlatform.h"
-#include "support/ScopedQueues.h"
 #include "support/ScriptProcess.h"
 #include "support/SilentSocket.h"
 

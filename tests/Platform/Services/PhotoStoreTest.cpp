@@ -9,11 +9,11 @@
 
 #include <KXFoundation/Platform/Services/Photos/PhotoFileName.h>
 #include <KXFoundation/Platform/Services/Photos/PhotoStore.h>
+#include <KXFoundation/Testing/CapturedLog.h>
+#include <KXFoundation/Testing/FaultyFileSystem.h>
+#include <KXFoundation/Testing/TemporaryDirectory.h>
 
-#include "support/CapturedLog.h"
 #include "support/ChildProcess.h"
-#include "support/FaultyFileSystem.h"
-#include "support/TemporaryDirectory.h"
 
 namespace kx {
 namespace {

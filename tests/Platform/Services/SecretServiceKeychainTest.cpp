@@ -1,14 +1,14 @@
 #include <gtest/gtest.h>
 
-#include <KXFoundation/Platform/Runtime/ManualClock.h>
 #include <KXFoundation/Platform/Runtime/Module.h>
 #include <KXFoundation/Platform/Services/DesktopModule.h>
 #include <KXFoundation/Platform/Services/KeychainChoice.h>
 #include <KXFoundation/Platform/Services/SecretServiceKeychain.h>
+#include <KXFoundation/Testing/CapturedLog.h>
+#include <KXFoundation/Testing/ManualClock.h>
+#include <KXFoundation/Testing/ScopedPlatform.h>
 
 #include "Platform/Services/MockSecretService.h"
-#include "support/CapturedLog.h"
-#include "support/ScopedPlatform.h"
 #include "support/ScriptProcess.h"
 #include "support/SilentSocket.h"
 
@@ -113,7 +113,7 @@ TEST_F(SecretServiceKeychainTest, SilenceEndsWithTheTime) {
 
 /// A service that takes all the time there is, each time it is asked.
 struct SlowService {
-    static inline std::shared_ptr<ManualClock> clock;
+    static inline std::shared_ptr<testing::ManualClock> clock;
     static inline int asked = 0;
 
     static DesktopReply wait(std::uint32_t milliseconds) {
@@ -131,7 +131,7 @@ struct SlowService {
 };
 
 TEST(SecretServiceKeychain, SilenceHoldsASaveUpOnce) {
-    SlowService::clock = std::make_shared<ManualClock>();
+    SlowService::clock = std::make_shared<testing::ManualClock>();
     const ScopedPort<Clock> scope(SlowService::clock);
     SecretServiceKeychain store(SlowService::kTable, "", "org.example.app", kKeychainTimeout);
     for (const int round : {1, 2}) {

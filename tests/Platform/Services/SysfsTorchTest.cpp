@@ -1,9 +1,8 @@
 #include <gtest/gtest.h>
 
 #include <KXFoundation/Platform/Services/SysfsTorch.h>
-
-#include "support/FaultyFileSystem.h"
-#include "support/TemporaryDirectory.h"
+#include <KXFoundation/Testing/FaultyFileSystem.h>
+#include <KXFoundation/Testing/TemporaryDirectory.h>
 
 namespace kx {
 namespace {

@@ -7,9 +7,9 @@
 
 #include <KXFoundation/Device/KXNetworkUtils.h>
 #include <KXFoundation/Platform/Services/SystemInterfaces.h>
+#include <KXFoundation/Testing/TemporaryDirectory.h>
 
 #include "support/ChildProcess.h"
-#include "support/TemporaryDirectory.h"
 
 namespace kx {
 namespace {

@@ -3,8 +3,8 @@
 
 #include <gtest/gtest.h>
 
-#include <KXFoundation/Platform/Runtime/ManualClock.h>
 #include <KXFoundation/Platform/Views/CABasicAnimation.h>
+#include <KXFoundation/Testing/ManualClock.h>
 
 #include "ViewFixture.h"
 
@@ -38,7 +38,7 @@ struct Layer : ::testing::Test {
         view->layer()->addAnimation(animation);
     }
 
-    std::shared_ptr<ManualClock> clock = std::make_shared<ManualClock>();
+    std::shared_ptr<testing::ManualClock> clock = std::make_shared<testing::ManualClock>();
     ScopedPort<Clock> clockScope{clock};
     testing::OffscreenWindow shown{{100, 100}};
     std::shared_ptr<NSView> view = filled({30, 40, 40, 20}, kRed);

@@ -2,9 +2,9 @@
 #include <gtest/gtest.h>
 
 #include <KXFoundation/Platform/Views/NSButton.h>
+#include <KXFoundation/Testing/CapturedLog.h>
 
 #include "ViewFixture.h"
-#include "support/CapturedLog.h"
 
 namespace kx {
 namespace {

@@ -5,9 +5,9 @@
 
 #include <KXFoundation/Platform/Views/NSLayoutConstraint.h>
 #include <KXFoundation/Platform/Views/NSTextField.h>
+#include <KXFoundation/Testing/CapturedLog.h>
 
 #include "ViewFixture.h"
-#include "support/CapturedLog.h"
 
 namespace kx {
 namespace {

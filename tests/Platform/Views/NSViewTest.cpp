@@ -8,9 +8,9 @@
 #include <KXFoundation/Platform/Views/NSApplication.h>
 #include <KXFoundation/Platform/Views/NSView.h>
 #include <KXFoundation/Platform/Views/ViewDescription.h>
+#include <KXFoundation/Testing/CapturedLog.h>
 
 #include "ViewFixture.h"
-#include "support/CapturedLog.h"
 
 namespace kx {
 namespace {

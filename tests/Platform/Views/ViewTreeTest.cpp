@@ -6,8 +6,9 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include <KXFoundation/Testing/CapturedLog.h>
+
 #include "ViewFixture.h"
-#include "support/CapturedLog.h"
 
 namespace kx {
 namespace {

@@ -24,8 +24,7 @@ struct WindowKeys : ::testing::Test {
                                      .characters = std::string(characters)});
     }
     void press(std::string_view characters, NSEventModifierFlags flags = NSEventModifierFlags::None) {
-        key(NSEventType::KeyDown, characters, flags);
-        key(NSEventType::KeyUp, characters, flags);
+        shown.press(characters, flags);
     }
     std::string focused() const {
         const auto button = std::dynamic_pointer_cast<NSButton>(shown.window->firstResponder());

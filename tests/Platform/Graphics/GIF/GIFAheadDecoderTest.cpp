@@ -5,9 +5,9 @@
 
 #include <KXFoundation/Platform/Graphics/GIF/GIFAheadDecoder.h>
 #include <KXFoundation/Platform/Graphics/GIF/GIFDecoder.h>
+#include <KXFoundation/Testing/SimulatedWorld.h>
 
 #include "support/GIFWriter.h"
-#include "support/SimulatedWorld.h"
 
 namespace kx {
 namespace {

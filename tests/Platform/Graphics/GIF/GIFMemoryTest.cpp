@@ -1,9 +1,9 @@
 #include <gtest/gtest.h>
 
 #include <KXFoundation/Platform/Graphics/GIF/GIFDecoder.h>
+#include <KXFoundation/Testing/CountedMemory.h>
 
 #include "GIFCases.h"
-#include "support/CountedMemory.h"
 
 namespace kx {
 namespace {

@@ -1,0 +1,8 @@
+#include <KXFoundation/Platform/Views/NSApplication.h>
+
+#include "Greeting.h"
+
+int main() {
+    const Greeting greeting;
+    kx::NSApplication::sharedApplication()->run();
+}
