@@ -47,8 +47,12 @@ get_property(foundation_packages GLOBAL PROPERTY KX_PACKAGES_Foundation)
 get_property(ui_packages GLOBAL PROPERTY KX_PACKAGES_UI)
 configure_package_config_file(packaging/KXFoundationConfig.cmake.in
   ${PROJECT_BINARY_DIR}/KXFoundationConfig.cmake INSTALL_DESTINATION ${package_dir})
+set(compatible SameMajorVersion)
+if(PROJECT_VERSION_MAJOR EQUAL 0)
+  set(compatible SameMinorVersion)
+endif()
 write_basic_package_version_file(${PROJECT_BINARY_DIR}/KXFoundationConfigVersion.cmake
-  COMPATIBILITY SameMajorVersion)
+  COMPATIBILITY ${compatible})
 install(FILES
   ${PROJECT_BINARY_DIR}/KXFoundationConfig.cmake
   ${PROJECT_BINARY_DIR}/KXFoundationConfigVersion.cmake

@@ -100,13 +100,13 @@ function(kx_benchmarks name library)
 endfunction()
 
 # kx_module(<name> <Foundation|UI> <package> file...): a module kx-<name>.so over one heavy package, opened at first use
-# by that library. It lies in KXFoundation/ beside our own libraries, in the build tree as after installation.
+# by that library. It lies in KX_MODULE_FOLDER beside our own libraries, in the build tree as after installation.
 function(kx_module name library package)
   add_library(kx-${name} MODULE ${ARGN})
   target_include_directories(kx-${name} PRIVATE ${PROJECT_SOURCE_DIR})
   target_link_libraries(kx-${name} PRIVATE ${package} kx_warnings)
   set_target_properties(kx-${name} PROPERTIES
-    PREFIX "" LIBRARY_OUTPUT_DIRECTORY ${CMAKE_LIBRARY_OUTPUT_DIRECTORY}/KXFoundation)
+    PREFIX "" LIBRARY_OUTPUT_DIRECTORY ${CMAKE_LIBRARY_OUTPUT_DIRECTORY}/${KX_MODULE_FOLDER})
   add_dependencies(${target_${library}} kx-${name})
-  install(TARGETS kx-${name} LIBRARY DESTINATION ${CMAKE_INSTALL_LIBDIR}/KXFoundation COMPONENT ${library})
+  install(TARGETS kx-${name} LIBRARY DESTINATION ${CMAKE_INSTALL_LIBDIR}/${KX_MODULE_FOLDER} COMPONENT ${library})
 endfunction()

@@ -53,12 +53,13 @@ no_folder_is_named() {
     ! grep -rIl -e "$scratch" -e "$build" "$scratch/moved-there" || { echo "these files name a build folder"; exit 1; }
 }
 
-# Each shared library carries its major version.
+# Each shared library carries the version of its ABI.
 names_are_right() {
-    local library name
+    local library name abi=${version%%.*}
+    [ "$abi" != 0 ] || abi=${version%.*}
     find "$scratch/moved-there" -name 'libKXFoundation*.so' | while read -r library; do
         name=$(readelf -d "$library" | sed -n 's/.*SONAME.*\[\(.*\)\]/\1/p')
-        [ "$name" = "$(basename "$library").${version%%.*}" ] || { echo "$library is named $name"; exit 1; }
+        [ "$name" = "$(basename "$library").$abi" ] || { echo "$library is named $name"; exit 1; }
         [ -e "$(dirname "$library")/$name" ] || { echo "$name is not installed"; exit 1; }
     done
 }
@@ -68,7 +69,8 @@ modules_are_there() {
     local built wanted=kx-desktop.so
     [ "$component" = Foundation ] || wanted=$(find "$build"/lib* -name 'kx-*.so' -printf '%f\n' | sort -u)
     for built in $wanted; do
-        [ -n "$(find "$scratch/moved-there" -path "*/KXFoundation/$built")" ] || { echo "$built is not installed"; exit 1; }
+        [ -n "$(find "$scratch/moved-there" -path "*/KXFoundation-*/$built")" ] ||
+            { echo "$built is not installed"; exit 1; }
     done
 }
 

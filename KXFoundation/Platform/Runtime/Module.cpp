@@ -21,11 +21,12 @@ constexpr ModuleHost kHost{.log = [](const char* line) { log(LogLevel::Warning, 
 std::string modulePath(const char* name) {
     Dl_info self;
     if (!::dladdr(reinterpret_cast<const void*>(&modulePath), &self) || !self.dli_fname) return {};
+    const std::string below = std::string("/" KX_MODULE_FOLDER "/kx-") + name + ".so";
     // A program found through PATH knows only its name: then nothing beside it is looked at.
-    if (self.dli_fname[0] != '/') return std::string(KX_MODULE_DIRECTORY "/kx-") + name + ".so";
-    std::string beside = directoryOf(self.dli_fname) + "/KXFoundation/kx-" + name + ".so";
+    if (self.dli_fname[0] != '/') return KX_INSTALLED_LIBRARIES + below;
+    std::string beside = directoryOf(self.dli_fname) + below;
     // A static library has no place of its own: then the installed modules serve.
-    if (::access(beside.c_str(), F_OK) != 0) return std::string(KX_MODULE_DIRECTORY "/kx-") + name + ".so";
+    if (::access(beside.c_str(), F_OK) != 0) return KX_INSTALLED_LIBRARIES + below;
     return beside;
 }
 

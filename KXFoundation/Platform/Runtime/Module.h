@@ -7,9 +7,9 @@
 #include <KXFoundation/Platform/Runtime/Result.h>
 
 /// A module is a shared object that wraps one heavy library (windows, network, video), opened at first use,
-/// so that an application which never needs it does not pay for it at its start. It lies in `KXFoundation/`
-/// beside our own library. A module links no code of ours: it exports one C function, is handed the log, and
-/// answers a table of functions.
+/// so that an application which never needs it does not pay for it at its start. It lies in
+/// `KXFoundation-<ABI version>/` beside our own library. A module links no code of ours: it exports one C
+/// function, is handed the log, and answers a table of functions.
 namespace kx {
 
 /// What the library hands to a module.

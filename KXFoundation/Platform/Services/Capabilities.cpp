@@ -7,8 +7,8 @@ namespace {
 using Probe = Capability (*)(Patience);
 
 constexpr Probe kProbes[] = {
-    probeDisplay, probeFonts, probeBus,   probePortal,     probeKeyring,
-    probeCurl,    probeVideo, probeTorch, probeBiometrics,
+    probeDisplay, probeFonts,  probeBus,   probePortal, probeKeyring,    probeCurl,
+    probeDates,   probePhotos, probeVideo, probeTorch,  probeBiometrics,
 };
 
 }  // namespace

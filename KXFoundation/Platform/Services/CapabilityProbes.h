@@ -22,6 +22,10 @@ Capability probePortal(Patience patience);
 Capability probeKeyring(Patience patience);
 /// Whether HTTPS can be spoken, and by what.
 Capability probeCurl(Patience patience);
+/// Whether dates can be written in every language.
+Capability probeDates(Patience patience);
+/// Whether the photo library can keep its index.
+Capability probePhotos(Patience patience);
 /// Whether frames can be taken out of videos, and by what.
 Capability probeVideo(Patience patience);
 /// Whether there is a torch that this user may switch.

@@ -1,13 +1,15 @@
-// What the machine itself offers: libraries for network and videos, torch, fonts.
+// What the machine itself offers: libraries for network, dates, photos and videos, torch, fonts.
 #include <algorithm>
 #include <array>
 
 #include <KXFoundation/Platform/Foundation/CurlURLLoader.h>
 #include <KXFoundation/Platform/Foundation/HTTPModule.h>
+#include <KXFoundation/Platform/Foundation/IcuModule.h>
 #include <KXFoundation/Platform/Runtime/Environment.h>
 #include <KXFoundation/Platform/Runtime/FileSystem.h>
 #include <KXFoundation/Platform/Services/AVAsset.h>
 #include <KXFoundation/Platform/Services/CapabilityProbes.h>
+#include <KXFoundation/Platform/Services/SqliteModule.h>
 #include <KXFoundation/Platform/Services/Torch.h>
 
 namespace kx {
@@ -56,6 +58,16 @@ Capability probeCurl(Patience) {
     const HTTPModule* module = httpModule();
     if (!module) return {"curl", false, "the module for HTTPS is not installed"};
     return {"curl", true, module->description()};
+}
+
+Capability probeDates(Patience) {
+    const bool works = icuModule() != nullptr;
+    return {"dates", works, works ? "ICU" : "the module for ICU is not installed"};
+}
+
+Capability probePhotos(Patience) {
+    const bool works = sqliteModule() != nullptr;
+    return {"photos", works, works ? "SQLite" : "the module for SQLite is not installed"};
 }
 
 Capability probeVideo(Patience) {
