@@ -23,8 +23,9 @@ std::string property(const testing::TestInfo& test, std::string_view key) {
     return "-";
 }
 
+/// A row per fault, a column per thing. The tests come in the order of their faults.
 void printTable() {
-    std::puts("| thing | fault | rounds | losses |\n|---|---|---:|---:|");
+    std::string heading = "| rounds, losses |", ruler = "\n|---|", rows, fault;
     const testing::UnitTest& all = *testing::UnitTest::GetInstance();
     for (int suite = 0; suite < all.total_test_suite_count(); ++suite) {
         for (int i = 0; i < all.GetTestSuite(suite)->total_test_count(); ++i) {
@@ -32,11 +33,18 @@ void printTable() {
             if (!test.should_run()) continue;
             const std::string name = test.name();
             const std::size_t slash = name.find('/');
-            std::printf("| %s | %s | %s | %s |\n", name.substr(slash + 1).c_str(),
-                        name.substr(0, slash).c_str(), property(test, "rounds").c_str(),
-                        property(test, "losses").c_str());
+            if (name.substr(0, slash) != fault) {
+                fault = name.substr(0, slash);
+                rows += "\n| " + fault + " |";
+            }
+            if (rows.find('\n', 1) == std::string::npos) {
+                heading += " " + name.substr(slash + 1) + " |";
+                ruler += "---:|";
+            }
+            rows += " " + property(test, "rounds") + ", " + property(test, "losses") + " |";
         }
     }
+    std::puts((heading + ruler + rows).c_str());
 }
 
 }  // namespace

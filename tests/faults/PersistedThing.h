@@ -29,6 +29,7 @@ struct PersistedKind {
     bool dropsTheOldFirst = false;
     /// What a save answers says nothing of the disk.
     bool isSilent = false;
+    bool isSlow = false;
 };
 
 [[nodiscard]] const std::vector<PersistedKind>& persistedKinds();

@@ -172,7 +172,7 @@ const std::vector<PersistedKind>& persistedKinds() {
     static const std::vector<PersistedKind> kinds{{"defaults", opened<Defaults>},
                                                   {"keychain", opened<Keychain>, true},
                                                   {"diskCache", opened<DiskCache>},
-                                                  {"photoLibrary", opened<PhotoLibrary>},
+                                                  {"photoLibrary", opened<PhotoLibrary>, false, false, true},
                                                   {"savedImages", opened<SavedImages>, false, true}};
     return kinds;
 }
