@@ -175,8 +175,9 @@ void gifs(Stress& s) {
     std::vector<std::shared_ptr<KXGIFImageView>> views;
     for (int i = 0; i < 3; ++i) views.push_back(KXGIFImageView::initWithGIFPath(folder + names[s.below(5)]));
     for (int i = 0; i < 12; ++i) {
-        DispatchQueue::main().after(std::chrono::milliseconds(s.below(4)),
-                                    [&] { views[s.below(3)]->setGIFPath(folder + names[s.below(5)]); });
+        s.later([&] {
+            DispatchQueue::main().async([&] { views[s.below(3)]->setGIFPath(folder + names[s.below(5)]); });
+        });
     }
     s.run();
     for (const auto& view : views) {
