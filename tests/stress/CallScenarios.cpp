@@ -118,6 +118,7 @@ void requests(Stress& s) {
         std::shared_ptr<HarbourRequest> request = make<HarbourRequest>();
         std::shared_ptr<DispatchQueue> queue = DispatchQueue::serial("user");
         int starts = 0, answers = 0;
+        std::int32_t number = 0;  // of the start that waits
     };
     User users[3];
     users[0].queue = DispatchQueue::main().shared_from_this();
@@ -126,7 +127,7 @@ void requests(Stress& s) {
     const auto method = [&](User& user) -> KXRequest::Method {
         return [&](KXRequest::Error&) {
             if (s.isOneIn(8)) return -5;
-            const std::int32_t number = ++last;
+            const std::int32_t number = user.number = ++last;
             for (std::size_t count = s.below(8) == 0 ? 0 : 1 + s.below(2); count > 0; --count) {
                 const auto code = s.isOneIn(4) ? std::optional<std::int32_t>(-7) : std::nullopt;
                 user.queue->after(std::chrono::milliseconds(s.below(6)),
@@ -144,8 +145,8 @@ void requests(Stress& s) {
             s.require(++*calls == 1, "a callback was called twice");
             s.require(success == (!error || error->code() >= 0), "success and error disagree");
             s.require(isBusy == (error && error->code() == KXRequest::kBusyCode), "refused, or not, wrongly");
-            if (!success) return;
-            s.require(user.request->response()["id"] == user.request->response()["berths"], "a mixed answer");
+            const Value answered = user.request->response()["id"];
+            s.require(!success || answered == Value(user.number), "another request's answer");
         });
     };
     for (int i = 0; i < 15; ++i) {
