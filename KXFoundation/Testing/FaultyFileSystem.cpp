@@ -1,9 +1,11 @@
 #include <algorithm>
 #include <array>
 #include <limits>
+#include <map>
 #include <mutex>
 #include <numeric>
 #include <optional>
+#include <set>
 #include <span>
 #include <utility>
 
@@ -40,6 +42,16 @@ class FaultyFileSystem::Faults {
         bytesRead += size;
     }
 
+    /// What tells this start of the machine from others.
+    std::byte boot() {
+        const std::lock_guard lock(mutex);
+        return std::byte{boots};
+    }
+    void cutPower() {
+        const std::lock_guard lock(mutex);
+        ++boots;
+    }
+
     static constexpr std::uint64_t kUnbounded = std::numeric_limits<std::uint64_t>::max();
 
     std::mutex mutex;  // guards all below
@@ -49,78 +61,153 @@ class FaultyFileSystem::Faults {
     int systemError = 0;
     Then then = Then::Recovers;
     std::uint64_t room = kUnbounded;
+    std::uint8_t boots = 0;
 };
 
-/// What undoes each change that is not synced yet, the latest last. Done over the file system below.
+/// The changes that are not synced yet. Contents belong to files, whatever they are called, and names to
+/// their directories: a power cut keeps or loses each by itself.
 class FaultyFileSystem::Journal {
   public:
     explicit Journal(std::shared_ptr<FileSystem> files) : files_(std::move(files)) {}
 
     void begin() {
         const std::lock_guard lock(mutex_);
+        forget();
         remembers_ = true;
-        undos_.clear();
-        for (const std::string& path : mapped_) remember(path, path);
+        for (const std::string& path : mapped_) (void)fileAt(path);
     }
-    /// Before the contents of the file change, or are mapped to be changed.
-    void changing(const std::string& path) {
+    /// Before any change of the name or of the contents of the file that has it.
+    void touching(const std::string& path) {
         const std::lock_guard lock(mutex_);
-        if (remembers_) remember(path, path);
+        if (remembers_) (void)fileAt(path);
     }
+    void writing(const std::string& path, std::uint64_t offset, std::span<const std::byte> bytes) {
+        changing(path, offset, std::string(reinterpret_cast<const char*>(bytes.data()), bytes.size()));
+    }
+    void truncating(const std::string& path, std::uint64_t size) { changing(path, size, std::nullopt); }
     void mapping(const std::string& path) {
+        touching(path);
         const std::lock_guard lock(mutex_);
-        if (remembers_) remember(path, path);
-        if (std::ranges::find(mapped_, path) == mapped_.end()) mapped_.push_back(path);
+        mapped_.insert(path);
     }
-    /// Before the name changes: made, removed or replaced.
-    void naming(const std::string& path) {
-        const std::lock_guard lock(mutex_);
-        if (remembers_) remember(path, directoryOf(path));
+    void made(const std::string& path) { named({{path, std::make_shared<std::string>()}}); }
+    void removed(const std::string& path) { named({{path, nullptr}}); }
+    void renamed(const std::string& from, const std::string& to) {
+        Contents file;
+        {
+            const std::lock_guard lock(mutex_);
+            if (remembers_) file = present_[from];
+        }
+        named({{to, file}, {from, nullptr}});
     }
     void synced(const std::string& path) {
         const std::lock_guard lock(mutex_);
-        std::erase_if(undos_, [&](const Undo& undo) { return undo.until == path; });
-        // A mapping goes on changing it.
-        if (std::ranges::find(mapped_, path) != mapped_.end()) remember(path, path);
+        if (!remembers_) return;
+        const Contents file = fileAt(path);
+        if (!file) return;
+        std::erase_if(changes_, [&](const Change& change) {
+            if (change.file != file) return false;
+            apply(change);
+            return true;
+        });
+        if (mapped_.contains(path)) *file = read(path);
     }
-    void renamed(const std::string& from, const std::string& to) {
+    void syncedDirectory(const std::string& directory) {
         const std::lock_guard lock(mutex_);
-        for (Undo& undo : undos_) {
-            if (undo.until == from) undo.path = undo.until = to;
+        std::erase_if(changes_, [&](Change& change) {
+            std::erase_if(change.names, [&](const auto& name) {
+                if (directoryOf(name.first) != directory) return false;
+                synced_[name.first] = name.second;
+                return true;
+            });
+            return !change.file && change.names.empty();
+        });
+    }
+    std::size_t cut(const std::function<bool()>& keeps) {
+        const std::lock_guard lock(mutex_);
+        if (!remembers_) return 0;
+        std::size_t asked = changes_.size();
+        for (const Change& change : changes_) {
+            if (keeps()) apply(change);
         }
-    }
-    void undo() {
-        const std::lock_guard lock(mutex_);
-        for (auto step = undos_.rbegin(); step != undos_.rend(); ++step) restore(*step);
-        undos_.clear();
+        for (const std::string& path : mapped_) {
+            const Contents file = fileAt(path);
+            if (!file) continue;
+            ++asked;
+            if (keeps()) *file = read(path);
+        }
+        for (const auto& [path, file] : synced_) restore(path, file);
+        forget();
+        return asked;
     }
 
   private:
-    struct Undo {
-        std::string path;
-        std::string until;  // what has to be synced for this to be forgotten
-        std::optional<std::string> contents;
+    using Contents = std::shared_ptr<std::string>;  // of a file, as far as they are synced
+    using Names = std::map<std::string, Contents>;  // none: no file has the name
+    /// Of a file's contents or, where there is no file, of names, all of them at once.
+    struct Change {
+        Contents file;
+        std::uint64_t offset;  // without bytes: the file's size
+        std::optional<std::string> bytes;
+        Names names;
     };
-    void remember(const std::string& path, const std::string& until) {
-        auto contents = readFile(*files_, path, std::uint64_t{1} << 30);
-        undos_.push_back({path, until, contents ? std::optional(std::move(*contents)) : std::nullopt});
+
+    void forget() {
+        remembers_ = false;
+        changes_.clear();
+        synced_.clear();
+        present_.clear();
     }
-    void restore(const Undo& step) {
-        if (!step.contents) {
-            (void)files_->remove(step.path);
+    std::string read(const std::string& path) {
+        auto contents = readFile(*files_, path, std::uint64_t{1} << 30);
+        return contents ? std::move(*contents) : std::string();
+    }
+    [[nodiscard]] bool isFile(const std::string& path) {
+        const auto info = files_->info(path);
+        return info && info->kind == Info::Kind::File;
+    }
+    Contents fileAt(const std::string& path) {
+        const auto [found, isNew] = present_.try_emplace(path);
+        if (isNew && isFile(path)) found->second = std::make_shared<std::string>(read(path));
+        if (isNew) synced_[path] = found->second;
+        return found->second;
+    }
+    void changing(const std::string& path, std::uint64_t offset, std::optional<std::string> bytes) {
+        const std::lock_guard lock(mutex_);
+        if (remembers_) changes_.push_back({fileAt(path), offset, std::move(bytes), {}});
+    }
+    void named(Names names) {
+        const std::lock_guard lock(mutex_);
+        if (!remembers_) return;
+        for (const auto& [path, file] : names) present_[path] = file;
+        changes_.push_back({nullptr, 0, std::nullopt, std::move(names)});
+    }
+    void apply(const Change& change) {
+        for (const auto& [path, file] : change.names) synced_[path] = file;
+        if (!change.file) return;
+        if (!change.bytes) return change.file->resize(change.offset);
+        const std::size_t end = change.offset + change.bytes->size();
+        if (change.file->size() < end) change.file->resize(end);
+        change.file->replace(change.offset, change.bytes->size(), *change.bytes);
+    }
+    void restore(const std::string& path, const Contents& contents) {
+        if (!contents) {
+            if (isFile(path)) (void)files_->remove(path);
             return;
         }
-        auto file = files_->open(step.path, Mode::ReadWrite);
+        (void)makeDirectories(*files_, directoryOf(path));
+        auto file = files_->open(path, Mode::ReadWrite);
         if (!file) return;
-        (void)(*file)->truncate(step.contents->size());
-        (void)(*file)->writeAt(0, std::as_bytes(std::span(*step.contents)));
+        (void)(*file)->truncate(contents->size());
+        (void)(*file)->writeAt(0, std::as_bytes(std::span(*contents)));
     }
 
     const std::shared_ptr<FileSystem> files_;
     std::mutex mutex_;  // guards all below
     bool remembers_ = false;
-    std::vector<Undo> undos_;
-    std::vector<std::string> mapped_;
+    std::vector<Change> changes_;  // not synced, the latest last
+    Names synced_, present_;       // of the files that were touched
+    std::set<std::string> mapped_;
 };
 
 class FaultyFileSystem::FaultyFile final : public File {
@@ -136,15 +223,16 @@ class FaultyFileSystem::FaultyFile final : public File {
         if (const int error = faults_->meet(Call::Read)) return failure(error);
         auto got = below_->readAt(offset, into);
         if (got) faults_->countRead(*got);
+        if (got && path_ == kBootIdentifier) into[0] ^= faults_->boot();
         return got;
     }
 
     Result<void> writeAt(std::uint64_t offset, std::span<const std::byte> bytes) override {
         if (const int error = faults_->meet(Call::Write))
             return tear(offset, bytes.first(bytes.size() / 2), error);
-        journal_->changing(path_);
         const std::size_t room = faults_->takeRoom(bytes.size());
         if (room < bytes.size()) return tear(offset, bytes.first(room), ENOSPC);
+        journal_->writing(path_, offset, bytes);
         return below_->writeAt(offset, bytes);
     }
 
@@ -155,7 +243,7 @@ class FaultyFileSystem::FaultyFile final : public File {
 
     Result<void> truncate(std::uint64_t size) override {
         if (const int error = faults_->meet(Call::Truncate)) return failure(error);
-        journal_->changing(path_);
+        journal_->truncating(path_, size);
         return below_->truncate(size);
     }
 
@@ -179,10 +267,12 @@ class FaultyFileSystem::FaultyFile final : public File {
     }
 
   private:
+    static constexpr std::string_view kBootIdentifier = "/proc/sys/kernel/random/boot_id";
+
     Error failure(int error) const { return Error::fromErrno(error, path_); }
 
     Error tear(std::uint64_t offset, std::span<const std::byte> part, int error) {
-        journal_->changing(path_);
+        journal_->writing(path_, offset, part);
         (void)below_->writeAt(offset, part);
         return failure(error);
     }
@@ -236,8 +326,9 @@ void FaultyFileSystem::rememberUnsynced() {
     journal_->begin();
 }
 
-void FaultyFileSystem::dropUnsynced() {
-    journal_->undo();
+std::size_t FaultyFileSystem::dropUnsynced(const std::function<bool()>& keeps) {
+    faults_->cutPower();
+    return journal_->cut(keeps);
 }
 
 void FaultyFileSystem::heal() {
@@ -248,9 +339,11 @@ void FaultyFileSystem::heal() {
 
 Result<std::unique_ptr<File>> FaultyFileSystem::open(const std::string& path, Mode mode) {
     if (const int error = faults_->meet(Call::Open)) return Error::fromErrno(error, path);
-    if (mode != Mode::Read && !below_->info(path)) journal_->naming(path);
+    const bool isMade = mode != Mode::Read && !below_->info(path);
+    if (isMade) journal_->touching(path);
     auto file = below_->open(path, mode);
     if (!file) return file;
+    if (isMade) journal_->made(path);
     return std::unique_ptr<File>(std::make_unique<FaultyFile>(std::move(*file), faults_, journal_, path));
 }
 
@@ -266,8 +359,8 @@ Result<std::vector<std::string>> FaultyFileSystem::list(const std::string& direc
 
 Result<void> FaultyFileSystem::rename(const std::string& from, const std::string& to) {
     if (const int error = faults_->meet(Call::Rename)) return Error::fromErrno(error, to);
-    journal_->naming(from);
-    journal_->naming(to);
+    journal_->touching(from);
+    journal_->touching(to);
     auto done = below_->rename(from, to);
     if (done) journal_->renamed(from, to);
     return done;
@@ -275,8 +368,10 @@ Result<void> FaultyFileSystem::rename(const std::string& from, const std::string
 
 Result<void> FaultyFileSystem::remove(const std::string& path) {
     if (const int error = faults_->meet(Call::Remove)) return Error::fromErrno(error, path);
-    journal_->naming(path);
-    return below_->remove(path);
+    journal_->touching(path);
+    auto done = below_->remove(path);
+    if (done) journal_->removed(path);
+    return done;
 }
 
 Result<void> FaultyFileSystem::makeDirectory(const std::string& path) {
@@ -287,7 +382,7 @@ Result<void> FaultyFileSystem::makeDirectory(const std::string& path) {
 Result<void> FaultyFileSystem::syncDirectory(const std::string& path) {
     if (const int error = faults_->meet(Call::SyncDirectory)) return Error::fromErrno(error, path);
     if (auto there = below_->info(path); !there) return std::move(there).error();
-    journal_->synced(path);
+    journal_->syncedDirectory(path);
     return {};
 }
 

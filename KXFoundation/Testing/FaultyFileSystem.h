@@ -2,6 +2,7 @@
 
 #include <cerrno>
 #include <cstdint>
+#include <functional>
 #include <memory>
 #include <optional>
 #include <string>
@@ -55,9 +56,10 @@ class KX_EXPORT FaultyFileSystem final : public FileSystem {
     void setRoom(std::uint64_t bytes);
     /// From now on remembers what is not synced, so that dropUnsynced() can take it away.
     void rememberUnsynced();
-    /// A power cut: the files fall back to what was last synced (a file or name whose directory was not
-    /// synced goes, or comes back), what was written through mappings included. Nothing may be using them.
-    void dropUnsynced();
+    /// A power cut: each change that was not synced (a write, the making, renaming or removal of a file, what
+    /// was written through a mapping) is kept if `keeps` says so, and lost else; the machine's next start has
+    /// another identifier. Answers how many changes there were. Nothing may be using the files.
+    std::size_t dropUnsynced(const std::function<bool()>& keeps = [] { return false; });
     /// The bytes that were read with readAt since the last resetCounts().
     [[nodiscard]] std::uint64_t bytesRead() const;
     /// Every call works again, with room without bound.

@@ -16,6 +16,8 @@ class PersistedThing {
     /// Puts the text under the name; true once it is there for good.
     virtual bool save(const std::string& name, const std::string& text) = 0;
     [[nodiscard]] virtual std::optional<std::string> load(const std::string& name) = 0;
+    /// Whether there is nothing beside what load() gives.
+    [[nodiscard]] virtual bool isWhole() { return true; }
 };
 
 /// Its kind.
@@ -24,7 +26,10 @@ struct PersistedKind {
     /// As the next start of the application opens it, in the user's folders.
     std::unique_ptr<PersistedThing> (*open)();
     /// A save that fails may leave nothing under its own name.
-    bool dropsTheOldFirst;
+    bool dropsTheOldFirst = false;
+    /// What a save answers says nothing of the disk.
+    bool isSilent = false;
+    bool isSlow = false;
 };
 
 [[nodiscard]] const std::vector<PersistedKind>& persistedKinds();

@@ -1,11 +1,8 @@
 #include <cerrno>
-#include <csignal>
 #include <filesystem>
-#include <random>
 #include <set>
 
 #include <gmock/gmock.h>
-#include <sys/time.h>
 
 #include <KXFoundation/Platform/Services/Photos/PhotoFileName.h>
 #include <KXFoundation/Platform/Services/Photos/PhotoStore.h>
@@ -13,16 +10,12 @@
 #include <KXFoundation/Testing/FaultyFileSystem.h>
 #include <KXFoundation/Testing/TemporaryDirectory.h>
 
-#include "support/ChildProcess.h"
-
 namespace kx {
 namespace {
 
-using testing::ChildProcess;
 using ::testing::ElementsAre;
 using testing::FaultyFileSystem;
 using ::testing::IsEmpty;
-using Then = FaultyFileSystem::Then;
 
 constexpr PHAssetMediaType kImage = PHAssetMediaType::Image;
 constexpr PHAssetMediaType kVideo = PHAssetMediaType::Video;
@@ -157,60 +150,6 @@ TEST_F(PhotoStoreTest, OneFileThatCannotBeTakenKeepsAllOut) {
     EXPECT_FALSE(PhotoStore(std::nullopt, pictures).perform(albumOf("A", {})).ok()) << "no home";
 }
 
-/// Every call of a change fails in turn, or is the last one of all, or of all before the power goes.
-struct Fault {
-    Then then;
-    bool losesPower;
-};
-struct PhotoStoreFaultTest : PhotoStoreTest, ::testing::WithParamInterface<Fault> {};
-
-TEST_P(PhotoStoreFaultTest, AllOfItOrNothing) {
-    const std::vector<std::string> paths{picture("a/x.png"), picture("b/x.png")};
-    bool passed = false;
-    for (std::size_t number = 1; !passed; ++number) {
-        ASSERT_LT(number, 600u) << "no end of calls";
-        for (const char* folder : {"data", "Pictures"}) std::filesystem::remove_all(directory / folder);
-        ASSERT_TRUE(store().perform(albumOf("before", paths)).ok());
-        if (GetParam().losesPower) files->rememberUnsynced();
-        files->failCall(number, number % 2 == 0 ? EIO : ENOSPC, GetParam().then);
-        files->resetCounts();
-        const bool acknowledged = store().perform(albumOf("new", paths)).ok();
-        passed = files->calls() < number;
-        if (GetParam().losesPower) files->dropUnsynced();
-        files->heal();
-        const auto titles = titlesOfWholeLibrary(2);
-        const bool holds = titles.size() > 1;
-        std::vector<std::string> expected{"before"};
-        if (holds) expected.emplace_back("new");
-        ASSERT_EQ(titles, expected) << "call " << number;
-        ASSERT_TRUE(holds || !acknowledged) << "call " << number;
-        ASSERT_TRUE(acknowledged || !passed);
-        ASSERT_EQ(std::filesystem::exists(pictures + "/new"), holds) << "call " << number;
-    }
-    EXPECT_THAT(log.lines(), IsEmpty());
-}
-
-INSTANTIATE_TEST_SUITE_P(After, PhotoStoreFaultTest,
-                         ::testing::Values(Fault{Then::Recovers, false}, Fault{Then::StaysBroken, false},
-                                           Fault{Then::StaysBroken, true}));
-
-TEST_F(PhotoStoreTest, TwoProcessesAtOnceLoseNothing) {
-    const std::vector<std::string> paths{picture("a/x.png"), picture("b/x.png")};
-    const auto maker = [&](const char* process) {
-        return [&, process](auto) {
-            PhotoStore store = this->store();
-            bool good = true;
-            for (int i = 0; i < 20; ++i)
-                good = store.perform(albumOf(process + std::to_string(i % 5), paths)).ok() && good;
-            return good;
-        };
-    };
-    ChildProcess first(maker("a")), second(maker("b"));
-    EXPECT_EQ(first.end(), 0);
-    EXPECT_EQ(second.end(), 0);
-    EXPECT_EQ(titlesOfWholeLibrary(2).size(), 40u);
-}
-
 TEST_F(PhotoStoreTest, AFullDiskKeepsWhatWasThere) {
     ASSERT_TRUE(store().perform(albumOf("before", {picture("x.png")})).ok());
     const std::string large = directory.write("from/large.png", kPicture + std::string(3 << 20, 'x'));
@@ -218,28 +157,6 @@ TEST_F(PhotoStoreTest, AFullDiskKeepsWhatWasThere) {
     EXPECT_EQ(store().perform(albumOf("A", {large})).error().kind, ErrorKind::Full);
     files->heal();
     EXPECT_THAT(titlesOfWholeLibrary(1), ElementsAre("before"));
-}
-
-TEST_F(PhotoStoreTest, AKillAtAnyMomentLeavesAllOrNothing) {
-    const std::vector<std::string> paths{picture("a/x.png"), picture("b/x.png")};
-    std::mt19937 random(7);
-    std::set<std::string> told;
-    for (int round = 0; round < 40; ++round) {
-        const auto titleOf = [&](int number) { return std::to_string(round) + "." + std::to_string(number); };
-        const itimerval life{{0, 0}, {0, static_cast<suseconds_t>(500 + random() % 30'000)}};
-        ChildProcess child([&](auto tell) {
-            ::signal(SIGALRM, SIG_DFL);  // ends the process wherever it is
-            ::setitimer(ITIMER_REAL, &life, nullptr);
-            PhotoStore store = this->store();
-            for (int number = 0; store.perform(albumOf(titleOf(number), paths)); ++number) tell(number);
-            return false;
-        });
-        while (const auto number = child.next()) told.insert(titleOf(*number));
-        EXPECT_TRUE(WIFSIGNALED(child.end())) << "not killed, round " << round;
-        const auto found = titlesOfWholeLibrary(2);
-        for (const std::string& title : told)
-            ASSERT_TRUE(std::ranges::find(found, title) != found.end()) << title << ", round " << round;
-    }
 }
 
 TEST_F(PhotoStoreTest, ADamagedIndexIsSetAside) {
