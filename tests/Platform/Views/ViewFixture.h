@@ -28,8 +28,9 @@ inline std::shared_ptr<NSView> filled(NSRect frame, std::uint32_t color) {
 /// An application of its own with one off-screen window on the screen.
 class OffscreenWindow {
   public:
-    explicit OffscreenWindow(NSSize size, double scale = 1)
-        : system_(std::make_shared<OffscreenWindowSystem>(scale)), window(make<NSWindow>(NSRect({}, size))) {
+    explicit OffscreenWindow(NSSize size, double scale = 1, OffscreenPixels pixels = OffscreenPixels::Copied)
+        : system_(std::make_shared<OffscreenWindowSystem>(scale, NSSize{1440, 900}, pixels)),
+          window(make<NSWindow>(NSRect({}, size))) {
         window->makeKeyAndOrderFront();
     }
 
