@@ -34,6 +34,13 @@ if(KX_BUILD_FUZZERS)
   add_compile_options(-fsanitize=fuzzer-no-link)  # so that the fuzzer sees which branches the libraries take
 endif()
 
+# Ten thousand relocations in a few KiB of what a program has to read when it starts. Linkers without it say so.
+include(CheckLinkerFlag)
+check_linker_flag(CXX LINKER:-z,pack-relative-relocs KX_PACKS_RELOCATIONS)
+if(KX_PACKS_RELOCATIONS)
+  add_link_options(LINKER:-z,pack-relative-relocs)
+endif()
+
 add_library(kx_warnings INTERFACE)
 target_compile_options(kx_warnings INTERFACE
   -Wall -Wextra -Wpedantic -Wconversion -Wshadow

@@ -7,11 +7,11 @@
 
 namespace kx::testing {
 
-OffscreenWindow::OffscreenWindow(NSSize size, double scale)
-    : OffscreenWindow([size] { return make<NSWindow>(NSRect({}, size)); }, scale) {}
+OffscreenWindow::OffscreenWindow(NSSize size, double scale, OffscreenPixels pixels)
+    : OffscreenWindow([size] { return make<NSWindow>(NSRect({}, size)); }, scale, pixels) {}
 
-OffscreenWindow::OffscreenWindow(const Opening& open, double scale)
-    : system_(std::make_shared<OffscreenWindowSystem>(scale)), window(open()) {
+OffscreenWindow::OffscreenWindow(const Opening& open, double scale, OffscreenPixels pixels)
+    : system_(std::make_shared<OffscreenWindowSystem>(scale, NSSize{1440, 900}, pixels)), window(open()) {
     window->makeKeyAndOrderFront();
 }
 

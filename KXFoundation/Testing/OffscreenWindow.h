@@ -28,9 +28,10 @@ class KX_EXPORT OffscreenWindow {
     using Opening = std::function<std::shared_ptr<NSWindow>()>;
 
     /// An empty window with the keys; `scale` pixels to the point.
-    explicit OffscreenWindow(NSSize size, double scale = 1);
+    explicit OffscreenWindow(NSSize size, double scale = 1, OffscreenPixels pixels = OffscreenPixels::Copied);
     /// The window that the application's own code opens and answers, brought to the front with the keys.
-    explicit OffscreenWindow(const Opening& open, double scale = 1);
+    explicit OffscreenWindow(const Opening& open, double scale = 1,
+                             OffscreenPixels pixels = OffscreenPixels::Copied);
     ~OffscreenWindow();
     OffscreenWindow(const OffscreenWindow&) = delete;
     OffscreenWindow& operator=(const OffscreenWindow&) = delete;

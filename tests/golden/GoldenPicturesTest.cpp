@@ -102,7 +102,9 @@ void PrintTo(const Picture& picture, std::ostream* out) {
 class Stage {
   public:
     explicit Stage(const Picture& picture)
-        : picture_(picture), windows_(std::make_shared<OffscreenWindowSystem>(picture.scale)) {
+        : picture_(picture),
+          windows_(std::make_shared<OffscreenWindowSystem>(picture.scale, NSSize{1440, 900},
+                                                           OffscreenPixels::Copied)) {
         NSBundle::setMainBundlePath(KX_GALLERY_BUNDLE);
         KXLocalizationUtils::setSelectLanguage(picture.language);
         gallery_ = std::make_unique<Gallery>();

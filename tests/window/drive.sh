@@ -4,7 +4,7 @@
 # as a user has it, then every page of the side list in the gallery's steady world, by mouse and again by keys.
 set -euo pipefail
 gallery=$1 scratch=$2
-for tool in Xvfb xdotool import compare identify; do
+for tool in Xvfb xdotool xprop xsettingsd import compare identify; do
     command -v $tool >/dev/null || { echo "skipped: there is no $tool"; exit 0; }
 done
 names=($(sed -n 's/^ *{"\([a-z-]*\)", "page\..*/\1/p' "$(dirname "$0")/../../examples/gallery/Page.cpp"))
@@ -17,8 +17,8 @@ started() {
     exec 3<>"$scratch/number" || exit 1
     Xvfb -displayfd 3 -screen 0 1440x900x24 -nolisten tcp 2>"$scratch/xvfb.log" &
     server=$!
-    trap 'kill $program $server 2>/dev/null || true' EXIT
-    program=
+    trap 'kill $program $settings $server 2>/dev/null || true' EXIT
+    program= settings=
     local number
     for _ in $(seq 100); do
         number=$(cat "$scratch/number")
@@ -98,6 +98,7 @@ for page in language application; do
     "$gallery" --headless "$scratch/pictures" --scale 1 --page $page >/dev/null
 done
 "$gallery" --headless "$scratch/steady" --scale 1 --steady >/dev/null
+"$gallery" --headless "$scratch/larger" --scale 1.25 --steady --page calendar >/dev/null
 [ "${#names[@]}" = "$(ls "$scratch"/steady/*-en.png | wc -l)" ] || { echo "the list of pages is not understood"; exit 1; }
 started
 opened --page language
@@ -203,5 +204,26 @@ for way in "click 5|click 4" "key End|key Home" "key Next|key Prior"; do
     xdotool mousemove --window "$window" 600 300 ${way#*|}
     looks_like "the page's top, by ${way#*|}" "$scratch/top.png"
 done
+closed
+# The desktop's scale changes while the window is open: its settings manager comes with one, changes it and goes, then
+# the resources say one.
+opened --steady --page calendar
+xdotool windowmove --sync "$window" 0 0
+click_nothing
+larger=$scratch/larger/calendar-en.png
+looks_like "scale 1" "$(steady calendar)"
+echo "Xft/DPI $((120 * 1024))" >"$scratch/settings"
+xsettingsd -c "$scratch/settings" 2>"$scratch/xsettingsd.log" &
+settings=$!
+looks_like "scale 1.25, as a settings manager comes" "$larger"
+echo "Xft/DPI $((96 * 1024))" >"$scratch/settings"
+kill -HUP $settings
+looks_like "scale 1, as it changes its mind" "$(steady calendar)"
+resources() { xprop -root -f RESOURCE_MANAGER 8s -set RESOURCE_MANAGER "$1"; }
+resources "Xft.dpi: 120"
+kill $settings
+looks_like "scale 1.25, as only the resources are left" "$larger"
+resources "Xft.dpi: 96"
+looks_like "scale 1, as the resources change" "$(steady calendar)"
 closed
 echo "the window works as the pictures say"

@@ -6,17 +6,28 @@
 
 namespace kx {
 
-OffscreenSurface::OffscreenSurface(NSRect frame, double scale, WindowSystem::Handler handler)
-    : frame_(frame), scale_(scale), handler_(std::move(handler)) {}
+std::shared_ptr<NSBitmapImageRep> WindowSurface::lentPixels(std::uint32_t, std::uint32_t) {
+    return nullptr;
+}
+
+OffscreenSurface::OffscreenSurface(NSRect frame, double scale, WindowSystem::Handler handler,
+                                   OffscreenPixels pixels)
+    : frame_(frame), scale_(scale), handler_(std::move(handler)), pixels_(pixels) {}
+
+std::shared_ptr<NSBitmapImageRep> OffscreenSurface::lentPixels(std::uint32_t wide, std::uint32_t high) {
+    if (pixels_ == OffscreenPixels::Copied) return nullptr;
+    bitmap_ = NSBitmapImageRep::bitmapWithPixels(wide, high);
+    return bitmap_;
+}
 
 void OffscreenSurface::present(const NSBitmapImageRep& bitmap, std::span<const PixelRect> changed) {
+    lastChanged_.assign(changed.begin(), changed.end());
+    if (&bitmap == bitmap_.get()) return;
     const std::uint32_t wide = bitmap.pixelsWide();
     if (!bitmap_ || bitmap_->pixelsWide() != wide || bitmap_->pixelsHigh() != bitmap.pixelsHigh()) {
         bitmap_ = NSBitmapImageRep::bitmapWithPixels(wide, bitmap.pixelsHigh());
     }
-    lastChanged_.assign(changed.begin(), changed.end());
-    for (const PixelRect& rect :
-         changed) {  // not more than was announced, so that a wrong announcement shows
+    for (const PixelRect& rect : changed) {
         for (std::uint32_t y = rect.y; y < rect.y + rect.height; ++y) {
             const std::size_t start = std::size_t{y} * wide + rect.x;
             std::ranges::copy(bitmap.pixels().subspan(start, rect.width),
@@ -52,7 +63,7 @@ Result<std::vector<std::byte>> OffscreenSurface::png() const {
 }
 
 std::shared_ptr<WindowSurface> OffscreenWindowSystem::makeSurface(NSRect frame, Handler handler) {
-    return std::make_shared<OffscreenSurface>(frame, scale_, std::move(handler));
+    return std::make_shared<OffscreenSurface>(frame, scale_, std::move(handler), pixels_);
 }
 
 PortSlot<WindowSystem>& WindowSystem::slot() {

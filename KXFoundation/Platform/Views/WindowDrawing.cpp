@@ -69,7 +69,8 @@ bool NSWindow::prepareBacking() {
     const std::uint32_t high = pixels(frame_.size.height);
     if (backing_ && backing_->pixelsWide() == wide && backing_->pixelsHigh() == high) return true;
     context_ = nullptr;
-    backing_ = NSBitmapImageRep::bitmapWithPixels(wide, high);
+    backing_ = surface_->lentPixels(wide, high);
+    if (!backing_) backing_ = NSBitmapImageRep::bitmapWithPixels(wide, high);
     setNeedsDisplay(bounds());
     return backing_ != nullptr;
 }

@@ -40,6 +40,10 @@ class KX_EXPORT WindowSurface {
     [[nodiscard]] virtual NSSize size() const = 0;
     /// Pixels to the point; 1, 1.25, 2 and the like.
     [[nodiscard]] virtual double scale() const = 0;
+    /// Pixels of the surface's own for the window to draw into, in number size() times scale(); present()
+    /// then shows them. None, and the window has its own.
+    [[nodiscard]] virtual std::shared_ptr<NSBitmapImageRep> lentPixels(std::uint32_t wide,
+                                                                       std::uint32_t high);
     /// Shows the bitmap, which is size() times scale() pixels; only `changed` differs from the one before.
     virtual void present(const NSBitmapImageRep& bitmap, std::span<const PixelRect> changed) = 0;
     virtual void setFrame(NSRect frame) = 0;

@@ -53,18 +53,28 @@ std::string shown(const Code& code) {
     return quoted + alpha;
 }
 
-std::string componentsText(const NSColor& color) {
-    double c[4];
-    NSColor_RGBAComponents::getRGBAComponents(&color, c);
-    char line[80];
-    std::snprintf(line, sizeof line, "%.4f  %.4f  %.4f  %.4f", c[0], c[1], c[2], c[3]);
-    return line;
-}
-
 std::shared_ptr<NSView> cell(std::string_view words, double width) {
     auto field = label(words);
     field->setFrame({0, 0, width, field->frame().size.height});
     return field;
+}
+
+/// The four numbers in the direction in which their heading is read.
+std::shared_ptr<NSView> components(const NSColor& color, NSSize size) {
+    auto view = make<NSView>(NSRect({}, size));
+    double values[4];
+    NSColor_RGBAComponents::getRGBAComponents(&color, values);
+    double x = 0;
+    for (const double value : values) {
+        char number[16];
+        std::snprintf(number, sizeof number, "%.4f", value);
+        const auto field = label(number);
+        const NSSize own = field->frame().size;
+        field->setFrame(directed({x, 0, own.width, size.height}, size.width));
+        view->addSubview(field);
+        x += own.width + 10;
+    }
+    return view;
 }
 
 std::shared_ptr<NSView> heading(std::string_view key, double width) {
@@ -87,7 +97,7 @@ void ColoursPage::build(Column& column, Gallery&) {
     for (const Code& code : kCodes) {
         const auto color = NSColor_HEX::colorWithHexString(code.text, code.alpha);
         column.row({cell(shown(code), kCodeWidth), make<Swatch>(NSRect(0, 0, kSwatchWidth, kHeight), color),
-                    cell(componentsText(*color), kNumbersWidth)},
+                    components(*color, {kNumbersWidth, kHeight})},
                    kHeight);
     }
 }

@@ -226,15 +226,23 @@ TEST(WindowDrawing, EveryControlLeavesItsMarks) {
 }
 
 TEST(WindowDrawing, ASurfaceThatChangesIsFollowed) {
-    const testing::OffscreenWindow shown({100, 50});
-    shown.window->displayIfNeeded();
-    shown.surface().setFrame({0, 0, 120, 60});
-    EXPECT_EQ(shown.content().frame(), NSRect(0, 0, 120, 60));
-    shown.surface().setScale(2);
-    shown.window->displayIfNeeded();
-    EXPECT_EQ(shown.surface().bitmap()->pixelsWide(), 240U);
-    EXPECT_EQ(shown.surface().bitmap()->pixelsHigh(), 120U);
-    EXPECT_THAT(shown.surface().lastChanged(), ElementsAre(PixelRect{0, 0, 240, 120}));
+    std::vector<std::uint32_t> seen[2];
+    for (const auto pixels : {OffscreenPixels::Copied, OffscreenPixels::Shared}) {
+        const testing::OffscreenWindow shown({100, 50}, 1, pixels);
+        const auto swatch = make<Swatch>(NSRect(10, 10, 40, 20));
+        shown.content().addSubview(swatch);
+        shown.window->displayIfNeeded();
+        shown.surface().setFrame({0, 0, 120, 60});
+        EXPECT_EQ(shown.content().frame(), NSRect(0, 0, 120, 60));
+        shown.surface().setScale(2);
+        shown.window->displayIfNeeded();
+        EXPECT_EQ(shown.surface().bitmap()->pixelsWide(), 240U);
+        EXPECT_EQ(shown.surface().bitmap()->pixelsHigh(), 120U);
+        EXPECT_THAT(shown.surface().lastChanged(), ElementsAre(PixelRect{0, 0, 240, 120}));
+        swatch->setFrame({50, 10, 40, 20});
+        seen[pixels == OffscreenPixels::Shared] = shown.pixels();
+    }
+    EXPECT_TRUE(seen[0] == seen[1]);
 }
 
 TEST(InvalidRegion, StaysSmallAndCoversEverything) {

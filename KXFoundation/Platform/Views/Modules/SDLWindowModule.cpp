@@ -4,6 +4,7 @@
 #include <cmath>
 #include <cstdio>
 #include <cstring>
+#include <memory>
 #include <string>
 #include <utility>
 #include <vector>
@@ -14,6 +15,7 @@
 
 #include <KXFoundation/Platform/Runtime/Export.h>
 #include <KXFoundation/Platform/Runtime/Module.h>
+#include <KXFoundation/Platform/Views/Modules/X11Scale.h>
 #include <KXFoundation/Platform/Views/WindowModule.h>
 
 namespace {
@@ -23,16 +25,8 @@ using namespace kx;
 /// Of the display's connection.
 struct DisplayFacts {
     int descriptor = -1;
-    double unitsPerPoint = 1;  // SDL's units, which are pixels on X11 and points on Wayland
+    std::unique_ptr<X11Scale> scale;  // of X11 alone
 };
-
-/// X11 itself knows no scale: desktops say in their resources how many dots an inch has, 96 for scale 1. Held
-/// to eighths, at which a line of a point has nearly the same pixels everywhere.
-double scaleOf(Display* display) {
-    const char* dots = XGetDefault(display, "Xft", "dpi");
-    const double scale = dots ? std::round(SDL_atof(dots) / 96 * 8) / 8 : 1;
-    return std::isfinite(scale) ? std::clamp(scale, 1.0, 4.0) : 1;
-}
 
 /// What an X11 connection does when its server has gone, where the library's own way is to end the program:
 /// the windows are told to close, and nothing is asked of the connection any more.
@@ -52,8 +46,10 @@ DisplayFacts askDisplay() {
     DisplayFacts facts;
     if (probe && SDL_GetWindowWMInfo(probe, &info)) {
         if (info.subsystem == SDL_SYSWM_X11) {
-            facts = {XConnectionNumber(info.info.x11.display), scaleOf(info.info.x11.display)};
+            facts.descriptor = XConnectionNumber(info.info.x11.display);
+            facts.scale = std::make_unique<X11Scale>(info.info.x11.display);
             outliveDisplay(info.info.x11.display);
+            SDL_EventState(SDL_SYSWMEVENT, SDL_ENABLE);  // X11's own events, which tell of a new scale
         }
         if (info.subsystem == SDL_SYSWM_WAYLAND) facts.descriptor = wl_display_get_fd(info.info.wl.display);
     }
@@ -62,15 +58,19 @@ DisplayFacts askDisplay() {
 }
 
 const DisplayFacts& displayFacts() {
-    static const DisplayFacts facts = askDisplay();
+    static const DisplayFacts& facts = *new DisplayFacts(askDisplay());
     return facts;
 }
 
+/// SDL's units are pixels on X11 and points on Wayland.
+double unitsPerPoint() {
+    return displayFacts().scale ? displayFacts().scale->value() : 1;
+}
 double points(double units) {
-    return units / displayFacts().unitsPerPoint;
+    return units / unitsPerPoint();
 }
 int units(double points) {
-    return static_cast<int>(std::lround(points * displayFacts().unitsPerPoint));
+    return static_cast<int>(std::lround(points * unitsPerPoint()));
 }
 
 /// None of a display that has gone: SDL answers none with an error, and asks the display nothing.
@@ -228,6 +228,48 @@ bool translate(const SDL_Event& from, WindowModuleEvent& to) {
     return to.type != WindowEventType::Nothing;
 }
 
+std::vector<std::uint32_t> openWindows;
+
+std::uint32_t createWindow(const char* title, double width, double height) {
+    if (displayHasGone) return 0;
+    SDL_Window* window = SDL_CreateWindow(title, SDL_WINDOWPOS_CENTERED, SDL_WINDOWPOS_CENTERED, units(width),
+                                          units(height), SDL_WINDOW_RESIZABLE | SDL_WINDOW_ALLOW_HIGHDPI);
+    if (displayFacts().scale) displayFacts().scale->listen();  // SDL chose the root window's events with it
+    return window ? openWindows.emplace_back(SDL_GetWindowID(window)) : 0;
+}
+
+void destroyWindow(std::uint32_t id) {
+    std::erase(openWindows, id);
+    SDL_DestroyWindow(find(id));
+}
+
+/// A window keeps its size in points where it may. Its contents have other pixels either way: it hears of a
+/// size.
+void takeScale(std::uint32_t id, double former) {
+    SDL_Window* window = find(id);
+    if (!window) return;
+    int wide = 0;
+    int high = 0;
+    SDL_GetWindowSize(window, &wide, &high);
+    if (!(SDL_GetWindowFlags(window) & (SDL_WINDOW_MAXIMIZED | SDL_WINDOW_FULLSCREEN)))
+        SDL_SetWindowSize(window, units(wide / former), units(high / former));
+    SDL_GetWindowSize(window, &wide, &high);
+    SDL_Event resized{};
+    resized.type = SDL_WINDOWEVENT;
+    resized.window.windowID = id;
+    resized.window.event = SDL_WINDOWEVENT_SIZE_CHANGED;
+    resized.window.data1 = wide;
+    resized.window.data2 = high;
+    SDL_PushEvent(&resized);
+}
+
+void followScale(const SDL_SysWMmsg& message) {
+    if (message.subsystem != SDL_SYSWM_X11 || !displayFacts().scale) return;
+    const double former = unitsPerPoint();
+    if (!displayFacts().scale->took(message.msg.x11.event)) return;
+    for (const std::uint32_t id : openWindows) takeScale(id, former);
+}
+
 /// Once.
 bool tellsThatDisplayHasGone(WindowModuleEvent& event) {
     static bool isTold = false;
@@ -260,14 +302,8 @@ bool present(std::uint32_t id, const void* pixels, std::int32_t width, std::int3
 const WindowModule kTable{
     .version = WindowModule::kVersion,
     .driver = [] { return SDL_GetCurrentVideoDriver(); },
-    .createWindow = [](const char* title, double width, double height) -> std::uint32_t {
-        if (displayHasGone) return 0;
-        SDL_Window* window =
-            SDL_CreateWindow(title, SDL_WINDOWPOS_CENTERED, SDL_WINDOWPOS_CENTERED, units(width),
-                             units(height), SDL_WINDOW_RESIZABLE | SDL_WINDOW_ALLOW_HIGHDPI);
-        return window ? SDL_GetWindowID(window) : 0;
-    },
-    .destroyWindow = [](std::uint32_t id) { SDL_DestroyWindow(find(id)); },
+    .createWindow = createWindow,
+    .destroyWindow = destroyWindow,
     .setTitle = [](std::uint32_t id, const char* title) { SDL_SetWindowTitle(find(id), title); },
     .setSize = [](std::uint32_t id, double width,
                   double height) { SDL_SetWindowSize(find(id), units(width), units(height)); },
@@ -291,6 +327,7 @@ const WindowModule kTable{
         [](WindowModuleEvent* event) {
             SDL_Event from;
             while (!displayHasGone && SDL_PollEvent(&from)) {
+                if (from.type == SDL_SYSWMEVENT) followScale(*from.syswm.msg);
                 if (translate(from, *event)) return true;
             }
             return tellsThatDisplayHasGone(*event);
