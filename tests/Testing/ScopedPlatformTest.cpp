@@ -12,14 +12,14 @@ TEST(ScopedPlatform, HoldsWhatAPersonSetAndForgetsItAtItsEnd) {
     for (int run = 0; run < 2; ++run) {
         ScopedPlatform platform;
         platform.bundle().setInfo("CFBundleIdentifier", "org.example.app");
-        const auto defaults = [] { return NSUserDefaults::standardUserDefaults(); };
-        EXPECT_EQ(defaults()->objectForKey("count"), Value()) << "run " << run;
+        const auto defaults = []() -> NSUserDefaults& { return NSUserDefaults::standardUserDefaults(); };
+        EXPECT_EQ(defaults().objectForKey("count"), Value()) << "run " << run;
         EXPECT_EQ(KeychainStore::slot().current().copy({"service", "account"}).error().kind,
                   ErrorKind::Missing);
-        defaults()->setObject("count", 7);
+        defaults().setObject("count", 7);
         ASSERT_TRUE(KeychainStore::slot().current().add({"service", "account"}, "secret"));
         platform.restart();
-        EXPECT_EQ(defaults()->objectForKey("count"), Value(7));
+        EXPECT_EQ(defaults().objectForKey("count"), Value(7));
         EXPECT_EQ(*KeychainStore::slot().current().copy({"service", "account"}), "secret");
         EXPECT_EQ(keychainCapability().store, KeychainCapability::Store::File);
     }
