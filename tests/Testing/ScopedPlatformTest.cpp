@@ -17,6 +17,7 @@ TEST(ScopedPlatform, HoldsWhatAPersonSetAndForgetsItAtItsEnd) {
         EXPECT_EQ(KeychainStore::slot().current().copy({"service", "account"}).error().kind,
                   ErrorKind::Missing);
         defaults().setObject("count", 7);
+        ASSERT_TRUE(defaults().synchronize());
         ASSERT_TRUE(KeychainStore::slot().current().add({"service", "account"}, "secret"));
         platform.restart();
         EXPECT_EQ(defaults().objectForKey("count"), Value(7));
