@@ -40,5 +40,14 @@ TEST(ScopedPlatform, StandsOnAMachineThatTheTestDescribes) {
     EXPECT_EQ(Torch::slot().current().name(), "white:torch");
 }
 
+TEST(ScopedPlatform, LeavesNoAdapterBehindThatWasMadeInside) {
+    const auto environment = std::make_shared<FakeEnvironment>();
+    environment->set("TZ", "Asia/Tokyo");
+    const ScopedPort<Environment> scope(environment);
+    const ScopedPort<TimeZoneSettings> zone(nullptr);
+    { const ScopedPlatform platform; }
+    EXPECT_EQ(TimeZoneSettings::slot().current().systemTimeZoneName(), "Asia/Tokyo");
+}
+
 }  // namespace
 }  // namespace kx::testing
