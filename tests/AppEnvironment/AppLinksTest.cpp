@@ -9,7 +9,6 @@
 #include <KXFoundation/Localization/KXLocalizationUtils.h>
 #include <KXFoundation/Platform/Foundation/NSURL.h>
 #include <KXFoundation/Platform/Services/Workspace.h>
-#include <KXFoundation/Testing/InjectedTimeZone.h>
 #include <KXFoundation/Testing/ScopedPlatform.h>
 
 namespace kx {
@@ -90,7 +89,7 @@ TEST(TimeText, IsEnglishInTheSystemsZone) {
     };
     for (const auto& [zoneName, seconds, format, want] : rows) {
         testing::ScopedPlatform platform;
-        const ScopedPort<TimeZoneSettings> zone(std::make_shared<testing::InjectedTimeZone>(zoneName));
+        platform.setTimeZone(zoneName);
         platform.locale().setLocale("fa_IR");
         EXPECT_EQ(KXAppUtils::getTime(seconds, format), want) << zoneName << " " << seconds;
     }

@@ -1,5 +1,4 @@
 #include <future>
-#include <latch>
 
 #include <gtest/gtest.h>
 
@@ -10,6 +9,7 @@
 #include <KXFoundation/Platform/Foundation/CurlURLLoader.h>
 #include <KXFoundation/Platform/Runtime/Executor.h>
 #include <KXFoundation/Testing/CapturedLog.h>
+#include <KXFoundation/Testing/InjectedWeb.h>
 #include <KXFoundation/Testing/ScopedPlatform.h>
 #include <KXFoundation/Testing/ScopedQueues.h>
 
@@ -18,36 +18,7 @@
 namespace kx {
 namespace {
 
-/// A web whose every address gives the same answer, once the test lets it.
-class InjectedWeb final : public URLLoader {
-  public:
-    explicit InjectedWeb(Result<URLAnswer> answer, std::ptrdiff_t gates = 0)
-        : gate(gates), answer_(std::move(answer)) {}
-
-    Result<std::unique_ptr<URLLoading>> open(const std::string& address) override {
-        asked = address;
-        return std::unique_ptr<URLLoading>(std::make_unique<Loading>(*this));
-    }
-
-    std::latch gate;
-    std::string asked;
-
-  private:
-    class Loading final : public URLLoading {
-      public:
-        explicit Loading(InjectedWeb& web) : web_(web) {}
-        Result<URLAnswer> run() override {
-            web_.gate.wait();
-            return web_.answer_;
-        }
-        void cancel() override { web_.gate.count_down(); }
-
-      private:
-        InjectedWeb& web_;
-    };
-
-    Result<URLAnswer> answer_;
-};
+using testing::InjectedWeb;
 
 class StoreLookupTest : public ::testing::Test {
   protected:
@@ -87,23 +58,24 @@ TEST_F(StoreLookupTest, ReadsTheFirstResultOfTheAnswer) {
         }));
         drainQueues();
         EXPECT_EQ(got, want) << (answer ? answer->body : "an error");
-        EXPECT_EQ(web->asked, "https://lookup.example/lookup?id=47%2611");
+        EXPECT_EQ(web->asked(), std::vector<std::string>{"https://lookup.example/lookup?id=47%2611"});
         EXPECT_EQ(infoTask.load(), nullptr);
     }
     EXPECT_EQ(log.lines().size(), 0U);
 }
 
 TEST_F(StoreLookupTest, OneAtATime) {
-    const auto web = std::make_shared<InjectedWeb>(URLAnswer{200, R"({"results":[{"version":"1"}]})"}, 1);
+    const auto web = std::make_shared<InjectedWeb>(URLAnswer{200, R"({"results":[{"version":"1"}]})"});
+    web->hold();
     const ScopedPort<URLLoader> scope(web);
     std::atomic<int> first{0}, second{0};
     EXPECT_TRUE(KXAppUtils::checkAppInfoFromAppStore("1", [&](const auto&) { ++first; }));
     EXPECT_FALSE(KXAppUtils::checkAppInfoFromAppStore("2", [&](const auto&) { ++second; }));
-    web->gate.count_down();
+    web->release();
     drainQueues();
     EXPECT_EQ(first, 1);
     EXPECT_EQ(second, 0);
-    EXPECT_EQ(web->asked, "https://lookup.example/lookup?id=1");
+    EXPECT_EQ(web->asked(), std::vector<std::string>{"https://lookup.example/lookup?id=1"});
     EXPECT_TRUE(KXAppUtils::checkAppInfoFromAppStore("3", [&](const auto&) { ++second; }));
     drainQueues();
     EXPECT_EQ(second, 1);
@@ -111,7 +83,8 @@ TEST_F(StoreLookupTest, OneAtATime) {
 
 TEST_F(StoreLookupTest, ACancelledOneAnswersAbsent) {
     KXAppUtils::cancelCheckAppInfo();
-    const auto web = std::make_shared<InjectedWeb>(Error::fromErrno(ECANCELED, "x"), 1);
+    const auto web = std::make_shared<InjectedWeb>();
+    web->hold();
     const ScopedPort<URLLoader> scope(web);
     std::string got;
     ASSERT_TRUE(KXAppUtils::checkAppInfoFromAppStore("1", [&](const auto& info) { got = wordsOf(info); }));

@@ -4,7 +4,6 @@
 
 #include <KXFoundation/DateTime/NSCalendar_CalendricalCalculations.h>
 #include <KXFoundation/DateTime/NSDateFormatter_Standard.h>
-#include <KXFoundation/Testing/InjectedTimeZone.h>
 #include <KXFoundation/Testing/ManualClock.h>
 #include <KXFoundation/Testing/ScopedPlatform.h>
 
@@ -15,11 +14,8 @@ using Calculations = NSCalendar_CalendricalCalculations;
 using Date = Calculations::Date;
 
 /// A fresh process in a time zone.
-struct Place {
-    explicit Place(const char* zone = "UTC") : scope(std::make_shared<testing::InjectedTimeZone>(zone)) {}
-
-    testing::ScopedPlatform platform;
-    ScopedPort<TimeZoneSettings> scope;
+struct Place : testing::ScopedPlatform {
+    explicit Place(const char* zone = "UTC") { setTimeZone(zone); }
 };
 
 /// "2024-03-05 14:07:00" in the calculation calendar's zone.

@@ -8,20 +8,11 @@
 #include <KXFoundation/Platform/Foundation/NSNotificationNames.h>
 #include <KXFoundation/Platform/Runtime/Executor.h>
 #include <KXFoundation/Testing/CountedMemory.h>
-#include <KXFoundation/Testing/InjectedClockFormat.h>
 #include <KXFoundation/Testing/ManualClock.h>
 #include <KXFoundation/Testing/ScopedPlatform.h>
 
 namespace kx {
 namespace {
-
-/// A fresh process whose clock setting the test holds.
-struct Desk {
-    testing::ScopedPlatform platform;
-    std::shared_ptr<testing::InjectedClockFormat> clockFormat =
-        std::make_shared<testing::InjectedClockFormat>();
-    ScopedPort<ClockFormatSetting> scope{clockFormat};
-};
 
 /// The text with plain spaces: which kind stands before a marker changes with the locale data's version.
 std::optional<std::string> plain(std::optional<std::string> text) {
@@ -53,8 +44,8 @@ TEST(KXDateUtils, WritesTheTimeOfDayByFlags) {
         {"bg_BG", 845, "14:05 ч.", "02:05 ч. сл.об."},
     };
     for (const auto& [locale, minutes, withoutMarker, withMarker] : rows) {
-        Desk desk;
-        desk.platform.locale().setLocale(locale);
+        testing::ScopedPlatform platform;
+        platform.locale().setLocale(locale);
         const auto dates = KXDateUtils::sharedInstance();
         for (const bool isFirst : {false, true}) {
             EXPECT_EQ(dates->convertMinutesToTimeString(minutes, false, isFirst), withoutMarker) << locale;
@@ -76,9 +67,9 @@ TEST(KXDateUtils, FollowsTheLocaleAndThenTheSetting) {
         {"ja_JP", TwelveHour, true, true, "ahh:mm", "午後02:05"},
     };
     for (const auto& [locale, setting, hasAMPM, isAMPMFirst, format, text] : rows) {
-        Desk desk;
-        desk.platform.locale().setLocale(locale);
-        desk.clockFormat->set(setting);
+        testing::ScopedPlatform platform;
+        platform.locale().setLocale(locale);
+        platform.clockFormat().set(setting);
         const auto dates = KXDateUtils::sharedInstance();
         EXPECT_EQ(KXDateUtils::hasAMPM(), hasAMPM) << locale;
         EXPECT_EQ(dates->isAMPMFirst(), isAMPMFirst) << locale;
@@ -89,14 +80,14 @@ TEST(KXDateUtils, FollowsTheLocaleAndThenTheSetting) {
 }
 
 TEST(KXDateUtils, SeesAChangedSettingAtTheNextConversion) {
-    Desk desk;
+    testing::ScopedPlatform platform;
     const auto dates = KXDateUtils::sharedInstance();
     EXPECT_EQ(plain(dates->convertMinutesToTimeString(845)), "02:05 PM");
-    desk.clockFormat->set(ClockFormat::TwentyFourHour);
+    platform.clockFormat().set(ClockFormat::TwentyFourHour);
     EXPECT_EQ(dates->convertMinutesToTimeString(845), "14:05");
-    desk.clockFormat->set(ClockFormat::Unset);
+    platform.clockFormat().set(ClockFormat::Unset);
     EXPECT_EQ(plain(dates->convertMinutesToTimeString(845)), "02:05 PM");
-    desk.platform.locale().setLocale("de_DE");
+    platform.locale().setLocale("de_DE");
     EXPECT_EQ(dates->getTimeFormat(), "HH:mm");
 }
 
@@ -110,7 +101,7 @@ class LoudFormatter : public Subclass<LoudFormatter, NSDateFormatter> {
 };
 
 TEST(KXDateUtils, UsesTheFormatterThatItIsGiven) {
-    Desk desk;
+    testing::ScopedPlatform platform;
     const auto dates = KXDateUtils::sharedInstance();
     auto loud = make<LoudFormatter>();
     loud->setTimeZone(NSTimeZone::timeZoneForSecondsFromGMT(3600));
@@ -129,8 +120,8 @@ TEST(KXDateUtils, UsesTheFormatterThatItIsGiven) {
 TEST(KXDateUtils, WritesWhatAFormatterWouldAtEveryMinute) {
     for (const char* locale : {"en_US", "zh_TW", "ko_KR", "ja_JP", "de_DE", "es_MX", "pt_PT", "ar_EG",
                                "fa_IR", "bg_BG", "hi_IN", "my_MM", "fi_FI", "th_TH"}) {
-        Desk desk;
-        desk.platform.locale().setLocale(locale);
+        testing::ScopedPlatform platform;
+        platform.locale().setLocale(locale);
         const auto dates = KXDateUtils::sharedInstance();
         const auto formatter = make<NSDateFormatter>();
         formatter->setTimeZone(NSTimeZone::timeZoneForSecondsFromGMT(0));
@@ -148,7 +139,7 @@ TEST(KXDateUtils, WritesWhatAFormatterWouldAtEveryMinute) {
 }
 
 TEST(KXDateUtils, HandsOutItsFormatterAsTheLastConversionLeftIt) {
-    Desk desk;
+    testing::ScopedPlatform platform;
     const auto dates = KXDateUtils::sharedInstance();
     for (int i = 0; i < 2; ++i) (void)dates->convertMinutesToTimeString(845, true, false);
     for (int i = 0; i < 2; ++i) (void)dates->convertMinutesToTimeString(845, false, false);
@@ -164,14 +155,14 @@ TEST(KXDateUtils, HandsOutItsFormatterAsTheLastConversionLeftIt) {
 TEST(KXDateUtils, EachActivationRefreshesAndTellsASecondLater) {
     const auto clock = std::make_shared<testing::ManualClock>();
     const ScopedPort<Clock> clockScope(clock);
-    Desk desk;
+    testing::ScopedPlatform platform;
     const auto dates = KXDateUtils::sharedInstance();
     int told = 0;
     auto& centre = NSNotificationCenter::defaultCenter();
     const auto token = centre.addObserverForName(
         KXDateUtilsUpdateTimeNotification, nullptr,
         [&](const NSNotification& notification) { told += notification.object() == nullptr; });
-    desk.clockFormat->set(ClockFormat::TwentyFourHour);
+    platform.clockFormat().set(ClockFormat::TwentyFourHour);
     for (const int activation : {1, 2}) {
         centre.postNotificationName(NSApplicationWillBecomeActiveNotification);
         EXPECT_EQ(dates->singleDateTimeFormatter()->dateFormat(), "HH:mm");
@@ -186,9 +177,9 @@ TEST(KXDateUtils, AllocatesNothingBeyondItsAnswer) {
     const std::pair<const char*, std::size_t> rows[] = {
         {"en_US", 0}, {"de_DE", 0}, {"zh_CN", 0}, {"fa_IR", 1}};  // a string object holds all but the last
     for (const auto& [locale, perText] : rows) {
-        Desk desk;
-        desk.clockFormat->set(ClockFormat::TwelveHour);
-        desk.platform.locale().setLocale(locale);
+        testing::ScopedPlatform platform;
+        platform.clockFormat().set(ClockFormat::TwelveHour);
+        platform.locale().setLocale(locale);
         const auto dates = KXDateUtils::sharedInstance();
         (void)dates->convertMinutesToTimeString(0, false, false);
         (void)dates->convertMinutesToTimeString(0, true, true);
@@ -204,7 +195,7 @@ TEST(KXDateUtils, AllocatesNothingBeyondItsAnswer) {
 }
 
 TEST(KXDateUtils, ThreadsConvertAsTheyLike) {
-    Desk desk;
+    testing::ScopedPlatform platform;
     const auto dates = KXDateUtils::sharedInstance();
     const auto convert = [&](bool hasAMPM, const char* want) {
         int wrong = 0;

@@ -3,7 +3,6 @@
 #include <KXFoundation/DateTime/NSCalendar_Standard.h>
 #include <KXFoundation/DateTime/NSDateComponents_Standard.h>
 #include <KXFoundation/DateTime/NSDateFormatter_Standard.h>
-#include <KXFoundation/Testing/InjectedTimeZone.h>
 #include <KXFoundation/Testing/ScopedPlatform.h>
 
 namespace kx {
@@ -24,7 +23,7 @@ NSDateComponents fields(std::int64_t year, std::int64_t month, std::int64_t day,
 TEST(StandardDates, TheFormatterKnowsNoUserSettings) {
     testing::ScopedPlatform platform;
     platform.locale().setLocale("fa_IR");
-    const ScopedPort<TimeZoneSettings> scope(std::make_shared<testing::InjectedTimeZone>("Asia/Tehran"));
+    platform.setTimeZone("Asia/Tehran");
     const auto formatter = NSDateFormatter_Standard::standardFormatter();
     const std::pair<double, const char*> rows[] = {
         {0, "1970-01-01 00:00:00"},

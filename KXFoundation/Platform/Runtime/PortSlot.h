@@ -23,9 +23,11 @@ class PortSlot {
     Port& current() { return *entry().port; }
     std::shared_ptr<Port> shared() { return entry().port; }
 
-    /// Puts another adapter in place and answers the former one. Nobody may be using the slot meanwhile.
+    /// Puts another adapter in place and answers the former one; none stands for the default, which is not
+    /// made before it is needed. Nobody may be using the slot meanwhile.
     std::shared_ptr<Port> replace(std::shared_ptr<Port> port) {
-        Entry* former = entry_.exchange(new Entry{std::move(port)}, std::memory_order_acq_rel);
+        Entry* former =
+            entry_.exchange(port ? new Entry{std::move(port)} : nullptr, std::memory_order_acq_rel);
         bumpPortGeneration();
         std::shared_ptr<Port> answer = former ? former->port : nullptr;
         delete former;
@@ -54,7 +56,7 @@ template <class Port>
 class ScopedPort {
   public:
     explicit ScopedPort(std::shared_ptr<Port> port) : former_(Port::slot().replace(std::move(port))) {}
-    ~ScopedPort() { Port::slot().replace(former_ ? std::move(former_) : Port::makeDefault()); }
+    ~ScopedPort() { Port::slot().replace(std::move(former_)); }
     ScopedPort(const ScopedPort&) = delete;
     ScopedPort& operator=(const ScopedPort&) = delete;
 

@@ -5,7 +5,6 @@
 #include <unicode/gregocal.h>
 
 #include <KXFoundation/Platform/Foundation/NSCalendar.h>
-#include <KXFoundation/Testing/InjectedTimeZone.h>
 #include <KXFoundation/Testing/ScopedPlatform.h>
 
 namespace kx {

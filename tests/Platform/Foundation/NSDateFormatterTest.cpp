@@ -5,8 +5,6 @@
 #include <unicode/smpdtfmt.h>
 
 #include <KXFoundation/Platform/Foundation/NSDateFormatter.h>
-#include <KXFoundation/Testing/InjectedClockFormat.h>
-#include <KXFoundation/Testing/InjectedTimeZone.h>
 #include <KXFoundation/Testing/ScopedPlatform.h>
 
 namespace kx {
@@ -102,8 +100,6 @@ TEST(NSDateFormatter, NamesTheZone) {
 
 TEST(NSDateFormatter, FindsTheLocalesPattern) {
     testing::ScopedPlatform platform;
-    const auto setting = std::make_shared<testing::InjectedClockFormat>();
-    const ScopedPort<ClockFormatSetting> scope(setting);
     const auto german = NSLocale::localeWithLocaleIdentifier("de_DE");
     platform.locale().setLocale("de_DE");
     const auto pattern = [](std::optional<std::string_view> t, const std::shared_ptr<NSLocale>& locale) {
@@ -111,7 +107,7 @@ TEST(NSDateFormatter, FindsTheLocalesPattern) {
     };
     EXPECT_EQ(pattern("j", german), "HH 'Uhr'");
     EXPECT_EQ(pattern("j", nullptr), "HH 'Uhr'");
-    setting->set(ClockFormat::TwelveHour);
+    platform.clockFormat().set(ClockFormat::TwelveHour);
     EXPECT_EQ(pattern("j", german), "HH 'Uhr'") << "a named locale knows no setting of the user";
     EXPECT_EQ(pattern("j", nullptr), "h 'Uhr' a");
     EXPECT_TRUE(pattern("mma:hh", german)->starts_with("hh:mm"));

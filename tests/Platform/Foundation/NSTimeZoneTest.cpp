@@ -6,7 +6,6 @@
 #include <KXFoundation/Platform/Foundation/NSTimeZone.h>
 #include <KXFoundation/Platform/Foundation/ZoneRules.h>
 #include <KXFoundation/Testing/CapturedLog.h>
-#include <KXFoundation/Testing/InjectedTimeZone.h>
 #include <KXFoundation/Testing/ScopedPlatform.h>
 #include <KXFoundation/Testing/TemporaryDirectory.h>
 

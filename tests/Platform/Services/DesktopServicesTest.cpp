@@ -67,6 +67,7 @@ class DesktopServicesTest : public ::testing::Test {
 TEST_F(DesktopServicesTest, AddressesOfTheBuses) {
     auto& environment = platform_.environment();
     EXPECT_EQ(sessionBusAddress(), std::nullopt);
+    environment.set("DBUS_SYSTEM_BUS_ADDRESS", "");
     EXPECT_EQ(systemBusAddress(), "unix:path=/run/dbus/system_bus_socket");
     environment.set("XDG_RUNTIME_DIR", "run/me");
     EXPECT_EQ(sessionBusAddress(), std::nullopt);

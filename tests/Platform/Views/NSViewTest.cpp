@@ -5,6 +5,7 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include <KXFoundation/Platform/Runtime/ProcessState.h>
 #include <KXFoundation/Platform/Views/NSApplication.h>
 #include <KXFoundation/Platform/Runtime/ProcessState.h>
 #include <KXFoundation/Platform/Views/NSView.h>
