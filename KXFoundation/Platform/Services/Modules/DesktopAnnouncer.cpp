@@ -17,6 +17,7 @@ namespace kx {
 namespace {
 
 constexpr const char* kRoot = "/org/a11y/atspi/accessible/root";
+constexpr const char* kCache = "/org/a11y/atspi/cache";  // readers complain where it is missing
 constexpr const char* kNobody = "/org/a11y/atspi/null";
 constexpr int kPatienceMilliseconds = 5000;
 constexpr int kMostWaiting = 32;
@@ -46,7 +47,13 @@ constexpr const char* kInterfaces = R"xml(<node>
   <property name="Version" type="s" access="read"/>
   <property name="AtspiVersion" type="s" access="read"/>
   <property name="Id" type="i" access="readwrite"/>
+</interface>
+<interface name="org.a11y.atspi.Cache">
+  <method name="GetItems"><arg type="a((so)(so)(so)iiassusau)" direction="out"/></method>
 </interface></node>)xml";
+
+/// Where each of them is.
+constexpr const char* kPlaces[] = {kRoot, kRoot, kCache};
 
 /// What is the same for every application, in GVariant's text form.
 struct Answer {
@@ -64,6 +71,7 @@ constexpr Answer kAnswers[] = {
     {"GetChildAtIndex", "(('', objectpath '/org/a11y/atspi/null'),)"},
     {"GetChildren", "(@a(so) [],)"},
     {"GetIndexInParent", "(-1,)"},
+    {"GetItems", "(@a((so)(so)(so)iiassusau) [],)"},
     {"GetRelationSet", "(@a(ua(so)) [],)"},
     {"GetRole", "(uint32 75,)"},  // ATSPI_ROLE_APPLICATION
     {"GetRoleName", "('application',)"},
@@ -161,8 +169,8 @@ class Announcer {
         const std::unique_ptr<GDBusNodeInfo, Releases<g_dbus_node_info_unref>> node(
             g_dbus_node_info_new_for_xml(kInterfaces, nullptr));
         for (std::size_t i = 0; i < std::size(objects_); ++i) {
-            objects_[i] = g_dbus_connection_register_object(bus_.get(), kRoot, node->interfaces[i], &kTable,
-                                                            this, nullptr, nullptr);
+            objects_[i] = g_dbus_connection_register_object(bus_.get(), kPlaces[i], node->interfaces[i],
+                                                            &kTable, this, nullptr, nullptr);
         }
         parent_ = call(*bus_, "org.a11y.atspi.Registry", kRoot, "org.a11y.atspi.Socket", "Embed",
                        g_variant_new("((so))", ownAddress(), kRoot), "((so))");
@@ -207,7 +215,7 @@ class Announcer {
     std::atomic<int> waiting_{0};
     // Of the thread:
     BusConnection bus_;
-    guint objects_[2] = {};
+    guint objects_[std::size(kPlaces)] = {};
     BusValues parent_;
     std::int32_t id_ = 0;
 
