@@ -60,7 +60,7 @@ Difference compare(const NSBitmapImageRep& a, const NSBitmapImageRep& b, Toleran
 std::shared_ptr<NSBitmapImageRep> sideBySide(const NSBitmapImageRep& a, const NSBitmapImageRep& b,
                                              Tolerance tolerance) {
     constexpr std::uint32_t kGap = 8;
-    const auto marked = markDifferences(a, b, tolerance.channel);
+    auto marked = markDifferences(a, b, tolerance.channel);
     const NSBitmapImageRep* const pictures[] = {&a, &b, marked.get()};
     const std::uint32_t wide = 2 * a.pixelsWide() + b.pixelsWide() + 2 * kGap;
     auto page = NSBitmapImageRep::bitmapWithPixels(wide, std::max(a.pixelsHigh(), b.pixelsHigh()));

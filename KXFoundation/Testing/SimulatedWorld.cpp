@@ -141,7 +141,7 @@ class SimulatedWorld::ScheduledFiles final : public FileSystem {
         Result<void> truncate(std::uint64_t size) override { return then().truncate(size); }
         Result<void> sync() override { return then().sync(); }
         Result<void> lock(Lock kind) override {
-            const auto locked = then().lock(kind);
+            auto locked = then().lock(kind);
             if (locked && !std::exchange(isLocked_, true)) scheduler_->fileLocked();
             return locked;
         }
