@@ -87,10 +87,10 @@ closed() {
 is_still() {
     local before after
     before=$(switches)
-    sleep 3
+    sleep 10
     after=$(switches)
     [ "$before" = "$after" ] || { echo "a still window woke $((after - before)) times"; exit 1; }
-    echo "no turn in 3 seconds"
+    echo "no turn in 10 seconds"
 }
 switches() { awk '/ctxt_switches/ {sum += $2} END {print sum}' /proc/$program/status; }
 

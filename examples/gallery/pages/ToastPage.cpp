@@ -12,7 +12,7 @@ using namespace kx;
 
 namespace {
 
-/// A plain toast that is clicked stops listening and stays until its time is up; this one goes.
+/// Goes when it is clicked, where a plain toast stays until its time is up.
 class LeavingToast : public Subclass<LeavingToast, KXToastView> {
   public:
     void willDismissToastView() override {
@@ -35,6 +35,13 @@ void showLeaving() {
     toast->show();
 }
 
+/// A click makes it stop listening: clearing all leaves it, too.
+void showStaying() {
+    const auto toast = KXToastView::initWithTitle(text("toast.stays"), nullptr);
+    toast->setShouldDismissWhenClicked(true);
+    toast->showWithTimeout(10);
+}
+
 void clearAll() {
     NSNotificationCenter::defaultCenter().postNotificationName(
         KXToastViewShouldDismissWithoutAnimationNotification);
@@ -52,7 +59,7 @@ void ToastPage::build(Column& column, Gallery&) {
     column.space(12);
     column.row({pushButton("toast.short", [] { showFor(3); }), pushButton("toast.long", [] { showFor(0); })});
     column.row({pushButton("toast.picture", showWithPicture), pushButton("toast.click", showLeaving)});
-    column.row({pushButton("toast.clear", clearAll)});
+    column.row({pushButton("toast.stay", showStaying), pushButton("toast.clear", clearAll)});
 }
 
 void ToastPage::demonstrate(Gallery&) {

@@ -112,7 +112,7 @@ std::optional<double> X11Scale::dotsOfManager() const {
 
 std::optional<double> X11Scale::dotsOfResources() const {
     const std::string resources = propertyOf(display_, root_, XA_RESOURCE_MANAGER);
-    const XrmDatabase database = XrmGetStringDatabase(resources.c_str());
+    XrmDatabase database = XrmGetStringDatabase(resources.c_str());
     if (!database) return std::nullopt;
     char* type = nullptr;
     XrmValue value;
