@@ -18,6 +18,7 @@ struct CacheEntry {
     struct Facts {
         std::uint64_t hash;
         std::uint64_t cost;
+        std::uint8_t lane;              ///< of the thread that set it, see CacheShard
         std::chrono::nanoseconds time;  ///< by the cache's clock, when the value was set
     };
     static constexpr std::size_t kLongestKey = 0xFFFF'FFFF;
@@ -42,10 +43,16 @@ struct CacheEntry {
     const Value value;
     const std::uint32_t keySize;
     std::atomic<bool> visited{false};
+    const std::uint8_t lane;
 
   private:
     CacheEntry(Value v, std::uint32_t size, const Facts& facts) noexcept
-        : time(facts.time), cost(facts.cost), hash(facts.hash), value(std::move(v)), keySize(size) {}
+        : time(facts.time),
+          cost(facts.cost),
+          hash(facts.hash),
+          value(std::move(v)),
+          keySize(size),
+          lane(facts.lane) {}
     ~CacheEntry() = default;
 };
 static_assert(sizeof(CacheEntry) == 64);  // a line of the processor's cache

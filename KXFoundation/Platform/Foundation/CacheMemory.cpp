@@ -4,6 +4,7 @@
 
 #include <KXFoundation/Platform/Foundation/CacheMemory.h>
 #include <KXFoundation/Platform/Runtime/Mutex.h>
+#include <KXFoundation/Platform/Runtime/Prefetch.h>
 
 namespace kx::cacheMemory {
 
@@ -69,8 +70,8 @@ struct ThreadBlocks {
         --count;
         Block* const block = std::exchange(first, first->next);
         if (first) {  // for the next entry
-            __builtin_prefetch(first, 1);
-            __builtin_prefetch(reinterpret_cast<const char*>(first) + 64, 1);
+            prefetchToChange(first);
+            prefetchToChange(reinterpret_cast<const char*>(first) + 64);
         }
         return block;
     }

@@ -1,79 +1,37 @@
 #include <algorithm>
-#include <new>
 #include <utility>
 
 #include <KXFoundation/Platform/Foundation/CacheShard.h>
 
 namespace kx {
 
-namespace {
-
-class RetiredEntries final : public Retirable {
-  public:
-    explicit RetiredEntries(CacheEntry* first) noexcept : first_(first) {}
-    /// The values' memory is cold by now; it arrives while others are destroyed.
-    ~RetiredEntries() override {
-        constexpr int kAhead = 8;
-        const CacheEntry* ahead = first_;
-        const auto fetchNext = [&] {
-            if (!ahead) return;
-            __builtin_prefetch(ahead->value.sharedPayload(), 1);
-            ahead = ahead->older;
-        };
-        for (int i = 0; i < kAhead; ++i) fetchNext();
-        while (first_) {
-            fetchNext();
-            CacheEntry::destroy(std::exchange(first_, first_->older));
-        }
-    }
-
-  private:
-    CacheEntry* first_;
-};
-
-}  // namespace
-
-DiscardedEntries::~DiscardedEntries() {
-    // Without memory for this little the entries stay for good: no reader may lose them.
-    if (auto* const entries = first_ ? new (std::nothrow) RetiredEntries(first_) : nullptr) retire(entries);
-    for (Retirable* table : tables_) retire(table);
-}
-
-void DiscardedEntries::append(DiscardedEntries other) {
-    tables_.insert(tables_.end(), other.tables_.begin(), other.tables_.end());
-    other.tables_.clear();
-    if (!other.first_) return;
-    other.last_->older = first_;
-    if (!first_) last_ = other.last_;
-    first_ = std::exchange(other.first_, nullptr);
-    count_ += other.count_;
-    cost_ += other.cost_;
-}
-
-bool DiscardedEntries::isMuch(std::uint64_t count, std::uint64_t cost) const noexcept {
-    constexpr std::uint64_t kMost = 512;
-    constexpr std::uint64_t kPart = 32;
-    return count_ + tables_.size() >= std::clamp<std::uint64_t>(count / kPart, 1, kMost) ||
-           cost_ > cost / kPart;
-}
-
 CacheShard::CacheShard() : table_(new CacheTable(8)) {}
 
 CacheShard::~CacheShard() {
-    while (oldest_) CacheEntry::destroy(std::exchange(oldest_, oldest_->newer));
+    for (Lane& lane : lanes_) {
+        for (CacheEntry* entry = lane.order.oldest(); entry;)
+            CacheEntry::destroy(std::exchange(entry, entry->newer));
+    }
     delete table_.load(std::memory_order_relaxed);
 }
 
-void CacheShard::insert(CacheEntry* entry) {
-    if (table().isFull()) rebuild(table().room() * 2);
+std::chrono::nanoseconds CacheShard::oldestTime() const noexcept {
+    std::int64_t oldest = kNever.count();
+    for (const Times& times : times_) oldest = std::min(oldest, times.oldest.load(std::memory_order_relaxed));
+    return std::chrono::nanoseconds(oldest);
+}
+
+Retirable* CacheShard::insert(CacheEntry* entry) {
+    Retirable* const former = table().room() <= count_ ? rebuild(table().room() * 2) : nullptr;
     table().insert(entry);
-    linkNewest(entry);
+    link(entry);
+    return former;
 }
 
 void CacheShard::replace(CacheEntry* former, CacheEntry* entry) {
     table().replace(former, entry);
     unlinkFromOrder(former);
-    linkNewest(entry);
+    link(entry);
 }
 
 void CacheShard::unlink(CacheEntry* entry) {
@@ -81,67 +39,108 @@ void CacheShard::unlink(CacheEntry* entry) {
     unlinkFromOrder(entry);
 }
 
-void CacheShard::move(CacheEntry* entry, CacheShard& to) {
+Retirable* CacheShard::move(CacheEntry* entry, CacheShard& to) {
     unlinkFromOrder(entry);
-    to.insert(entry);
+    return to.insert(entry);
 }
 
-void CacheShard::linkNewest(CacheEntry* entry) {
-    entry->newer = nullptr;
-    entry->older = newest_;
-    if (newest_) {
-        newest_->newer = entry;
-    } else {
-        oldest_ = entry;
-        oldestTime_.store(entry->time.count(), std::memory_order_relaxed);
-    }
-    newest_ = entry;
+void CacheShard::link(CacheEntry* entry) {
+    lanes_[entry->lane].order.add(entry);
     ++count_;
-    cost_ += entry->cost;
+    noteTimes(entry->lane);
 }
 
 void CacheShard::unlinkFromOrder(CacheEntry* entry) {
-    if (hand_ == entry) hand_ = entry->newer;
-    (entry->newer ? entry->newer->older : newest_) = entry->older;
-    (entry->older ? entry->older->newer : oldest_) = entry->newer;
-    oldestTime_.store(oldest_ ? oldest_->time.count() : kNever.count(), std::memory_order_relaxed);
+    lanes_[entry->lane].order.remove(entry);
     --count_;
-    cost_ -= entry->cost;
+    noteTimes(entry->lane);
 }
 
-CacheEntry* CacheShard::evict(const CacheEntry* keep) {
-    if (!oldest_ || (oldest_ == keep && newest_ == keep)) return nullptr;
-    std::size_t spared = 0;
-    for (CacheEntry* entry = hand_ ? hand_ : oldest_;; entry = entry->newer ? entry->newer : oldest_) {
-        // Readers may set marks as fast as the hand takes them; twice round is enough.
-        if (entry == keep || (entry->visited.load(std::memory_order_relaxed) && ++spared < 2 * count_)) {
-            entry->visited.store(false, std::memory_order_relaxed);
-            continue;
-        }
-        hand_ = entry;
-        unlink(entry);
-        prefetchNextVictim();
-        return entry;
+void CacheShard::noteTimes(std::size_t lane) {
+    const auto note = [](std::atomic<std::int64_t>& time, const CacheEntry* entry) {
+        time.store(entry ? entry->time.count() : kNever.count(), std::memory_order_relaxed);
+    };
+    note(times_[lane].oldest, lanes_[lane].order.oldest());
+    note(times_[lane].atHand, lanes_[lane].order.hand());
+}
+
+CacheEntry* CacheShard::oldestBefore(std::chrono::nanoseconds time) const {
+    for (const Lane& lane : lanes_) {
+        CacheEntry* const oldest = lane.order.oldest();
+        if (oldest && oldest->time < time) return oldest;
     }
+    return nullptr;
+}
+
+/// The one whose entry at the hand is the oldest; that of the newest entry unless another's is older by an
+/// eighth.
+std::size_t CacheShard::laneToEvictFrom(const CacheEntry* newest) const {
+    const auto timeAtHand = [&](std::size_t lane) {
+        return times_[lane].atHand.load(std::memory_order_relaxed);
+    };
+    std::size_t chosen = newest ? newest->lane : 0;
+    std::int64_t before = timeAtHand(chosen);
+    if (newest && before != kNever.count()) before -= (newest->time.count() - before) / 8;
+    for (std::size_t lane = 0; lane < kLanes; ++lane) {
+        if (timeAtHand(lane) < before) before = timeAtHand(chosen = lane);
+    }
+    return chosen;
+}
+
+CacheEntry* CacheShard::evict(const CacheEntry* keep, const CacheEntry* newest) {
+    CacheEntry* victim = lanes_[laneToEvictFrom(newest)].order.advance(keep);
+    for (std::size_t lane = 0; !victim && lane < kLanes; ++lane) victim = lanes_[lane].order.advance(keep);
+    if (!victim) return nullptr;
+    unlink(victim);
+    ++evictions_;
+    prefetchNextVictim(victim->lane);
+    return victim;
+}
+
+CacheEntry* CacheShard::evictBefore(std::chrono::nanoseconds time) {
+    CacheEntry* const entry = oldestBefore(time);
+    if (!entry) return nullptr;
+    unlink(entry);
+    ++evictions_;
+    return entry;
 }
 
 /// The next eviction, some sets from now, finds in the cache what unlinking will touch.
-void CacheShard::prefetchNextVictim() const {
-    if (!hand_) return;
-    table().prefetch(hand_);
-    __builtin_prefetch(hand_->newer, 1);
-    if (hand_->newer) __builtin_prefetch(&hand_->newer->visited, 1);
+void CacheShard::prefetchNextVictim(std::size_t lane) const {
+    const CacheEntry* const hand = lanes_[lane].order.hand();
+    if (!hand) return;
+    table().prefetch(hand->hash);
+    prefetchToChange(hand->newer);
+    if (hand->newer) prefetchToChange(&hand->newer->visited);
 }
 
 /// Readers of the former table go on in it: it stays as it is.
-void CacheShard::rebuild(std::size_t room) {
+Retirable* CacheShard::rebuild(std::size_t room) {
     auto* const table = new CacheTable(room);
-    for (CacheEntry* entry = oldest_; entry; entry = entry->newer) table->insert(entry);
-    discarded_.add(table_.exchange(table, std::memory_order_acq_rel));
+    for (const Lane& lane : lanes_) {
+        for (CacheEntry* entry = lane.order.oldest(); entry; entry = entry->newer) table->insert(entry);
+    }
+    return table_.exchange(table, std::memory_order_acq_rel);
 }
 
-DiscardedEntries CacheShard::takeIfMuch() {
-    return discarded_.isMuch(count_, cost_) ? std::move(discarded_) : DiscardedEntries();
+void CacheShard::discard(CacheEntry* entry, std::size_t lane) {
+    lanes_[lane].discarded.add(entry);
+    lanes_[lane].discardedCost += entry->cost;
+    ++lanes_[lane].discardedCount;
+}
+
+DiscardedEntries CacheShard::takeDiscarded(std::size_t lane) {
+    lanes_[lane].discardedCount = 0;
+    lanes_[lane].discardedCost = 0;
+    return std::move(lanes_[lane].discarded);
+}
+
+DiscardedEntries CacheShard::takeIfMuch(std::size_t lane, std::uint64_t cost) {
+    constexpr std::size_t kMost = 32;
+    constexpr std::size_t kPart = 32;
+    const bool isMuch = lanes_[lane].discardedCount >= std::clamp<std::size_t>(count_ / kPart, 1, kMost) ||
+                        lanes_[lane].discardedCost > cost / kPart;
+    return isMuch ? takeDiscarded(lane) : DiscardedEntries();
 }
 
 void CacheShard::lock() const {

@@ -1,71 +1,34 @@
 #pragma once
 
+#include <array>
 #include <atomic>
 #include <chrono>
 #include <cstddef>
 #include <cstdint>
-#include <limits>
-#include <memory>
 #include <string_view>
-#include <vector>
 
 #include <KXFoundation/Platform/Foundation/CacheEntry.h>
+#include <KXFoundation/Platform/Foundation/CacheOrder.h>
 #include <KXFoundation/Platform/Foundation/CacheTable.h>
+#include <KXFoundation/Platform/Foundation/DiscardedEntries.h>
 #include <KXFoundation/Platform/Runtime/Mutex.h>
+#include <KXFoundation/Platform/Runtime/Prefetch.h>
 
 namespace kx {
 
-/// Unlinked entries on their way out: a chain, destroyed in one go once no reader can hold any of them.
-class DiscardedEntries {
-  public:
-    DiscardedEntries() = default;
-    DiscardedEntries(DiscardedEntries&& other) noexcept { take(other); }
-    DiscardedEntries& operator=(DiscardedEntries&& other) noexcept {
-        take(other);
-        return *this;
-    }
-    /// Retires what it holds. Hold no lock: destructors of values run.
-    ~DiscardedEntries();
-
-    void add(CacheEntry* entry) noexcept {
-        entry->older = first_;
-        if (!first_) last_ = entry;
-        first_ = entry;
-        ++count_;
-        cost_ += entry->cost;
-    }
-    void add(Retirable* table) { tables_.push_back(table); }
-    void append(DiscardedEntries other);
-    [[nodiscard]] bool isEmpty() const noexcept { return count_ == 0 && tables_.empty(); }
-    /// Whether it is more than a small part of a cache with so many entries of that cost.
-    [[nodiscard]] bool isMuch(std::uint64_t count, std::uint64_t cost) const noexcept;
-
-  private:
-    void take(DiscardedEntries& other) noexcept {
-        std::swap(first_, other.first_);
-        std::swap(last_, other.last_);
-        std::swap(count_, other.count_);
-        std::swap(cost_, other.cost_);
-        tables_.swap(other.tables_);
-    }
-    std::vector<Retirable*> tables_;  // former ones, seldom any
-    CacheEntry* first_ = nullptr;
-    CacheEntry* last_ = nullptr;
-    std::size_t count_ = 0;
-    std::uint64_t cost_ = 0;
-};
-
-/// A part of an NSCache: a hash table that is read without a lock, and the order in which its entries leave.
+/// A part of an NSCache: a hash table that is read without a lock, and the orders in which its entries leave.
 /// Private to Foundation.
 ///
-/// Invariants under the mutex: the table and the list from oldest to newest hold the same entries; the hand
-/// points into the list or nowhere.
+/// An entry stands in the order of its lane, which is that of the thread that set it. To make room a thread
+/// evicts from its own lane unless another holds clearly older entries: threads that fill a cache work on
+/// entries, values and memory of their own, and share the tables only.
 ///
-/// The order is SIEVE (Zhang and others, NSDI 2024): a hand walks from the oldest entry to the newest; it
-/// spares a visited one and takes its mark, and evicts the first unvisited one. A hit only sets the mark,
-/// where a list ordered by last use would be rewritten by every reader.
+/// Invariant under the mutex: the table and the orders hold the same entries.
 class alignas(64) CacheShard {
   public:
+    static constexpr std::size_t kLanes = 4;
+    static constexpr auto kNever = CacheOrder::kNever;
+
     CacheShard();
     ~CacheShard();
     CacheShard(const CacheShard&) = delete;
@@ -75,11 +38,16 @@ class alignas(64) CacheShard {
     [[nodiscard]] CacheEntry* find(std::uint64_t hash, std::string_view key) const noexcept {
         return table_.load(std::memory_order_acquire)->find(hash, key);
     }
-    /// When its oldest entry was set; no lock.
-    [[nodiscard]] std::chrono::nanoseconds oldestTime() const noexcept {
-        return std::chrono::nanoseconds(oldestTime_.load(std::memory_order_relaxed));
+    /// For the processor: a set under this hash by a thread of this lane will need soon; no lock.
+    void prefetch(std::uint64_t hash, std::size_t lane) const noexcept
+        KX_THREAD_ANNOTATION(no_thread_safety_analysis) {
+        table_.load(std::memory_order_acquire)->prefetch(hash);
+        prefetchToChange(&mutex_);
+        prefetchToChange(&times_);
+        prefetchToChange(&lanes_[lane]);
     }
-    static constexpr auto kNever = std::chrono::nanoseconds::max();
+    /// When its oldest entry was set; no lock.
+    [[nodiscard]] std::chrono::nanoseconds oldestTime() const noexcept;
 
     [[nodiscard]] Mutex& mutex() const noexcept KX_THREAD_ANNOTATION(lock_returned(mutex_)) { return mutex_; }
     /// Locks the mutex. It is held for less time than it takes to put a thread to sleep and wake it, so this
@@ -89,52 +57,78 @@ class alignas(64) CacheShard {
     [[nodiscard]] CacheEntry* findLocked(std::uint64_t hash, std::string_view key) const KX_REQUIRES(mutex_) {
         return find(hash, key);
     }
-    /// Adds an entry whose key has none.
-    void insert(CacheEntry* entry) KX_REQUIRES(mutex_);
+    /// Adds an entry whose key has none. Answers the former table where it took a larger one: to be retired
+    /// without the lock.
+    [[nodiscard]] Retirable* insert(CacheEntry* entry) KX_REQUIRES(mutex_);
     /// Puts the entry in the place of one with the same key; readers find the one or the other.
     void replace(CacheEntry* former, CacheEntry* entry) KX_REQUIRES(mutex_);
     /// Takes the entry out of table and order; readers may still hold it.
     void unlink(CacheEntry* entry) KX_REQUIRES(mutex_);
     /// Unlinks the entry that is to leave next, never `keep`; nullptr if there is no other.
-    [[nodiscard]] CacheEntry* evict(const CacheEntry* keep) KX_REQUIRES(mutex_);
-    /// The oldest entry if it was set before `time`.
-    [[nodiscard]] CacheEntry* oldestBefore(std::chrono::nanoseconds time) const KX_REQUIRES(mutex_) {
-        return oldest_ && oldest_->time < time ? oldest_ : nullptr;
+    [[nodiscard]] CacheEntry* evict(const CacheEntry* keep) KX_REQUIRES(mutex_) {
+        return evict(keep, nullptr);
     }
+    /// The same for the sake of an entry that was just inserted, of its own lane rather than of others.
+    [[nodiscard]] CacheEntry* evictFor(const CacheEntry* entry) KX_REQUIRES(mutex_) {
+        return evict(entry, entry);
+    }
+    /// Unlinks an entry that was set before `time`; nullptr if there is none.
+    [[nodiscard]] CacheEntry* evictBefore(std::chrono::nanoseconds time) KX_REQUIRES(mutex_);
     [[nodiscard]] std::size_t count() const KX_REQUIRES(mutex_) { return count_; }
 
-    [[nodiscard]] CacheEntry* oldest() const KX_REQUIRES(mutex_) { return oldest_; }
-    /// Hands the entry over; it is found here too until forgetMoved().
-    void move(CacheEntry* entry, CacheShard& to) KX_REQUIRES(mutex_) KX_REQUIRES(to.mutex_);
-    void forgetMoved() KX_REQUIRES(mutex_) { rebuild(count_ + 1); }
+    /// Any entry that was set before `time`, the oldest of its lane; nullptr if there is none.
+    [[nodiscard]] CacheEntry* oldestBefore(std::chrono::nanoseconds time) const KX_REQUIRES(mutex_);
+    /// The oldest entry of a lane.
+    [[nodiscard]] CacheEntry* oldest(std::size_t lane) const KX_REQUIRES(mutex_) {
+        return lanes_[lane].order.oldest();
+    }
+    /// Hands the entry over; it is found here too until forgetMoved(). Answers as insert() does.
+    [[nodiscard]] Retirable* move(CacheEntry* entry, CacheShard& to) KX_REQUIRES(mutex_)
+        KX_REQUIRES(to.mutex_);
+    /// Answers the former table, to be retired without the lock.
+    [[nodiscard]] Retirable* forgetMoved() KX_REQUIRES(mutex_) { return rebuild(count_ + 1); }
 
-    /// Puts an unlinked entry aside, so that several share the price of retire().
-    void discard(CacheEntry* entry) KX_REQUIRES(mutex_) { discarded_.add(entry); }
-    /// What was put aside, once it is more than a small part of the shard.
-    [[nodiscard]] DiscardedEntries takeIfMuch() KX_REQUIRES(mutex_);
-    [[nodiscard]] DiscardedEntries takeDiscarded() KX_REQUIRES(mutex_) { return std::move(discarded_); }
+    /// Puts an unlinked entry aside in the lane, so that several share the price of retiring.
+    void discard(CacheEntry* entry, std::size_t lane) KX_REQUIRES(mutex_);
+    /// What was put aside in the lane.
+    [[nodiscard]] DiscardedEntries takeDiscarded(std::size_t lane) KX_REQUIRES(mutex_);
+    /// The same once it is more than a small part of a shard of that cost.
+    [[nodiscard]] DiscardedEntries takeIfMuch(std::size_t lane, std::uint64_t cost) KX_REQUIRES(mutex_);
 
-    std::uint64_t evictions KX_GUARDED_BY(mutex_) = 0;
+    /// How many were evicted.
+    [[nodiscard]] std::uint64_t evictions() const KX_REQUIRES(mutex_) { return evictions_; }
 
   private:
+    /// A line of the processor's cache for the threads of the lane.
+    struct alignas(64) Lane {
+        CacheOrder order;
+        DiscardedEntries discarded;
+        std::size_t discardedCount = 0;
+        std::uint64_t discardedCost = 0;
+    };
+    /// What the others look at.
+    struct Times {
+        std::atomic<std::int64_t> oldest{kNever.count()};
+        std::atomic<std::int64_t> atHand{kNever.count()};
+    };
+
     [[nodiscard]] CacheTable& table() const noexcept KX_REQUIRES(mutex_) {
         return *table_.load(std::memory_order_relaxed);
     }
-    void rebuild(std::size_t room) KX_REQUIRES(mutex_);
-    void linkNewest(CacheEntry* entry) KX_REQUIRES(mutex_);
+    [[nodiscard]] Retirable* rebuild(std::size_t room) KX_REQUIRES(mutex_);
+    void link(CacheEntry* entry) KX_REQUIRES(mutex_);
     void unlinkFromOrder(CacheEntry* entry) KX_REQUIRES(mutex_);
-    void prefetchNextVictim() const KX_REQUIRES(mutex_);
+    void noteTimes(std::size_t lane) KX_REQUIRES(mutex_);
+    [[nodiscard]] CacheEntry* evict(const CacheEntry* keep, const CacheEntry* newest) KX_REQUIRES(mutex_);
+    [[nodiscard]] std::size_t laneToEvictFrom(const CacheEntry* newest) const KX_REQUIRES(mutex_);
+    void prefetchNextVictim(std::size_t lane) const KX_REQUIRES(mutex_);
 
     std::atomic<CacheTable*> table_;
-    std::atomic<std::int64_t> oldestTime_{kNever.count()};
-
-    mutable Mutex mutex_;
-    CacheEntry* oldest_ KX_GUARDED_BY(mutex_) = nullptr;
-    CacheEntry* newest_ KX_GUARDED_BY(mutex_) = nullptr;
-    CacheEntry* hand_ KX_GUARDED_BY(mutex_) = nullptr;
+    alignas(64) mutable Mutex mutex_;
     std::size_t count_ KX_GUARDED_BY(mutex_) = 0;
-    std::uint64_t cost_ KX_GUARDED_BY(mutex_) = 0;
-    DiscardedEntries discarded_ KX_GUARDED_BY(mutex_);
+    std::uint64_t evictions_ KX_GUARDED_BY(mutex_) = 0;
+    alignas(64) std::array<Times, kLanes> times_;
+    std::array<Lane, kLanes> lanes_ KX_GUARDED_BY(mutex_);
 };
 
 }  // namespace kx

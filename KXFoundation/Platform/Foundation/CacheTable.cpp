@@ -45,7 +45,7 @@ CacheEntry* CacheTable::find(std::uint64_t hash, std::string_view key) const noe
             if (!entry) continue;
             const std::int64_t payload = firstPayload_.load(std::memory_order_relaxed) +
                                          group->payloads[slot].load(std::memory_order_relaxed);
-            __builtin_prefetch(reinterpret_cast<const void*>(payload * kLine), 1);
+            prefetchToChange(reinterpret_cast<const void*>(payload * kLine));
             __builtin_prefetch(reinterpret_cast<const char*>(entry + 1) + key.size());  // to the key's end
             if (entry->key() == key) return entry;
         }
@@ -64,7 +64,6 @@ void CacheTable::put(CacheEntry* entry, const Place& place) noexcept {
 }
 
 void CacheTable::insert(CacheEntry* entry) noexcept {
-    ++count_;
     for (Group* group = &home(entry->hash);; group = &after(*group)) {
         const auto slot = std::ranges::find_if(
             group->slots, [](const Slot& s) { return s.load(std::memory_order_relaxed) == 0; });
@@ -79,7 +78,6 @@ void CacheTable::replace(const CacheEntry* former, CacheEntry* entry) noexcept {
 }
 
 void CacheTable::erase(const CacheEntry* entry) noexcept {
-    --count_;
     const Place place = placeOf(entry);
     place.group.slots[place.slot].store(0, std::memory_order_release);
     for (Group* group = &home(entry->hash); group != &place.group; group = &after(*group))

@@ -9,6 +9,7 @@
 
 #include <KXFoundation/Platform/Foundation/CacheEntry.h>
 #include <KXFoundation/Platform/Runtime/Epoch.h>
+#include <KXFoundation/Platform/Runtime/Prefetch.h>
 
 namespace kx {
 
@@ -20,7 +21,7 @@ namespace kx {
 /// at all. An entry that finds its group full goes to the next one with room, and each full group counts
 /// those that passed it: a look-up goes on only as long as some did. Entries never move, so it cannot miss
 /// one that stays.
-class CacheTable final : public Retirable {
+class alignas(64) CacheTable final : public Retirable {
   public:
     /// With room for `count` entries or up to twice as many.
     explicit CacheTable(std::size_t count);
@@ -31,15 +32,13 @@ class CacheTable final : public Retirable {
     [[nodiscard]] CacheEntry* find(std::uint64_t hash, std::string_view key) const noexcept;
 
     // Changes: one thread at a time.
-    /// Whether a further entry is to go into a larger table.
-    [[nodiscard]] bool isFull() const noexcept { return count_ >= room(); }
-    /// Adds an entry whose key has none. The table is not full.
+    /// Adds an entry whose key has none, where there is room.
     void insert(CacheEntry* entry) noexcept;
     /// Puts the entry in the place of one with the same key; a look-up finds the one or the other.
     void replace(const CacheEntry* former, CacheEntry* entry) noexcept;
     void erase(const CacheEntry* entry) noexcept;
-    /// For the processor: what erasing the entry touches will be needed soon.
-    void prefetch(const CacheEntry* entry) const noexcept { __builtin_prefetch(&home(entry->hash), 1); }
+    /// For the processor: what a change under this hash touches will be needed soon.
+    void prefetch(std::uint64_t hash) const noexcept { prefetchToChange(&home(hash)); }
 
   private:
     static constexpr std::size_t kSlots = 5;
@@ -68,7 +67,6 @@ class CacheTable final : public Retirable {
     const std::size_t mask_;
     const std::unique_ptr<Group[]> groups_;
     std::atomic<std::int64_t> firstPayload_{0};
-    std::size_t count_ = 0;
 };
 
 }  // namespace kx

@@ -1,5 +1,6 @@
 #include <algorithm>
 #include <utility>
+#include <vector>
 
 #include <KXFoundation/Platform/Foundation/NSCache.h>
 
@@ -14,10 +15,8 @@ std::uint64_t hashOf(std::string_view key) noexcept {
     return XXH3_64bits(key.data(), key.size());
 }
 
-std::size_t numberOfThisThread() noexcept {
-    static constinit std::atomic<std::size_t> last{0};
-    static thread_local const std::size_t number = last.fetch_add(1, std::memory_order_relaxed);
-    return number;
+std::uint8_t laneOfThisThread() {
+    return EpochReading::threadNumber() % CacheShard::kLanes;
 }
 
 }  // namespace
@@ -54,8 +53,15 @@ CacheShard& NSCache::shardFor(std::uint64_t hash) const noexcept {
     return shards_[(hash >> 60) & shardMask_.load(std::memory_order_acquire)];
 }
 
-NSCache::Uses& NSCache::uses() const noexcept {
-    return uses_[numberOfThisThread() % kStripes];
+/// Each of the first threads has counters of its own, all others share the last.
+void NSCache::countUse(std::atomic<std::uint64_t> Uses::*counter) const {
+    const std::size_t thread = EpochReading::threadNumber();
+    auto& uses = uses_[std::min(thread, kStripes - 1)].*counter;
+    if (thread < kStripes - 1) {
+        uses.store(uses.load(std::memory_order_relaxed) + 1, std::memory_order_relaxed);
+    } else {
+        uses.fetch_add(1, std::memory_order_relaxed);
+    }
 }
 
 /// Entries that were set before this are too old.
@@ -72,7 +78,7 @@ bool NSCache::isExpired(const CacheEntry& entry) const noexcept {
     return ageLimit_.load(std::memory_order_relaxed) != 0 && entry.time < expiredBefore();
 }
 
-/// For a caller that is inside an EpochReading.
+/// For a caller that is inside a FencedEpochReading.
 const CacheEntry* NSCache::find(std::string_view key) const {
     const std::uint64_t hash = hashOf(key);
     for (;;) {
@@ -84,57 +90,49 @@ const CacheEntry* NSCache::find(std::string_view key) const {
 }
 
 Value NSCache::objectForKey(std::string_view key) const {
-    const EpochReading reading;
+    const FencedEpochReading reading;
     const CacheEntry* const entry = find(key);
-    if (!entry) {
-        uses().misses.fetch_add(1, std::memory_order_relaxed);
-        return {};
-    }
-    uses().hits.fetch_add(1, std::memory_order_relaxed);
+    countUse(entry ? &Uses::hits : &Uses::misses);
+    if (!entry) return {};
     const_cast<CacheEntry*>(entry)->visit();
     return entry->value;
 }
 
 bool NSCache::containsObjectForKey(std::string_view key) const {
-    const EpochReading reading;
+    const FencedEpochReading reading;
     return find(key) != nullptr;
 }
 
-bool NSCache::isOver(const Change& change) const noexcept {
+bool NSCache::isOver(std::uint64_t countChange, std::uint64_t costChange) const noexcept {
     const std::uint64_t countLimit = countLimit_.load(std::memory_order_relaxed);
     const std::uint64_t costLimit = costLimit_.load(std::memory_order_relaxed);
-    return (countLimit != 0 && totals_.count.load(std::memory_order_relaxed) + change.count > countLimit) ||
-           (costLimit != 0 && totals_.cost.load(std::memory_order_relaxed) + change.cost > costLimit);
+    return (countLimit != 0 && totals_.count.load(std::memory_order_relaxed) + countChange > countLimit) ||
+           (costLimit != 0 && totals_.cost.load(std::memory_order_relaxed) + costChange > costLimit);
 }
 
-void NSCache::apply(const Change& change) const noexcept {
-    if (change.count != 0) totals_.count.fetch_add(change.count, std::memory_order_relaxed);
-    if (change.cost != 0) totals_.cost.fetch_add(change.cost, std::memory_order_relaxed);
+/// About.
+std::uint64_t NSCache::costOfShard() const noexcept {
+    return totals_.cost.load(std::memory_order_relaxed) / (shardMask_.load(std::memory_order_relaxed) + 1);
 }
 
-/// Evicts from the shard until the limits hold with the change, and applies it. Where one entry takes the
-/// place of another the totals stay as they are, and threads that fill a full cache write nothing in common.
-DiscardedEntries NSCache::makeRoom(CacheShard& shard, const CacheEntry* keep, Change change) {
-    CacheEntry* victim = nullptr;
+void NSCache::change(std::uint64_t count, std::uint64_t cost) const noexcept {
+    if (count != 0) totals_.count.fetch_add(count, std::memory_order_relaxed);
+    if (cost != 0) totals_.cost.fetch_add(cost, std::memory_order_relaxed);
+}
+
+/// Evicts from the shard until the limits hold with the change, and makes it. Where one entry takes the place
+/// of another the totals stay as they are, and threads that fill a full cache write nothing in common.
+void NSCache::makeRoom(CacheShard& shard, const CacheEntry* entry, std::uint64_t countChange,
+                       std::uint64_t costChange) {
     do {
-        while (isOver(change) && (victim = shard.evict(keep))) {
-            change.without(*victim);
-            ++shard.evictions;
-            shard.discard(victim);
+        CacheEntry* victim = nullptr;
+        while (isOver(countChange, costChange) && (victim = shard.evictFor(entry))) {
+            --countChange;
+            costChange -= victim->cost;
+            shard.discard(victim, entry->lane);
         }
-        apply(std::exchange(change, Change()));
+        change(std::exchange(countChange, 0), std::exchange(costChange, 0));
     } while (isOver() && shard.count() > 1);
-    return shard.takeIfMuch();
-}
-
-/// What shards have put aside waits here for more of its kind: where threads read, retire() is one system
-/// call for all of it.
-void NSCache::discard(DiscardedEntries few) const {
-    if (few.isEmpty()) return;
-    DiscardedEntries many;  // goes after the lock
-    const MutexLock lock(discardedMutex_);
-    discarded_.append(std::move(few));
-    if (discarded_.isMuch(totals_.count, totals_.cost)) many = std::move(discarded_);
 }
 
 void NSCache::setObject(Value object, std::string_view key, std::uint64_t cost) {
@@ -142,28 +140,31 @@ void NSCache::setObject(Value object, std::string_view key, std::uint64_t cost) 
     const std::uint64_t costLimit = costLimit_.load(std::memory_order_relaxed);
     if (costLimit != 0 && cost > costLimit) return removeObjectForKey(key);
     const std::uint64_t hash = hashOf(key);
-    CacheEntry* const entry = CacheEntry::make(key, std::move(object), {hash, cost, clock_->now()});
+    const std::uint8_t lane = laneOfThisThread();
+    shardFor(hash).prefetch(hash, lane);
+    CacheEntry* const entry =
+        CacheEntry::make(key, std::move(object), {hash, cost, lane, clock_->coarseNow()});
     bool isLarge = false;
-    DiscardedEntries discarded;
+    Retirable* formerTable = nullptr;
     {
+        DiscardedEntries discarded;
         const LockedShard locked(*this, hash);
         CacheShard& shard = *locked;
         const auto replace = [&]() KX_THREAD_ANNOTATION(no_thread_safety_analysis) {
             CacheEntry* const former = shard.findLocked(hash, key);
-            Change change{1, cost};
             if (former) {
                 shard.replace(former, entry);
-                change = Change(0, cost - former->cost);
-                shard.discard(former);
+                shard.discard(former, lane);
             } else {
-                shard.insert(entry);
+                formerTable = shard.insert(entry);
             }
-            discarded = makeRoom(shard, entry, change);
+            makeRoom(shard, entry, former ? 0 : 1, former ? cost - former->cost : cost);
+            discarded = shard.takeIfMuch(lane, costOfShard());
             isLarge = shard.count() > kSplitAt;
         };
         replace();
     }
-    discard(std::move(discarded));
+    if (formerTable) retireFenced(formerTable);
     if (isLarge && shardMask_.load(std::memory_order_relaxed) == 0) split();
     if (isOver()) holdLimits(entry);
     if (ageLimit_.load(std::memory_order_relaxed) != 0) removeExpired();
@@ -177,8 +178,7 @@ void NSCache::removeObjectForKey(std::string_view key) {
         CacheEntry* const entry = shard.findLocked(hash, key);
         if (!entry) return;
         shard.unlink(entry);
-        apply(Change().without(*entry));
-        removed = shard.takeDiscarded();
+        take(*entry);
         removed.add(entry);
     };
     remove(*locked);
@@ -186,18 +186,15 @@ void NSCache::removeObjectForKey(std::string_view key) {
 
 void NSCache::removeAllObjects() {
     for (CacheShard& shard : shards_) {
-        DiscardedEntries removed;
+        std::array<DiscardedEntries, CacheShard::kLanes> removed;
         const MutexLock lock(shard.mutex());
-        removed = shard.takeDiscarded();
-        while (CacheEntry* entry = shard.oldest()) {
+        while (CacheEntry* entry = shard.oldestBefore(CacheShard::kNever)) {
             shard.unlink(entry);
-            apply(Change().without(*entry));
-            removed.add(entry);
+            take(*entry);
+            shard.discard(entry, entry->lane);
         }
+        for (std::size_t lane = 0; lane < removed.size(); ++lane) removed[lane] = shard.takeDiscarded(lane);
     }
-    DiscardedEntries waiting;
-    const MutexLock lock(discardedMutex_);
-    waiting = std::move(discarded_);
 }
 
 /// Evicts from all shards alike until the limits hold.
@@ -211,16 +208,13 @@ bool NSCache::evictOneOfEach(const CacheEntry* keep) {
     for (CacheShard& shard : shards_) {
         if (!isOver()) return true;
         DiscardedEntries evicted;
-        MutexLock lock(shard.mutex());
+        const MutexLock lock(shard.mutex());
         CacheEntry* const victim = shard.evict(keep);
         if (!victim) continue;
         found = true;
-        apply(Change().without(*victim));
-        ++shard.evictions;
-        shard.discard(victim);
-        evicted = shard.takeIfMuch();
-        lock.unlock();
-        discard(std::move(evicted));
+        take(*victim);
+        shard.discard(victim, victim->lane);
+        evicted = shard.takeIfMuch(victim->lane, costOfShard());
     }
     return found;
 }
@@ -231,10 +225,8 @@ void NSCache::removeExpired() const {
         if (shard.oldestTime() >= expired) continue;
         DiscardedEntries removed;
         const MutexLock lock(shard.mutex());
-        while (CacheEntry* entry = shard.oldestBefore(expired)) {
-            shard.unlink(entry);
-            ++shard.evictions;
-            apply(Change().without(*entry));
+        while (CacheEntry* entry = shard.evictBefore(expired)) {
+            take(*entry);
             removed.add(entry);
         }
     }
@@ -242,21 +234,26 @@ void NSCache::removeExpired() const {
 
 /// Spreads the entries of the first shard over all of them, each shard in the order of their coming.
 void NSCache::split() KX_THREAD_ANNOTATION(no_thread_safety_analysis) {
-    std::array<DiscardedEntries, kShards> tables;
+    std::vector<Retirable*> tables;
+    const auto retireLater = [&](Retirable* table) {
+        if (table) tables.push_back(table);
+    };
     for (CacheShard& shard : shards_) shard.mutex().lock();
     CacheShard& first = shards_[0];
     if (shardMask_.load(std::memory_order_relaxed) == 0) {
-        CacheEntry* newer = nullptr;
-        for (CacheEntry* entry = first.oldest(); entry; entry = newer) {
-            newer = entry->newer;
-            CacheShard& target = shards_[(entry->hash >> 60) & (kShards - 1)];
-            if (&target != &first) first.move(entry, target);
+        for (std::size_t lane = 0; lane < CacheShard::kLanes; ++lane) {
+            CacheEntry* newer = nullptr;
+            for (CacheEntry* entry = first.oldest(lane); entry; entry = newer) {
+                newer = entry->newer;
+                CacheShard& target = shards_[(entry->hash >> 60) & (kShards - 1)];
+                if (&target != &first) retireLater(first.move(entry, target));
+            }
         }
         shardMask_.store(kShards - 1, std::memory_order_release);
-        first.forgetMoved();  // a reader that misses one now sees that the mask has changed
+        retireLater(first.forgetMoved());  // a reader that misses one now sees that the mask has changed
     }
-    for (std::size_t i = 0; i < kShards; ++i) tables[i] = shards_[i].takeDiscarded();
     for (CacheShard& shard : shards_) shard.mutex().unlock();
+    for (Retirable* table : tables) retireFenced(table);
 }
 
 void NSCache::setCountLimit(std::uint64_t limit) {
@@ -282,8 +279,7 @@ void NSCache::keepShare(double share) {
             static_cast<std::size_t>(std::clamp(share, 0.0, 1.0) * static_cast<double>(shard.count()));
         while (shard.count() > kept) {
             CacheEntry* const entry = shard.evict(nullptr);
-            ++shard.evictions;
-            apply(Change().without(*entry));
+            take(*entry);
             evicted.add(entry);
         }
     }
@@ -298,7 +294,7 @@ NSCache::Statistics NSCache::statistics() const {
     }
     for (CacheShard& shard : shards_) {
         const MutexLock lock(shard.mutex());
-        statistics.evictions += shard.evictions;
+        statistics.evictions += shard.evictions();
     }
     statistics.count = totals_.count.load(std::memory_order_relaxed);
     statistics.cost = totals_.cost.load(std::memory_order_relaxed);

@@ -74,29 +74,20 @@ class KX_EXPORT NSCache : public Subclass<NSCache, NSObject> {
     struct alignas(64) Totals {
         std::atomic<std::uint64_t> count{0}, cost{0};
     };
-    struct Change {
-        std::uint64_t count, cost;  // modulo 2^64
-        Change() noexcept : Change(0, 0) {}
-        Change(std::uint64_t counts, std::uint64_t costs) noexcept : count(counts), cost(costs) {}
-        Change& without(const CacheEntry& entry) noexcept {
-            --count;
-            cost -= entry.cost;
-            return *this;
-        }
-    };
     class LockedShard;
 
     [[nodiscard]] const CacheEntry* find(std::string_view key) const;
     [[nodiscard]] CacheShard& shardFor(std::uint64_t hash) const noexcept;
-    [[nodiscard]] Uses& uses() const noexcept;
-    [[nodiscard]] bool isOver(const Change& change) const noexcept;
-    [[nodiscard]] bool isOver() const noexcept { return isOver(Change()); }
+    void countUse(std::atomic<std::uint64_t> Uses::*counter) const;
+    // Changes of count and cost are modulo 2^64.
+    [[nodiscard]] bool isOver(std::uint64_t countChange = 0, std::uint64_t costChange = 0) const noexcept;
     [[nodiscard]] std::chrono::nanoseconds expiredBefore() const noexcept;
     [[nodiscard]] bool isExpired(const CacheEntry& entry) const noexcept;
-    void apply(const Change& change) const noexcept;
-    DiscardedEntries makeRoom(CacheShard& shard, const CacheEntry* keep, Change change)
-        KX_REQUIRES(shard.mutex());
-    void discard(DiscardedEntries few) const;
+    [[nodiscard]] std::uint64_t costOfShard() const noexcept;
+    void change(std::uint64_t count, std::uint64_t cost) const noexcept;
+    void take(const CacheEntry& entry) const noexcept { change(~std::uint64_t{0}, -entry.cost); }
+    void makeRoom(CacheShard& shard, const CacheEntry* entry, std::uint64_t countChange,
+                  std::uint64_t costChange) KX_REQUIRES(shard.mutex());
     void holdLimits(const CacheEntry* keep = nullptr);
     bool evictOneOfEach(const CacheEntry* keep);
     void removeExpired() const;
@@ -111,8 +102,6 @@ class KX_EXPORT NSCache : public Subclass<NSCache, NSObject> {
     mutable Totals totals_;
     mutable std::array<Uses, kStripes> uses_;
     mutable std::array<CacheShard, kShards> shards_;
-    mutable Mutex discardedMutex_;
-    mutable DiscardedEntries discarded_ KX_GUARDED_BY(discardedMutex_);
 };
 
 }  // namespace kx

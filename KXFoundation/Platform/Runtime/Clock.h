@@ -24,6 +24,9 @@ class KX_EXPORT Clock {
     /// Time since a fixed moment in the past; never goes back, stands still while the machine sleeps.
     [[nodiscard]] virtual std::chrono::nanoseconds now() const noexcept = 0;
 
+    /// The same as of some milliseconds ago at most, for a fraction of the price.
+    [[nodiscard]] virtual std::chrono::nanoseconds coarseNow() const noexcept { return now(); }
+
     /// The date and time of day as the system's clock has it; jumps when that is set.
     [[nodiscard]] virtual WallTime wallTime() const noexcept = 0;
 

@@ -49,6 +49,7 @@ class EpochDomain {
         if (!reader) {
             reader = new EpochReader;
             reader->next = readers_;
+            reader->number = readers_ ? readers_->number + 1 : 0;
             readers_ = reader;
         }
         reader->inUse = true;
@@ -60,13 +61,13 @@ class EpochDomain {
         reader.inUse = false;
     }
 
-    void retire(Retirable* item) {
+    void retire(Retirable* item, bool readersFence) {
         MutexLock lock(mutex_);
         item->retiredIn_ = state().now.fetch_add(1, std::memory_order_seq_cst);
         (last_ ? last_->nextRetired_ : first_) = item;
         last_ = item;
         state().waiting.fetch_add(1, std::memory_order_seq_cst);
-        if (!state().readersNeedFence.load(std::memory_order_relaxed) && hasOtherReaders()) {
+        if (!readersFence && !state().readersNeedFence.load(std::memory_order_relaxed) && hasOtherReaders()) {
             membarrier(MEMBARRIER_CMD_PRIVATE_EXPEDITED);
         }
         Retirable* ready = takeReady();
@@ -155,7 +156,11 @@ void EpochReading::destroyRetired() {
 }
 
 void retire(Retirable* unlinked) {
-    EpochDomain::shared().retire(unlinked);
+    EpochDomain::shared().retire(unlinked, false);
+}
+
+void retireFenced(Retirable* unlinked) {
+    EpochDomain::shared().retire(unlinked, true);
 }
 
 }  // namespace kx

@@ -31,11 +31,14 @@ class KX_EXPORT Retirable {
 /// else when the last such reader leaves. Any thread, also inside a reading of its own. Hold no lock:
 /// destructors run.
 KX_EXPORT void retire(Retirable* unlinked);
+/// The same without the system call, for what only a FencedEpochReading can find.
+KX_EXPORT void retireFenced(Retirable* unlinked);
 
 /// One thread's mark, alone in its cache line.
 struct alignas(64) EpochReader {
     std::atomic<std::uint64_t> epoch{0};  // 0: outside
     std::uint32_t depth = 0;
+    std::uint32_t number = 0;
     bool inUse = false;  // guarded by the domain's lock
     EpochReader* next = nullptr;
 };
@@ -51,7 +54,7 @@ struct alignas(64) EpochState {
 /// ends keeps everything alive that is retired meanwhile.
 class EpochReading {
   public:
-    EpochReading() : reader_(current_ ? *current_ : registerThread()) {
+    EpochReading() : reader_(thisThread()) {
         if (reader_.depth++ == 0) mark(state_.now.load(std::memory_order_acquire));
     }
     ~EpochReading() {
@@ -62,11 +65,20 @@ class EpochReading {
     EpochReading(const EpochReading&) = delete;
     EpochReading& operator=(const EpochReading&) = delete;
 
+    /// A small number that no other living thread has.
+    [[nodiscard]] static std::uint32_t threadNumber() { return thisThread().number; }
     /// Whether the calling thread is inside a scope.
     [[nodiscard]] static bool isInside() noexcept { return current_ && current_->depth != 0; }
 
+  protected:
+    /// Makes sure that every other thread sees the mark before this one reads on.
+    void fence() noexcept {
+        reader_.epoch.exchange(reader_.epoch.load(std::memory_order_relaxed), std::memory_order_seq_cst);
+    }
+
   private:
     friend class EpochDomain;
+    [[nodiscard]] static EpochReader& thisThread() { return current_ ? *current_ : registerThread(); }
     static void threadEnds(void* reader) noexcept;
     KX_EXPORT static EpochReader& registerThread();
     KX_EXPORT static void destroyRetired();
@@ -85,6 +97,13 @@ class EpochReading {
     }
 
     EpochReader& reader_;
+};
+
+/// A reading that pays for the order itself, some nanoseconds, where a structure changes as often as it is
+/// read: its writers call retireFenced().
+class FencedEpochReading : public EpochReading {
+  public:
+    FencedEpochReading() { fence(); }
 };
 
 }  // namespace kx

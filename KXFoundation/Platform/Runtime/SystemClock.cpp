@@ -3,6 +3,8 @@
 #include <thread>
 #include <utility>
 
+#include <time.h>
+
 #include <KXFoundation/Platform/Runtime/EventLoop.h>
 #include <KXFoundation/Platform/Runtime/Log.h>
 #include <KXFoundation/Platform/Runtime/Mutex.h>
@@ -65,6 +67,13 @@ SystemClock::~SystemClock() {
 
 std::chrono::nanoseconds SystemClock::now() const noexcept {
     return Steady::now().time_since_epoch();
+}
+
+/// What the system noted at its last tick.
+std::chrono::nanoseconds SystemClock::coarseNow() const noexcept {
+    timespec time{};
+    clock_gettime(CLOCK_MONOTONIC_COARSE, &time);
+    return std::chrono::seconds(time.tv_sec) + std::chrono::nanoseconds(time.tv_nsec);
 }
 
 Clock::WallTime SystemClock::wallTime() const noexcept {

@@ -15,6 +15,7 @@ class SystemClock final : public Clock {
     ~SystemClock() override;
 
     [[nodiscard]] std::chrono::nanoseconds now() const noexcept override;
+    [[nodiscard]] std::chrono::nanoseconds coarseNow() const noexcept override;
     [[nodiscard]] WallTime wallTime() const noexcept override;
     void runAt(std::chrono::nanoseconds deadline, TimerThread thread, std::function<void()> action) override;
 
