@@ -2,12 +2,18 @@
 // is, 1 the list in it, which is sealed here; 2 more, an item is added afterwards.
 #include <cstdlib>
 
+#include <KXFoundation/Platform/Runtime/Log.h>
 #include <KXFoundation/Platform/Runtime/Module.h>
 #include <KXFoundation/Platform/Services/FileKeychain.h>
 
 #include "FolderOfOneInput.h"
 
 namespace {
+
+/// Each damaged file has its line.
+class NoLog final : public kx::LogSink {
+    void write(kx::LogLevel, std::string_view) override {}
+};
 
 std::string sealed(const kx::SodiumModule& sodium, const std::string& key, std::string_view list) {
     std::string box = "KXKEYC01";
@@ -20,6 +26,7 @@ std::string sealed(const kx::SodiumModule& sodium, const std::string& key, std::
 }  // namespace
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
+    static const kx::ScopedPort<kx::LogSink> noLog(std::make_shared<NoLog>());
     static const auto sodium = kx::openModule<kx::SodiumModule>("sodium");
     if (!sodium || size == 0) return 0;
     const kx::fuzz::FolderOfOneInput folder;

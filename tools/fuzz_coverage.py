@@ -1,7 +1,7 @@
 #!/usr/bin/env python3
 """fuzz_coverage.py BUILD [NAME]: replays each fuzzer's seeds, and what it has found since, in a build that counts
-lines (preset coverage), and prints how many lines of its readers (fuzz/readers.txt) they reach. The lines with their
-counts are in BUILD/coverage/NAME.txt."""
+lines (preset coverage), and prints how many lines of its readers (fuzz/readers.txt) they reach. The others are
+listed in BUILD/coverage/NAME.txt."""
 
 import json
 import pathlib
@@ -23,14 +23,23 @@ def replay(build, name, profile):
 
 def coverage(build, name, profile, readers):
     objects = [build / "fuzz" / name, *(build / "lib").glob("*.so"), *(build / "lib" / "KXFoundation").glob("*.so")]
-    arguments = ["-instr-profile", profile, objects[0], *(a for o in objects[1:] for a in ("-object", o))]
-    done = subprocess.run(["llvm-cov", "export", "-summary-only", *arguments], check=True, capture_output=True)
-    files = [file for file in json.loads(done.stdout)["data"][0]["files"]
-             if any(file["filename"].endswith("/" + reader) for reader in readers)]
-    with open(profile.with_suffix(".txt"), "w") as text:
-        subprocess.run(["llvm-cov", "show", *arguments, *(file["filename"] for file in files)], check=True,
-                       stdout=text, stderr=subprocess.DEVNULL)
-    return files
+    done = subprocess.run(["llvm-cov", "export", "-ignore-filename-regex=^/usr/", "-instr-profile", profile, objects[0],
+                           *(a for o in objects[1:] for a in ("-object", o))], check=True, capture_output=True)
+    return [file for file in json.loads(done.stdout)["data"][0]["files"]
+            if any(file["filename"].endswith("/" + reader) for reader in readers)]
+
+
+def unreached(file):
+    """The lines that no input reaches. A segment is [line, column, count, has a count, begins a region, gap]."""
+    starts, around = {}, None
+    for segment in file["segments"]:
+        starts.setdefault(segment[0], []).append(segment)
+    for number, text in enumerate(pathlib.Path(file["filename"]).read_text().splitlines(), 1):
+        here = starts.get(number, [])
+        counts = [s[2] for s in [around, *(s for s in here if s[4] and not s[5])] if s and s[3]]
+        if counts and max(counts) == 0 and text.strip(" {}"):
+            yield f"{pathlib.Path(file['filename']).name}:{number}: {text}"
+        around = here[-1] if here else around
 
 
 def main():
@@ -44,7 +53,9 @@ def main():
             continue
         profile = build / "coverage" / f"{name}.profdata"
         inputs = replay(build, name, profile)
-        for file in coverage(build, name, profile, readers.split()):
+        files = coverage(build, name, profile, readers.split())
+        profile.with_suffix(".txt").write_text("\n".join(line for file in files for line in unreached(file)) + "\n")
+        for file in files:
             lines = file["summary"]["lines"]
             print(f"| {name} | {inputs} | {pathlib.Path(file['filename']).name} | {lines['count']} | "
                   f"{lines['covered']} | {lines['percent']:.0f} % |", flush=True)
