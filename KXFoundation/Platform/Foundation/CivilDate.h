@@ -52,7 +52,8 @@ struct CivilDate {
     const std::uint32_t dayOfYear = static_cast<std::uint32_t>(years) / 2'939'745 / 4;  // from March
     const std::uint32_t months = 2141 * dayOfYear + 197'913;
     const bool isNextYear = dayOfYear >= 306;
-    const std::int64_t year = era * 400 + std::int64_t{century} * 100 + static_cast<std::uint32_t>(years >> 32);
+    const std::int64_t year =
+        era * 400 + std::int64_t{century} * 100 + static_cast<std::uint32_t>(years >> 32);
     return {year + isNextYear, static_cast<int>(months >> 16) - (isNextYear ? 12 : 0),
             static_cast<int>((months & 0xFFFF) / 2141) + 1};
 }
