@@ -72,7 +72,8 @@ function(kx_tests name library)
   gtest_discover_tests(${name} DISCOVERY_MODE PRE_TEST PROPERTIES ${properties})
 endfunction()
 
-# kx_fuzzer(<name> <Foundation|UI> file): a libFuzzer program in build/fuzz/fuzz/, its seeds in fuzz/corpus/<name>/.
+# kx_fuzzer(<name> <Foundation|UI> file): a libFuzzer program in build/fuzz/fuzz/, one of the target `fuzzers`; its seeds
+# are in fuzz/corpus/<name>/, its words in fuzz/dictionaries/<name>.dict.
 # In every other build the same file replays its seeds, as a test.
 function(kx_fuzzer name library file)
   add_executable(fuzz_${name} ${file})
@@ -82,6 +83,10 @@ function(kx_fuzzer name library file)
     OUTPUT_NAME ${name} RUNTIME_OUTPUT_DIRECTORY ${PROJECT_BINARY_DIR}/fuzz)
   if(KX_BUILD_FUZZERS)
     target_link_options(fuzz_${name} PRIVATE -fsanitize=fuzzer)
+    if(NOT TARGET fuzzers)
+      add_custom_target(fuzzers)
+    endif()
+    add_dependencies(fuzzers fuzz_${name})
   else()
     target_sources(fuzz_${name} PRIVATE ${PROJECT_SOURCE_DIR}/fuzz/ReplaySeeds.cpp)
     add_test(NAME fuzz.${name}.seeds COMMAND fuzz_${name} ${seeds})

@@ -148,6 +148,8 @@ void use(const Folder& folder) {
         require(store->objectForKey("a") == kx::Value(12));
         require(!store->containsObjectForKey("b"));
     }
+    folder.open()->setObject("theirs", "other");  // as another process does
+    require(cache->objectForKey("other") == kx::Value("theirs"));
     cache->setCountLimit(1);
     require(cache->totalCount() <= 1);
     cache->removeAllObjects();

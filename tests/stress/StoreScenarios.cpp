@@ -231,7 +231,7 @@ void loads(Stress& s) {
     }
     s.run();
     s.require(answers == callers, "a caller without an answer");
-    for (const std::size_t which : {0, 1}) {
+    for (std::size_t which = 0; which < 2; ++which) {
         const auto kept = cache->get<int>(keys[which]);
         s.require(!kept || *kept == source[which], "an outdated value is kept");
     }

@@ -26,6 +26,8 @@ using Kind = VideoModule::Reason::Kind;
 // Containers that hold their frames themselves: play lists, which name other files and hosts, stay out.
 constexpr const char* kContainers = "mov,mp4,m4a,3gp,3g2,mj2,matroska,webm,avi,mpegts,mpeg,ogg,flv,asf";
 constexpr std::int64_t kProbedBytes = 5 << 20;
+// At once: 64 Mi pixels of 8 bytes. Else a header of a few bytes gets up to 2 GiB for the table it promises.
+constexpr std::size_t kLargestAllocation = std::size_t{512} << 20;
 
 void setReason(VideoModule::Reason& reason, Kind kind, const char* text) {
     reason.kind = kind;
@@ -262,5 +264,6 @@ constexpr VideoModule kModule{
 
 extern "C" __attribute__((visibility("default"))) const void* kxModule(const kx::ModuleHost*) {
     av_log_set_level(AV_LOG_QUIET);  // damaged files are reported by what the calls answer
+    av_max_alloc(kx::kLargestAllocation);
     return &kx::kModule;
 }
