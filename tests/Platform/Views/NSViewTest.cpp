@@ -7,7 +7,6 @@
 
 #include <KXFoundation/Platform/Runtime/ProcessState.h>
 #include <KXFoundation/Platform/Views/NSApplication.h>
-#include <KXFoundation/Platform/Runtime/ProcessState.h>
 #include <KXFoundation/Platform/Views/NSView.h>
 #include <KXFoundation/Platform/Views/ViewDescription.h>
 #include <KXFoundation/Testing/CapturedLog.h>
