@@ -2,7 +2,7 @@
 """debian_changelog.py ROOT MAINTAINER TIME: prints debian/changelog, made from ROOT/CHANGELOG.md.
 
 TIME (seconds since 1970) dates a version that is marked as unreleased. It is in that version's number too, which sorts
-before the one that will be released.
+before the one that will be released. The revision, 0kx1, sorts before the first that Debian itself would make.
 """
 
 import datetime
@@ -37,7 +37,7 @@ def printed(version, date, items, maintainer, time):
     else:
         when = datetime.datetime.fromtimestamp(time, datetime.timezone.utc)
         number = f"{version}~{when:%Y%m%d.%H%M%S}"
-    print(f"kxfoundation ({number}-1) {'bookworm' if date else 'UNRELEASED'}; urgency=medium\n")
+    print(f"kxfoundation ({number}-0kx1) {'bookworm' if date else 'UNRELEASED'}; urgency=medium\n")
     for item in items:
         print(textwrap.fill(item, 80, initial_indent="  * ", subsequent_indent="    ", break_on_hyphens=False))
     print(f"\n -- {maintainer}  {email.utils.format_datetime(when)}\n")
