@@ -6,6 +6,7 @@
 #include <KXFoundation/Platform/Foundation/NSTimeZone.h>
 #include <KXFoundation/Platform/Foundation/ZoneRules.h>
 #include <KXFoundation/Testing/CapturedLog.h>
+#include <KXFoundation/Testing/CountedMemory.h>
 #include <KXFoundation/Testing/ScopedPlatform.h>
 #include <KXFoundation/Testing/TemporaryDirectory.h>
 
@@ -111,6 +112,23 @@ TEST(NSTimeZone, AFileOfEndlessTimeCostsNoMore) {
     EXPECT_EQ(zone->name(), path);
     EXPECT_EQ(zone->secondsFromGMTForDate(NSDate::dateWithTimeIntervalSince1970(-1)), 3600);
     EXPECT_EQ(zone->secondsFromGMTForDate(NSDate::dateWithTimeIntervalSince1970(1)), 0);
+}
+
+TEST(NSTimeZone, AFileThatPromisesMoreThanItHoldsCostsNoMemory) {
+    const testing::TemporaryDirectory folder;
+    const auto load = [&](const std::string& name, const std::string& contents) {
+        std::ofstream(folder.path() + "/" + name, std::ios::binary) << contents;
+        return ZoneRules::load(folder.path() + "/" + name);
+    };
+    std::string file = zoneFile({0});
+    EXPECT_NE(load("whole", file), nullptr);
+    EXPECT_EQ(load("cut", file.substr(0, file.size() - 12)), nullptr);
+    constexpr std::size_t kTimesOfTheSecondBlock = 64 + 32;
+    file[kTimesOfTheSecondBlock] = '\x20';
+    testing::takePeakMemory();
+    const std::size_t before = testing::heldMemory();
+    EXPECT_EQ(load("hostile", file), nullptr);
+    EXPECT_LT(testing::takePeakMemory(), before + (1U << 20));
 }
 
 TEST(NSTimeZone, ReadsTheUsersVariable) {
