@@ -14,13 +14,15 @@ tests=$(realpath "$(dirname "$0")/debian/tests")
 # The mirrors from which this machine has Debian 12, as lines of sources.list.
 mirrors() {
     apt-get indextargets --format 'deb $(REPO_URI) $(RELEASE) $(COMPONENT)' 'Created-By: Packages' 'Origin: Debian' |
-        grep ' bookworm' || echo "deb http://deb.debian.org/debian bookworm main"
+        grep ' bookworm' || { echo "no mirror of Debian 12 in this machine's package sources" >&2; return 1; }
 }
 
 bare_tree() {
     if [ ! -d "$tree-bare" ]; then
         rm -rf "$tree-bare.new"
-        debootstrap --variant=minbase bookworm "$tree-bare.new" "$(mirrors | awk '$3 == "bookworm" { print $2; exit }')"
+        local mirror
+        mirror=$(mirrors | awk '$3 == "bookworm" && !first { first = $2 } END { print first }')
+        debootstrap --variant=minbase bookworm "$tree-bare.new" "$mirror"
         mv "$tree-bare.new" "$tree-bare"
     fi
     rm -rf "$tree"
