@@ -223,7 +223,7 @@ class FaultyFileSystem::FaultyFile final : public File {
         if (const int error = faults_->meet(Call::Read)) return failure(error);
         auto got = below_->readAt(offset, into);
         if (got) faults_->countRead(*got);
-        if (got && path_ == kBootIdentifier) into[0] ^= faults_->boot();
+        if (got && *got > 0 && path_ == kBootIdentifier) into[0] ^= faults_->boot();
         return got;
     }
 

@@ -20,6 +20,7 @@ Result<void> gather(const std::vector<std::string>& files, const fs::path& folde
             continue;
         }
         fs::create_symlink(fs::absolute(file), folder / fs::path(file).filename(), error);
+        if (error) outcome = Error::fromErrno(error.value(), file);
     }
     return outcome;
 }

@@ -20,7 +20,8 @@ class KX_EXPORT ScopedFonts {
     ScopedFonts(const ScopedFonts&) = delete;
     ScopedFonts& operator=(const ScopedFonts&) = delete;
 
-    /// Missing names a file that is not there; text is drawn with the others then.
+    /// An error names a file that is left out: Missing if it is not there, Failed if another has its name.
+    /// Text is drawn with the others then.
     [[nodiscard]] const Result<void>& outcome() const noexcept { return outcome_; }
 
   private:

@@ -32,8 +32,8 @@ namespace kx::testing {
 /// keychain (its encrypted file) begin empty; there is no bus, and no other variable of the environment. The
 /// user prefers en-US and lets the locale choose 12 or 24 hours; the time zone is UTC, the only network
 /// interface the loopback, and there is no torch. Addresses that are opened and texts that are read out are
-/// remembered and go no further. Time and the files are the machine's: ManualClock, FaultyFileSystem and
-/// SimulatedWorld replace them. Main thread.
+/// remembered and go no further. Time, the files and the network are the machine's: ManualClock,
+/// FaultyFileSystem, InjectedWeb and SimulatedWorld replace them. Main thread.
 class KX_EXPORT ScopedPlatform {
   public:
     ScopedPlatform() : ScopedPlatform(std::string_view()) {}

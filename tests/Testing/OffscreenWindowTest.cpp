@@ -95,6 +95,7 @@ TEST(ScopedFonts, AreAllThereIs) {
     EXPECT_TRUE(NSFont::fontWithName("DejaVu Sans", 13));
     EXPECT_FALSE(NSFont::fontWithName("DejaVu Serif", 13));
     EXPECT_TRUE(ScopedFonts({sans}).outcome());
+    EXPECT_FALSE(ScopedFonts({sans, sans}).outcome());
 }
 
 }  // namespace
