@@ -78,7 +78,7 @@ endfunction()
 function(kx_fuzzer name library file)
   add_executable(fuzz_${name} ${file})
   set(seeds ${PROJECT_SOURCE_DIR}/fuzz/corpus/${name})
-  target_link_libraries(fuzz_${name} PRIVATE KXFoundation::${library} kx_warnings)
+  target_link_libraries(fuzz_${name} PRIVATE KXFoundation::${library} KXFoundation::Testing kx_warnings)
   set_target_properties(fuzz_${name} PROPERTIES
     OUTPUT_NAME ${name} RUNTIME_OUTPUT_DIRECTORY ${PROJECT_BINARY_DIR}/fuzz)
   if(KX_BUILD_FUZZERS)

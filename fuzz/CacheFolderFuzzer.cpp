@@ -3,17 +3,15 @@
 #include <cstdint>
 #include <cstdlib>
 #include <cstring>
-#include <filesystem>
 #include <fstream>
 #include <span>
 #include <string>
 #include <string_view>
 
-#include <unistd.h>
-
 #include <KXFoundation/Cache/KXDiskCache.h>
 #include <KXFoundation/Platform/Runtime/ContentHash.h>
 #include <KXFoundation/Platform/Runtime/Executor.h>
+#include <KXFoundation/Testing/TemporaryDirectory.h>
 
 // The folder of a disk cache as its format page tells it (docs/formats/disk-cache.md). The input is one byte
 // of choices, 16 bytes of the header page (head and tail), the size of the first segment in two bytes, its
@@ -113,47 +111,29 @@ std::uint64_t thisBoot() {
     return contentHash(identifier, 0, identifier.size());
 }
 
-class Folder {
-  public:
-    Folder() : path_(std::filesystem::temp_directory_path() / ("cache-" + std::to_string(::getpid()))) {}
-    ~Folder() { clear(); }
-    Folder(const Folder&) = delete;
-    Folder& operator=(const Folder&) = delete;
-    void clear() const { std::filesystem::remove_all(path_); }
-    void write(const std::string& name, const std::string& bytes) const {
-        std::filesystem::create_directories(path_);
-        std::ofstream(path_ / name, std::ios::binary) << bytes;
-    }
-    [[nodiscard]] std::shared_ptr<kx::KXDiskCache> open() const {
-        return kx::KXDiskCache::initWithPath(path_.string());
-    }
-
-  private:
-    const std::filesystem::path path_;
-};
-
 void require(bool holds) {
     if (!holds) std::abort();
 }
 
 /// Whatever the folder held, the store goes on: what is set now is there, also for the next one to open it.
-void use(const Folder& folder) {
-    const auto cache = folder.open();
+void use(const std::string& folder) {
+    const auto open = [&] { return kx::KXDiskCache::initWithPath(folder); };
+    const auto cache = open();
     for (const char* key : {"a", "b", "c", ""}) static_cast<void>(cache->objectForKey(key));
     cache->setObject("value", "new");
     cache->setObject(12, "a");
     cache->removeObjectForKey("b");
-    for (const auto& store : {cache, folder.open()}) {
+    for (const auto& store : {cache, open()}) {
         require(store->objectForKey("new") == kx::Value("value"));
         require(store->objectForKey("a") == kx::Value(12));
         require(!store->containsObjectForKey("b"));
     }
-    folder.open()->setObject("theirs", "other");  // as another process does
+    open()->setObject("theirs", "other");  // as another process does
     require(cache->objectForKey("other") == kx::Value("theirs"));
     cache->setCountLimit(1);
     require(cache->totalCount() <= 1);
     cache->removeAllObjects();
-    require(folder.open()->totalCount() == 0);
+    require(open()->totalCount() == 0);
 }
 
 }  // namespace
@@ -169,12 +149,11 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     const std::size_t firstSize = std::min<std::size_t>(number<std::uint16_t>(input, 17), size - kFixed);
     std::array segments{input.substr(kFixed, firstSize), input.substr(kFixed + firstSize)};
     for (std::uint64_t i = 0; i < segments.size(); ++i) mend(segments[i], i + 1, data[0]);
-    static const Folder folder;
-    folder.clear();
+    const kx::testing::TemporaryDirectory folder;
     folder.write("header", header);
     folder.write("segment-00000001", segments[0]);
     folder.write("segment-00000002", segments[1]);
-    use(folder);
+    use(folder.path());
     kx::drainQueues();
     return 0;
 }

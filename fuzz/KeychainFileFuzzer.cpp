@@ -5,8 +5,9 @@
 #include <KXFoundation/Platform/Runtime/Log.h>
 #include <KXFoundation/Platform/Runtime/Module.h>
 #include <KXFoundation/Platform/Services/FileKeychain.h>
+#include <KXFoundation/Testing/TemporaryDirectory.h>
 
-#include "FolderOfOneInput.h"
+#include "InputText.h"
 
 namespace {
 
@@ -29,7 +30,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     static const kx::ScopedPort<kx::LogSink> noLog(std::make_shared<NoLog>());
     static const auto sodium = kx::openModule<kx::SodiumModule>("sodium");
     if (!sodium || size == 0) return 0;
-    const kx::fuzz::FolderOfOneInput folder;
+    const kx::testing::TemporaryDirectory folder;
     const std::string key(kx::SodiumModule::kKeySize, 'k');
     const std::string_view rest = kx::fuzz::textOf(data + 1, size - 1);
     folder.write("keychain.key", key);

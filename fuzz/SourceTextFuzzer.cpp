@@ -3,8 +3,8 @@
 #include <cstdlib>
 
 #include "CppTokens.h"
-#include "FolderOfOneInput.h"
 #include "FormatArguments.h"
+#include "InputText.h"
 #include "KeyUses.h"
 #include "Tables.h"
 

@@ -2,11 +2,12 @@
 #include <cstdlib>
 
 #include <KXFoundation/Platform/Foundation/UserDirectories.h>
+#include <KXFoundation/Testing/TemporaryDirectory.h>
 
-#include "FolderOfOneInput.h"
+#include "InputText.h"
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
-    const kx::fuzz::FolderOfOneInput folder;
+    const kx::testing::TemporaryDirectory folder;
     ::setenv("HOME", (folder / "home").c_str(), 1);
     ::setenv("XDG_CONFIG_HOME", (folder / "config").c_str(), 1);
     folder.write("config/user-dirs.dirs", kx::fuzz::textOf(data, size));

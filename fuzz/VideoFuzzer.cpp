@@ -5,13 +5,14 @@
 
 #include <KXFoundation/Platform/Runtime/Module.h>
 #include <KXFoundation/Platform/Services/VideoModule.h>
+#include <KXFoundation/Testing/TemporaryDirectory.h>
 
-#include "FolderOfOneInput.h"
+#include "InputText.h"
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
     static const auto video = kx::openModule<kx::VideoModule>("ffmpeg");
     if (!video) return 0;
-    const kx::fuzz::FolderOfOneInput folder;
+    const kx::testing::TemporaryDirectory folder;
     const std::string path = folder.write("video", kx::fuzz::textOf(data, size));
     constexpr kx::VideoModule::Limits kLimits{1 << 18, 2000};
     std::vector<std::uint32_t> pixels;

@@ -1,12 +1,12 @@
 #include <cstdint>
 #include <cstdlib>
 #include <filesystem>
-#include <fstream>
 #include <string>
 
-#include <unistd.h>
-
 #include <KXFoundation/Platform/Foundation/ZoneRules.h>
+#include <KXFoundation/Testing/TemporaryDirectory.h>
+
+#include "InputText.h"
 
 namespace {
 
@@ -33,9 +33,8 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     // Whatever was read under a name is kept for the process, so each file has its own, and is small.
     static std::size_t number = 0;
     if (size > 4096) return 0;
-    const std::string path = std::filesystem::temp_directory_path() /
-                             ("kx-zone-" + std::to_string(::getpid()) + "-" + std::to_string(++number));
-    std::ofstream(path, std::ios::binary).write(reinterpret_cast<const char*>(data), static_cast<long>(size));
+    static const kx::testing::TemporaryDirectory folder;
+    const std::string path = folder.write(std::to_string(++number), kx::fuzz::textOf(data, size));
     const auto rules = kx::ZoneRules::load(path);
     std::filesystem::remove(path);
     if (!rules) return 0;

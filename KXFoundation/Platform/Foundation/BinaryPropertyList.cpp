@@ -7,6 +7,7 @@
 
 #include <KXFoundation/Platform/Foundation/PropertyListForms.h>
 #include <KXFoundation/Platform/Foundation/UnicodeText.h>
+#include <KXFoundation/Platform/Runtime/BigEndian.h>
 
 // Layout: the magic, the objects, the table of their offsets, and 32 bytes at the end:
 //     6 unused | size of an offset | size of a reference | number of objects (8) | root (8) | place of the
@@ -26,12 +27,6 @@ namespace {
 using Bytes = std::span<const std::byte>;
 
 constexpr std::size_t kTrailerSize = 32;
-
-std::uint64_t bigEndian(Bytes bytes) {
-    std::uint64_t number = 0;
-    for (const std::byte byte : bytes) number = number << 8 | std::to_integer<std::uint64_t>(byte);
-    return number;
-}
 
 class Reader {
   public:

@@ -2,11 +2,13 @@
 #include <array>
 #include <fstream>
 #include <optional>
+#include <span>
 
 #include <cctz/time_zone.h>
 #include <sys/stat.h>
 
 #include <KXFoundation/Platform/Foundation/ZoneRules.h>
+#include <KXFoundation/Platform/Runtime/BigEndian.h>
 #include <KXFoundation/Platform/Runtime/Environment.h>
 
 namespace kx {
@@ -55,10 +57,7 @@ class Header {
 
   private:
     [[nodiscard]] std::uint64_t count(std::size_t which) const {
-        std::uint64_t count = 0;
-        for (std::size_t i = 0; i < 4; ++i)
-            count = count << 8 | static_cast<unsigned char>(bytes_[kCountsAt + which * 4 + i]);
-        return count;
+        return bigEndian(std::as_bytes(std::span(bytes_)).subspan(kCountsAt + 4 * which, 4));
     }
     std::array<char, kHeaderSize> bytes_;
 };
