@@ -38,10 +38,9 @@ class alignas(64) CacheShard {
     [[nodiscard]] CacheEntry* find(std::uint64_t hash, std::string_view key) const noexcept {
         return table_.load(std::memory_order_acquire)->find(hash, key);
     }
-    /// For the processor: a set under this hash by a thread of this lane will need soon; no lock.
-    void prefetch(std::uint64_t hash, std::size_t lane) const noexcept
-        KX_THREAD_ANNOTATION(no_thread_safety_analysis) {
-        table_.load(std::memory_order_acquire)->prefetch(hash);
+    /// For the processor: a set by a thread of this lane will need soon; no lock. Not the table, which may go
+    /// at any time.
+    void prefetch(std::size_t lane) const noexcept KX_THREAD_ANNOTATION(no_thread_safety_analysis) {
         prefetchToChange(&mutex_);
         prefetchToChange(&times_);
         prefetchToChange(&lanes_[lane]);
