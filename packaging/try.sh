@@ -62,5 +62,5 @@ step daemon_stays_light
 step inside apt-get install -y --no-install-recommends libkxfoundation-dev kxfoundation-tools cmake g++ make pkg-config
 step inside /tests/quickstart
 # shellcheck disable=SC2046
-step inside apt-get install -y --no-install-recommends $(ours)
+step inside apt-get install -y --no-install-recommends $(ours) xauth xvfb
 step inside /tests/modules

@@ -11,9 +11,7 @@ int main() {
     const auto label = kx::make<kx::NSTextField>(kx::NSRect{{0, 0}, {120, 30}});
     label->setStringValue("Gênes");
     const auto picture = kx::NSView_Snapshot::snapshot(label);
-    const auto* bitmap =
-        picture ? dynamic_cast<const kx::NSBitmapImageRep*>(picture->representations().front().get())
-                : nullptr;
+    const auto bitmap = picture ? picture->bitmapAtScale(1) : nullptr;
     const bool ink = bitmap && std::ranges::any_of(bitmap->pixels(), [](auto pixel) { return pixel != 0; });
     std::puts(ink ? "ink" : "nothing was drawn");
 }
