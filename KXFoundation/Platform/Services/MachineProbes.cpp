@@ -27,10 +27,11 @@ bool isFont(std::string_view name) {
 std::optional<std::string> fontBelow(FileSystem& files, const std::string& folder, int depth = 0) {
     const auto names = files.list(folder);
     if (!names || depth > kDeepestFolder) return std::nullopt;
+    const auto pathOf = [&](const std::string& name) { return (folder + '/').append(name); };
     if (const auto found = std::ranges::find_if(*names, isFont); found != names->end())
-        return folder + "/" + *found;
+        return pathOf(*found);
     for (const std::string& name : *names) {
-        if (auto found = fontBelow(files, folder + "/" + name, depth + 1)) return found;
+        if (auto found = fontBelow(files, pathOf(name), depth + 1)) return found;
     }
     return std::nullopt;
 }
