@@ -28,8 +28,7 @@ std::optional<std::string> fontBelow(FileSystem& files, const std::string& folde
     const auto names = files.list(folder);
     if (!names || depth > kDeepestFolder) return std::nullopt;
     const auto pathOf = [&](const std::string& name) { return (folder + '/').append(name); };
-    if (const auto found = std::ranges::find_if(*names, isFont); found != names->end())
-        return pathOf(*found);
+    if (const auto found = std::ranges::find_if(*names, isFont); found != names->end()) return pathOf(*found);
     for (const std::string& name : *names) {
         if (auto found = fontBelow(files, pathOf(name), depth + 1)) return found;
     }
