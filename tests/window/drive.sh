@@ -3,7 +3,7 @@
 # what stands on the screen with the off-screen drawing of the same page: every pixel must be the same. First the window
 # as a user has it, then every page of the side list in the gallery's steady world, by mouse and again by keys.
 set -euo pipefail
-gallery=$1 scratch=$2
+gallery=$1 scratch=$(realpath -m "$2")  # a relative one would name no folder of the XDG base directories
 for tool in Xvfb xdotool xprop xsettingsd import compare identify; do
     command -v $tool >/dev/null || { echo "skipped: there is no $tool"; exit 0; }
 done
