@@ -1,3 +1,5 @@
+# SPDX-License-Identifier: MIT
+
 # kx_bundle(<target> <directory> [NO_INSTALL]): the directory is the program's bundle (Info.plist, <code>.lproj/, pictures).
 #
 # In the build tree it is copied to where the program looks for it: `Resources/` beside the program or, where programs

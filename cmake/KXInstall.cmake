@@ -1,3 +1,5 @@
+# SPDX-License-Identifier: MIT
+
 # The installed tree: the libraries, the public headers, a CMake package and pkg-config files. Nothing in it names
 # the prefix that it was installed to, so the whole folder may be moved.
 include(CMakePackageConfigHelpers)

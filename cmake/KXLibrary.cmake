@@ -1,3 +1,4 @@
+# SPDX-License-Identifier: MIT
 set(target_Foundation KXFoundation)
 set(target_Testing KXFoundationTesting)
 set(target_UI KXFoundationUI)

@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: MIT
+
 // The first byte chooses locale and zone; what follows up to a line's end is a pattern, the rest a text.
 #include <algorithm>
 #include <array>

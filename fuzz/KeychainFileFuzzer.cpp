@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: MIT
+
 // The file of a keychain (docs/formats/keychain-file.md). The first byte says what follows: 0 the file as it
 // is, 1 the list in it, which is sealed here; 2 more, an item is added afterwards.
 #include <cstdlib>

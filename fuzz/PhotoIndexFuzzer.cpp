@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: MIT
+
 // The index of the photo library (docs/formats/photo-index.md). The first byte is 1 if what a kill has left
 // in it is made good too; the rest is the file.
 #include <algorithm>

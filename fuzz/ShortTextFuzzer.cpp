@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: MIT
+
 // Short texts from people and services: colour codes, versions, addresses.
 #include <compare>
 #include <cstdint>

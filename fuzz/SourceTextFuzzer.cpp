@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: MIT
+
 // What kx-strings reads: an application's sources and tables.
 #include <algorithm>
 #include <cstdlib>

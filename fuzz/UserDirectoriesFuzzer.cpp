@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: MIT
+
 // The desktop's file that names the user's folders.
 #include <cstdlib>
 

@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: MIT
+
 // Any file as a video. The decoders are FFmpeg's, which is not built for fuzzing: this looks at what the
 // module makes of them.
 #include <cstdlib>

@@ -1,4 +1,5 @@
 #!/usr/bin/env python3
+# SPDX-License-Identifier: MIT
 """debian_changelog.py ROOT MAINTAINER TIME: prints debian/changelog, made from ROOT/CHANGELOG.md.
 
 TIME (seconds since 1970) dates a version that is marked as unreleased. It is in that version's number too, which sorts

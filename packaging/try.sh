@@ -1,4 +1,5 @@
 #!/usr/bin/env bash
+# SPDX-License-Identifier: MIT
 # try.sh PACKAGES TREE: installs the packages of that folder into a bare Debian 12 tree and runs their tests there, first
 # with what a small program's maker takes, then with all packages. TREE stays, to be looked at; TREE-bare is kept for the
 # next time. As root, with debootstrap.

@@ -1,4 +1,5 @@
 #!/usr/bin/env python3
+# SPDX-License-Identifier: MIT
 """bench_table.py BOUNDS [--json OUT] [--all] RESULT.json...: medians of Google Benchmark results, their ratios to peers.
 
 Prints a row per workload and contender: the median, our time over the contender's, and where BOUNDS has a line for the

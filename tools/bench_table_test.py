@@ -1,4 +1,5 @@
 #!/usr/bin/env python3
+# SPDX-License-Identifier: MIT
 """bench_table.py takes medians, picks the clock, and tells a bound that holds from one that is missed."""
 import unittest
 

@@ -1,4 +1,5 @@
 #!/usr/bin/env python3
+# SPDX-License-Identifier: MIT
 """check_includes.py ROOT [--build DIR]: the rules of who may include whom, as docs/architecture.md tells them.
 
 Prints one line per breach and exits 1 if there is any:

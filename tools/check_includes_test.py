@@ -1,4 +1,5 @@
 #!/usr/bin/env python3
+# SPDX-License-Identifier: MIT
 """Each rule of check_includes.py finds its breach, and nothing else, in a tree made here."""
 import json
 import pathlib

@@ -1,7 +1,9 @@
 #!/usr/bin/env python3
-"""check_readme.py ROOT: fails unless each page shows its example's files word for word."""
+# SPDX-License-Identifier: MIT
+"""check_readme.py ROOT: fails unless each page shows its example's files word for word, their licence line left out."""
 
 import pathlib
+import re
 import sys
 
 SHOWN = [  # page, file, language of the block
@@ -12,7 +14,13 @@ SHOWN = [  # page, file, language of the block
 ]
 
 root = pathlib.Path(sys.argv[1])
+
+
+def program(file):
+    return re.sub(r"\A(//|#) SPDX-License-Identifier: .*\n", "", (root / file).read_text()).strip()
+
+
 stale = [f"{page}: its program differs from {file}; copy it again" for page, file, language in SHOWN
-         if f"```{language}\n{(root / file).read_text().strip()}\n```" not in (root / page).read_text()]
+         if f"```{language}\n{program(file)}\n```" not in (root / page).read_text()]
 if stale:
     sys.exit("\n".join(stale))

@@ -1,3 +1,4 @@
+# SPDX-License-Identifier: MIT
 """What a C++ header of ours declares: enough of a parser for headers as clang-format leaves them.
 
 Comments, preprocessor lines and function bodies are passed over; what is left is a tree of scopes (namespace, class)

@@ -1,4 +1,5 @@
 #!/usr/bin/env python3
+# SPDX-License-Identifier: MIT
 """What declarations.py finds in a header with every shape that ours have."""
 import unittest
 

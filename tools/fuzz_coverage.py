@@ -1,4 +1,5 @@
 #!/usr/bin/env python3
+# SPDX-License-Identifier: MIT
 """fuzz_coverage.py BUILD [NAME]: replays each fuzzer's seeds, and what it has found since, in a build that counts
 lines (preset coverage), and prints how many lines of its readers (fuzz/readers.txt) they reach. The others are
 listed in BUILD/coverage/NAME.txt."""

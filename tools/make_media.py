@@ -1,4 +1,5 @@
 #!/usr/bin/env python3
+# SPDX-License-Identifier: MIT
 """Makes the gallery's photographs and video and the tests' clips, which are kept in the repository:
 
     tools/make_media.py [NAME...]

@@ -1,4 +1,5 @@
 #!/usr/bin/env python3
+# SPDX-License-Identifier: MIT
 """Makes the pictures of the gallery's bundle that are kept in the repository; they are computed, nothing is taken from
 elsewhere:
 

@@ -1,4 +1,5 @@
 #!/usr/bin/env python3
+# SPDX-License-Identifier: MIT
 """operations_page.py ROOT [--check]: writes docs/operations.md from the public headers, or checks that it is current."""
 import argparse
 import difflib

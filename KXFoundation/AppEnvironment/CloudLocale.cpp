@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: MIT
+
 // The region of the cloud service: from the system's language, or from what the user selected.
 #include <algorithm>
 

@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: MIT
+
 #include <KXFoundation/AppEnvironment/AppLinks.h>
 #include <KXFoundation/AppEnvironment/FeedbackCodes.h>
 #include <KXFoundation/AppEnvironment/KXAppUtils.h>

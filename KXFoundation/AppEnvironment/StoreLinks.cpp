@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: MIT
+
 // The store's pages, and handing addresses to the desktop.
 #include <KXFoundation/AppEnvironment/AppLinks.h>
 #include <KXFoundation/AppEnvironment/KXAppUtils.h>

@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: MIT
+
 #include <KXFoundation/AppEnvironment/KXAppUtils.h>
 #include <KXFoundation/Platform/Foundation/NSDate.h>
 #include <KXFoundation/Platform/Foundation/NSDateFormatter.h>

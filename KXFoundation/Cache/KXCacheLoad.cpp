@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: MIT
+
 #include <KXFoundation/Cache/KXCache.h>
 #include <KXFoundation/Cache/Load/CacheLoads.h>
 

@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: MIT
+
 #include <KXFoundation/Cache/KXMemoryCache.h>
 #include <KXFoundation/Platform/Runtime/MemoryPressure.h>
 

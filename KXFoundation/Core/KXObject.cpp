@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: MIT
+
 #include <KXFoundation/Core/KXObject.h>
 
 namespace kx {

@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: MIT
+
 #include <utility>
 
 #include <KXFoundation/Core/KXRequestAnswer.h>

@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: MIT
+
 // The labels of NSCalendar_CalendricalCalculations: their unit characters are Chinese in every language.
 #include <cinttypes>
 #include <cstdio>

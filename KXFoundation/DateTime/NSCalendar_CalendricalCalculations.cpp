@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: MIT
+
 #include <KXFoundation/DateTime/NSCalendar_CalendricalCalculations.h>
 #include <KXFoundation/Platform/Runtime/ProcessState.h>
 

@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: MIT
+
 #include <KXFoundation/DateTime/NSCalendar_Standard.h>
 #include <KXFoundation/Platform/Runtime/ProcessState.h>
 

@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: MIT
+
 #include <KXFoundation/DateTime/NSDateComponents_Standard.h>
 
 namespace kx {

@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: MIT
+
 // MAC and IPv4 addresses between text and number.
 #include <algorithm>
 #include <array>

@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: MIT
+
 #include <KXFoundation/Device/DeviceModels.h>
 #include <KXFoundation/Device/KXDeviceUtils.h>
 #include <KXFoundation/Platform/Foundation/NSScanner.h>

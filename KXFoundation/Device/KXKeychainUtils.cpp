@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: MIT
+
 #include <KXFoundation/Device/KXKeychainUtils.h>
 #include <KXFoundation/Platform/Foundation/NSException.h>
 #include <KXFoundation/Platform/Foundation/NSKeyedArchiver.h>

@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: MIT
+
 #include <KXFoundation/Device/KXToolUtils.h>
 #include <KXFoundation/Platform/Foundation/MD5.h>
 

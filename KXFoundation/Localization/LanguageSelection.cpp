@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: MIT
+
 // The user's choice: kept in the defaults, resolved through the tables, loaded again by every look-up.
 #include <cstdint>
 

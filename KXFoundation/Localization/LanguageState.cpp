@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: MIT
+
 #include <KXFoundation/Localization/LanguageState.h>
 
 namespace kx {

@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: MIT
+
 // Everything that the library changes in the platform's classes, and when.
 #include <string_view>
 

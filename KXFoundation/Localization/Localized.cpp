@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: MIT
+
 #include <KXFoundation/Localization/KXLocalizationUtils.h>
 #include <KXFoundation/Localization/Localized.h>
 

@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: MIT
+
 #include <KXFoundation/Localization/Localized.h>
 #include <KXFoundation/Localization/NSButton_LocalizedKey.h>
 #include <KXFoundation/Platform/Views/NSButton.h>

@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: MIT
+
 #include <KXFoundation/Localization/NSCollectionViewFlowLayout_RTL.h>
 #include <KXFoundation/Platform/Views/NSCollectionViewFlowLayout.h>
 

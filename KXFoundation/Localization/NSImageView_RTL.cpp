@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: MIT
+
 #include <KXFoundation/Localization/NSImageView_RTL.h>
 #include <KXFoundation/Platform/Graphics/NSImage.h>
 #include <KXFoundation/Platform/Views/NSImageView.h>

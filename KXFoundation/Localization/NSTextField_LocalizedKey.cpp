@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: MIT
+
 #include <KXFoundation/Localization/Localized.h>
 #include <KXFoundation/Localization/NSTextField_LocalizedKey.h>
 #include <KXFoundation/Platform/Views/NSTextField.h>

@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: MIT
+
 #include <KXFoundation/Localization/NSTextField_RTL.h>
 #include <KXFoundation/Localization/RightToLeftOperations.h>
 #include <KXFoundation/Platform/Views/NSTextField.h>

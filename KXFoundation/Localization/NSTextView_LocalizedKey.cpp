@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: MIT
+
 #include <KXFoundation/Localization/Localized.h>
 #include <KXFoundation/Localization/NSTextView_LocalizedKey.h>
 #include <KXFoundation/Platform/Views/NSTextView.h>

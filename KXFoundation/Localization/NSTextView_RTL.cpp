@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: MIT
+
 #include <KXFoundation/Localization/NSTextView_RTL.h>
 #include <KXFoundation/Localization/RightToLeftOperations.h>
 #include <KXFoundation/Platform/Views/NSTextView.h>

@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: MIT
+
 // Whether the application is shown right to left.
 #include <KXFoundation/Localization/KXLocalizationUtils.h>
 #include <KXFoundation/Localization/LanguageSteps.h>

@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: MIT
+
 // From a key to the text of the selected language, then of the default one.
 #include <KXFoundation/Localization/KXLocalizationUtils.h>
 #include <KXFoundation/Localization/LanguageSteps.h>

@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: MIT
+
 // The language that the system asks for, out of those that the application has.
 #include <KXFoundation/AppEnvironment/KXAppUtils.h>
 #include <KXFoundation/Localization/KXLocalizationUtils.h>

@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: MIT
+
 #include <KXFoundation/Media/NSColor_RGBAComponents.h>
 #include <KXFoundation/Platform/Graphics/NSColor.h>
 

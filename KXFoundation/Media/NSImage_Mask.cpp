@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: MIT
+
 #include <KXFoundation/Media/NSImage_Mask.h>
 #include <KXFoundation/Platform/Graphics/Filters/ColorControls.h>
 #include <KXFoundation/Platform/Graphics/GraphicsContext.h>

@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: MIT
+
 #include <KXFoundation/Media/NSView_Snapshot.h>
 #include <KXFoundation/Platform/Graphics/GraphicsContext.h>
 #include <KXFoundation/Platform/Graphics/NSImage.h>

@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: MIT
+
 #include <KXFoundation/Testing/CapturedLog.h>
 
 namespace kx::testing {

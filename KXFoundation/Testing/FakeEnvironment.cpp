@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: MIT
+
 #include <KXFoundation/Testing/FakeEnvironment.h>
 
 namespace kx::testing {

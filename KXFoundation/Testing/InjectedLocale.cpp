@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: MIT
+
 #include <KXFoundation/Testing/InjectedLocale.h>
 
 namespace kx::testing {

@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: MIT
+
 #include <deque>
 #include <map>
 #include <random>

@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: MIT
+
 #include <KXFoundation/Platform/Graphics/NSFont.h>
 #include <KXFoundation/Platform/Views/CALayer.h>
 #include <KXFoundation/UI/KXConfirmButton.h>

@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: MIT
+
 #include <KXFoundation/Platform/Graphics/NSColor.h>
 #include <KXFoundation/Platform/Views/CALayer.h>
 #include <KXFoundation/Platform/Views/NSApplication.h>

@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: MIT
+
 #include <optional>
 
 #include <KXFoundation/Platform/Runtime/AssociatedValues.h>

@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: MIT
+
 #include <KXFoundation/Platform/Views/NSScreen.h>
 #include <KXFoundation/UI/KXUIUtils.h>
 

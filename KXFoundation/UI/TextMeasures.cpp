@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: MIT
+
 #include <limits>
 
 #include <KXFoundation/Platform/Graphics/NSStringDrawing.h>

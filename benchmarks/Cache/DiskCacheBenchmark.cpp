@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: MIT
+
 // A store on disk: 10,000 values of 4 KiB and 1,000 of 256 KiB under keys like digests. One round works
 // through all keys in scattered order; the time is that of one operation. A set is acknowledged, not synced:
 // it survives the end of the process, not a power cut. What is read was just written, so it lies in the

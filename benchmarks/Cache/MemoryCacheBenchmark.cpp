@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: MIT
+
 // A store in memory with a limit on count and cost: keys of about 45 bytes, values that are shared.
 // hit: 100,000 resident keys, asked for by zipf's frequencies. set-evict: new keys into a full store of
 // 10,000. mix: get, and set on a miss, by zipf over 100,000 keys with room for a tenth of them; its time is

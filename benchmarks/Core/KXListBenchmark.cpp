@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: MIT
+
 // One object found by its id among a thousand: linear, as a list whose ids need not differ has to be.
 #include <algorithm>
 #include <string>

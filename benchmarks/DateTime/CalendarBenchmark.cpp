@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: MIT
+
 // What a page of a calendar asks for: first and last day of an instant's month, its rows of weeks, the column
 // of its first day and its number of days, in a zone with daylight saving time, for instants of two years.
 #include <algorithm>

@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: MIT
+
 // A time of day as text: minutes after midnight, half of them with AM and PM, half without.
 #include <string>
 #include <vector>

@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: MIT
+
 #include "benchmarks/Localization/ScannedStrings.h"
 
 #include <cstdlib>

@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: MIT
+
 // Localized texts: 10,000 keys, looked up warm and in random order; opening such a table; and the whole road
 // of an application that follows the system's language.
 #include <fstream>

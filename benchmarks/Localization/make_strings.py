@@ -1,4 +1,5 @@
 #!/usr/bin/env python3
+# SPDX-License-Identifier: MIT
 """make_strings.py DIR: the same 10,000 texts of 20 to 80 bytes as a bundle (Info.plist, en.lproj) and as the source of an
 ICU resource bundle (icu/en.txt); keys.txt has their keys, one a line."""
 import pathlib

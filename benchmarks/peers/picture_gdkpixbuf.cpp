@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: MIT
+
 #include <gdk-pixbuf/gdk-pixbuf.h>
 
 #include "picture_peers.h"

@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: MIT
+
 extern "C" {
 #include <libswscale/swscale.h>
 }

@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: MIT
+
 // process/window-to-png/<who>: a program that makes a window with a label, a picture and a button, draws it
 // off the screen and writes it as a PNG file; from its start to its end, the parent's clock. The picture is
 // the same to the pixel in both; the toolkits' own look of label and button is not. The counter

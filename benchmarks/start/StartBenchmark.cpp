@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: MIT
+
 // From the start of a program to its end, the parent's clock: loading what it links is most of it.
 #include "benchmarks/peers/Check.h"
 #include "benchmarks/peers/Programs.h"

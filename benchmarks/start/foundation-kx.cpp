@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: MIT
+
 // One object of the Foundation library, made and named.
 #include <cstdio>
 

@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: MIT
+
 // One object of Qt Core, made and named.
 #include <QObject>
 #include <cstdio>

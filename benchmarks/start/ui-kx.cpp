@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: MIT
+
 // One layout of the UI library, made and asked.
 #include <cstdio>
 

@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: MIT
+
 // One layout item of Qt Widgets, made and asked.
 #include <QSpacerItem>
 #include <cstdio>

@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: MIT
+
 // A window with a label, a picture and a button, drawn off the screen and written as a PNG file.
 #include <QApplication>
 #include <QLabel>

@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: MIT
+
 #include "Column.h"
 
 #include <cmath>

@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: MIT
+
 #include "Headless.h"
 
 #include <cstdio>

@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: MIT
+
 #include "Page.h"
 
 #include "pages/AlbumPage.h"

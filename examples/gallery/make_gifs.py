@@ -1,4 +1,5 @@
 #!/usr/bin/env python3
+# SPDX-License-Identifier: MIT
 """make_gifs.py [DIRECTORY]: draws the six GIFs of the page "Animation" into the gallery's bundle.
 
 They are different kinds on purpose: transparent and disposed to the background; cropped frames that give back what they

@@ -1,4 +1,5 @@
 #!/usr/bin/env python3
+# SPDX-License-Identifier: MIT
 """make_pictures.py: draws the gallery's own pictures into Resources/, at one and at two pixels to the point.
 
     common_loading_gray  twelve spokes that fade out clockwise, 32 points

@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: MIT
+
 // KXFoundation's queues and timers inside an application whose loop is GLib's.
 #include <cstdio>
 

@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: MIT
+
 #include "Greeting.h"
 
 #include <KXFoundation/Localization/KXLocalizationUtils.h>

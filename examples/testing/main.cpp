@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: MIT
+
 #include <KXFoundation/Platform/Views/NSApplication.h>
 
 #include "Greeting.h"

@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: MIT
+
 // Tells what of the desktop works here and, where something does not, why.
 #include <cstdio>
 

@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: MIT
+
 #include "Checks.h"
 
 #include <algorithm>

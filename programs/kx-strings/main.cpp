@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: MIT
+
 // Checks an application's string tables, by themselves and against its sources.
 #include <cstdio>
 #include <string>

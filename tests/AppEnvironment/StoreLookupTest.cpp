@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: MIT
+
 #include <future>
 
 #include <gtest/gtest.h>

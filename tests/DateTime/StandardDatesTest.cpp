@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: MIT
+
 #include <gtest/gtest.h>
 
 #include <KXFoundation/DateTime/NSCalendar_Standard.h>

@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: MIT
+
 #include <KXFoundation/UI/KXMaskView.h>
 
 #include "UI/TimedWindow.h"

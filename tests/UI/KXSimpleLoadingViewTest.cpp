@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: MIT
+
 #include <KXFoundation/Platform/Views/CABasicAnimation.h>
 #include <KXFoundation/Platform/Views/CALayer.h>
 #include <KXFoundation/UI/KXSimpleLoadingView.h>

@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: MIT
+
 #include <stdexcept>
 #include <string>
 #include <thread>

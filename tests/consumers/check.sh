@@ -1,4 +1,5 @@
 #!/usr/bin/env bash
+# SPDX-License-Identifier: MIT
 # check.sh BUILD COMPONENT CXX SCRATCH: installs BUILD's COMPONENT, moves the installed tree elsewhere, and builds and
 # runs a program against it, once through CMake, once through pkg-config and the plain compiler: the one beside this
 # script or, for Testing, the tests of examples/testing.

@@ -1,4 +1,5 @@
 #!/usr/bin/env bash
+# SPDX-License-Identifier: MIT
 # check_static.sh SOURCE CXX SCRATCH: check.sh, for each library, over a static build of its own, made without
 # optimisation (what is looked at is how it links).
 set -euo pipefail

@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: MIT
+
 // The program's main: FaultTests [--rounds N] [GOOGLETEST ARGUMENTS]. With --rounds it ends with the table of
 // docs/reliability.md.
 #include "FaultTable.h"

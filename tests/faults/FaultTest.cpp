@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: MIT
+
 // What is kept on disk, under a disk that fails, fills up and loses its power, and in processes that are
 // killed or work at the same time. Nothing acknowledged is lost, and the next start reads everything.
 #include <chrono>

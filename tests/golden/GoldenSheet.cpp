@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: MIT
+
 #include "golden/GoldenSheet.h"
 
 #include <algorithm>

@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: MIT
+
 // Runs kx-strings over small applications.
 #include <algorithm>
 #include <cstdio>

@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: MIT
+
 // StressTests [--only NAME] [--seeds FROM-TO]: what several threads use at once, in orders that a seed
 // chooses. Says which seed failed, and that seed alone fails again.
 #include "Stress.h"

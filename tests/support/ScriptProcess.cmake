@@ -1,3 +1,5 @@
+# SPDX-License-Identifier: MIT
+
 # kx_script_tests(<test program>): it starts scripts of tests/support (ScriptProcess.h).
 # The system's own Python is preferred: it has the modules that the packages install.
 find_program(KX_TEST_PYTHON python3 PATHS /usr/bin NO_DEFAULT_PATH)

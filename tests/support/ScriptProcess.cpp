@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: MIT
+
 #include "support/ScriptProcess.h"
 
 #include <cerrno>

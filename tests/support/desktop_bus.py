@@ -1,3 +1,4 @@
+# SPDX-License-Identifier: MIT
 """desktop_bus.py [portal] [reader | no-reader] [accessibility [gone]]: a message bus of its own with the services named.
 
 Prints the bus's address ("" where this machine cannot have one), then a line per call. A line of its input changes

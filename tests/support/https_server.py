@@ -1,3 +1,4 @@
+# SPDX-License-Identifier: MIT
 """https_server.py FOLDER: an HTTPS server on loopback, with a signer of its own whose certificate is FOLDER/signer.pem.
 
 Prints its port, then a line per request: its path. Ends when its input ends. The certificate names 127.0.0.1 only.

@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: MIT
+
 // A small service that links the Foundation library and uses one cheap function of it: what is heavy must not
 // have been mapped for that. Prints what was.
 #include <cstdio>

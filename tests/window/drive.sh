@@ -1,4 +1,5 @@
 #!/usr/bin/env bash
+# SPDX-License-Identifier: MIT
 # drive.sh GALLERY SCRATCH: uses the gallery's real window on an X server of its own, by mouse and keyboard, and compares
 # what stands on the screen with the off-screen drawing of the same page: every pixel must be the same. First the window
 # as a user has it, then every page of the side list in the gallery's steady world, by mouse and again by keys.

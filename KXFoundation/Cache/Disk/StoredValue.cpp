@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: MIT
+
 #include <KXFoundation/Cache/Disk/StoredValue.h>
 #include <KXFoundation/Platform/Foundation/NSKeyedArchiver.h>
 #include <KXFoundation/Platform/Foundation/NSKeyedUnarchiver.h>

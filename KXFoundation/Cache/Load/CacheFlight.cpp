@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: MIT
+
 #include <exception>
 
 #include <KXFoundation/Cache/Load/CacheLoads.h>

@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: MIT
+
 #include <KXFoundation/Platform/Foundation/CacheOrder.h>
 
 namespace kx {

@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: MIT
+
 #include <KXFoundation/Platform/Foundation/ClockFormatSetting.h>
 
 namespace kx {

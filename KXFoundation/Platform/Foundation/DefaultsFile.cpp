@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: MIT
+
 #include <KXFoundation/Platform/Foundation/ApplicationFolder.h>
 #include <KXFoundation/Platform/Foundation/DefaultsFile.h>
 #include <KXFoundation/Platform/Foundation/PropertyList.h>

@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: MIT
+
 #include <bit>
 
 #include <KXFoundation/Platform/Foundation/DefaultsSnapshot.h>

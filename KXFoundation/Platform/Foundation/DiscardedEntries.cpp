@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: MIT
+
 #include <new>
 
 #include <KXFoundation/Platform/Foundation/DiscardedEntries.h>

@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: MIT
+
 #include <KXFoundation/Platform/Foundation/IcuDateFormat.h>
 #include <KXFoundation/Platform/Foundation/IcuModule.h>
 

@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: MIT
+
 #include <KXFoundation/Platform/Foundation/IcuModule.h>
 #include <KXFoundation/Platform/Runtime/Module.h>
 

@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: MIT
+
 #include <md5.h>
 #include <sys/types.h>  // md5.h needs it
 

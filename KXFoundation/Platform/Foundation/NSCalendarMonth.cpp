@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: MIT
+
 // The part of NSCalendar that measures months.
 #include <cstdlib>
 

@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: MIT
+
 // The part of NSCalendar that goes from one date to another: adding, counting what lies between, and where
 // units begin.
 #include <algorithm>

@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: MIT
+
 #include <cmath>
 
 #include <KXFoundation/Platform/Foundation/NSDate.h>

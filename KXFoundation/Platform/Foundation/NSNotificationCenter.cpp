@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: MIT
+
 #include <KXFoundation/Platform/Foundation/NSNotificationCenter.h>
 #include <KXFoundation/Platform/Foundation/ObserverTable.h>
 #include <KXFoundation/Platform/Runtime/ProcessState.h>

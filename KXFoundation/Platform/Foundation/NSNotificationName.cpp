@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: MIT
+
 #include <KXFoundation/Platform/Foundation/NSNotificationName.h>
 
 #define XXH_INLINE_ALL

@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: MIT
+
 #include <string_view>
 
 #include <KXFoundation/Platform/Foundation/UserDirectories.h>

@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: MIT
+
 // Reads the system's zone files through cctz, once their headers promise no more than there is.
 #include <array>
 #include <fstream>

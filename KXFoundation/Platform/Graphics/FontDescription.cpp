@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: MIT
+
 #include <pango/pango.h>
 
 #include <KXFoundation/Platform/Graphics/FontDescription.h>

@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: MIT
+
 #include <pango/pangocairo.h>
 #include <pango/pangofc-fontmap.h>
 

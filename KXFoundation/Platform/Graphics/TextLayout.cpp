@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: MIT
+
 #include <KXFoundation/Platform/Graphics/LaidOutText.h>
 #include <KXFoundation/Platform/Graphics/NSFont.h>
 #include <KXFoundation/Platform/Graphics/TextLayout.h>

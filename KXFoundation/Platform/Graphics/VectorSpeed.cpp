@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: MIT
+
 #include <KXFoundation/Platform/Graphics/VectorSpeed.h>
 
 namespace kx {

@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: MIT
+
 #include <KXFoundation/Platform/Runtime/AssociatedValues.h>
 #include <KXFoundation/Platform/Runtime/SideRecord.h>
 

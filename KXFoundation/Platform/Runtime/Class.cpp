@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: MIT
+
 #include <KXFoundation/Platform/Runtime/Class.h>
 #include <KXFoundation/Platform/Runtime/ClassRegistry.h>
 #include <KXFoundation/Platform/Runtime/NSObject.h>

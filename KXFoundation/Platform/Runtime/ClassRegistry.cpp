@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: MIT
+
 #include <KXFoundation/Platform/Runtime/CallerError.h>
 #include <KXFoundation/Platform/Runtime/ClassRegistry.h>
 #include <KXFoundation/Platform/Runtime/Log.h>

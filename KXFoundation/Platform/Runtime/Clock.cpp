@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: MIT
+
 #include <KXFoundation/Platform/Runtime/Clock.h>
 #include <KXFoundation/Platform/Runtime/SystemClock.h>
 

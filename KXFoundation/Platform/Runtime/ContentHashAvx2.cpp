@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: MIT
+
 #define XXH_INLINE_ALL
 #include <xxhash.h>
 

@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: MIT
+
 #include <KXFoundation/Platform/Runtime/Executor.h>
 #include <KXFoundation/Platform/Runtime/ThreadExecutor.h>
 

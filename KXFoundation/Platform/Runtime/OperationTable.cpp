@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: MIT
+
 #include <algorithm>
 
 #include <KXFoundation/Platform/Runtime/OperationTable.h>

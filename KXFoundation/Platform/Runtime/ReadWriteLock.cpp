@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: MIT
+
 #include <cerrno>
 
 #include <KXFoundation/Platform/Runtime/ReadWriteLock.h>

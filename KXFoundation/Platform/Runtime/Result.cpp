@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: MIT
+
 #include <cerrno>
 #include <system_error>
 

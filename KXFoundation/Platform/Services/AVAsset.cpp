@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: MIT
+
 #include <KXFoundation/Platform/Runtime/Module.h>
 #include <KXFoundation/Platform/Services/AVAsset.h>
 #include <KXFoundation/Platform/Services/VideoModule.h>

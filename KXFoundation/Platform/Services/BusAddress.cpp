@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: MIT
+
 #include <KXFoundation/Platform/Runtime/Environment.h>
 #include <KXFoundation/Platform/Services/BusAddress.h>
 

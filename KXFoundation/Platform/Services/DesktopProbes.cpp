@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: MIT
+
 // What the message buses and the services behind them answer.
 #include <algorithm>
 #include <cstdint>

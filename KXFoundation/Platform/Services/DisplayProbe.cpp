@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: MIT
+
 // Whether a window could be shown, without opening any library for windows.
 #include <cerrno>
 #include <cstring>

@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: MIT
+
 #include <KXFoundation/Platform/Runtime/Clock.h>
 #include <KXFoundation/Platform/Services/BusAddress.h>
 #include <KXFoundation/Platform/Services/DesktopBiometrics.h>

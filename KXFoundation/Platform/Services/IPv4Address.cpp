@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: MIT
+
 #include <charconv>
 
 #include <KXFoundation/Platform/Services/IPv4Address.h>

@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: MIT
+
 // What the machine itself offers: libraries for network, dates, photos and videos, torch, fonts.
 #include <algorithm>
 #include <array>

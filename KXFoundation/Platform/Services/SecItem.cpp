@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: MIT
+
 #include <KXFoundation/Platform/Services/KeychainStore.h>
 #include <KXFoundation/Platform/Services/SecItem.h>
 

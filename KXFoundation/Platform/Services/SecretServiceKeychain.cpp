@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: MIT
+
 #include <KXFoundation/Platform/Foundation/PercentEncoding.h>
 #include <KXFoundation/Platform/Foundation/Utf8Validation.h>
 #include <KXFoundation/Platform/Runtime/Clock.h>

@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: MIT
+
 #include <KXFoundation/Platform/Foundation/NSCoder.h>
 #include <KXFoundation/Platform/Views/NSButton.h>
 #include <KXFoundation/Platform/Views/NSEvent.h>

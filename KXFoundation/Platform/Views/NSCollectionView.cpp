@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: MIT
+
 #include <KXFoundation/Platform/Views/NSCollectionView.h>
 #include <KXFoundation/Platform/Views/NSCollectionViewFlowLayout.h>
 

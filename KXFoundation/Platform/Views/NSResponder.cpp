@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: MIT
+
 #include <KXFoundation/Platform/Views/NSEvent.h>
 #include <KXFoundation/Platform/Views/NSResponder.h>
 

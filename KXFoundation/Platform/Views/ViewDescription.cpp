@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: MIT
+
 #include <KXFoundation/Platform/Views/NSView.h>
 #include <KXFoundation/Platform/Views/ViewDescription.h>
 

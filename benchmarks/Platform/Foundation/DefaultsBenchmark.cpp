@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: MIT
+
 // User defaults of 50 keys: one text read as a view, warm, against one look-up in a hash map.
 #include <string>
 #include <vector>

@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: MIT
+
 // A notification's way to 1, 10 and 1,000 observers, and one more observer coming and going. Each observer
 // adds the notification's number to a sum, which is checked before anything is timed.
 #include <boost/signals2.hpp>

@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: MIT
+
 // gif/<workload>/<who>: every frame composited into one reused, warm frame, on one thread.
 // gif-first-frame/large/<who>: from the bytes to the first finished frame.
 // gif-two-threads/large/<who>: as gif, while a background thread unpacks ahead (wall time).

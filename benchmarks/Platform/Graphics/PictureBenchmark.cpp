@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: MIT
+
 // resize/4000-to-<width>[-<filter>]/<who>: a photo scaled into given, warm memory.
 // grey/4000x3000/<who>: the same photo without colour at half contrast; memcpy is the bound of what can be
 // done. jpeg-thumbnail/4000-to-256/<who>: from a JPEG file in the page cache to a picture.

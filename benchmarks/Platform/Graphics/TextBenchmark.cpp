@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: MIT
+
 // text-measure/again/<who>: the size of one line of 30 characters that was measured before.
 // text-outline/30-characters/<who>: the outline of such a line as a path of its own, for two texts by turns.
 // Shaped every time by both; kx remembers the outlines of the glyphs, not the line.

@@ -1,4 +1,5 @@
 #!/bin/sh
+# SPDX-License-Identifier: MIT
 # Makes the GIF workloads in the folder $1. Needs ffmpeg and gifsicle.
 set -eu
 out=$1

@@ -1,4 +1,5 @@
 #!/bin/sh
+# SPDX-License-Identifier: MIT
 # Makes the photo workload in the folder $1: a noisy picture of 4000 x 3000 pixels, and the same as a JPEG.
 # Needs ImageMagick.
 set -eu

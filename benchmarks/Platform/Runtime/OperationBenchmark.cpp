@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: MIT
+
 // One call of an operation that was exchanged, on receivers of two classes, against a virtual call.
 #include <memory>
 #include <vector>

@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: MIT
+
 // view/tree-100/<who>: 100 layered labels, rounded and each of its own colour, all drawn again in a window of
 // 800x600. view/one-label-changed/<who>: one of them gets a text that it has not had, and its rectangle is
 // drawn again.

@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: MIT
+
 #include "pages/AnimationPage.h"
 
 #include <chrono>

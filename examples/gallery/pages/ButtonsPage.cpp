@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: MIT
+
 #include "pages/ButtonsPage.h"
 
 #include <KXFoundation/Platform/Graphics/NSColor.h>

@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: MIT
+
 #include "pages/CalendarPage.h"
 
 #include <KXFoundation/DateTime/NSCalendar_CalendricalCalculations.h>

@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: MIT
+
 #include "pages/KeychainPage.h"
 
 #include <string>

@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: MIT
+
 #include "pages/LanguagePage.h"
 
 #include <KXFoundation/Localization/KXLocalizationUtils.h>

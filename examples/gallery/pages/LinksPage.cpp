@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: MIT
+
 #include "pages/LinksPage.h"
 
 #include <KXFoundation/AppEnvironment/KXAppUtils.h>

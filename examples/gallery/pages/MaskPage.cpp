@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: MIT
+
 #include "pages/MaskPage.h"
 
 #include <KXFoundation/Platform/Views/NSWindow.h>

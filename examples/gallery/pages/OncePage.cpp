@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: MIT
+
 #include "pages/OncePage.h"
 
 #include <KXFoundation/UI/OS_dispatch_queue.h>

@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: MIT
+
 #include "pages/TimePage.h"
 
 #include <KXFoundation/AppEnvironment/KXAppUtils.h>

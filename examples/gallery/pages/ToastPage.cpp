@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: MIT
+
 #include "pages/ToastPage.h"
 
 #include <KXFoundation/Platform/Foundation/NSNotificationCenter.h>

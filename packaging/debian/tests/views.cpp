@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: MIT
+
 // A text drawn without a display: "ink" if it left any.
 #include <algorithm>
 #include <cstdio>

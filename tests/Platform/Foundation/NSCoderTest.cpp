@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: MIT
+
 #include <gtest/gtest.h>
 
 #include <KXFoundation/Platform/Foundation/NSCoder.h>

@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: MIT
+
 #include <thread>
 
 #include <gtest/gtest.h>

@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: MIT
+
 // The library in a folder of its own (CMakeLists.txt), where no module lies beside it.
 #include <algorithm>
 #include <filesystem>

@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: MIT
+
 #include "Platform/Services/MockSecretService.h"
 
 #include <algorithm>

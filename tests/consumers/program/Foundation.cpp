@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: MIT
+
 // An application of a newcomer: a class of its own over the library's, one exchangeable operation, the
 // version.
 #include <cstdio>

@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: MIT
+
 // An application with controls: its setters of alignment were exchanged when the library was loaded, before
 // anything of the program's own ran.
 #include <cstdio>

@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: MIT
+
 #include <unicode/gregocal.h>
 #include <unicode/simpletz.h>
 

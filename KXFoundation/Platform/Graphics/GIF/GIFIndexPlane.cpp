@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: MIT
+
 #include <numeric>
 
 #include <KXFoundation/Platform/Graphics/GIF/GIFIndexPlane.h>

@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: MIT
+
 #include <KXFoundation/Platform/Graphics/GIF/GIFWidePalette.h>
 
 #if defined(__x86_64__)

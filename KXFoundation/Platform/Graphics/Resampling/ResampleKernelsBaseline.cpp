@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: MIT
+
 #if defined(__x86_64__)
 
 #include <KXFoundation/Platform/Graphics/Resampling/ResampleLoops.inl>

@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: MIT
+
 // Compiled for machines that have AVX2, and called on those only.
 #if defined(__x86_64__)
 

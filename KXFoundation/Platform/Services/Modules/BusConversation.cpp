@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: MIT
+
 #include "BusConversation.h"
 
 #include <condition_variable>

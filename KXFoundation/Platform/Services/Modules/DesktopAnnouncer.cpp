@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: MIT
+
 // What is to be read out, told through the accessibility bus: AT-SPI 2, whose interfaces are described in
 // https://gitlab.gnome.org/GNOME/at-spi2-core/-/tree/main/xml. A reader asks who speaks, so the application
 // is there as one object without children.

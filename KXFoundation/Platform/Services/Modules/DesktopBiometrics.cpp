@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: MIT
+
 #include <KXFoundation/Platform/Services/DesktopBiometrics.h>
 
 #include "BusConversation.h"

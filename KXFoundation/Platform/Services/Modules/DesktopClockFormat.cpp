@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: MIT
+
 // The desktop's 12/24-hour setting, read and followed through the settings portal, else through its own
 // schema.
 

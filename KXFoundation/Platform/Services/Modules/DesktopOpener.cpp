@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: MIT
+
 #include <KXFoundation/Platform/Services/DesktopOpener.h>
 
 #include "DesktopPortal.h"

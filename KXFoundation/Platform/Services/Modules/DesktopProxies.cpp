@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: MIT
+
 #include <KXFoundation/Platform/Services/DesktopProxies.h>
 
 #include "DesktopPortal.h"

@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: MIT
+
 #include <sodium.h>
 
 #include <KXFoundation/Platform/Runtime/Module.h>

@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: MIT
+
 #include <sqlite3.h>
 
 #include <KXFoundation/Platform/Runtime/Module.h>

@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: MIT
+
 #include <KXFoundation/Platform/Runtime/Log.h>
 #include <KXFoundation/Platform/Services/Photos/PHAsset.h>
 #include <KXFoundation/Platform/Services/Photos/PHPhotoLibrary.h>

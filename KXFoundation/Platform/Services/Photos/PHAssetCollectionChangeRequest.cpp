@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: MIT
+
 #include <KXFoundation/Platform/Services/Photos/PHAssetCollectionChangeRequest.h>
 #include <KXFoundation/Platform/Services/Photos/PhotoChangeBlock.h>
 

@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: MIT
+
 #include <KXFoundation/Platform/Foundation/NSError.h>
 #include <KXFoundation/Platform/Foundation/UserDirectories.h>
 #include <KXFoundation/Platform/Runtime/Environment.h>

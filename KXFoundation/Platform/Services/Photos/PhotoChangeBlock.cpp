@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: MIT
+
 #include <KXFoundation/Platform/Runtime/CallerError.h>
 #include <KXFoundation/Platform/Services/Photos/PhotoChangeBlock.h>
 

@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: MIT
+
 #include <KXFoundation/Platform/Foundation/UnicodeText.h>
 #include <KXFoundation/Platform/Services/Photos/PhotoFileName.h>
 

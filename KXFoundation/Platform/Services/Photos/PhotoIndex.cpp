@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: MIT
+
 #include <KXFoundation/Platform/Services/Photos/PhotoIndex.h>
 
 namespace kx {

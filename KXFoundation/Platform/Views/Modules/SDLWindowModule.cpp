@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: MIT
+
 // Windows, mouse and keyboard through SDL2. A module: it links SDL and no code of ours.
 
 #include <algorithm>
