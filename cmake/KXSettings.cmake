@@ -36,6 +36,10 @@ if(KX_BUILD_FUZZERS)
   add_compile_options(-fsanitize=fuzzer-no-link)  # so that the fuzzer sees which branches the libraries take
 endif()
 
+# Nobody replaces our functions through the dynamic linker, so they may be inlined into each other. Clang takes that for
+# granted.
+add_compile_options($<$<CXX_COMPILER_ID:GNU>:-fno-semantic-interposition>)
+
 # Ten thousand relocations in a few KiB of what a program has to read when it starts. Linkers without it say so.
 include(CheckLinkerFlag)
 check_linker_flag(CXX LINKER:-z,pack-relative-relocs KX_PACKS_RELOCATIONS)

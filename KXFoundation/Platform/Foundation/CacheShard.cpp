@@ -7,7 +7,9 @@
 
 namespace kx {
 
-CacheShard::CacheShard() : table_(new CacheTable(8)) {}
+CacheShard::CacheShard() : table_(new CacheTable(8)) {
+    table_.load(std::memory_order_relaxed)->tell(tableLocation_);
+}
 
 CacheShard::~CacheShard() {
     for (Lane& lane : lanes_) {
@@ -122,6 +124,7 @@ Retirable* CacheShard::rebuild(std::size_t room) {
     for (const Lane& lane : lanes_) {
         for (CacheEntry* entry = lane.order.oldest(); entry; entry = entry->newer) table->insert(entry);
     }
+    table->tell(tableLocation_);
     return table_.exchange(table, std::memory_order_acq_rel);
 }
 

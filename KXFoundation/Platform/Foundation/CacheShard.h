@@ -39,9 +39,11 @@ class alignas(64) CacheShard {
     [[nodiscard]] CacheEntry* find(std::uint64_t hash, std::string_view key) const noexcept {
         return table_.load(std::memory_order_acquire)->find(hash, key);
     }
-    /// For the processor: a set by a thread of this lane will need soon; no lock. Not the table, which may go
-    /// at any time.
-    void prefetch(std::size_t lane) const noexcept KX_THREAD_ANNOTATION(no_thread_safety_analysis) {
+    /// For the processor: what a set by a thread of this lane will need soon; no lock. The table may go at
+    /// any time, so this knows where it lies: what is fetched may be wrong.
+    void prefetch(std::uint64_t hash, std::size_t lane) const noexcept
+        KX_THREAD_ANNOTATION(no_thread_safety_analysis) {
+        CacheTable::prefetch(tableLocation_, hash);
         prefetchToChange(&mutex_);
         prefetchToChange(&times_);
         prefetchToChange(&lanes_[lane]);
@@ -124,6 +126,7 @@ class alignas(64) CacheShard {
     void prefetchNextVictim(std::size_t lane) const KX_REQUIRES(mutex_);
 
     std::atomic<CacheTable*> table_;
+    CacheTable::Location tableLocation_;
     alignas(64) mutable Mutex mutex_;
     std::size_t count_ KX_GUARDED_BY(mutex_) = 0;
     std::uint64_t evictions_ KX_GUARDED_BY(mutex_) = 0;

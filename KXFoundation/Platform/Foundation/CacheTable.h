@@ -32,6 +32,21 @@ class alignas(64) CacheTable final : public Retirable {
     /// The entry of the key; the caller is inside an EpochReading or alone.
     [[nodiscard]] CacheEntry* find(std::uint64_t hash, std::string_view key) const noexcept;
 
+    /// Where a table's groups lie, to be kept by who must not touch the table.
+    struct Location {
+        std::atomic<const void*> groups{nullptr};
+        std::atomic<std::size_t> mask{0};
+    };
+    void tell(Location& location) const noexcept {
+        location.groups.store(groups_.get(), std::memory_order_relaxed);
+        location.mask.store(mask_, std::memory_order_relaxed);
+    }
+    static void prefetch(const Location& location, std::uint64_t hash) noexcept {
+        const auto first = reinterpret_cast<std::uintptr_t>(location.groups.load(std::memory_order_relaxed));
+        const std::size_t group = hash & location.mask.load(std::memory_order_relaxed);
+        prefetchToChange(reinterpret_cast<const void*>(first + group * sizeof(Group)));
+    }
+
     // Changes: one thread at a time.
     /// Adds an entry whose key has none, where there is room.
     void insert(CacheEntry* entry) noexcept;

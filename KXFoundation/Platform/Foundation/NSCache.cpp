@@ -143,7 +143,7 @@ void NSCache::setObject(Value object, std::string_view key, std::uint64_t cost) 
     if (costLimit != 0 && cost > costLimit) return removeObjectForKey(key);
     const std::uint64_t hash = hashOf(key);
     const std::uint8_t lane = laneOfThisThread();
-    shardFor(hash).prefetch(lane);
+    shardFor(hash).prefetch(hash, lane);
     CacheEntry* const entry =
         CacheEntry::make(key, std::move(object), {hash, cost, lane, clock_->coarseNow()});
     bool isLarge = false;
