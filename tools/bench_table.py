@@ -1,10 +1,10 @@
 #!/usr/bin/env python3
 # SPDX-License-Identifier: MIT
-"""bench_table.py BOUNDS [--json OUT] [--all] RESULT.json...: medians of Google Benchmark results, their ratios to peers.
+"""bench_table.py BOUNDS [--json OUT [--here]] [--all] RESULT.json...: medians of Google Benchmark results, their ratios to peers.
 
 Prints a row per workload and contender: the median, our time over the contender's, and where BOUNDS has a line for the
 pair, the bound and whether it holds. Exits 1 if one does not hold or, with --all, was not looked at. --json writes all
-results as one file of Google Benchmark's own form. Work on one thread is judged by processor time, which leaves out
+results as one file of Google Benchmark's own form, --here with what machine this is. Work on one thread is judged by processor time, which leaves out
 what other programs took; work on several threads, in other processes or on the disk by wall time per operation. A bound
 on a counter of ours is a line of BOUNDS too: `workload counter >= number` or `<=`.
 """
@@ -14,6 +14,8 @@ import pathlib
 import re
 import statistics
 import sys
+
+from bench_machine import this_machine
 
 NANOSECONDS = {"ns": 1.0, "us": 1e3, "ms": 1e6, "s": 1e9}
 
@@ -114,12 +116,14 @@ def main():
     arguments.add_argument("bounds", type=pathlib.Path)
     arguments.add_argument("results", type=pathlib.Path, nargs="+")
     arguments.add_argument("--json", type=pathlib.Path)
+    arguments.add_argument("--here", action="store_true", help="the results were measured on this machine, just now")
     arguments.add_argument("--all", action="store_true", help="every bound must have been looked at")
     given = arguments.parse_args()
     results = [json.loads(path.read_text(encoding="utf-8")) for path in given.results]
     benchmarks = [run for result in results for run in result["benchmarks"]]
     if given.json:
-        whole = {"context": results[0]["context"], "benchmarks": benchmarks}
+        context = results[0]["context"] | ({"machine": this_machine()} if given.here else {})
+        whole = {"context": context, "benchmarks": benchmarks}
         given.json.write_text(json.dumps(whole, indent=2), encoding="utf-8")
     rows, holds, missing = every_row(benchmarks, given.bounds.read_text(encoding="utf-8"))
     widths = [max(len(row[column]) for row in rows) for column in range(len(rows[0]))]

@@ -8,6 +8,8 @@ import sys
 
 SHOWN = [  # page, file, language of the block
     ("README.md", "examples/quickstart/main.cpp", "cpp"),
+    ("docs/guides/live-language.md", "examples/live-language/Harbour.cpp", "cpp"),
+    ("docs/guides/live-language.md", "examples/live-language/HarbourTest.cpp", "cpp"),
     ("docs/guides/testing.md", "examples/testing/CMakeLists.txt", "cmake"),
     ("docs/guides/testing.md", "examples/testing/Greeting.cpp", "cpp"),
     ("docs/guides/testing.md", "examples/testing/GreetingTest.cpp", "cpp"),

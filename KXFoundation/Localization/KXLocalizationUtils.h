@@ -19,7 +19,8 @@ class NSBundle;
 /// loaded again by every look-up and by isRTL(); who follows the system sees a change of the system's
 /// language at the next look-up. Texts come from the main bundle's folder `<code>.lproj` for the selected
 /// language (without a selection: for the system's), then from `en.lproj`, and in the end are the key itself.
-/// Nothing is posted when the choice changes: make the controls anew, or set their keys again.
+/// Nothing is posted when the choice changes: make the controls anew, set their keys again, or bind them
+/// (LiveLanguage.h).
 ///
 /// No instances. One thread at a time: the state (LanguageState.h) has no lock. Nothing here fails; what is
 /// missing gives the next best answer.

@@ -7,6 +7,7 @@
 #include <KXFoundation/Localization/KXLocalizationUtils.h>
 #include <KXFoundation/Localization/LanguageSteps.h>
 #include <KXFoundation/Localization/LanguageTables.h>
+#include <KXFoundation/Localization/SelectionHook.h>
 #include <KXFoundation/Platform/Foundation/NSLocale.h>
 #include <KXFoundation/Platform/Foundation/NSUserDefaults.h>
 #include <KXFoundation/Platform/Runtime/ProcessState.h>
@@ -72,6 +73,8 @@ void keepSelection() {
 
 }  // namespace
 
+constinit std::atomic<void (*)()> languages::selectionHook{nullptr};
+
 std::optional<std::string> KXLocalizationUtils::setSelectLanguage(std::optional<std::string_view> language) {
     if (language == kAuto) {
         selectLog = kFollowSystem;
@@ -84,6 +87,7 @@ std::optional<std::string> KXLocalizationUtils::setSelectLanguage(std::optional<
     }
     keepSelection();
     selectLanguageBundle = kx::selectLanguage ? mainBundleFolder(*kx::selectLanguage) : nullptr;
+    if (const auto hook = selectionHook.load(std::memory_order_acquire)) hook();
     return kx::selectLanguage;
 }
 

@@ -21,11 +21,6 @@ bool keepsNothing(const NSTextField&) {
     return false;
 }
 
-/// The text view that stands in for the label of a text field is aligned by its field.
-bool isLabelOfTextField(const NSTextView& view) {
-    return view.className().find("UITextFieldLabel") != std::string::npos;
-}
-
 /// A button's initialisers are passed, but nothing changes.
 void implementPlainInitialisers(Class& cls) {
     rtlInitWithFrameOperation.implement(

@@ -1,8 +1,11 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
+#include <string>
+
 #include <KXFoundation/Localization/KXLocalizationUtils.h>
 #include <KXFoundation/Localization/RightToLeftOperations.h>
+#include <KXFoundation/Platform/Views/NSTextView.h>
 
 /// What replaces the alignment setter and the initialisers of text controls. Private to Localization.
 namespace kx {
@@ -20,6 +23,11 @@ namespace kx {
             break;
     }
     return asked;
+}
+
+/// The text view that stands in for the label of a text field is aligned by its field.
+[[nodiscard]] inline bool isLabelOfTextField(const NSTextView& view) {
+    return view.className().find("UITextFieldLabel") != std::string::npos;
 }
 
 /// Replacements for a class of text controls; `Keeps` says which of them are aligned as asked in any

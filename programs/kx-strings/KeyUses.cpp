@@ -57,6 +57,11 @@ class Places {
         return i < size() && tokens_[i].kind == Token::Kind::Text;
     }
 
+    /// "Class::name" where the name at i stands behind its class, else the name.
+    [[nodiscard]] std::string qualifiedName(std::size_t i) const {
+        const bool isQualified = sign(i - 1) == ':' && sign(i - 2) == ':' && isWord(i - 3);
+        return isQualified ? tokens_[i - 3].text + "::" + tokens_[i].text : tokens_[i].text;
+    }
     /// "begin." + key, or std::string("begin.") + key.
     [[nodiscard]] bool isMadeLonger(std::size_t i) const {
         const bool wrapped = isOpening(i - 1) && isWord(i - 2) && isTextType(tokens_[i - 2].text);
@@ -113,10 +118,8 @@ bool endsInLetterOrDigit(std::string_view text) {
 }  // namespace
 
 Functions libraryFunctions() {
-    return {{"localized", 1},
-            {"localizedStringForKey", 1},
-            {"localizedStringInBundle", 2},
-            {"setLocalizedKey", 2},
+    return {{"LiveLanguage::bind", 2},     {"bindPlaceholder", 2},         {"localized", 1},
+            {"localizedStringForKey", 1},  {"localizedStringInBundle", 2}, {"setLocalizedKey", 2},
             {"setLocalizedPlaceHolder", 2}};
 }
 
@@ -154,7 +157,8 @@ void KeyUses::addSource(const std::string& file, std::string_view contents) {
             literals_.insert(tokens[i].text);
             if (places.isMadeLonger(i) && !endsInLetterOrDigit(tokens[i].text)) addBeginning(tokens[i].text);
         } else if (places.isWord(i) && places.sign(i + 1) == '(') {
-            const auto function = functions_.find(tokens[i].text);
+            auto function = functions_.find(tokens[i].text);
+            if (function == functions_.end()) function = functions_.find(places.qualifiedName(i));
             if (function == functions_.end()) continue;
             eachKey(places, i + 1, function->second, [&](std::size_t key) {
                 const Token& token = tokens[key];

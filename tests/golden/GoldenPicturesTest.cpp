@@ -60,7 +60,7 @@ constexpr Picture kPictures[] = {
     {"objects"},
     {"application"},
     {"requests"},
-    {"cache"},
+    {"cache", "en", 1, Shown::Page, 12},
     {"cache", "en", 1, Shown::SmallEnd},
     {"links"},
     {"time"},

@@ -105,10 +105,12 @@ TEST(KXStrings, FindsWhatIsWrong) {
          "--sources src", ""},
         {"unknown keys",
          source("char c = '\"'; int n = 1'000;\n/*\n*/ localized(\"x\");\n"
-                "localized(b ? u8\"a\" : \"y\"s, \"no\"); localized(n == \"no\" ? g(\"no\") : \"b.one\");\n"
+                "localized(b ? u8\"a\" : \"y\"s, \"no\"); bind(n, \"no\"); kx::LiveLanguage::bind(n, \"v\"); "
+                "localized(n == \"no\" ? g(\"no\") : \"b.one\");\n"
                 "localized(\"z.\" + name + \"no\"); if (localized(\"w\") == n) return;"),
          "--sources=src",
-         "src/deep/Page.cpp:3: no table has \"x\"\nsrc/deep/Page.cpp:4: no table has \"y\"\n"
+         "src/deep/Page.cpp:3: no table has \"x\"\nsrc/deep/Page.cpp:4: no table has \"v\"\n"
+         "src/deep/Page.cpp:4: no table has \"y\"\n"
          "src/deep/Page.cpp:5: no table has \"w\"\nsrc/deep/Page.cpp:5: no table has a key that begins with "
          "\"z.\"\n"},
         {"functions of one's own, one source",

@@ -10,6 +10,7 @@
 #include <KXFoundation/Platform/Runtime/EventLoop.h>
 #include <KXFoundation/Platform/Runtime/MainThread.h>
 #include <KXFoundation/Platform/Runtime/ProcessState.h>
+#include <KXFoundation/Platform/Views/BeforeDisplay.h>
 #include <KXFoundation/Platform/Views/NSApplication.h>
 #include <KXFoundation/Platform/Views/NSWindow.h>
 
@@ -88,6 +89,7 @@ void NSApplication::wakeLoop() {
 }
 
 void NSApplication::displayIfNeeded() {
+    runBeforeDisplay();
     const auto windows = windows_;
     for (const auto& window : windows) window->displayIfNeeded();
 }

@@ -3,14 +3,18 @@
 #include "pages/LanguagePage.h"
 
 #include <KXFoundation/Localization/KXLocalizationUtils.h>
+#include <KXFoundation/Localization/LiveLanguage.h>
 #include <KXFoundation/Localization/NSButton_LocalizedKey.h>
 #include <KXFoundation/Localization/NSTextField_LocalizedKey.h>
 #include <KXFoundation/Localization/NSTextView_LocalizedKey.h>
+#include <KXFoundation/Platform/Runtime/DispatchQueue.h>
 #include <KXFoundation/Platform/Views/NSButton.h>
 #include <KXFoundation/Platform/Views/NSCollectionView.h>
 #include <KXFoundation/Platform/Views/NSCollectionViewFlowLayout.h>
+#include <KXFoundation/Platform/Views/NSLayoutConstraint.h>
 
 #include "Gallery.h"
+#include "PushButton.h"
 
 namespace gallery {
 
@@ -103,6 +107,49 @@ void addTiles(Column& column) {
     column.add(view, view->frame().size.height);
 }
 
+/// Places the views one after another from where reading begins.
+void placeInLine(const std::shared_ptr<NSView>& line, const std::vector<std::shared_ptr<NSView>>& views) {
+    using enum NSLayoutAttribute;
+    std::shared_ptr<NSView> before;
+    for (const auto& view : views) {
+        line->addSubview(view);
+        view->setTranslatesAutoresizingMaskIntoConstraints(false);
+        NSLayoutConstraint::activateConstraints({
+            NSLayoutConstraint::constraintWithItem(view, Leading, before ? before : line,
+                                                   before ? Trailing : Leading, before ? 10 : 0),
+            NSLayoutConstraint::constraintWithItem(view, CenterY, line, CenterY),
+        });
+        before = view;
+    }
+}
+
+std::shared_ptr<NSButton> liveSwitch(std::string_view code, std::string_view name) {
+    auto button = titledButton(name, [code] { KXLocalizationUtils::setSelectLanguage(code); });
+    LiveLanguage::exempt(button);
+    return button;
+}
+
+/// Nothing here is made anew by a switch.
+void addLiveTexts(Column& column, Gallery& gallery) {
+    column.caption(text("language.caption.live"));
+    const auto line = make<NSView>();
+    LiveLanguage::bindLayout(line);
+    const auto unbound = label("");
+    LiveLanguage::bind(unbound, [window = std::weak_ptr(gallery.window())] {
+        const auto count = LiveLanguage::unbound(window.lock()).size();
+        return text("language.live.unbound") + ": " + std::to_string(count);
+    });
+    DispatchQueue::main().async([unbound] { LiveLanguage::refresh(unbound); });  // once the page is shown
+    const auto save = make<NSButton>();
+    LiveLanguage::bind(save, "button.save");
+    const auto field = make<NSTextField>();
+    LiveLanguage::bindPlaceholder(field, "language.name_placeholder");
+    placeInLine(line, {liveSwitch("en", "English"), liveSwitch("ar", "العربية"), liveSwitch("ja", "日本語"),
+                       save, field, unbound});
+    NSLayoutConstraint::constraintWithItem(field, NSLayoutAttribute::Width, 120)->setActive(true);
+    column.add(line, 28);
+}
+
 }  // namespace
 
 void LanguagePage::build(Column& column, Gallery& gallery) {
@@ -118,6 +165,7 @@ void LanguagePage::build(Column& column, Gallery& gallery) {
     column.pair(text("language.caption.missing"), text("demo.missing"));
     column.pair(text("language.caption.only_english"), text("demo.only_english"));
     addTiles(column);
+    addLiveTexts(column, gallery);
 }
 
 }  // namespace gallery
