@@ -1,0 +1,46 @@
+#!/usr/bin/env python3
+# SPDX-License-Identifier: MIT
+"""check_pages.py ROOT: fails unless the pages (*.md in ROOT, and in docs/ with its folders) are true to the tree.
+
+A block of code under a comment with a file's name shows that file word for word, its licence line left out:
+
+    <!-- examples/quickstart/main.cpp -->
+    ```cpp
+    ...
+    ```
+
+What a page links to, or shows as a picture, is there."""
+
+import pathlib
+import re
+import sys
+
+CODE = re.compile(r"^```\w*\n.*?^```$|`[^`\n]*`", re.M | re.S)
+SHOWN = re.compile(r"^<!-- (\S+) -->\n(?:```\w*\n(.*?)^```$)?", re.M | re.S)
+LINK = re.compile(r"\]\(([^)\s#]+)[^)]*\)")
+
+
+def program(file):
+    return re.sub(r"\A(//|#) SPDX-License-Identifier: .*\n", "", file.read_text()).strip()
+
+
+def complaints(root, page):
+    text = page.read_text()
+    for name, block in SHOWN.findall(text):
+        if not (root / name).is_file():
+            yield f"there is no {name}"
+        elif block.strip() != program(root / name):
+            yield f"its program differs from {name}; copy it again"
+    for target in LINK.findall(CODE.sub("", text)):
+        if not re.match(r"\w+:", target) and not (page.parent / target).exists():
+            yield f"there is no {target}"
+
+
+def main(root):
+    pages = sorted([*root.glob("*.md"), *root.glob("docs/**/*.md")])
+    found = [f"{page.relative_to(root)}: {what}" for page in pages for what in complaints(root, page)]
+    if found:
+        sys.exit("\n".join(found))
+
+
+main(pathlib.Path(sys.argv[1]))

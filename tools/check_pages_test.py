@@ -1,0 +1,40 @@
+#!/usr/bin/env python3
+# SPDX-License-Identifier: MIT
+"""check_pages_test.py: check_pages.py finds what is wrong with a page, and nothing else."""
+
+import pathlib
+import subprocess
+import sys
+import tempfile
+
+PAGE = """[there](tool.sh), [a site](https://example.org), ![gone](gone.png)
+
+<!-- tool.sh -->
+```sh
+echo {shown}
+```
+
+```cpp
+list[](missing);
+```
+
+<!-- nowhere.cpp -->
+```cpp
+```
+"""
+
+with tempfile.TemporaryDirectory() as name:
+    root = pathlib.Path(name)
+    (root / "tool.sh").write_text("# SPDX-License-Identifier: MIT\n\necho yes\n")
+    (root / "docs").mkdir()
+    (root / "docs" / "page.md").write_text("[back](../right.md)")
+    (root / "right.md").write_text(PAGE.format(shown="yes"))
+    (root / "wrong.md").write_text(PAGE.format(shown="no"))
+    checker = pathlib.Path(__file__).with_name("check_pages.py")
+    run = subprocess.run([sys.executable, "-B", checker, root], capture_output=True, text=True)
+
+want = ["right.md: there is no nowhere.cpp", "right.md: there is no gone.png",
+        "wrong.md: its program differs from tool.sh; copy it again",
+        "wrong.md: there is no nowhere.cpp", "wrong.md: there is no gone.png"]
+if run.returncode != 1 or run.stderr.splitlines() != want:
+    sys.exit(f"status {run.returncode}, {run.stdout}{run.stderr}")
