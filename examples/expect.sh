@@ -1,8 +1,11 @@
 #!/bin/sh
 # SPDX-License-Identifier: MIT
-# expect.sh PROGRAM FILE: fails unless the program, in an empty home and in English, prints what the file holds.
+# expect.sh FILE PROGRAM [ARGUMENT]...: fails unless the program, in an empty home and in English, prints what the file
+# holds; a status other than 0 is printed too.
 set -eu
+expected=$1
+shift
 home=$(mktemp -d)
 trap 'rm -rf "$home"' EXIT
-env -i PATH="$PATH" HOME="$home" LANG=en_US.UTF-8 TZ=UTC "$1" >"$home/printed"
-diff -u "$2" "$home/printed"
+env -i PATH="$PATH" HOME="$home" LANG=en_US.UTF-8 TZ=UTC "$@" >"$home/printed" || echo "(status $?)" >>"$home/printed"
+diff -u "$expected" "$home/printed"
