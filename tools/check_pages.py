@@ -9,7 +9,8 @@ A block of code under a comment with a file's name shows that file word for word
     ...
     ```
 
-With --renew such blocks are copied from their files first. What a page links to, or shows as a picture, is there."""
+With --renew such blocks are copied from their files first. What a page links to, or shows as a picture, is there.
+docs/README.md links to every page in docs/: the site's contents are made of it."""
 
 import pathlib
 import re
@@ -49,6 +50,10 @@ def main(root, renews):
         for page in pages:
             page.write_text(SHOWN.sub(lambda match: renewed(root, match), page.read_text()))
     found = [f"{page.relative_to(root)}: {what}" for page in pages for what in complaints(root, page)]
+    contents = root / "docs" / "README.md"
+    named = {(contents.parent / target).resolve() for target in LINK.findall(contents.read_text())} | {contents.resolve()}
+    found += [f"docs/README.md: does not name {page.relative_to(root)}" for page in pages
+              if page.is_relative_to(root / "docs") and page.resolve() not in named]
     if found:
         sys.exit("\n".join(found))
 

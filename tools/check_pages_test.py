@@ -27,7 +27,9 @@ with tempfile.TemporaryDirectory() as name:
     root = pathlib.Path(name)
     (root / "tool.sh").write_text("# SPDX-License-Identifier: MIT\n\necho yes\n")
     (root / "docs").mkdir()
+    (root / "docs" / "README.md").write_text("[the page](page.md)")
     (root / "docs" / "page.md").write_text("[back](../right.md)")
+    (root / "docs" / "lost.md").touch()
     (root / "right.md").write_text(PAGE.format(shown="yes"))
     (root / "wrong.md").write_text(PAGE.format(shown="no"))
     checker = pathlib.Path(__file__).with_name("check_pages.py")
@@ -40,6 +42,7 @@ with tempfile.TemporaryDirectory() as name:
 
 want = ["right.md: there is no nowhere.cpp", "right.md: there is no gone.png",
         "wrong.md: its program differs from tool.sh; ./dev docs copies it again",
-        "wrong.md: there is no nowhere.cpp", "wrong.md: there is no gone.png"]
+        "wrong.md: there is no nowhere.cpp", "wrong.md: there is no gone.png",
+        "docs/README.md: does not name docs/lost.md"]
 if found != want or renewed != [line for line in want if "differs" not in line]:
     sys.exit("\n".join([*found, "after renewing:", *renewed]))

@@ -14,6 +14,8 @@ LINK = re.compile(r"(!?)\[([^]]*)\]\(([^)\s]+)\)")
 
 
 def label(page):
+    if page == "README.md":
+        return "mainpage"
     return "page_" + re.sub(r"\W", "_", page.removesuffix(".md"))
 
 

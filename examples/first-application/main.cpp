@@ -6,5 +6,6 @@
 
 int main() {
     const HarbourWindow harbour;
+    if (!harbour.window->surface()) return 1;  // no display: the log says so
     kx::NSApplication::sharedApplication()->run();
 }
