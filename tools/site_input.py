@@ -1,15 +1,18 @@
 #!/usr/bin/env python3
 # SPDX-License-Identifier: MIT
-"""site_page.py PAGE: the Markdown page as Doxygen takes it, which ./dev docs runs in the root folder.
+"""site_input.py ROOT FOLDER: copies pages and public headers to the folder as Doxygen takes them. No line moves.
 
 Pages link to files, so that they can be read where they lie. In the site a page is named by a label, and a header by its
-path: a link to anything else that lies in the tree keeps its text alone."""
+path: a link to anything else that lies in the tree keeps its text alone.
+
+What a header says before its namespace is about the file; Doxygen would take it for the namespace's description."""
 
 import os
 import pathlib
 import re
 import sys
 
+CODE = re.compile(r"`[^`]+`")
 LINK = re.compile(r"(!?)\[([^]]*)\]\(([^)\s]+)\)")
 
 
@@ -34,18 +37,30 @@ def in_site(match, page):
     return text
 
 
-def lines(page):
+def page_lines(page, text):
     titled = fenced = False
-    for line in pathlib.Path(page).read_text().splitlines():
+    for line in text.splitlines():
         if line.startswith("```"):
             fenced = not fenced
         elif not fenced:
             line = LINK.sub(lambda match: in_site(match, page), line)
+            # Doxygen takes away a percent sign before a word, in code too.
+            line = CODE.sub(lambda match: re.sub(r"%(?=[A-Za-z])", "%%", match[0]), line)
             if not titled and line.startswith("# "):
                 titled = True
                 line += f" {{#{label(page)}}}"
         yield line
 
 
-page = os.path.relpath(sys.argv[1])
-print("\n".join(lines(page)))
+def converted(name, text):
+    if name.endswith(".md"):
+        return "\n".join(page_lines(name, text)) + "\n"
+    return re.sub(r"\n\n((?:///.*\n)+)(?=namespace )", r"\n/// \\file\n\1", text)
+
+
+root, folder = map(pathlib.Path, sys.argv[1:])
+headers = [path for path in (root / "KXFoundation").rglob("*.h") if "Modules" not in path.parts]
+for path in [*root.glob("*.md"), *(root / "docs").rglob("*.md"), *headers]:
+    name = str(path.relative_to(root))
+    (folder / name).parent.mkdir(parents=True, exist_ok=True)
+    (folder / name).write_text(converted(name, path.read_text()))
