@@ -26,7 +26,8 @@ bool FolderStore::init(std::optional<std::string_view> path) {
 /// Letters and digits as they are, every other byte as %XX: no key leads out of the folder.
 fs::path FolderStore::fileOf(std::string_view key) const {
     std::string name;
-    for (const unsigned char byte : key) {
+    for (const char letter : key) {
+        const auto byte = static_cast<unsigned char>(letter);
         char code[4];
         std::snprintf(code, sizeof code, std::isalnum(byte) && byte < 128 ? "%c" : "%%%02X", byte);
         name += code;
