@@ -7,5 +7,5 @@ expected=$1
 shift
 home=$(mktemp -d)
 trap 'rm -rf "$home"' EXIT
-env -i PATH="$PATH" HOME="$home" LANG=en_US.UTF-8 TZ=UTC "$@" >"$home/printed" || echo "(status $?)" >>"$home/printed"
+env -i PATH="$PATH" HOME="$home" LANG=en_US.UTF-8 TZ=UTC LSAN_OPTIONS="${LSAN_OPTIONS:-}" "$@" >"$home/printed" || echo "(status $?)" >>"$home/printed"
 diff -u "$expected" "$home/printed"

@@ -4,7 +4,6 @@
 
 #include <KXFoundation/Cache/KXCache.h>
 #include <KXFoundation/Cache/KXImageCache.h>
-#include <KXFoundation/Platform/Foundation/NSBundle.h>
 #include <KXFoundation/Platform/Graphics/NSImage.h>
 #include <KXFoundation/Platform/Runtime/DetachedTask.h>
 #include <KXFoundation/Platform/Runtime/EventLoop.h>

@@ -3,7 +3,6 @@
 #include <cstdio>
 
 #include <KXFoundation/Localization/KXLocalizationUtils.h>
-#include <KXFoundation/Localization/LanguageState.h>
 #include <KXFoundation/Localization/Localized.h>
 #include <KXFoundation/Localization/NSButton_LocalizedKey.h>
 #include <KXFoundation/Platform/Views/NSButton.h>

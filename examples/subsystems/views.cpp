@@ -3,7 +3,6 @@
 #include <cstdio>
 
 #include <KXFoundation/Localization/Localized.h>
-#include <KXFoundation/Platform/Foundation/NSNotificationCenter.h>
 #include <KXFoundation/Platform/Graphics/NSImage.h>
 #include <KXFoundation/Platform/Views/NSButton.h>
 #include <KXFoundation/Platform/Views/NSWindow.h>
