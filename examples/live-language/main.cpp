@@ -2,9 +2,9 @@
 
 #include <KXFoundation/Platform/Views/NSApplication.h>
 
-#include "Harbour.h"
+#include "CrateCounter.h"
 
 int main() {
-    const Harbour harbour;
+    const CrateCounter counter;
     kx::NSApplication::sharedApplication()->run();
 }

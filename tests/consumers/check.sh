@@ -2,7 +2,7 @@
 # SPDX-License-Identifier: MIT
 # check.sh BUILD COMPONENT CXX SCRATCH: installs BUILD's COMPONENT, moves the installed tree elsewhere, and builds and
 # runs a program against it, once through CMake, once through pkg-config and the plain compiler: the one beside this
-# script or, for Testing, the tests of examples/testing.
+# script or, for Testing, the tests of examples/testing and, through CMake alone, of examples/first-application.
 set -euo pipefail
 build=$1 component=$2 cxx=$3 scratch=$4
 here=$(cd "$(dirname "$0")" && pwd)
@@ -81,3 +81,8 @@ modules_are_there
 no_folder_is_named
 through_cmake
 through_pkg_config
+if [ "$component" = Testing ]; then
+    rm -rf "$scratch/cmake"
+    folder=$here/../../examples/first-application program=harbour_test answers[Testing]=passed
+    through_cmake
+fi

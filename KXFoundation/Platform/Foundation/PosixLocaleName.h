@@ -5,7 +5,7 @@
 #include <string>
 #include <string_view>
 
-/// POSIX locale names: language[_region][.encoding][@modifier]. Private to Foundation.
+/// POSIX locale names: `language[_region][.encoding][@modifier]`. Private to Foundation.
 namespace kx {
 
 struct PosixLocaleName {

@@ -8,9 +8,9 @@
 #include <KXFoundation/Platform/Views/NSWindow.h>
 
 /// A window that counts crates, and changes its language while it is shown.
-class Harbour {
+class CrateCounter {
   public:
-    Harbour();
+    CrateCounter();
 
     std::shared_ptr<kx::NSWindow> window;
     std::shared_ptr<kx::NSTextField> greeting, crates, name;

@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: MIT
 
-#include "Harbour.h"
+#include "CrateCounter.h"
 
 #include <string>
 
@@ -11,7 +11,7 @@
 
 using namespace kx;
 
-Harbour::Harbour()
+CrateCounter::CrateCounter()
     : window(make<NSWindow>(NSRect(0, 0, 280, 190))),
       greeting(make<NSTextField>()),
       crates(make<NSTextField>()),
@@ -45,7 +45,7 @@ Harbour::Harbour()
 }
 
 /// Twenty points from where reading begins.
-void Harbour::place(const std::shared_ptr<NSView>& view, double top, double width) {
+void CrateCounter::place(const std::shared_ptr<NSView>& view, double top, double width) {
     const auto content = window->contentView();
     content->addSubview(view);
     view->setTranslatesAutoresizingMaskIntoConstraints(false);
