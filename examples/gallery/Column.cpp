@@ -60,6 +60,10 @@ void Column::row(const std::vector<std::shared_ptr<NSView>>& views, double heigh
     double x = 0;
     for (const auto& view : views) {
         const double width = view->frame().size.width;
+        if (x > 0 && x + width > width_ + 0.5) {  // half a point: shares of the width need not sum up exactly
+            x = 0;
+            y_ += height + 8;
+        }
         place(view, x, width, height);
         x += width + 10;
     }
@@ -81,7 +85,9 @@ void Column::grid(const std::vector<std::shared_ptr<NSView>>& cells, std::size_t
 
 void Column::title(std::string_view words) {
     const auto line = label(words, 24, true);
-    add(line, line->frame().size.height);
+    const double height = line->frame().size.height;
+    place(line, 0, width_ - kLookButtonWidth - 10, height);
+    y_ += height + 8;
 }
 
 void Column::paragraph(std::string_view words) {
@@ -105,8 +111,11 @@ std::shared_ptr<NSTextField> Column::pair(std::string_view captionWords, std::st
     caption->setTextColor(NSColor::secondaryLabelColor());
     const auto field = label(value);
     const double height = caption->frame().size.height;
-    place(caption, 0, kCaptionWidth, height);
-    place(field, kCaptionWidth + 10, width_ - kCaptionWidth - 10, height);
+    const double start = kCaptionWidth + 10;
+    const bool fits = start + field->frame().size.width <= width_;
+    place(caption, 0, fits ? kCaptionWidth : width_, height);
+    if (!fits) y_ += height;
+    place(field, fits ? start : 0, fits ? width_ - start : width_, height);
     y_ += height + 6;
     return field;
 }
