@@ -3,6 +3,7 @@
 #include "Column.h"
 
 #include <cmath>
+#include <utility>
 
 #include <KXFoundation/Localization/KXLocalizationUtils.h>
 #include <KXFoundation/Platform/Graphics/NSColor.h>
@@ -14,6 +15,10 @@
 namespace gallery {
 
 using namespace kx;
+
+namespace {
+constexpr double kGap = 10;  // between the views of a row
+}
 
 std::string text(std::string_view key) {
     return KXLocalizationUtils::localizedStringForKey(key, std::nullopt).value_or(std::string(key));
@@ -57,15 +62,26 @@ void Column::add(const std::shared_ptr<NSView>& view, double height) {
 }
 
 void Column::row(const std::vector<std::shared_ptr<NSView>>& views, double height) {
+    std::vector<std::shared_ptr<NSView>> line;
+    double end = 0;
+    for (const auto& view : views) {
+        const double width = view->frame().size.width;
+        if (end > 0 && end + width > width_ + 0.5) {  // shares of the width need not sum up exactly
+            tableRow(std::exchange(line, {}), height);
+            end = 0;
+        }
+        line.push_back(view);
+        end += width + kGap;
+    }
+    tableRow(line, height);
+}
+
+void Column::tableRow(const std::vector<std::shared_ptr<NSView>>& views, double height) {
     double x = 0;
     for (const auto& view : views) {
         const double width = view->frame().size.width;
-        if (x > 0 && x + width > width_ + 0.5) {  // half a point: shares of the width need not sum up exactly
-            x = 0;
-            y_ += height + 8;
-        }
         place(view, x, width, height);
-        x += width + 10;
+        x += width + kGap;
     }
     y_ += height + 8;
 }

@@ -39,6 +39,8 @@ class Column {
     void add(const std::shared_ptr<kx::NSView>& view, double height = 0);
     /// Views in one line, each in its present width, and in more lines where one is too short for them.
     void row(const std::vector<std::shared_ptr<kx::NSView>>& views, double height = 28);
+    /// Views in one line, however short it is: what stands below one another belongs together.
+    void tableRow(const std::vector<std::shared_ptr<kx::NSView>>& views, double height);
     /// Cells in rows of so many columns over the whole width.
     void grid(const std::vector<std::shared_ptr<kx::NSView>>& cells, std::size_t columns, double rowHeight,
               double gap = 8);
