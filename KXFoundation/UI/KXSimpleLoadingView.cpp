@@ -24,6 +24,7 @@ bool KXSimpleLoadingView::setUp() {
     auto image = NSImage::imageNamed("common_loading_gray");
     if (!image) image = NSImage::initWithSize({});
     const auto picture = NSImageView::imageViewWithImage(std::move(image));
+    picture->setImageScaling(NSImageScaling::ProportionallyUpOrDown);
     picture->setTranslatesAutoresizingMaskIntoConstraints(false);
     addSubview(picture);
     for (const auto edge : {NSLayoutAttribute::Leading, NSLayoutAttribute::Trailing, NSLayoutAttribute::Top,

@@ -5,8 +5,8 @@
 
 namespace kx {
 
-/// A picture that turns while something is loading: "common_loading_gray" of the application's bundle, over
-/// the whole view. Without that picture the view is there and empty. Main thread.
+/// A picture that turns while something is loading: "common_loading_gray" of the application's bundle, as
+/// large as the view allows. Without that picture the view is there and empty. Main thread.
 ///
 ///     auto loading = make<KXSimpleLoadingView>(NSRect(0, 0, 32, 32));
 ///     loading->setWantsLayer(true);  // what turns is the layer

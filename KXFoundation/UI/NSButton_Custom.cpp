@@ -54,8 +54,7 @@ std::shared_ptr<NSView> NSButton_Custom::hitTest(const std::shared_ptr<NSButton>
     if (!button) return nullptr;
     const NSRect area = enlargedRect(button);
     const NSPoint origin = button->frame().origin;
-    const bool isHit = area != button->bounds() && !button->isHidden() && button->alphaValue() > 0 &&
-                       area.contains({point.x - origin.x, point.y - origin.y});
+    const bool isHit = area != button->bounds() && area.contains({point.x - origin.x, point.y - origin.y});
     return isHit ? button : button->NSView::hitTest(point);
 }
 

@@ -31,8 +31,8 @@ struct KX_EXPORT NSButton_Custom {
     [[nodiscard]] static NSRect enlargedRect(const std::shared_ptr<NSButton>& button);
 
     /// What every button's "hitTest:" runs: the button itself for a point of the enlarged area, else what the
-    /// plain hit test answers. The point is in the superview's coordinates. A button that is hidden or has no
-    /// opacity is not hit.
+    /// plain hit test answers. The point is in the superview's coordinates. A view does not ask
+    /// buttons that are hidden or have no opacity, so no click reaches those.
     [[nodiscard]] static std::shared_ptr<NSView> hitTest(const std::shared_ptr<NSButton>& button,
                                                          NSPoint point);
 };

@@ -3,6 +3,7 @@
 #include "Column.h"
 
 #include <cmath>
+#include <utility>
 
 #include <KXFoundation/Localization/KXLocalizationUtils.h>
 #include <KXFoundation/Platform/Graphics/NSColor.h>
@@ -14,6 +15,10 @@
 namespace gallery {
 
 using namespace kx;
+
+namespace {
+constexpr double kGap = 10;  // between the views of a row
+}
 
 std::string text(std::string_view key) {
     return KXLocalizationUtils::localizedStringForKey(key, std::nullopt).value_or(std::string(key));
@@ -57,11 +62,26 @@ void Column::add(const std::shared_ptr<NSView>& view, double height) {
 }
 
 void Column::row(const std::vector<std::shared_ptr<NSView>>& views, double height) {
+    std::vector<std::shared_ptr<NSView>> line;
+    double end = 0;
+    for (const auto& view : views) {
+        const double width = view->frame().size.width;
+        if (end > 0 && end + width > width_ + 0.5) {  // shares of the width need not sum up exactly
+            tableRow(std::exchange(line, {}), height);
+            end = 0;
+        }
+        line.push_back(view);
+        end += width + kGap;
+    }
+    tableRow(line, height);
+}
+
+void Column::tableRow(const std::vector<std::shared_ptr<NSView>>& views, double height) {
     double x = 0;
     for (const auto& view : views) {
         const double width = view->frame().size.width;
         place(view, x, width, height);
-        x += width + 10;
+        x += width + kGap;
     }
     y_ += height + 8;
 }
@@ -81,7 +101,9 @@ void Column::grid(const std::vector<std::shared_ptr<NSView>>& cells, std::size_t
 
 void Column::title(std::string_view words) {
     const auto line = label(words, 24, true);
-    add(line, line->frame().size.height);
+    const double height = line->frame().size.height;
+    place(line, 0, width_ - kLookButtonWidth - 10, height);
+    y_ += height + 8;
 }
 
 void Column::paragraph(std::string_view words) {
@@ -105,8 +127,11 @@ std::shared_ptr<NSTextField> Column::pair(std::string_view captionWords, std::st
     caption->setTextColor(NSColor::secondaryLabelColor());
     const auto field = label(value);
     const double height = caption->frame().size.height;
-    place(caption, 0, kCaptionWidth, height);
-    place(field, kCaptionWidth + 10, width_ - kCaptionWidth - 10, height);
+    const double start = kCaptionWidth + 10;
+    const bool fits = start + field->frame().size.width <= width_;
+    place(caption, 0, fits ? kCaptionWidth : width_, height);
+    if (!fits) y_ += height;
+    place(field, fits ? start : 0, fits ? width_ - start : width_, height);
     y_ += height + 6;
     return field;
 }

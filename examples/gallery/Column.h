@@ -27,16 +27,20 @@ class Column {
     Column(kx::NSView& view, double left, double top, double width);
 
     // Ready-made texts.
+    /// At the top of a page, beside the button that changes between light and dark.
     void title(std::string_view text);
+    static constexpr double kLookButtonWidth = 36;
     void paragraph(std::string_view text);
     void caption(std::string_view text);
-    /// A caption and its value on one line.
+    /// A caption and its value on one line, or on two where that is too short.
     std::shared_ptr<kx::NSTextField> pair(std::string_view caption, std::string_view value);
 
     /// A view over the whole width; the height is its own where it is 0 here.
     void add(const std::shared_ptr<kx::NSView>& view, double height = 0);
-    /// Views in one line, each in its present width.
+    /// Views in one line, each in its present width, and in more lines where one is too short for them.
     void row(const std::vector<std::shared_ptr<kx::NSView>>& views, double height = 28);
+    /// Views in one line, however short it is: what stands below one another belongs together.
+    void tableRow(const std::vector<std::shared_ptr<kx::NSView>>& views, double height);
     /// Cells in rows of so many columns over the whole width.
     void grid(const std::vector<std::shared_ptr<kx::NSView>>& cells, std::size_t columns, double rowHeight,
               double gap = 8);

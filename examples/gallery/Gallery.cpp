@@ -180,7 +180,8 @@ void Gallery::addPage(NSView& root) {
     Column column(*content, kMargin, kTop, area.size.width - 2 * kMargin);
     page_->build(column, *this);
     const auto look = lookButton();
-    look->setFrame(directed({area.size.width - kMargin - 36, kTop, 36, 28}, area.size.width));
+    constexpr double kSide = Column::kLookButtonWidth;
+    look->setFrame(directed({area.size.width - kMargin - kSide, kTop, kSide, 28}, area.size.width));
     content->addSubview(look);
     shown_ = make<ScrollArea>(area, content, column.y() + kTop, shown_ ? shown_->offset() : 0);
     root.addSubview(shown_);

@@ -55,11 +55,12 @@ void drawDemonstration(Gallery& gallery) {
     window.displayIfNeeded();
 }
 
-int drawPages(const std::string& directory, const std::string& page, double scale) {
+int drawPages(const std::string& directory, const std::string& page, double scale, NSAppearance look) {
     std::error_code error;
     std::filesystem::create_directories(directory, error);
     WindowSystem::slot().replace(std::make_shared<OffscreenWindowSystem>(scale));
     Gallery gallery;
+    gallery.window()->setAppearance(look);
     gallery.window()->makeKeyAndOrderFront();
     bool drawn = false;
     for (const PageEntry& entry : pages()) {

@@ -3,6 +3,8 @@
 
 #include <string>
 
+#include <KXFoundation/Platform/Graphics/NSAppearance.h>
+
 namespace gallery {
 
 class Gallery;
@@ -14,6 +16,6 @@ void drawDemonstration(Gallery& gallery);
 /// `directory/<page>-<language>.png`, with `scale` pixels to the point; all of them if `page` is empty.
 /// Writes settings and pictures of the user's: for a TemporaryHome. The program's exit status: 0, or 1 with a
 /// line on standard error.
-int drawPages(const std::string& directory, const std::string& page, double scale);
+int drawPages(const std::string& directory, const std::string& page, double scale, kx::NSAppearance look);
 
 }  // namespace gallery

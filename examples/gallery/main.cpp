@@ -17,7 +17,8 @@
 namespace {
 
 int usage() {
-    std::fputs("usage: gallery [--headless DIRECTORY [--scale NUMBER]] [--page NAME] [--steady]\n", stderr);
+    std::fputs("usage: gallery [--headless DIRECTORY [--scale NUMBER] [--dark]] [--page NAME] [--steady]\n",
+               stderr);
     return 2;
 }
 
@@ -57,10 +58,15 @@ int main(int argc, char** argv) {
     std::string page;
     double scale = 2;
     bool isSteady = false;
+    auto look = kx::NSAppearance::Light;
     for (int i = 1; i < argc; ++i) {
         const std::string_view option = argv[i];
         if (option == "--steady") {
             isSteady = true;
+            continue;
+        }
+        if (option == "--dark") {
+            look = kx::NSAppearance::Dark;
             continue;
         }
         if (i + 1 == argc) return usage();
@@ -79,5 +85,5 @@ int main(int argc, char** argv) {
     if (directory.empty()) return runInWindow(page);
     std::optional<gallery::TemporaryHome> home;
     if (!isSteady) home.emplace(gallery::TemporaryHome::Others::Kept);
-    return gallery::drawPages(directory, page, scale);
+    return gallery::drawPages(directory, page, scale, look);
 }

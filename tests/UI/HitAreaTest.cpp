@@ -40,6 +40,7 @@ TEST_F(HitArea, ClicksAroundAnEnlargedButtonAreItsOwn) {
     for (const auto& [point, hit] : rows) EXPECT_EQ(isHit(point), hit) << point.x << ", " << point.y;
     button->setHidden(true);
     EXPECT_FALSE(isHit({85, 60}));
+    EXPECT_EQ(button->hitTest({85, 60}), button) << "the area is the button's, seen or not";
     button->setHidden(false);
     NSButton_Custom::setEnlargeEdge(button, std::numeric_limits<double>::quiet_NaN());
     EXPECT_TRUE(isHit({120, 60}));

@@ -7,14 +7,19 @@
 #include <memory>
 #include <ostream>
 #include <string>
+#include <string_view>
 
 #include <gtest/gtest.h>
 
 #include <KXFoundation/Localization/KXLocalizationUtils.h>
 #include <KXFoundation/Platform/Foundation/NSBundle.h>
 #include <KXFoundation/Platform/Graphics/GraphicsContext.h>
+#include <KXFoundation/Platform/Graphics/TextLayout.h>
 #include <KXFoundation/Platform/Runtime/ProcessState.h>
+#include <KXFoundation/Platform/Views/NSButton.h>
 #include <KXFoundation/Platform/Views/NSEvent.h>
+#include <KXFoundation/Platform/Views/NSTextField.h>
+#include <KXFoundation/Platform/Views/NSTextView.h>
 #include <KXFoundation/Platform/Views/OffscreenSurface.h>
 #include <KXFoundation/Testing/ScopedLanguageState.h>
 #include <KXFoundation/Testing/ScopedQueues.h>
@@ -44,7 +49,7 @@ enum class Shown : std::uint8_t {
 };
 
 struct Picture {
-    const char* page;
+    std::string_view page;
     const char* language = "en";
     double scale = 1;
     Shown shown = Shown::Page;
@@ -89,7 +94,7 @@ constexpr Picture kPictures[] = {
 
 /// Not "@2x", which would make it the sharper version of its neighbour.
 std::string nameOf(const Picture& picture) {
-    std::string name = picture.page;
+    std::string name(picture.page);
     if (std::string_view(picture.language) != "en") name += std::string("-") + picture.language;
     if (picture.shown == Shown::Dark) name += "-dark";
     if (picture.shown == Shown::SmallEnd) name += "-small";
@@ -122,6 +127,11 @@ class Stage {
         }
         if (picture.shown == Shown::SmallEnd)
             window.sendEvent({.type = NSEventType::KeyDown, .characters = std::string(NSEndFunctionKey)});
+    }
+
+    void show(std::string_view page) {
+        gallery_->show(page);
+        gallery::drawDemonstration(*gallery_);
     }
 
     [[nodiscard]] std::shared_ptr<NSView> root() const { return gallery_->window()->contentView(); }
@@ -225,6 +235,42 @@ TEST(SmallWindow, TabBringsEveryControlIntoSight) {
         ASSERT_TRUE(view);
         const NSRect place = view->convertRectToView(view->bounds(), nullptr);
         EXPECT_TRUE(place.origin.y >= 0 && place.maxY() <= 400) << view->description() << ", Tab " << i;
+    }
+}
+
+/// Whether the control shows less than it was given, or reaches out of the window at a side.
+bool isCut(const NSView& view) {
+    const NSSize size = view.frame().size;
+    const double left = view.convertRectToView(view.bounds(), nullptr).origin.x;
+    if (left < 0 || left + size.width > Gallery::kWidth) return true;
+    if (const auto* text = dynamic_cast<const NSTextView*>(&view))
+        return TextLayout(text->string(), text->font(), {.width = size.width}).size().height >
+               size.height + 1;
+    const auto* field = dynamic_cast<const NSTextField*>(&view);
+    if (!dynamic_cast<const NSButton*>(&view) && (!field || field->isEditable())) return false;
+    return view.intrinsicContentSize().width > size.width;
+}
+
+std::string wordsOf(const NSView& view) {
+    if (const auto* button = dynamic_cast<const NSButton*>(&view)) return button->title();
+    if (const auto* field = dynamic_cast<const NSTextField*>(&view)) return field->stringValue();
+    return view.description();
+}
+
+TEST(Captions, FitTheirControlsInEveryLanguage) {
+    for (const char* language : {"ar", "de", "en", "es", "es-419", "fr", "it", "ja", "ko", "pt", "pt-BR",
+                                 "ru", "zh-Hans", "zh-Hant"}) {
+        Stage stage({gallery::pages().front().name, language});
+        for (const auto& page : gallery::pages()) {
+            stage.show(page.name);
+            std::vector<std::shared_ptr<NSView>> controls;
+            collectControls(stage.root(), controls);
+            EXPECT_GT(controls.size(), gallery::pages().size());
+            for (const auto& control : controls) {
+                EXPECT_FALSE(isCut(*control))
+                    << page.name << ", " << language << ": " << wordsOf(*control) << control->description();
+            }
+        }
     }
 }
 

@@ -60,7 +60,7 @@ void NSButton::performClick() {
 }
 
 bool NSButton::isUnder(const NSEvent& event) {
-    if (!window()) return false;
+    if (!window() || isHidden() || alphaValue() <= 0) return false;
     const NSPoint inside = convertPointFromView(event.locationInWindow, nullptr);
     return hitTest({inside.x + frame().origin.x, inside.y + frame().origin.y}) != nullptr;
 }

@@ -12,7 +12,8 @@ namespace kx {
 
 class NSColor;
 
-/// One line of text: a field with a border when editable, a label otherwise.
+/// One line of text: a field with a border when editable, a label otherwise. It shows what it is given; what
+/// is typed, an application takes from keyDown().
 class KX_EXPORT NSTextField : public Subclass<NSTextField, NSControl> {
   public:
     /// Runs the exchangeable "initWithFrame:".

@@ -87,6 +87,7 @@ std::shared_ptr<NSView> NSView::hitTest(NSPoint point) {
     const NSPoint inside = point - frame_.origin;
     const auto candidates = subviews_;  // a subclass's test may change the tree
     for (auto view = candidates.rbegin(); view != candidates.rend(); ++view) {
+        if (!(*view)->isSeen()) continue;  // whatever a subclass's test answers
         if (auto hit = (*view)->hitTest(inside)) return hit;
     }
     return self();

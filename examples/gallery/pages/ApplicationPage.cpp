@@ -3,6 +3,7 @@
 #include "pages/ApplicationPage.h"
 
 #include <KXFoundation/AppEnvironment/KXAppUtils.h>
+#include <KXFoundation/Localization/KXLocalizationUtils.h>
 #include <KXFoundation/Platform/Foundation/NSBundle.h>
 
 namespace gallery {
@@ -48,7 +49,8 @@ void ApplicationPage::build(Column& column, Gallery&) {
     column.pair(text("application.orvik"), text(KXAppUtils::isOrvikApp() ? "general.yes" : "general.no"));
     column.pair(text("application.locale"), KXAppUtils::currentLocale());
     column.pair(text("application.cloud_locale"), KXAppUtils::currentCloudLocale());
-    column.caption(text("application.selection_key") + " \u2192 " + text("application.answer"));
+    const char* arrow = KXLocalizationUtils::isRTL() ? " \u2190 " : " \u2192 ";
+    column.caption(text("application.selection_key") + arrow + text("application.answer"));
     addAnswers(column);
 }
 

@@ -54,9 +54,9 @@ void ButtonsPage::build(Column& column, Gallery&) {
     NSButton_Custom::setEnlargeEdgeWithTop(unevenly, 0, 60, 30, 10);
     column.row({withArea(evenly, {220, 100}), withArea(unevenly, {220, 100})}, 100);
     column.space(16);
-    column.row({confirmButton(KXConfirmButton::Style::blue, true),
-                confirmButton(KXConfirmButton::Style::green, false)},
-               44);
+    const auto confirm = confirmButton(KXConfirmButton::Style::blue, true);
+    confirm->setAction([count](NSControl&) { count(); });
+    column.row({confirm, confirmButton(KXConfirmButton::Style::green, false)}, 44);
 }
 
 }  // namespace gallery

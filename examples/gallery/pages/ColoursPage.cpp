@@ -93,14 +93,15 @@ void ColoursPage::build(Column& column, Gallery&) {
     column.title(text("colours.title"));
     column.paragraph(text("colours.explanation"));
     column.space(12);
-    column.row({heading("colours.code", kCodeWidth), heading("colours.colour", kSwatchWidth),
-                heading("colours.components", kNumbersWidth)},
-               kHeight);
+    column.tableRow({heading("colours.code", kCodeWidth), heading("colours.colour", kSwatchWidth),
+                     heading("colours.components", kNumbersWidth)},
+                    kHeight);
     for (const Code& code : kCodes) {
         const auto color = NSColor_HEX::colorWithHexString(code.text, code.alpha);
-        column.row({cell(shown(code), kCodeWidth), make<Swatch>(NSRect(0, 0, kSwatchWidth, kHeight), color),
-                    components(*color, {kNumbersWidth, kHeight})},
-                   kHeight);
+        column.tableRow(
+            {cell(shown(code), kCodeWidth), make<Swatch>(NSRect(0, 0, kSwatchWidth, kHeight), color),
+             components(*color, {kNumbersWidth, kHeight})},
+            kHeight);
     }
 }
 

@@ -85,7 +85,7 @@ void addHeads(Column& column) {
     for (const std::uint64_t mask : kMasks)
         heads.push_back(
             line(text("image_cache.asked") + " " + std::to_string(mask), {kPicture.width, kLine}));
-    column.row(heads, kLine);
+    column.tableRow(heads, kLine);
 }
 
 }  // namespace
@@ -155,7 +155,7 @@ void ImageCachePage::build(Column& column, Gallery& gallery) {
         const std::string name = text("image_cache.stored") + " " + std::to_string(kPictures[i].mask);
         std::vector cells{line(name, {kNameWidth, kPicture.height + kLine})};
         for (const Found& found : state.found[i]) cells.push_back(tile(found));
-        column.row(cells, kPicture.height + kLine);
+        column.tableRow(cells, kPicture.height + kLine);
     }
     column.space(8);
     column.pair(text("cache.memory"), std::to_string(state.cache->memoryCache()->totalCount()));

@@ -8,6 +8,7 @@
 #include <KXFoundation/Core/KXRequestAnswer.h>
 #include <KXFoundation/Platform/Foundation/NotificationName.h>
 #include <KXFoundation/Platform/Runtime/DispatchQueue.h>
+#include <KXFoundation/Platform/Runtime/ProcessState.h>
 
 #include "Gallery.h"
 #include "PushButton.h"
@@ -38,8 +39,8 @@ std::int64_t primesBelow(std::int64_t limit) {
 
 /// The service: counts on a worker thread, answers on the main queue.
 std::int32_t countPrimes() {
-    static std::int32_t last = 0;
-    const std::int32_t number = ++last;
+    static constinit ProcessState<std::int32_t> last;
+    const std::int32_t number = ++last.get();
     DispatchQueue::shared().async([number] {
         const std::int64_t primes = primesBelow(200'000);
         DispatchQueue::main().async([number, primes] { postAnswer(number, primes); });
