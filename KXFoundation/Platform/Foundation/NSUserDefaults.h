@@ -46,7 +46,8 @@ class KX_EXPORT NSUserDefaults : public Subclass<NSUserDefaults, NSObject> {
     void setObject(std::string_view key, Value value);
     void removeObjectForKey(std::string_view key) { setObject(key, {}); }
 
-    /// Flushes what changed since the last flush; without a change it makes no system call. True if
+    /// Flushes what changed since the last flush, which nothing else does, the exit of the process included;
+    /// without a change it makes no system call. True if
     /// everything set so far is in the file; false (one log line until it succeeds again) where it cannot be
     /// written: it is kept in memory, and the next call tries again. Waits while another process flushes.
     bool synchronize();
