@@ -24,8 +24,8 @@ inline constinit const NSNotificationName KXDateUtilsUpdateTimeNotification{
 /// or 24 hours (the desktop's setting where it has one). The language chosen inside the application plays no
 /// part.
 ///
-/// Any thread. After the first in its form a conversion takes no lock until somebody asks for the formatter or
-/// replaces it; from then on those on one object take turns, and a formatter must not call back into its
+/// Any thread. After the first in its form a conversion takes no lock until somebody asks for the formatter
+/// or replaces it; from then on those on one object take turns, and a formatter must not call back into its
 /// object.
 class KX_EXPORT KXDateUtils : public Subclass<KXDateUtils, NSObject> {
   public:

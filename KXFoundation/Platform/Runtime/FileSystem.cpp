@@ -3,6 +3,7 @@
 #include <atomic>
 #include <cerrno>
 #include <charconv>
+#include <optional>
 
 #include <signal.h>
 #include <unistd.h>
