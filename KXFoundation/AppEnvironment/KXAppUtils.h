@@ -19,7 +19,7 @@ class NSURL;
 inline constexpr std::string_view orvikAppName = "Orvik";
 
 /// What the running application is, where its user is, and its maker's pages and store. No instances; any
-/// thread, but for the two calls that depend on the selected language (see KXLocalizationUtils). The
+/// thread, but for the three calls that depend on the selected language (see KXLocalizationUtils). The
 /// addresses are the application's to give: see AppLinks.h.
 class KX_EXPORT KXAppUtils {
   public:

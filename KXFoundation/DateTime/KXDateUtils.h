@@ -24,8 +24,9 @@ inline constinit const NSNotificationName KXDateUtilsUpdateTimeNotification{
 /// or 24 hours (the desktop's setting where it has one). The language chosen inside the application plays no
 /// part.
 ///
-/// Any thread. Conversions take no lock until somebody asks for the formatter or replaces it; from then on
-/// those on one object take turns, and a formatter must not call back into its object.
+/// Any thread. After the first in its form a conversion takes no lock until somebody asks for the formatter
+/// or replaces it; from then on those on one object take turns, and a formatter must not call back into its
+/// object.
 class KX_EXPORT KXDateUtils : public Subclass<KXDateUtils, NSObject> {
   public:
     /// The process's own one, made at first use.
@@ -47,9 +48,9 @@ class KX_EXPORT KXDateUtils : public Subclass<KXDateUtils, NSObject> {
     [[nodiscard]] std::string getTimeFormat() const;
 
     // The time of day, counted from midnight and starting over after a day; -1 minute is 23:59. None without
-    // a formatter. Any count of minutes and of up to 2^52 seconds is exact (its seconds are computed in 64
-    // bits and wrap around); above, seconds are rounded as a double is, and beyond 4e18 there is no text.
-    // Allocates nothing but a text of more than 15 bytes.
+    // a formatter. Exact for up to 2^52 seconds before and after; above, seconds are rounded as a double is,
+    // and beyond 4e18 there is no text. The seconds of a count of minutes wrap around in 64 bits. Allocates
+    // nothing but a text of more than 15 bytes.
     [[nodiscard]] std::optional<std::string> convertSecondsToTimeString(std::int64_t seconds) const;
     [[nodiscard]] std::optional<std::string> convertMinutesToTimeString(std::int64_t minutes) const;
     /// In the form that the flags ask for, whatever the user's is; without AM/PM the last one says nothing.

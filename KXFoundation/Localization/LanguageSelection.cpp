@@ -66,8 +66,7 @@ Value stored(const std::optional<std::string>& text) {
 
 void keepSelection() {
     NSUserDefaults& defaults = NSUserDefaults::standardUserDefaults();
-    defaults.setObject(kSelectLanguage, stored(kx::selectLanguage));
-    defaults.setObject(kSelectLog, stored(selectLog));
+    defaults.setObjects({{kSelectLanguage, stored(kx::selectLanguage)}, {kSelectLog, stored(selectLog)}});
     defaults.synchronize();
 }
 

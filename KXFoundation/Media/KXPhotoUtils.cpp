@@ -89,7 +89,9 @@ void writeJpeg(const std::shared_ptr<NSImage>& image, double quality, std::optio
     const auto data = KXPhotoUtils::imgToData(image, quality);
     if (!data) return;
     const std::string_view contents(reinterpret_cast<const char*>(data->data()), data->size());
-    (void)replaceFile(FileSystem::slot().current(), std::string(*path), contents);
+    FileSystem& files = FileSystem::slot().current();
+    removeLeftOver(files, std::string(*path), LeftOver::Dead);
+    (void)replaceFile(files, std::string(*path), contents);
 }
 
 }  // namespace

@@ -63,7 +63,8 @@ class KX_EXPORT ScopedPlatform {
     void writeSystemFile(std::string_view name, std::string_view contents);
 
     /// Begins a process anew over the same folders, variables and settings, as a restart of the application
-    /// does. Objects of the process before must not be used any more.
+    /// does. What the process before has not flushed (NSUserDefaults::synchronize) is lost, as at its exit;
+    /// its objects must not be used any more.
     void restart();
 
   private:

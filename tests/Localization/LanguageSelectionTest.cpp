@@ -141,6 +141,18 @@ TEST(LanguageSelection, AReloadOverwritesWhatTheApplicationWrote) {
     }
 }
 
+TEST(LanguageSelection, AChoiceTakesThePlaceOfAnotherProcesssWhole) {
+    const ApplicationRun run({"en-US"});
+    Utils::setSelectLanguage("fr");
+    const auto other = make<NSUserDefaults>(*NSBundle::mainBundle()->bundleIdentifier());
+    other->setObjects({{kSelectLanguage, "en"}, {kSelectLog, kFollowSystem}});
+    ASSERT_TRUE(other->synchronize());
+    Utils::setSelectLanguage("de");
+    reload();
+    EXPECT_EQ(selectLanguage, "de");
+    EXPECT_EQ(storedChoice(), (StoredChoice{"de", "notFollowSystem"}));
+}
+
 TEST(LanguageSelection, StoredValuesOfAnotherTypeCountAsMissing) {
     const ApplicationRun run;
     NSUserDefaults& defaults = NSUserDefaults::standardUserDefaults();

@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: MIT
 
+#include <chrono>
 #include <filesystem>
 
 #include <gmock/gmock.h>
@@ -198,6 +199,10 @@ TEST_F(KXPhotoUtilsTest, SavesAPictureAndItsThumbnail) {
         using Files = std::filesystem::directory_iterator;
         EXPECT_EQ(static_cast<std::size_t>(std::distance(Files(at("s")), Files())), row.files) << row.what;
     }
+    const std::string left = platform.directory().write("s/a.jpg.new-99999999-0", "of a killed process");
+    std::filesystem::last_write_time(left, std::filesystem::last_write_time(left) - std::chrono::hours(2));
+    EXPECT_TRUE(KXPhotoUtils::saveImage(image, at("s/a.jpg"), std::nullopt));
+    EXPECT_FALSE(std::filesystem::exists(left));
     EXPECT_TRUE(KXPhotoUtils::saveImage(nullptr, at("n.jpg"), std::nullopt));
     EXPECT_FALSE(std::filesystem::exists(at("n.jpg")));
     EXPECT_THAT(log.lines(), IsEmpty());

@@ -21,8 +21,10 @@ TEST(ScopedPlatform, HoldsWhatAPersonSetAndForgetsItAtItsEnd) {
         defaults().setObject("count", 7);
         ASSERT_TRUE(defaults().synchronize());
         ASSERT_TRUE(KeychainStore::slot().current().add({"service", "account"}, "secret"));
+        defaults().setObject("not flushed", 8);
         platform.restart();
         EXPECT_EQ(defaults().objectForKey("count"), Value(7));
+        EXPECT_EQ(defaults().objectForKey("not flushed"), Value());
         EXPECT_EQ(*KeychainStore::slot().current().copy({"service", "account"}), "secret");
         EXPECT_EQ(keychainCapability().store, KeychainCapability::Store::File);
     }

@@ -256,6 +256,7 @@ TEST_P(FaultTest, AKillAtAnyMomentLosesNothing) {
         EXPECT_EQ(open()->load("other"), "kept");
     }
     EXPECT_TRUE(open()->save("key", "whole"));
+    EXPECT_TRUE(filesNamed(".new-") == 0 || GetParam().isSilent) << "left over";
 }
 
 /// And one of them is killed, while the other works on.

@@ -1,5 +1,7 @@
 // SPDX-License-Identifier: MIT
 
+#include <utility>
+
 #include <KXFoundation/Platform/Foundation/ApplicationFolder.h>
 #include <KXFoundation/Platform/Foundation/DefaultsFile.h>
 #include <KXFoundation/Platform/Foundation/PropertyList.h>
@@ -119,6 +121,7 @@ Result<void> DefaultsFile::write(const Value& dictionary) {
     if (!text) return std::move(text).error();
     if (text->size() > kLargestFile)
         return Error{ErrorKind::TooLarge, 0, path_};  // it could not be read again
+    if (!std::exchange(isTidy_, true)) removeLeftOver(*files_, path_, LeftOver::All);
     if (auto done = replaceFile(*files_, path_, *text); !done) return done;
     contents_ = dictionary;
     seen_.reset();

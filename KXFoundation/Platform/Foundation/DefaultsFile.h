@@ -54,6 +54,7 @@ class DefaultsFile {
     std::string path_;  // empty: no place for it
     Value contents_ = DictionaryBuilder().build();
     std::optional<Seen> seen_;
+    bool isTidy_ = false;  // nothing of killed processes lies beside the file
 };
 
 }  // namespace kx

@@ -1,5 +1,7 @@
 // SPDX-License-Identifier: MIT
 
+#include <algorithm>
+#include <array>
 #include <mutex>
 #include <utility>
 
@@ -136,23 +138,33 @@ void NSUserDefaults::noteChange() {
 }
 
 void NSUserDefaults::setObject(std::string_view key, Value value) {
-    // As it will be kept, one level down in the file's dictionary.
-    if (!value.isNull() && !isPropertyList(DictionaryBuilder().set(key, value).build())) {
-        callerError("NSUserDefaults: the value for \"" + std::string(key) + "\" is no property list");
-        return;
+    set(std::array{Setting(key, std::move(value))});
+}
+
+void NSUserDefaults::set(std::span<const Setting> settings) {
+    for (const auto& [key, value] : settings) {
+        // As it will be kept, one level down in the file's dictionary.
+        if (value.isNull() || isPropertyList(DictionaryBuilder().set(key, value).build())) continue;
+        return callerError("NSUserDefaults: the value for \"" + std::string(key) + "\" is no property list");
     }
     const std::lock_guard lock(state_->mutex);
-    const auto found = state_->table.find(key);
-    if (found == state_->table.end() ? value.isNull() : found->second == value) return;
-    if (value.isNull()) {
-        state_->table.erase(found);
-    } else if (found != state_->table.end()) {
-        found->second = std::move(value);
-    } else {
-        state_->table.emplace(key, std::move(value));
-    }
+    DefaultsTable& table = state_->table;
+    const auto isSet = [&](const Setting& setting) {
+        return valueIn(table, setting.first) == setting.second;
+    };
+    if (std::ranges::all_of(settings, isSet)) return;
     noteChange();
-    state_->changes.insert_or_assign(std::string(key), version());
+    for (const auto& [key, value] : settings) {
+        const auto place = table.find(key);
+        if (place == table.end()) {
+            if (!value.isNull()) table.emplace(key, value);
+        } else if (value.isNull()) {
+            table.erase(place);
+        } else {
+            place->second = value;
+        }
+        state_->changes.insert_or_assign(std::string(key), version());
+    }
     state_->unflushed.store(true, std::memory_order_release);
 }
 

@@ -3,10 +3,13 @@
 
 #include <atomic>
 #include <cstdint>
+#include <initializer_list>
 #include <memory>
 #include <optional>
+#include <span>
 #include <string>
 #include <string_view>
+#include <utility>
 
 #include <KXFoundation/Platform/Runtime/Export.h>
 #include <KXFoundation/Platform/Runtime/NSObject.h>
@@ -44,9 +47,14 @@ class KX_EXPORT NSUserDefaults : public Subclass<NSUserDefaults, NSObject> {
     /// Sets a property-list value; null removes the key. An equal value marks nothing to flush; an object,
     /// which no property list holds, is a caller error, as is a null inside an array or dictionary.
     void setObject(std::string_view key, Value value);
+    using Setting = std::pair<std::string_view, Value>;
+    /// Sets values that belong together as one change: where one of them differs, the next flush writes all,
+    /// whatever another process has put in the place of the others meanwhile.
+    void setObjects(std::initializer_list<Setting> settings) { set({settings.begin(), settings.size()}); }
     void removeObjectForKey(std::string_view key) { setObject(key, {}); }
 
-    /// Flushes what changed since the last flush; without a change it makes no system call. True if
+    /// Flushes what changed since the last flush, which nothing else does, the exit of the process included;
+    /// without a change it makes no system call. True if
     /// everything set so far is in the file; false (one log line until it succeeds again) where it cannot be
     /// written: it is kept in memory, and the next call tries again. Waits while another process flushes.
     bool synchronize();
@@ -60,6 +68,7 @@ class KX_EXPORT NSUserDefaults : public Subclass<NSUserDefaults, NSObject> {
   private:
     struct State;
 
+    void set(std::span<const Setting> settings);
     [[nodiscard]] const DefaultsSnapshot* readableSnapshot() const;
     [[nodiscard]] Value valueUnderLock(std::string_view key) const;
     void noteChange();

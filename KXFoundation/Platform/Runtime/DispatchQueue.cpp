@@ -120,12 +120,6 @@ bool DispatchQueue::cancel(std::uint64_t number) {
     return true;
 }
 
-void DispatchQueue::cancelAll() {
-    std::deque<Entry> cancelled;
-    const MutexLock lock(mutex_);
-    cancelled.swap(pending_);
-}
-
 void DispatchQueue::waitUntilIdle() {
     if (isCurrent()) return callerError("queue " + label_ + ": waited for from one of its own blocks");
     const MutexLock lock(mutex_);

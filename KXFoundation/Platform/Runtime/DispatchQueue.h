@@ -88,7 +88,6 @@ class KX_EXPORT DispatchQueue : public std::enable_shared_from_this<DispatchQueu
 
     std::uint64_t submit(Block block);
     [[nodiscard]] bool cancel(std::uint64_t number);
-    void cancelAll();
     void waitUntilIdle();
     [[nodiscard]] std::size_t unfinished() const;
 

@@ -2,12 +2,54 @@
 
 #include <atomic>
 #include <cerrno>
+#include <charconv>
+#include <optional>
 
+#include <signal.h>
 #include <unistd.h>
 
+#include <KXFoundation/Platform/Runtime/Clock.h>
 #include <KXFoundation/Platform/Runtime/FileSystem.h>
 
 namespace kx {
+
+namespace {
+
+constexpr std::string_view kTemporary = ".new-";
+
+/// Beside the file, under a name that no other thread or process has.
+std::string temporaryPath(const std::string& path) {
+    static std::atomic<unsigned> counter{0};
+    return path + std::string(kTemporary) + std::to_string(getpid()) + "-" +
+           std::to_string(counter.fetch_add(1));
+}
+
+/// The process in the name of a temporary file of the file called `name`; absent for any other name.
+std::optional<pid_t> processOf(std::string_view temporary, std::string_view name) {
+    if (!temporary.starts_with(name) || !temporary.substr(name.size()).starts_with(kTemporary)) return {};
+    const std::string_view numbers = temporary.substr(name.size() + kTemporary.size());
+    const char* const end = numbers.data() + numbers.size();
+    pid_t process = 0;
+    unsigned number = 0;
+    const auto first = std::from_chars(numbers.data(), end, process);
+    if (first.ec != std::errc() || process <= 0 || first.ptr == end || *first.ptr != '-') return {};
+    const auto second = std::from_chars(first.ptr + 1, end, number);
+    if (second.ec != std::errc() || second.ptr != end) return {};
+    return process;
+}
+
+bool isAlive(pid_t process) noexcept {
+    return ::kill(process, 0) == 0 || errno != ESRCH;
+}
+
+bool isOld(FileSystem& files, const std::string& path) {
+    const auto info = files.info(path);
+    if (!info) return false;
+    const std::chrono::nanoseconds now = Clock::slot().current().wallTime().time_since_epoch();
+    return now - std::chrono::nanoseconds(info->modifiedNanoseconds) > std::chrono::hours(1);
+}
+
+}  // namespace
 
 PortSlot<FileSystem>& FileSystem::slot() {
     static constinit PortSlot<FileSystem> slot;
@@ -39,9 +81,7 @@ Result<std::unique_ptr<File>> lockFile(FileSystem& files, const std::string& pat
 }
 
 Result<void> replaceFile(FileSystem& files, const std::string& path, std::string_view contents) {
-    static std::atomic<unsigned> counter{0};
-    const std::string temporary =
-        path + ".new-" + std::to_string(getpid()) + "-" + std::to_string(counter.fetch_add(1));
+    const std::string temporary = temporaryPath(path);
     const auto write = [&]() -> Result<void> {
         auto file = files.open(temporary, FileSystem::Mode::CreateNew);
         if (!file && file.error().systemError == EEXIST) {  // left by a process that died with this id
@@ -58,6 +98,19 @@ Result<void> replaceFile(FileSystem& files, const std::string& path, std::string
         return done;
     }
     return files.syncDirectory(directoryOf(path));
+}
+
+void removeLeftOver(FileSystem& files, const std::string& path, LeftOver which) {
+    const std::string folder = directoryOf(path);
+    const auto names = files.list(folder);
+    if (!names) return;
+    const std::string name = path.substr(path.find_last_of('/') + 1);  // npos + 1 is 0
+    for (const std::string& found : *names) {
+        const auto process = processOf(found, name);
+        if (!process) continue;
+        const std::string left = (folder + "/").append(found);
+        if (which == LeftOver::All || (!isAlive(*process) && isOld(files, left))) (void)files.remove(left);
+    }
 }
 
 Result<void> makeDirectories(FileSystem& files, const std::string& path) {

@@ -101,6 +101,15 @@ KX_EXPORT Result<std::string> readFile(FileSystem& files, const std::string& pat
 /// file beside it, sync, rename, sync of the directory. The temporary file is removed on failure.
 KX_EXPORT Result<void> replaceFile(FileSystem& files, const std::string& path, std::string_view contents);
 
+/// Which temporary files of replaceFile are left over from a process that was killed.
+enum class LeftOver : std::uint8_t {
+    All,   ///< the caller holds a lock that everybody takes who replaces this file
+    Dead,  ///< those of a process that is no more and an hour old: elsewhere its number may be in use
+};
+
+/// Removes what is left over beside the file, as far as it can. Lists the folder.
+KX_EXPORT void removeLeftOver(FileSystem& files, const std::string& path, LeftOver which);
+
 /// Opens the file, made with its directories if missing, and locks it: held as long as the answer lives.
 KX_EXPORT Result<std::unique_ptr<File>> lockFile(FileSystem& files, const std::string& path, File::Lock kind);
 

@@ -52,11 +52,6 @@ class BasicOperation<Receiver, R(A...)> {
         return reinterpret_cast<Function>(function)(receiver, std::forward<A>(arguments)...);
     }
 
-    /// Whether the receiver's class, or a base of it, implements the operation.
-    [[nodiscard]] bool isImplemented(Receiver& receiver) const noexcept {
-        return table(receiver).function(index()) != nullptr;
-    }
-
     /// Makes `function` the class's own implementation, and that of every subclass without one of its own.
     void implement(Class& cls, Function function) const {
         implementOperation(cls, kind, index(), reinterpret_cast<AnyFunction>(function), name_);

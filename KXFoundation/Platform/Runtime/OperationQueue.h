@@ -25,8 +25,6 @@ class KX_EXPORT OperationQueue {
     Number addOperation(DispatchQueue::Block operation) { return queue_->submit(std::move(operation)); }
     /// Forgets the operation if it has not begun; false if it has.
     bool cancelOperation(Number number) { return queue_->cancel(number); }
-    /// Forgets all operations that have not begun.
-    void cancelAllOperations() { queue_->cancelAll(); }
 
     /// Waits until no operation runs or waits. A caller error from inside one of them.
     void waitUntilAllOperationsAreFinished() { queue_->waitUntilIdle(); }

@@ -6,6 +6,7 @@
 #include <vector>
 
 #include <KXFoundation/Platform/Runtime/Export.h>
+#include <KXFoundation/Platform/Runtime/Mutex.h>
 
 /// Process-wide state (the standard defaults, the main bundle, the notification centre) that is made at first
 /// use and never destroyed. It is declared through ProcessState so that a test can set it all aside for a
@@ -27,6 +28,7 @@ class KX_EXPORT ProcessStateBase {
     void enlist() noexcept;  // known to ScopedProcessState from its first use on
 
     std::atomic<void*> object_{nullptr};
+    Mutex making_;  // held while the object is made
 
   private:
     friend class ScopedProcessState;
@@ -45,15 +47,16 @@ class ProcessState : public ProcessStateBase {
         setDestroyer([](void* object) { delete static_cast<T*>(object); });
     }
 
-    /// The one object, made with T() at first need. Any thread may ask; what T allows is T's affair.
+    /// The one object, made with T() at first need, once: who asks meanwhile waits. Any thread may ask; what
+    /// T allows is T's affair.
     T& get() {
         if (void* found = object_.load(std::memory_order_acquire)) return *static_cast<T*>(found);
+        const MutexLock lock(making_);
+        if (void* found = object_.load(std::memory_order_acquire)) return *static_cast<T*>(found);
         enlist();
-        auto made = std::make_unique<T>();
-        void* expected = nullptr;
-        if (object_.compare_exchange_strong(expected, made.get(), std::memory_order_acq_rel))
-            return *made.release();
-        return *static_cast<T*>(expected);
+        T* const made = new T();
+        object_.store(made, std::memory_order_release);
+        return *made;
     }
 };
 

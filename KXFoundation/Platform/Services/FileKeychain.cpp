@@ -160,6 +160,9 @@ Result<void> FileKeychain::change(const std::function<Result<void>(Items&)>& edi
 }
 
 Result<void> FileKeychain::write(Contents contents) {
+    std::call_once(tidied_, [this] {
+        for (const std::string& path : {path_, keyPath_}) removeLeftOver(*files_, path, LeftOver::All);
+    });
     if (contents.damage) {
         if (auto moved = setAside(path_); !moved) return moved;
         if (contents.key.empty()) {

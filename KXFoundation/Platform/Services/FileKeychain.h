@@ -4,6 +4,7 @@
 #include <functional>
 #include <map>
 #include <memory>
+#include <mutex>
 #include <optional>
 #include <string>
 #include <utility>
@@ -53,6 +54,7 @@ class KX_EXPORT FileKeychain final : public KeychainStore {
     const std::string path_;
     const std::string keyPath_;
     const SodiumModule& sodium_;
+    std::once_flag tidied_;  // nothing of killed processes lies beside the files
     Mutex mutex_;
     bool reported_ KX_GUARDED_BY(mutex_) = false;  // the damage that is there has its line
 };

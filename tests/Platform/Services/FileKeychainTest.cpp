@@ -114,6 +114,13 @@ TEST_F(FileKeychainTest, ADamagedFileIsSetAside) {
     }
 }
 
+TEST_F(FileKeychainTest, RemovesWhatAKilledProcessWasWriting) {
+    const std::string left[] = {directory.write("data/app/keychain.new-1-0", "half"),
+                                directory.write("data/app/keychain.key.new-1-1", "half")};
+    EXPECT_TRUE(keychain().add({"a", "a"}, "b").ok());
+    for (const std::string& path : left) EXPECT_FALSE(std::filesystem::exists(path)) << path;
+}
+
 TEST_F(FileKeychainTest, ReadsWhereNothingCanBeWritten) {
     EXPECT_TRUE(keychain().add({"a", "a"}, "old").ok());
     std::filesystem::remove(directory / "data/app/keychain.lock");
