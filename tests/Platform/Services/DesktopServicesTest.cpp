@@ -210,9 +210,7 @@ TEST_F(DesktopServicesTest, TextsAreAnnouncedWhereSomebodyListens) {
     const testing::CapturedLog log;
     platform_.bundle().setInfo("CFBundleDisplayName", "Harbour");
     ScreenReader::makeDefault()->announce("no bus");
-    if (!startBus({})) GTEST_SKIP() << "no message bus can be started here";
-    ScreenReader::makeDefault()->announce("nobody");
-    ASSERT_TRUE(startBus({"accessibility"}));
+    if (!startBus({"accessibility"})) GTEST_SKIP() << "no message bus can be started here";
     const auto reader = ScreenReader::makeDefault();
     const std::pair<std::string, std::string> rows[] = {
         {"Saved \xC3\xBC", "7 Saved \xC3\xBC"},
@@ -228,6 +226,10 @@ TEST_F(DesktopServicesTest, TextsAreAnnouncedWhereSomebodyListens) {
     const auto unheard = ScreenReader::makeDefault();
     unheard->announce("nobody at the address");
     EXPECT_TRUE(eventually([&] { return log.lines().size() == 1; }));
+    ASSERT_TRUE(startBus({}));
+    ScreenReader::makeDefault()->announce("nobody");
+    EXPECT_FALSE(capabilities(kPatience).empty());  // some conversations later
+    EXPECT_EQ(log.lines().size(), 1U);
 }
 
 /// The answer of that name.
