@@ -4,10 +4,16 @@
 #
 # In the build tree it is copied to where the program looks for it: `Resources/` beside the program or, where programs
 # share a `bin/` folder, `../share/<program>/` as after installation. The copy follows the directory: a changed, new or
-# removed file renews it. At installation it goes to <datadir>/<program>/, unless NO_INSTALL is given.
+# removed file renews it. At installation it goes to <datadir>/<program>/, unless NO_INSTALL is given; the program
+# itself is installed by install(TARGETS <target>).
 function(kx_bundle target directory)
   include(GNUInstallDirs)
   get_filename_component(directory ${directory} ABSOLUTE)
+  if(NOT TARGET ${target})
+    message(FATAL_ERROR "kx_bundle: there is no target ${target}")
+  elseif(NOT IS_DIRECTORY ${directory})
+    message(FATAL_ERROR "kx_bundle: there is no directory ${directory}")
+  endif()
   get_target_property(place ${target} RUNTIME_OUTPUT_DIRECTORY)
   if(NOT place)
     set(place ${CMAKE_CURRENT_BINARY_DIR})

@@ -48,7 +48,8 @@ install(FILES ${PROJECT_BINARY_DIR}/include/KXFoundation/Version.h
 get_property(foundation_packages GLOBAL PROPERTY KX_PACKAGES_Foundation)
 get_property(ui_packages GLOBAL PROPERTY KX_PACKAGES_UI)
 configure_package_config_file(packaging/KXFoundationConfig.cmake.in
-  ${PROJECT_BINARY_DIR}/KXFoundationConfig.cmake INSTALL_DESTINATION ${package_dir})
+  ${PROJECT_BINARY_DIR}/KXFoundationConfig.cmake INSTALL_DESTINATION ${package_dir}
+  PATH_VARS CMAKE_INSTALL_BINDIR)
 set(compatible SameMajorVersion)
 if(PROJECT_VERSION_MAJOR EQUAL 0)
   set(compatible SameMinorVersion)

@@ -3,13 +3,15 @@
 """site_input.py ROOT FOLDER: copies pages and public headers to the folder as Doxygen takes them. No line moves.
 
 Pages link to files, so that they can be read where they lie. In the site a page is named by a label, and a header by its
-path: a link to anything else that lies in the tree keeps its text alone.
+path: a link to anything else that lies in the tree keeps its text alone. The site's pictures lie in one folder, where each
+has the name of its path, for two may be called alike.
 
 What a header says before its namespace is about the file; Doxygen would take it for the namespace's description."""
 
 import os
 import pathlib
 import re
+import shutil
 import sys
 
 CODE = re.compile(r"`[^`]+`")
@@ -22,13 +24,17 @@ def label(page):
     return "page_" + re.sub(r"\W", "_", page.removesuffix(".md"))
 
 
+def picture_name(path):
+    return path.replace("/", "-")
+
+
 def in_site(match, page):
     mark, text, target = match.groups()
     if re.match(r"\w+:|#", target):
         return match[0]
-    if mark:  # Doxygen finds pictures by their names (IMAGE_PATH)
-        return f"![{text}]({os.path.basename(target)})"
     path = os.path.normpath(os.path.join(os.path.dirname(page), target))
+    if mark:
+        return f"![{text}]({picture_name(path)})"
     if path.endswith(".md"):
         command = "subpage" if page == "docs/README.md" else "ref"  # the contents of the site are its tree
         return f'\\{command} {label(path)} "{text}"'
@@ -64,3 +70,7 @@ for path in [*root.glob("*.md"), *(root / "docs").rglob("*.md"), *headers]:
     name = str(path.relative_to(root))
     (folder / name).parent.mkdir(parents=True, exist_ok=True)
     (folder / name).write_text(converted(name, path.read_text()))
+(folder / "pictures").mkdir()
+for place in ("docs/images", "tests/golden/pictures"):
+    for path in (root / place).rglob("*.png"):
+        shutil.copy(path, folder / "pictures" / picture_name(str(path.relative_to(root))))

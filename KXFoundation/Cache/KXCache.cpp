@@ -12,6 +12,7 @@
 #include <KXFoundation/Platform/Foundation/ApplicationFolder.h>
 #include <KXFoundation/Platform/Runtime/DispatchQueue.h>
 #include <KXFoundation/Platform/Runtime/Environment.h>
+#include <KXFoundation/Platform/Runtime/Log.h>
 
 namespace kx {
 
@@ -48,6 +49,8 @@ std::shared_ptr<KXDiskCacheProtocol> madeDiskCache(KXStoreClass cls, std::option
 KXStoreClass::KXStoreClass(std::string_view name) {
     registerStores();
     class_ = Class::named(name);
+    if (!class_ && !name.empty())
+        log(LogLevel::Warning, "cache: no class is named \"" + std::string(name) + "\"");
 }
 
 std::shared_ptr<KXCache> KXCache::initWithPath(KXStoreClass memoryCacheClass, KXStoreClass diskCacheClass,

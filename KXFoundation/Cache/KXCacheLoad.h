@@ -77,6 +77,10 @@ concept KXCacheLoaderCall = !std::same_as<F, KXCacheLoader> && std::copy_constru
 /// an Error, or a Result<Value>), or it answers nothing and completes the loading, then or later.
 ///
 ///     [] { return readBerths(); }
+///     []() -> Result<Value> {
+///         if (const auto berths = readBerths()) return Value(*berths);
+///         return Error{ErrorKind::Failed, 0, "reading berths"};
+///     }
 ///     [](const KXCacheLoading& loading) {
 ///         service.ask(loading.key(), [loading](const std::string& text) { loading.complete(Value(text)); });
 ///     }

@@ -10,8 +10,8 @@
 namespace kx {
 
 /// The class of a store: `KXMemoryCache::classObject()`, a pointer to a class, or the name of one. A name
-/// that no registered class has stands for no class, which conforms to nothing; an application registers its
-/// class by asking for it once (`MyStore::classObject()`).
+/// that no registered class has stands for no class, which conforms to nothing, and gives a log line; an
+/// application registers its class by asking for it once (`MyStore::classObject()`).
 class KX_EXPORT KXStoreClass {
   public:
     KXStoreClass(const Class& cls) noexcept : class_(&cls) {}

@@ -24,9 +24,9 @@ class KX_EXPORT ManualClock final : public Clock {
     void runAt(std::chrono::nanoseconds deadline, TimerThread thread, std::function<void()> action) override;
 
     /// Moves both times on. Before it returns, everything that became due has run, in order and at its own
-    /// time, and so has what that gave to queues (see drainQueues; call it on the main thread, or the main
-    /// queue's blocks wait for their turn). Timers that are set meanwhile run too if they are due. A step
-    /// back does nothing.
+    /// time, and so has what that gave to queues (see drainQueues in Executor.h; call it on the main thread,
+    /// or the main queue's blocks wait for their turn). Timers that are set meanwhile run too if they are
+    /// due. A step back does nothing.
     void advance(std::chrono::nanoseconds step);
 
     /// Sets the time of day alone, as a person does.

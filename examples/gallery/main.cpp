@@ -16,9 +16,17 @@
 
 namespace {
 
-int usage() {
-    std::fputs("usage: gallery [--headless DIRECTORY [--scale NUMBER] [--dark]] [--page NAME] [--steady]\n",
-               stderr);
+constexpr const char* kUsage =
+    "usage: gallery [--headless DIRECTORY [--scale NUMBER] [--dark]] [--page NAME] [--steady]\n"
+    "\n"
+    "  --headless DIRECTORY  draw the pages into pictures there, in four languages, without a display\n"
+    "  --scale NUMBER        pixels to the point in these pictures, 0.5 to 4; 2 unless said\n"
+    "  --dark                in the dark look\n"
+    "  --page NAME           only this page, or the one to begin with: language, objects, toast, ...\n"
+    "  --steady              with texts and times that are the same on every machine\n";
+
+int wrongUse(std::string_view option, const char* what) {
+    std::fprintf(stderr, "gallery: %s: %s\n%s", std::string(option).c_str(), what, kUsage);
     return 2;
 }
 
@@ -69,15 +77,19 @@ int main(int argc, char** argv) {
             look = kx::NSAppearance::Dark;
             continue;
         }
-        if (i + 1 == argc) return usage();
+        if (option == "--help") {
+            std::fputs(kUsage, stdout);
+            return 0;
+        }
+        const bool takesValue = option == "--headless" || option == "--page" || option == "--scale";
+        if (!takesValue) return wrongUse(option, "no such option");
+        if (i + 1 == argc) return wrongUse(option, "its value is missing");
         if (option == "--headless") {
             directory = argv[++i];
         } else if (option == "--page") {
             page = argv[++i];
-        } else if (option == "--scale") {
-            scale = std::clamp(std::atof(argv[++i]), 0.5, 4.0);
         } else {
-            return usage();
+            scale = std::clamp(std::atof(argv[++i]), 0.5, 4.0);
         }
     }
     std::optional<gallery::SteadyWorld> steady;

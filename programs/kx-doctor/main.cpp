@@ -6,11 +6,13 @@
 #include <KXFoundation/Platform/Services/Capabilities.h>
 #include <KXFoundation/Version.h>
 
-int main(int argc, char**) {
+int main(int argc, char** argv) {
     if (argc > 1) {
-        std::puts(
-            "usage: kx-doctor\nTells which services of the desktop applications can use on this machine.");
-        return 2;
+        const bool isAsked = std::string_view(argv[1]) == "--help";
+        std::fputs(
+            "usage: kx-doctor\nTells which services of the desktop applications can use on this machine.\n",
+            isAsked ? stdout : stderr);
+        return isAsked ? 0 : 2;
     }
     std::printf("KXFoundation %s\n", kx::KX_VERSION.data());
     for (const kx::Capability& capability : kx::capabilities()) {

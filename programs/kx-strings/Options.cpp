@@ -78,6 +78,9 @@ std::optional<Options> readOptions(int argc, char** argv) {
         options.folder = argv[optind];
         return options;
     }
+    if (right)
+        std::fprintf(stderr, "kx-strings: %s\n",
+                     optind == argc ? "which folder holds the tables?" : "one folder, not several");
     std::fputs(kUsage, stderr);
     return std::nullopt;
 }

@@ -115,7 +115,7 @@ kx::Result<Tables> readTables(const std::string& folder, Findings& findings) {
         }
     }
     if (tables.languages.empty())
-        return kx::Error{kx::ErrorKind::Missing, 0, folder + ": <language>.lproj/<table>.strings"};
+        return kx::Error{kx::ErrorKind::Missing, 0, "tables <language>.lproj/<table>.strings in " + folder};
     return tables;
 }
 

@@ -215,6 +215,22 @@ TEST_F(KXCacheLoadTest, ACoroutineAwaitsALoad) {
     static_cast<void>(cache->load("nice", nullptr));  // never awaited
 }
 
+/// One caller only looks, without a loader: who asks meanwhile is answered by its own.
+TEST(KXCacheLoadOrders, WhoHasNoLoaderTakesNobodyElsesAway) {
+    for (std::uint64_t seed = 0; seed < 100; ++seed) {
+        testing::SimulatedWorld world(seed);
+        const auto cache = KXCache::initWithPath("KXMemoryCache", "KXYYDiskCache", "x");
+        std::string seen;
+        cache->load("a", nullptr, {}, [](auto&) {});
+        DispatchQueue::shared().async([&] {
+            cache->load(
+                "a", [] { return "text"; }, {}, [&seen](auto& answer) { seen = textOf(answer); });
+        });
+        world.run();
+        EXPECT_EQ(seen, "text") << "seed " << seed;
+    }
+}
+
 /// Callers, one that cancels and one who removes the key after the source has changed, in every order.
 TEST(KXCacheLoadOrders, OneLoadForAllAndNothingOutdatedIsKept) {
     for (std::uint64_t seed = 0; seed < 600; ++seed) {

@@ -142,10 +142,10 @@ TEST(KXStrings, TellsWrongUse) {
         int status;
         const char* begin;
     } rows[] = {
-        {"--help", 0, "usage: "},      {"", 2, "usage: "},
-        {"R R", 2, "usage: "},         {"--unknown R", 2, ""},
+        {"--help", 0, "usage: "},      {"", 2, "kx-strings: which folder"},
+        {"R R", 2, "kx-strings: one"}, {"--unknown R", 2, ""},
         {"--function :1 R", 2, "kx-"}, {"--function f:0 R", 2, "kx-"},
-        {"R/en.lproj", 2, "kx-"},      {"nowhere", 2, "kx-"},
+        {"R/en.lproj", 2, "kx-"},      {"nowhere", 2, "kx-strings: tables <language>"},
         {"--sources no R", 2, "kx-"},  {"R", 0, "1 language, 1 table, 1 key, 0 sources: clean\n"},
     };
     for (const auto& [arguments, status, begin] : rows) {

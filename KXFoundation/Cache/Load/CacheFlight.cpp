@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: MIT
 
+#include <algorithm>
 #include <exception>
 
 #include <KXFoundation/Cache/Load/CacheLoads.h>
@@ -44,23 +45,29 @@ void CacheLoads::look(const std::shared_ptr<Flight>& flight) {
     if (loader) run(flight, *loader);
 }
 
-/// Answers the loader to run if there are callers who need it.
+/// Answers the loader to run if there are callers who need it. Where none of them has one, nothing more can
+/// be found.
 std::optional<KXCacheLoader> CacheLoads::serveFound(const std::shared_ptr<Flight>& flight,
                                                     const Callers& aboard, Answers& answers) {
     for (const auto& caller : aboard)
         if (!serve(caller, flight->found, flight->foundBy, answers)) flight->callers.push_back(caller);
-    if (flight->callers.empty()) {
+    const auto able = std::ranges::find_if(
+        flight->callers, [](const auto& caller) { return static_cast<bool>(caller->loader); });
+    if (able == flight->callers.end()) {
+        const Result<Value> nothing = Error{ErrorKind::Missing, 0, "cache load: no loader"};
+        for (const auto& caller : flight->callers)
+            if (!caller->isAnswered) answer(caller, answerFor(*caller, *flight, nothing), answers);
+        flight->callers.clear();
         end(flight);
         return std::nullopt;
     }
     ++statistics_.loads;
     flight->station = Flight::Station::Loading;
-    return std::move(flight->callers.front()->loader);
+    return std::move((*able)->loader);
 }
 
 void CacheLoads::run(const std::shared_ptr<Flight>& flight, const KXCacheLoader& loader) {
     const KXCacheLoading loading(std::make_shared<KXCacheLoading::Ending>(shared_from_this(), flight));
-    if (!loader) return loading.complete(Error{ErrorKind::Missing, 0, "cache load: no loader"});
     try {
         loader(loading);
     } catch (const std::exception& exception) {

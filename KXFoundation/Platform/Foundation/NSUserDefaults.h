@@ -45,7 +45,8 @@ class KX_EXPORT NSUserDefaults : public Subclass<NSUserDefaults, NSObject> {
     [[nodiscard]] std::optional<std::string_view> stringViewForKey(std::string_view key) const;
 
     /// Sets a property-list value; null removes the key. An equal value marks nothing to flush; an object,
-    /// which no property list holds, is a caller error, as is a null inside an array or dictionary.
+    /// which no property list holds, is a caller error, as is a null inside an array or dictionary. It stays
+    /// in memory until synchronize().
     void setObject(std::string_view key, Value value);
     using Setting = std::pair<std::string_view, Value>;
     /// Sets values that belong together as one change: where one of them differs, the next flush writes all,
@@ -54,9 +55,9 @@ class KX_EXPORT NSUserDefaults : public Subclass<NSUserDefaults, NSObject> {
     void removeObjectForKey(std::string_view key) { setObject(key, {}); }
 
     /// Flushes what changed since the last flush, which nothing else does, the exit of the process included;
-    /// without a change it makes no system call. True if
-    /// everything set so far is in the file; false (one log line until it succeeds again) where it cannot be
-    /// written: it is kept in memory, and the next call tries again. Waits while another process flushes.
+    /// without a change it makes no system call. True if everything set so far is in the file; false (one log
+    /// line until it succeeds again) where it cannot be written: it is kept in memory, and the next call
+    /// tries again. Waits while another process flushes.
     bool synchronize();
 
     /// Another number after every change, own or merged from the file; one atomic load.

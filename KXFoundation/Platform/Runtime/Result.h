@@ -29,6 +29,7 @@ enum class ErrorKind : std::uint8_t {
 
 [[nodiscard]] KX_EXPORT std::string_view errorKindName(ErrorKind kind) noexcept;
 
+/// One of an application's own: `Error{ErrorKind::Failed, 0, "asking for berths"}`.
 struct KX_EXPORT Error {
     ErrorKind kind = ErrorKind::Failed;
     int systemError = 0;  ///< the errno behind it, 0 if there was none
