@@ -143,8 +143,8 @@ steady() { echo "$scratch/steady/$1-en.png"; }
 click_page() { click 100 $((71 + $1 * 648 / ${#names[@]})); }
 
 # What a person does on the page for the picture: where the button is, and its number on the page from 1.
-declare -A button=([language]="736 145" [album]="303 278" [image-cache]="296 121" [toast]="284 161")
-declare -A number=([language]=4 [album]=1 [image-cache]=1 [toast]=3)
+declare -A button=([language]="736 145" [cache]="287 584" [album]="303 278" [image-cache]="296 121" [toast]="284 161")
+declare -A number=([language]=4 [cache]=5 [album]=1 [image-cache]=1 [toast]=3)
 
 used_by_mouse() {
     click_page $1

@@ -76,9 +76,12 @@ void CachePage::toggleAge() {
     if (cache_->diskCache()) cache_->diskCache()->setAgeLimit(age);
 }
 
-/// What a slow service would answer: how often it was asked.
-KXCacheLoader CachePage::loader() const {
-    return [asked = asked_](const KXCacheLoading& loading) {
+/// What a slow service would answer: how often it was asked. The page shows that it is.
+KXCacheLoader CachePage::loader(Gallery& gallery) const {
+    return [asked = asked_, &gallery, shown = std::weak_ptr(answers_)](const KXCacheLoading& loading) {
+        DispatchQueue::main().async([&gallery, shown] {
+            if (shown.lock()) gallery.rebuild();
+        });
         DispatchQueue::shared().after(std::chrono::seconds(1), [asked, loading] {
             loading.complete(Value(static_cast<std::int64_t>(++*asked)));
         });
@@ -97,7 +100,7 @@ void CachePage::ask(Gallery& gallery) {
                 answer ? std::to_string(answer->asInteger().value_or(0)) : answer.error().message();
             gallery.rebuild();
         };
-        cache_->load("tide", loader(), options, take);
+        cache_->load("tide", loader(gallery), options, take);
     }
     gallery.rebuild();
 }

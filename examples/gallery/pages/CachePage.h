@@ -28,7 +28,7 @@ class CachePage final : public Page {
     void fill();
     void read();
     void toggleAge();
-    [[nodiscard]] kx::KXCacheLoader loader() const;
+    [[nodiscard]] kx::KXCacheLoader loader(Gallery& gallery) const;
     void ask(Gallery& gallery);
     void addLoading(Column& column, Gallery& gallery);
 
