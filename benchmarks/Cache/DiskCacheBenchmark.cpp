@@ -224,6 +224,8 @@ class Filled {
         store.emplace(folder);
     }
     ~Filled() {
+        if constexpr (requires { store->waitForRoom(); })
+            store->waitForRoom();  // nobody else removes files then
         store.reset();
         fs::remove_all(folder);
     }
