@@ -71,6 +71,7 @@ std::optional<Options> readOptions(int argc, char** argv) {
                                    {}};
     Options options;
     bool right = true;
+    // NOLINTNEXTLINE(concurrency-mt-unsafe): before there is another thread
     for (int option = 0; (option = getopt_long(argc, argv, "h", kOptions, nullptr)) != -1;)
         right = apply(options, option) && right;
     if (options.help) return options;
