@@ -232,6 +232,7 @@ Result<void> DiskStore::append(Form form, std::string_view key, std::span<const 
 Result<void> DiskStore::roll() {
     Segment* const last = index_.last();
     const std::uint32_t before = std::max(last ? last->file->number() : 0, known_.segment);
+    if (before >= kLastSegment) return lostPage();  // the next change starts over
     if (last && !last->isSealed) {
         if (auto sealed = last->file->seal(last->records, last->end); !sealed) return sealed;
         last->isSealed = true;

@@ -47,7 +47,25 @@ Result<void> DiskStore::open() {
 Result<void> DiskStore::openToChange() {
     static_cast<void>(leaveIfReplaced(Use::Change));
     whyClosed_ = std::nullopt;
-    return openAndFollow();
+    auto opened = openAndFollow();
+    return opened && known_.segment >= kLastSegment ? startOver() : opened;
+}
+
+/// No log comes that far: the numbers are those of a damaged page or folder, and there are no more to follow.
+Result<void> DiskStore::startOver() {
+    Error why = lostPage();
+    logError("disk cache, emptied", why);
+    if (auto locked = page_->lock(); !locked) return locked;
+    if (const auto numbers = segmentNumbers();
+        numbers && !isReplaced()) {  // by another process that was here first
+        for (const std::uint32_t number : *numbers)
+            (void)files_->remove(folder_ + "/" + DiskSegment::nameOf(number));
+        (void)files_->remove(headerPathIn(folder_));
+    }
+    page_->unlock();
+    leave();
+    auto opened = openAndFollow();
+    return opened && known_.segment >= kLastSegment ? Result<void>(std::move(why)) : opened;
 }
 
 Result<void> DiskStore::openAndFollow() {
