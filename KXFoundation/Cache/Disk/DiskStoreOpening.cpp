@@ -56,16 +56,26 @@ Result<void> DiskStore::startOver() {
     Error why = lostPage();
     logError("disk cache, emptied", why);
     if (auto locked = page_->lock(); !locked) return locked;
-    if (const auto numbers = segmentNumbers();
-        numbers && !isReplaced()) {  // by another process that was here first
-        for (const std::uint32_t number : *numbers)
+    Position before;  // files up to there may be waiting for their removal
+    // Unless another process was here first.
+    if (const auto numbers = segmentNumbers(); numbers && !isReplaced()) {
+        for (const std::uint32_t number : *numbers) {
             (void)files_->remove(folder_ + "/" + DiskSegment::nameOf(number));
+            if (number < kLastSegment) before.segment = number;
+        }
         (void)files_->remove(headerPathIn(folder_));
     }
     page_->unlock();
     leave();
-    auto opened = openAndFollow();
-    return opened && known_.segment >= kLastSegment ? Result<void>(std::move(why)) : opened;
+    if (auto opened = openAndFollow(); !opened) return opened;
+    if (known_.segment >= kLastSegment) return why;
+    if (auto locked = page_->lock(); !locked) return locked;
+    const auto ends = page_->ends();
+    const bool isSet = ends && (before <= ends->tail || page_->setTail(before));
+    page_->unlock();
+    if (!isSet) return why;
+    known_ = std::max(known_, before);
+    return {};
 }
 
 Result<void> DiskStore::openAndFollow() {
