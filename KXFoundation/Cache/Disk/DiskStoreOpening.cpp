@@ -54,7 +54,7 @@ Result<void> DiskStore::openToChange() {
 /// No log comes that far: the numbers are those of a damaged page or folder, and there are no more to follow.
 Result<void> DiskStore::startOver() {
     Error why = lostPage();
-    logError("disk cache, emptied", why);
+    if (!page_->isWritable()) return why;
     if (auto locked = page_->lock(); !locked) return locked;
     Position before;  // files up to there may be waiting for their removal
     // Unless another process was here first.
@@ -68,7 +68,8 @@ Result<void> DiskStore::startOver() {
     page_->unlock();
     leave();
     if (auto opened = openAndFollow(); !opened) return opened;
-    if (known_.segment >= kLastSegment) return why;
+    if (known_.segment >= kLastSegment) return why;  // nothing could be removed
+    logError("disk cache, emptied", why);
     if (auto locked = page_->lock(); !locked) return locked;
     const auto ends = page_->ends();
     const bool isSet = ends && (before <= ends->tail || page_->setTail(before));
