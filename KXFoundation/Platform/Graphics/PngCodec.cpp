@@ -4,6 +4,7 @@
 #include <csetjmp>
 #include <cstring>
 #include <memory>
+#include <new>
 #include <string>
 #include <string_view>
 
@@ -102,7 +103,13 @@ struct PngWriting {
     static void append(png_structp png, png_bytep data, std::size_t size) {
         const auto* const bytes = reinterpret_cast<const std::byte*>(data);
         auto& encoded = static_cast<PngWriting*>(png_get_io_ptr(png))->encoded;
-        encoded.insert(encoded.end(), bytes, bytes + size);
+        bool isKept = true;
+        try {
+            encoded.insert(encoded.end(), bytes, bytes + size);
+        } catch (const std::bad_alloc&) {
+            isKept = false;  // no exception may pass through libpng, and no leap out of a handler
+        }
+        if (!isKept) png_error(png, "no memory");
     }
     static void flush(png_structp) {}
 };
