@@ -110,7 +110,8 @@ struct Footer {
 };
 static_assert(sizeof(Footer) == 24);
 
-constexpr std::uint32_t kLastSegment = 0xFFFF'0000;  // no log comes that far
+constexpr std::uint32_t kLastSegment = 0xFFFF'0000;
+constexpr std::uint32_t kLateSegment = 0xFF00'0000;  // no log comes that far
 constexpr std::size_t kRecordSize = 24;
 constexpr std::size_t kLongestKey = 0xFFFF;
 constexpr std::uint64_t kLargestValue = std::uint64_t{1} << 30;

@@ -85,6 +85,7 @@ class DiskStore {
     Result<void> mendLast(bool isDamaged) KX_REQUIRES(mutex_);
     /// Opens the folder, or reads what others have changed in it.
     Result<void> openAndFollow() KX_REQUIRES(mutex_);
+    [[nodiscard]] bool isAtTheEnd() const KX_REQUIRES(mutex_);
     Result<void> startOver() KX_REQUIRES(mutex_);
     Result<void> follow(const HeaderPage::Ends& ends) KX_REQUIRES(mutex_) {
         return ends.tail > known_ || ends.head > knownHead_ ? replay(ends) : Result<void>();

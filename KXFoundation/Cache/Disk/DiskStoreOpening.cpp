@@ -48,10 +48,18 @@ Result<void> DiskStore::openToChange() {
     static_cast<void>(leaveIfReplaced(Use::Change));
     whyClosed_ = std::nullopt;
     auto opened = openAndFollow();
-    return opened && known_.segment >= kLastSegment ? startOver() : opened;
+    return opened && isAtTheEnd() ? startOver() : opened;
 }
 
-/// No log comes that far: the numbers are those of a damaged page or folder, and there are no more to follow.
+/// A tail so late with no file near it is that of a damaged page. What is set there brings a file: it is never
+/// taken for the same damage by the next one to open the folder.
+bool DiskStore::isAtTheEnd() const {
+    const Segment* const last = index_.last();
+    const bool isFarAhead = !last || last->file->number() < kLateSegment;
+    return known_.segment >= (isFarAhead ? kLateSegment : kLastSegment);
+}
+
+/// Empties the folder: its numbers are those of damage, and there are few or none to follow.
 Result<void> DiskStore::startOver() {
     Error why = lostPage();
     if (!page_->isWritable()) return why;
@@ -61,14 +69,14 @@ Result<void> DiskStore::startOver() {
     if (const auto numbers = segmentNumbers(); numbers && !isReplaced()) {
         for (const std::uint32_t number : *numbers) {
             (void)files_->remove(folder_ + "/" + DiskSegment::nameOf(number));
-            if (number < kLastSegment) before.segment = number;
+            if (number < kLateSegment) before.segment = number;
         }
         (void)files_->remove(headerPathIn(folder_));
     }
     page_->unlock();
     leave();
     if (auto opened = openAndFollow(); !opened) return opened;
-    if (known_.segment >= kLastSegment) return why;  // nothing could be removed
+    if (isAtTheEnd()) return why;  // nothing could be removed
     logError("disk cache, emptied", why);
     if (auto locked = page_->lock(); !locked) return locked;
     const auto ends = page_->ends();
