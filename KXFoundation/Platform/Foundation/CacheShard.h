@@ -39,11 +39,14 @@ class alignas(64) CacheShard {
     [[nodiscard]] CacheEntry* find(std::uint64_t hash, std::string_view key) const noexcept {
         return table_.load(std::memory_order_acquire)->find(hash, key);
     }
-    /// For the processor: what a set by a thread of this lane will need soon; no lock. The table may go at
-    /// any time, so this knows where it lies: what is fetched may be wrong.
-    void prefetch(std::uint64_t hash, std::size_t lane) const noexcept
+    // For the processor: what will be needed soon; no lock. The table may go at any time, so this knows where
+    // it lies: what is fetched may be wrong.
+    void prefetchToFind(std::uint64_t hash) const noexcept {
+        __builtin_prefetch(CacheTable::addressOf(tableLocation_, hash));
+    }
+    void prefetchToSet(std::uint64_t hash, std::size_t lane) const noexcept
         KX_THREAD_ANNOTATION(no_thread_safety_analysis) {
-        CacheTable::prefetch(tableLocation_, hash);
+        prefetchToChange(CacheTable::addressOf(tableLocation_, hash));
         prefetchToChange(&mutex_);
         prefetchToChange(&times_);
         prefetchToChange(&lanes_[lane]);

@@ -41,10 +41,11 @@ class alignas(64) CacheTable final : public Retirable {
         location.groups.store(groups_.get(), std::memory_order_relaxed);
         location.mask.store(mask_, std::memory_order_relaxed);
     }
-    static void prefetch(const Location& location, std::uint64_t hash) noexcept {
+    /// Where the group of the hash lies, or lay until just now: to fetch, not to read.
+    [[nodiscard]] static const void* addressOf(const Location& location, std::uint64_t hash) noexcept {
         const auto first = reinterpret_cast<std::uintptr_t>(location.groups.load(std::memory_order_relaxed));
         const std::size_t group = hash & location.mask.load(std::memory_order_relaxed);
-        prefetchToChange(reinterpret_cast<const void*>(first + group * sizeof(Group)));
+        return reinterpret_cast<const void*>(first + group * sizeof(Group));
     }
 
     // Changes: one thread at a time.

@@ -81,8 +81,7 @@ bool NSCache::isExpired(const CacheEntry& entry) const noexcept {
 }
 
 /// For a caller that is inside a FencedEpochReading.
-const CacheEntry* NSCache::find(std::string_view key) const {
-    const std::uint64_t hash = hashOf(key);
+const CacheEntry* NSCache::find(std::uint64_t hash, std::string_view key) const {
     for (;;) {
         CacheShard& shard = shardFor(hash);
         CacheEntry* const entry = shard.find(hash, key);
@@ -92,8 +91,10 @@ const CacheEntry* NSCache::find(std::string_view key) const {
 }
 
 Value NSCache::objectForKey(std::string_view key) const {
+    const std::uint64_t hash = hashOf(key);
+    shardFor(hash).prefetchToFind(hash);  // on its way while the fence waits for what is under way
     const FencedEpochReading reading;
-    const CacheEntry* const entry = find(key);
+    const CacheEntry* const entry = find(hash, key);
     countUse(entry ? &Uses::hits : &Uses::misses);
     if (!entry) return {};
     const_cast<CacheEntry*>(entry)->visit();
@@ -102,7 +103,7 @@ Value NSCache::objectForKey(std::string_view key) const {
 
 bool NSCache::containsObjectForKey(std::string_view key) const {
     const FencedEpochReading reading;
-    return find(key) != nullptr;
+    return find(hashOf(key), key) != nullptr;
 }
 
 bool NSCache::isOver(std::uint64_t countChange, std::uint64_t costChange) const noexcept {
@@ -143,7 +144,7 @@ void NSCache::setObject(Value object, std::string_view key, std::uint64_t cost) 
     if (costLimit != 0 && cost > costLimit) return removeObjectForKey(key);
     const std::uint64_t hash = hashOf(key);
     const std::uint8_t lane = laneOfThisThread();
-    shardFor(hash).prefetch(hash, lane);
+    shardFor(hash).prefetchToSet(hash, lane);
     CacheEntry* const entry =
         CacheEntry::make(key, std::move(object), {hash, cost, lane, clock_->coarseNow()});
     bool isLarge = false;

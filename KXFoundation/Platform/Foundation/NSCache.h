@@ -77,7 +77,7 @@ class KX_EXPORT NSCache : public Subclass<NSCache, NSObject> {
     };
     class LockedShard;
 
-    [[nodiscard]] const CacheEntry* find(std::string_view key) const;
+    [[nodiscard]] const CacheEntry* find(std::uint64_t hash, std::string_view key) const;
     [[nodiscard]] CacheShard& shardFor(std::uint64_t hash) const noexcept;
     void countUse(std::atomic<std::uint64_t> Uses::*counter) const;
     // Changes of count and cost are modulo 2^64.
