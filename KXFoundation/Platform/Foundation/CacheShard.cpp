@@ -60,9 +60,12 @@ void CacheShard::unlinkFromOrder(CacheEntry* entry) {
     noteTimes(entry->lane);
 }
 
+/// Most entries are as old as their neighbours, by the coarse clock: a time that stands already is not written,
+/// so that all lanes keep their copy of the line.
 void CacheShard::noteTimes(std::size_t lane) {
-    const auto note = [](std::atomic<std::int64_t>& time, const CacheEntry* entry) {
-        time.store(entry ? entry->time.count() : kNever.count(), std::memory_order_relaxed);
+    const auto note = [](std::atomic<std::int64_t>& noted, const CacheEntry* entry) {
+        const std::int64_t time = entry ? entry->time.count() : kNever.count();
+        if (noted.load(std::memory_order_relaxed) != time) noted.store(time, std::memory_order_relaxed);
     };
     note(times_[lane].oldest, lanes_[lane].order.oldest());
     note(times_[lane].atHand, lanes_[lane].order.hand());

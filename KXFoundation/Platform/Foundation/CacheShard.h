@@ -48,7 +48,7 @@ class alignas(64) CacheShard {
         KX_THREAD_ANNOTATION(no_thread_safety_analysis) {
         prefetchToChange(CacheTable::addressOf(tableLocation_, hash));
         prefetchToChange(&mutex_);
-        prefetchToChange(&times_);
+        __builtin_prefetch(&times_);
         prefetchToChange(&lanes_[lane]);
     }
     /// When its oldest entry was set; no lock.
