@@ -29,10 +29,12 @@ class KXCacheKey {
     KXCacheKey(const std::optional<Text>& text) noexcept
         : KXCacheKey(text ? KXCacheKey(*text) : KXCacheKey()) {}
 
-    [[nodiscard]] explicit operator bool() const noexcept { return text_ != nullptr; }
+    [[nodiscard]] explicit operator bool() const noexcept { return has_value(); }
     [[nodiscard]] std::string_view operator*() const noexcept { return {text_, size_}; }
-    /// A copy; empty where the key is absent.
-    [[nodiscard]] std::string text() const { return std::string(**this); }
+    [[nodiscard]] bool has_value() const noexcept { return text_ != nullptr; }
+    [[nodiscard]] std::string_view value_or(std::string_view text) const noexcept {
+        return has_value() ? **this : text;
+    }
 
   private:
     struct Present {};

@@ -82,7 +82,8 @@ bool KXCache::containsObjectForKey(KXCacheKey key) {
 void KXCache::containsObjectForKey(KXCacheKey key, KXCacheContains block) {
     if (!block) return;
     if (memory_ && memory_->containsObjectForKey(key)) {
-        DispatchQueue::shared().async([block = std::move(block), key = key.text()] { block(key, true); });
+        DispatchQueue::shared().async(
+            [block = std::move(block), key = std::string(key.value_or(""))] { block(key, true); });
     } else if (disk_) {
         disk_->containsObjectForKey(key, std::move(block));
     }
@@ -103,8 +104,8 @@ Value KXCache::objectForKey(KXCacheKey key) {
 void KXCache::objectForKey(KXCacheKey key, KXCacheObject block) {
     if (!block) return;
     if (Value object = inMemory(key); !object.isNull()) {
-        DispatchQueue::shared().async(
-            [block = std::move(block), key = key.text(), object = std::move(object)] { block(key, object); });
+        DispatchQueue::shared().async([block = std::move(block), key = std::string(key.value_or("")),
+                                       object = std::move(object)] { block(key, object); });
     } else if (disk_) {
         disk_->objectForKey(key, [memory = memory_, block = std::move(block)](const std::string& found,
                                                                               const Value& fromDisk) {

@@ -26,6 +26,10 @@ bool succeeded(const Result<void>& result) {
     return result.ok();
 }
 
+std::string keyText(KXCacheKey key) {
+    return std::string(key.value_or(""));
+}
+
 }  // namespace
 
 struct KXDiskCache::State : std::enable_shared_from_this<State> {
@@ -84,9 +88,10 @@ bool KXDiskCache::containsObjectForKey(KXCacheKey key) {
 
 void KXDiskCache::containsObjectForKey(KXCacheKey key, KXCacheContains block) {
     if (!block) return;
-    state_->queue->async([state = state_, isKey = bool(key), key = key.text(), block = std::move(block)] {
-        block(key, isKey && answered(state->store.contains(key)));
-    });
+    state_->queue->async(
+        [state = state_, isKey = key.has_value(), key = keyText(key), block = std::move(block)] {
+            block(key, isKey && answered(state->store.contains(key)));
+        });
 }
 
 Value KXDiskCache::objectForKey(KXCacheKey key) {
@@ -95,9 +100,8 @@ Value KXDiskCache::objectForKey(KXCacheKey key) {
 
 void KXDiskCache::objectForKey(KXCacheKey key, KXCacheObject block) {
     if (!block) return;
-    state_->queue->async([state = state_, isKey = bool(key), key = key.text(), block = std::move(block)] {
-        block(key, isKey ? state->decoded(key) : Value());
-    });
+    state_->queue->async([state = state_, isKey = key.has_value(), key = keyText(key),
+                          block = std::move(block)] { block(key, isKey ? state->decoded(key) : Value()); });
 }
 
 void KXDiskCache::setObject(Value object, KXCacheKey forKey) {
@@ -113,7 +117,7 @@ void KXDiskCache::setObject(Value object, KXCacheKey forKey, KXCacheDone block) 
     const auto stored =
         isChange ? std::make_shared<Stored>(disk::StoredValue::of(std::move(object))) : nullptr;
     state_->changeDurably(
-        [stored, key = forKey.text()](disk::DiskStore& store) -> Result<void> {
+        [stored, key = keyText(forKey)](disk::DiskStore& store) -> Result<void> {
             if (!stored) return {};
             return *stored ? store.set(key, **stored) : Result<void>(stored->error());
         },
@@ -126,8 +130,8 @@ void KXDiskCache::removeObjectForKey(KXCacheKey key) {
 
 void KXDiskCache::removeObjectForKey(KXCacheKey key, KXCacheKeyDone block) {
     KXCacheDone done;
-    if (block) done = [block = std::move(block), text = key.text()] { block(text); };
-    state_->changeDurably([isKey = bool(key), text = key.text()](
+    if (block) done = [block = std::move(block), text = keyText(key)] { block(text); };
+    state_->changeDurably([isKey = key.has_value(), text = keyText(key)](
                               disk::DiskStore& store) { return isKey ? store.remove(text) : Result<void>(); },
                           std::move(done));
 }
