@@ -60,8 +60,8 @@ void CacheShard::unlinkFromOrder(CacheEntry* entry) {
     noteTimes(entry->lane);
 }
 
-/// Most entries are as old as their neighbours, by the coarse clock: a time that stands already is not written,
-/// so that all lanes keep their copy of the line.
+/// Most entries are as old as their neighbours, by the coarse clock: a time that stands already is not
+/// written, so that all lanes keep their copy of the line.
 void CacheShard::noteTimes(std::size_t lane) {
     const auto note = [](std::atomic<std::int64_t>& noted, const CacheEntry* entry) {
         const std::int64_t time = entry ? entry->time.count() : kNever.count();
@@ -149,14 +149,6 @@ DiscardedEntries CacheShard::takeIfMuch(std::size_t lane, std::uint64_t cost) {
     const bool isMuch = lanes_[lane].discardedCount >= std::clamp<std::size_t>(count_ / kPart, 1, kMost) ||
                         lanes_[lane].discardedCost > cost / kPart;
     return isMuch ? takeDiscarded(lane) : DiscardedEntries();
-}
-
-void CacheShard::lock() const {
-    constexpr int kTries = 200;
-    for (int i = 0; i < kTries; ++i) {
-        if (mutex_.tryLock()) return;
-    }
-    mutex_.lock();
 }
 
 }  // namespace kx

@@ -12,8 +12,8 @@
 #include <KXFoundation/Platform/Foundation/CacheOrder.h>
 #include <KXFoundation/Platform/Foundation/CacheTable.h>
 #include <KXFoundation/Platform/Foundation/DiscardedEntries.h>
-#include <KXFoundation/Platform/Runtime/Mutex.h>
 #include <KXFoundation/Platform/Runtime/Prefetch.h>
+#include <KXFoundation/Platform/Runtime/ShortLock.h>
 
 namespace kx {
 
@@ -54,10 +54,9 @@ class alignas(64) CacheShard {
     /// When its oldest entry was set; no lock.
     [[nodiscard]] std::chrono::nanoseconds oldestTime() const noexcept;
 
-    [[nodiscard]] Mutex& mutex() const noexcept KX_THREAD_ANNOTATION(lock_returned(mutex_)) { return mutex_; }
-    /// Locks the mutex. It is held for less time than it takes to put a thread to sleep and wake it, so this
-    /// asks some times before it sleeps.
-    void lock() const KX_ACQUIRE(mutex_);
+    [[nodiscard]] ShortLock& mutex() const noexcept KX_THREAD_ANNOTATION(lock_returned(mutex_)) {
+        return mutex_;
+    }
 
     [[nodiscard]] CacheEntry* findLocked(std::uint64_t hash, std::string_view key) const KX_REQUIRES(mutex_) {
         return find(hash, key);
@@ -130,7 +129,7 @@ class alignas(64) CacheShard {
 
     std::atomic<CacheTable*> table_;
     CacheTable::Location tableLocation_;
-    alignas(64) mutable Mutex mutex_;
+    alignas(64) mutable ShortLock mutex_;
     std::size_t count_ KX_GUARDED_BY(mutex_) = 0;
     std::uint64_t evictions_ KX_GUARDED_BY(mutex_) = 0;
     alignas(64) std::array<Times, kLanes> times_;

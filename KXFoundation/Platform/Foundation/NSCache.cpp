@@ -29,7 +29,7 @@ class NSCache::LockedShard {
     LockedShard(const NSCache& cache, std::uint64_t hash) KX_THREAD_ANNOTATION(no_thread_safety_analysis) {
         for (;;) {
             shard_ = &cache.shardFor(hash);
-            shard_->lock();
+            shard_->mutex().lock();
             if (shard_ == &cache.shardFor(hash)) return;
             shard_->mutex().unlock();
         }
@@ -190,7 +190,7 @@ void NSCache::removeObjectForKey(std::string_view key) {
 void NSCache::removeAllObjects() {
     for (CacheShard& shard : shards_) {
         std::array<DiscardedEntries, CacheShard::kLanes> removed;
-        const MutexLock lock(shard.mutex());
+        const ShortLocking lock(shard.mutex());
         while (CacheEntry* entry = shard.oldestBefore(CacheShard::kNever)) {
             shard.unlink(entry);
             take(*entry);
@@ -211,7 +211,7 @@ bool NSCache::evictOneOfEach(const CacheEntry* keep) {
     for (CacheShard& shard : shards_) {
         if (!isOver()) return true;
         DiscardedEntries evicted;
-        const MutexLock lock(shard.mutex());
+        const ShortLocking lock(shard.mutex());
         CacheEntry* const victim = shard.evict(keep);
         if (!victim) continue;
         found = true;
@@ -227,7 +227,7 @@ void NSCache::removeExpired() const {
     for (CacheShard& shard : shards_) {
         if (shard.oldestTime() >= expired) continue;
         DiscardedEntries removed;
-        const MutexLock lock(shard.mutex());
+        const ShortLocking lock(shard.mutex());
         while (CacheEntry* entry = shard.evictBefore(expired)) {
             take(*entry);
             removed.add(entry);
@@ -277,7 +277,7 @@ void NSCache::setAgeLimit(double seconds) {
 void NSCache::keepShare(double share) {
     for (CacheShard& shard : shards_) {
         DiscardedEntries evicted;
-        const MutexLock lock(shard.mutex());
+        const ShortLocking lock(shard.mutex());
         const auto kept =
             static_cast<std::size_t>(std::clamp(share, 0.0, 1.0) * static_cast<double>(shard.count()));
         while (shard.count() > kept) {
@@ -296,7 +296,7 @@ NSCache::Statistics NSCache::statistics() const {
         statistics.misses += uses.misses.load(std::memory_order_relaxed);
     }
     for (CacheShard& shard : shards_) {
-        const MutexLock lock(shard.mutex());
+        const ShortLocking lock(shard.mutex());
         statistics.evictions += shard.evictions();
     }
     statistics.count = totals_.count.load(std::memory_order_relaxed);

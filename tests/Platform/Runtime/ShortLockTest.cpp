@@ -1,0 +1,48 @@
+// SPDX-License-Identifier: MIT
+
+#include <chrono>
+#include <thread>
+#include <vector>
+
+#include <gtest/gtest.h>
+
+#include <KXFoundation/Platform/Runtime/ShortLock.h>
+
+namespace kx {
+namespace {
+
+/// Threads that count under one lock, holding it now and then for longer than the others ask before they
+/// sleep.
+int counted(int threads, int each, int sleepEvery) {
+    ShortLock lock;
+    int count = 0;
+    std::vector<std::thread> running;
+    for (int thread = 0; thread < threads; ++thread) {
+        running.emplace_back([&] {
+            for (int i = 0; i < each; ++i) {
+                const ShortLocking locking(lock);
+                if (++count % sleepEvery == 0) std::this_thread::sleep_for(std::chrono::milliseconds(1));
+            }
+        });
+    }
+    for (std::thread& thread : running) thread.join();
+    return count;
+}
+
+TEST(ShortLock, OneThreadAtATimeAndEachSleeperIsWoken) {
+    EXPECT_EQ(counted(4, 50'000, 1'000'000), 200'000) << "short holds";
+    EXPECT_EQ(counted(4, 1'000, 50), 4'000) << "some hold it for long";
+    EXPECT_EQ(counted(8, 10, 1), 80) << "all do";
+}
+
+TEST(ShortLock, TryingFailsWhileItIsHeld) {
+    ShortLock lock;
+    ASSERT_TRUE(lock.tryLock());
+    EXPECT_FALSE(lock.tryLock());
+    lock.unlock();
+    EXPECT_TRUE(lock.tryLock());
+    lock.unlock();
+}
+
+}  // namespace
+}  // namespace kx
