@@ -10,32 +10,35 @@ namespace kx {
 
 namespace {
 
+/// The values' memory is cold by now; it arrives while others are destroyed.
+void destroyAll(CacheEntry* first) noexcept {
+    constexpr int kAhead = 8;
+    const CacheEntry* ahead = first;
+    const auto fetchNext = [&] {
+        if (!ahead) return;
+        prefetchToChange(ahead->value.sharedPayload());
+        ahead = ahead->older;
+    };
+    for (int i = 0; i < kAhead; ++i) fetchNext();
+    while (first) {
+        fetchNext();
+        CacheEntry::destroy(std::exchange(first, first->older));
+    }
+}
+
 class RetiredEntries final : public Retirable {
   public:
     explicit RetiredEntries(CacheEntry* first) noexcept : first_(first) {}
-    /// The values' memory is cold by now; it arrives while others are destroyed.
-    ~RetiredEntries() override {
-        constexpr int kAhead = 8;
-        const CacheEntry* ahead = first_;
-        const auto fetchNext = [&] {
-            if (!ahead) return;
-            prefetchToChange(ahead->value.sharedPayload());
-            ahead = ahead->older;
-        };
-        for (int i = 0; i < kAhead; ++i) fetchNext();
-        while (first_) {
-            fetchNext();
-            CacheEntry::destroy(std::exchange(first_, first_->older));
-        }
-    }
+    ~RetiredEntries() override { destroyAll(first_); }
 
   private:
-    CacheEntry* first_;
+    CacheEntry* const first_;
 };
 
 }  // namespace
 
 void DiscardedEntries::retireAll() noexcept {
+    if (isNobodyReading()) return destroyAll(first_);
     // Without memory for this little the entries stay for good: no reader may lose them.
     if (auto* const entries = new (std::nothrow) RetiredEntries(first_)) retireFenced(entries);
 }

@@ -46,13 +46,14 @@ class EpochDomain {
 
     EpochReader& add() {
         const MutexLock lock(mutex_);
-        EpochReader* reader = readers_;
+        EpochReader* const first = firstReader();
+        EpochReader* reader = first;
         while (reader && reader->inUse) reader = reader->next;
         if (!reader) {
             reader = new EpochReader;
-            reader->next = readers_;
-            reader->number = readers_ ? readers_->number + 1 : 0;
-            readers_ = reader;
+            reader->next = first;
+            reader->number = first ? first->number + 1 : 0;
+            readers_.store(reader, std::memory_order_release);
         }
         reader->inUse = true;
         return *reader;
@@ -77,6 +78,14 @@ class EpochDomain {
         destroy(ready);
     }
 
+    /// The fence stands between the caller's unlinking and the look at the marks, as a reader's stands
+    /// between its mark and what it reads: one of the two sees the other.
+    bool isNobodyReading() const noexcept {
+        if (kThreadSanitizer) return false;  // it knows no fences
+        std::atomic_thread_fence(std::memory_order_seq_cst);
+        return oldestReading() == kNobody;
+    }
+
     void collect() {
         MutexLock lock(mutex_);
         Retirable* ready = takeReady();
@@ -90,15 +99,17 @@ class EpochDomain {
     static EpochState& state() noexcept { return EpochReading::state_; }
 
     bool hasOtherReaders() const KX_REQUIRES(mutex_) {
-        for (const EpochReader* reader = readers_; reader; reader = reader->next) {
+        for (const EpochReader* reader = firstReader(); reader; reader = reader->next) {
             if (reader->inUse && reader != EpochReading::current_) return true;
         }
         return false;
     }
 
-    std::uint64_t oldestReading() const KX_REQUIRES(mutex_) {
-        std::uint64_t oldest = std::numeric_limits<std::uint64_t>::max();
-        for (const EpochReader* reader = readers_; reader; reader = reader->next) {
+    static constexpr std::uint64_t kNobody = std::numeric_limits<std::uint64_t>::max();
+
+    std::uint64_t oldestReading() const noexcept {
+        std::uint64_t oldest = kNobody;
+        for (const EpochReader* reader = firstReader(); reader; reader = reader->next) {
             const std::uint64_t epoch = reader->epoch.load(std::memory_order_seq_cst);
             if (epoch != 0 && epoch < oldest) oldest = epoch;
         }
@@ -128,9 +139,11 @@ class EpochDomain {
         }
     }
 
+    EpochReader* firstReader() const noexcept { return readers_.load(std::memory_order_acquire); }
+
     Mutex mutex_;
-    EpochReader* readers_ KX_GUARDED_BY(mutex_) =
-        nullptr;  // grows to the highest number of threads at a time
+    std::atomic<EpochReader*> readers_{
+        nullptr};  // written under the lock; grows to the most threads at a time
     Retirable* first_ KX_GUARDED_BY(mutex_) = nullptr;
     Retirable* last_ KX_GUARDED_BY(mutex_) = nullptr;
 };
@@ -155,6 +168,10 @@ EpochReader& EpochReading::registerThread() {
 
 void EpochReading::destroyRetired() {
     EpochDomain::shared().collect();
+}
+
+bool isNobodyReading() noexcept {
+    return EpochDomain::shared().isNobodyReading();
 }
 
 void retire(Retirable* unlinked) {

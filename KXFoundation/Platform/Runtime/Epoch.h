@@ -34,6 +34,10 @@ class KX_EXPORT Retirable {
 KX_EXPORT void retire(Retirable* unlinked);
 /// The same without the system call, for what only a FencedEpochReading can find.
 KX_EXPORT void retireFenced(Retirable* unlinked);
+/// Whether no thread is reading, so that what only a FencedEpochReading can find, and was unlinked before the
+/// call, may be destroyed at once: cheaper than retiring, as threads that retire share nothing. May say no
+/// although nobody is.
+[[nodiscard]] KX_EXPORT bool isNobodyReading() noexcept;
 
 /// One thread's mark, alone in its cache line.
 struct alignas(64) EpochReader {

@@ -57,6 +57,12 @@ TEST(Epoch, WaitsForReadersOfOtherThreadsButNotForLaterOnes) {
     EXPECT_EQ(living, 0) << "destroyed by the reader's leaving";
 }
 
+TEST(Epoch, NeverSaysThatNobodyIsReadingWhileSomebodyIs) {
+    const EpochReading own;
+    EXPECT_FALSE(isNobodyReading());
+    std::thread([] { EXPECT_FALSE(isNobodyReading()) << "another thread is"; }).join();
+}
+
 TEST(Epoch, ReadersNeverSeeWhatIsDestroyed) {  // a sanitizer sees it if they do
     std::atomic<int> living = 0;
     std::atomic<Counted*> shared = new Counted(living);
