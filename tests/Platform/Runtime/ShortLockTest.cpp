@@ -35,13 +35,16 @@ TEST(ShortLock, OneThreadAtATimeAndEachSleeperIsWoken) {
     EXPECT_EQ(counted(8, 10, 1), 80) << "all do";
 }
 
-TEST(ShortLock, TryingFailsWhileItIsHeld) {
+TEST(ShortLock, TryingFailsWhileAnotherHoldsIt) {
     ShortLock lock;
-    ASSERT_TRUE(lock.tryLock());
-    EXPECT_FALSE(lock.tryLock());
-    lock.unlock();
-    EXPECT_TRUE(lock.tryLock());
-    lock.unlock();
+    const auto isFree = [&] {
+        if (!lock.tryLock()) return false;
+        lock.unlock();
+        return true;
+    };
+    EXPECT_TRUE(isFree());
+    const ShortLocking held(lock);
+    std::thread([&] { EXPECT_FALSE(isFree()); }).join();
 }
 
 }  // namespace
