@@ -51,8 +51,8 @@ Result<void> DiskStore::openToChange() {
     return opened && isAtTheEnd() ? startOver() : opened;
 }
 
-/// A tail so late with no file near it is that of a damaged page. What is set there brings a file: it is never
-/// taken for the same damage by the next one to open the folder.
+/// A tail so late with no file near it is that of a damaged page. What is set there brings a file: it is
+/// never taken for the same damage by the next one to open the folder.
 bool DiskStore::isAtTheEnd() const {
     const Segment* const last = index_.last();
     const bool isFarAhead = !last || last->file->number() < kLateSegment;
