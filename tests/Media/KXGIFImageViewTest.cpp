@@ -5,7 +5,6 @@
 #include <optional>
 
 #include <gmock/gmock.h>
-#include <gtest/gtest.h>
 
 #include <KXFoundation/Media/NSImage_LoopCount.h>
 #include <KXFoundation/Media/TableViewCellGIFImageView.h>
@@ -21,27 +20,19 @@ namespace kx {
 namespace {
 
 using testing::colouredGIF;
+using testing::dataOf;
 using ::testing::ElementsAre;
 using testing::TemporaryDirectory;
 
-Value dataOf(const std::vector<std::uint8_t>& bytes) {
-    return Value::data(std::as_bytes(std::span(bytes)));
-}
-
 TEST(NSImage_LoopCount, KeepsWhatItIsGivenAndTellsObservers) {
     const auto image = NSImage::initWithSize({1, 1});
-    EXPECT_EQ(NSImage_LoopCount::images(image), nullptr);
-    EXPECT_EQ(NSImage_LoopCount::duration(image), 0);
-    EXPECT_EQ(NSImage_LoopCount::loopCount(image), 0);
-
     std::vector<std::string> notices;
     std::vector<ObservationToken> tokens;
-    for (const char* key : {"images", "duration", "loopCount"}) {
-        tokens.push_back(
-            observe(image, key, ChangeOptions::Both, [&](auto&, auto changed, ChangePhase phase) {
-                notices.push_back((phase == ChangePhase::Will ? "will " : "did ") + std::string(changed));
-            }));
-    }
+    const auto note = [&](auto&, auto changed, ChangePhase phase) {
+        notices.push_back((phase == ChangePhase::Will ? "will " : "did ") + std::string(changed));
+    };
+    for (const char* key : {"images", "duration", "loopCount"})
+        tokens.push_back(observe(image, key, ChangeOptions::Both, note));
     const ImageList frames = std::make_shared<const std::vector<std::shared_ptr<NSImage>>>(2, image);
     NSImage_LoopCount::setDuration(image, 1.1);
     NSImage_LoopCount::setLoopCount(image, std::int64_t{1} << 40);
@@ -51,8 +42,6 @@ TEST(NSImage_LoopCount, KeepsWhatItIsGivenAndTellsObservers) {
     EXPECT_EQ(NSImage_LoopCount::loopCount(image), std::int64_t{1} << 40);
     EXPECT_THAT(notices, ElementsAre("will duration", "did duration", "will loopCount", "did loopCount",
                                      "will images", "did images"));
-    NSImage_LoopCount::setImages(image, nullptr);
-    EXPECT_EQ(NSImage_LoopCount::images(image), nullptr);
     NSImage_LoopCount::setDuration(nullptr, 1);
     EXPECT_EQ(NSImage_LoopCount::duration(nullptr), 0);
 }
@@ -191,7 +180,7 @@ TEST(KXGIFImageView, DiscardsWhatComesForAnEarlierPath) {
     EXPECT_TRUE(weak.expired());
 }
 
-/// Opens nothing until the gate is open, by the library's own means of waiting.
+/// Opens nothing until the gate is open, by the library's own means of waiting; does nothing else.
 class GatedFiles final : public FileSystem {
   public:
     std::atomic<int> opened = 0;
@@ -208,13 +197,11 @@ class GatedFiles final : public FileSystem {
         return below_->open(path, mode);
     }
     Result<Info> info(const std::string& path) override { return below_->info(path); }
-    Result<std::vector<std::string>> list(const std::string& path) override { return below_->list(path); }
-    Result<void> rename(const std::string& from, const std::string& to) override {
-        return below_->rename(from, to);
-    }
-    Result<void> remove(const std::string& path) override { return below_->remove(path); }
-    Result<void> makeDirectory(const std::string& path) override { return below_->makeDirectory(path); }
-    Result<void> syncDirectory(const std::string& path) override { return below_->syncDirectory(path); }
+    Result<std::vector<std::string>> list(const std::string&) override { return Error(); }
+    Result<void> rename(const std::string&, const std::string&) override { return Error(); }
+    Result<void> remove(const std::string&) override { return Error(); }
+    Result<void> makeDirectory(const std::string&) override { return Error(); }
+    Result<void> syncDirectory(const std::string&) override { return Error(); }
 
   private:
     const std::shared_ptr<FileSystem> below_ = FileSystem::makeDefault();

@@ -1,41 +1,26 @@
 // SPDX-License-Identifier: MIT
 
-#include <cstring>
 #include <optional>
 
 #include <gtest/gtest.h>
 
 #include <KXFoundation/Platform/Graphics/GIF/GIFFrameStream.h>
 #include <KXFoundation/Platform/Graphics/ImageSource.h>
-#include <KXFoundation/Platform/Graphics/NSImage.h>
 #include <KXFoundation/Platform/Graphics/NSStreamedImageRep.h>
 
-#include "support/GIFWriter.h"
+#include "Media/GIFFixture.h"
 
 namespace kx {
 namespace {
 
+using testing::colouredFrames;
+using testing::dataOf;
+using testing::frameOf;
 using testing::GIFWriter;
 using testing::GIFWriterFrame;
 
-Value dataOf(const std::vector<std::uint8_t>& bytes) {
-    return Value::data(std::as_bytes(std::span(bytes)));
-}
-
-/// Frame i is all of colour i.
 GIFWriter fileOf(std::uint16_t side, std::size_t frames) {
-    GIFWriter file(side, side, {0, 0, 0, 10, 0, 0, 20, 0, 0, 30, 0, 0}, 2);
-    for (std::size_t i = 0; i < frames; ++i) {
-        GIFWriterFrame frame;
-        frame.width = frame.height = side;
-        frame.indices.assign(std::size_t{side} * side, static_cast<std::uint8_t>(i % 4));
-        file.frame(frame);
-    }
-    return file;
-}
-
-std::uint32_t colourOf(std::size_t frame) {
-    return 0xFF00'0000 | static_cast<std::uint32_t>(frame % 4 * 10) << 16;
+    return colouredFrames(std::vector<std::uint16_t>(frames), 0, side);
 }
 
 TEST(ImageSource, TellsDelaysAndLoops) {
@@ -97,7 +82,7 @@ TEST(ImageSource, KeepsSmallFilesWholeAndStreamsOthersInAnyOrder) {
             EXPECT_EQ(objectCast<NSStreamedImageRep>(rep) != nullptr, !isSmall);
             auto image = NSImage::initWithSize({double(side), double(side)});
             image->addRepresentation(rep);
-            EXPECT_EQ(image->bitmapAtScale(1)->pixelAt(side / 2, 1), colourOf(index)) << index;
+            EXPECT_EQ(frameOf(image), static_cast<int>(index));
         }
         EXPECT_GT(FrameMemory::inUse(), before);
     }
@@ -123,10 +108,11 @@ TEST(ImageSource, GivesPlayersStreamsOfTheirOwnAsFarAsMemoryGoes) {
     EXPECT_GT(streams.size(), 2U);
     EXPECT_EQ(streams.back().get(), streams.front().get());
     EXPECT_LE(FrameMemory::inUse(), FrameMemory::kBudget);
-    auto shown = streams.front()->bitmapAtIndex(1);  // given away: stays as it is
-    EXPECT_EQ(streams.front()->bitmapAtIndex(2)->pixelAt(0, 0), colourOf(2));
-    EXPECT_EQ(streams[1]->bitmapAtIndex(3)->pixelAt(0, 0), colourOf(3));
-    EXPECT_EQ(shown->pixelAt(0, 0), colourOf(1));
+    const auto shown =
+        NSImage::initWithBitmap(streams.front()->bitmapAtIndex(1));  // given away: stays as it is
+    EXPECT_EQ(frameOf(NSImage::initWithBitmap(streams.front()->bitmapAtIndex(2))), 2);
+    EXPECT_EQ(frameOf(NSImage::initWithBitmap(streams[1]->bitmapAtIndex(3))), 3);
+    EXPECT_EQ(frameOf(shown), 1);
     EXPECT_EQ(streams.front()->bitmapAtIndex(4), nullptr);
 }
 

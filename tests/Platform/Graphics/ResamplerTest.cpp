@@ -11,7 +11,6 @@
 #include <KXFoundation/Testing/PictureComparison.h>
 
 namespace kx {
-
 namespace {
 
 /// Noise, hard edges, every alpha.
@@ -105,8 +104,6 @@ bool isPremultiplied(const NSBitmapImageRep& bitmap) {
     });
 }
 
-}  // namespace
-
 TEST(Resampler, EqualsTheReferenceOnEveryMachine) {
     const std::tuple<std::uint32_t, std::uint32_t, std::uint32_t, std::uint32_t, double, double> rows[] = {
         {64, 48, 16, 12, 16, 12},      // whole steps
@@ -155,4 +152,5 @@ TEST(Resampler, MakesNothingOfSizesThatAreNone) {
     EXPECT_EQ(to->pixelAt(0, 0), 0U);
 }
 
+}  // namespace
 }  // namespace kx

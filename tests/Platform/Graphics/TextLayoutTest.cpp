@@ -15,7 +15,6 @@
 #include <KXFoundation/Platform/Graphics/TextLayout.h>
 
 namespace kx {
-
 namespace {
 
 constexpr const char* kArabic = "مرحبا بالعالم";
@@ -52,8 +51,6 @@ Ink ink(const NSBitmapImageRep& bitmap) {
     }
     return ink;
 }
-
-}  // namespace
 
 TEST(TextLayout, ArabicIsShaped) {
     // A word of joined letters is narrower than its letters one by one.
@@ -194,4 +191,5 @@ TEST(TextLayout, HostileTextIsHarmless) {
     }
 }
 
+}  // namespace
 }  // namespace kx

@@ -127,10 +127,10 @@ TEST(GIFDecoder, DamageAnywhereLeavesTheFramesBeforeIt) {
         if (gif.width > 40 || cases++ % 47 != 0) return;
         const std::vector<Canvas> whole = decodeInto(gif.file.bytes());
         testing::forEachDamage(gif.file, [&](std::size_t breakAt, const std::vector<Bytes>& damagedFiles) {
-            const Bytes before(gif.file.bytes().begin(),
-                               gif.file.bytes().begin() + static_cast<std::ptrdiff_t>(breakAt));
-            // The last of the frames before the break may be the one that it cuts.
-            const std::size_t safe = std::max<std::size_t>(1, decodeInto(before, kLimits).size()) - 1;
+            // The last of the frames before the break, which the last file ends at, may be the one that it
+            // cuts.
+            const std::size_t safe =
+                std::max<std::size_t>(1, decodeInto(damagedFiles.back(), kLimits).size()) - 1;
             for (const Bytes& damaged : damagedFiles) {
                 const std::vector<Canvas> shown = decodeInto(damaged, kLimits);
                 const auto reader = GIFReader::open(damaged, kLimits);
