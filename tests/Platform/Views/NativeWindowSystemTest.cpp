@@ -35,10 +35,7 @@ constexpr WindowModule kModule{
         },
     .destroyWindow = [](std::uint32_t window) { display.destroyed.push_back(window); },
     .setTitle = [](std::uint32_t, const char*) {},
-    .setSize =
-        [](std::uint32_t, double width, double height) {
-            display.size = {width, height};
-        },
+    .setSize = [](std::uint32_t, double width, double height) { display.size = NSSize(width, height); },
     .size =
         [](std::uint32_t, double* width, double* height) {
             *width = display.size.width;
@@ -172,7 +169,7 @@ TEST_F(NativeWindows, FocusMakesKeyAndActiveAndTellsOnceEach) {
         int posts;
     } const rows[] = {
         {"first", {{.type = FocusGained, .window = 1}}, first, true, 1},
-        {"gain before loss",
+        {"gain, loss",
          {{.type = FocusGained, .window = 2}, {.type = FocusLost, .window = 1}},
          second,
          true,
@@ -185,6 +182,7 @@ TEST_F(NativeWindows, FocusMakesKeyAndActiveAndTellsOnceEach) {
         posts = 0;
         happens(events);
         EXPECT_EQ(application->keyWindow(), key) << what;
+        EXPECT_TRUE(key->isMainWindow()) << what;
         EXPECT_EQ(application->isActive(), active) << what;
         EXPECT_EQ(posts, want) << what;
     }

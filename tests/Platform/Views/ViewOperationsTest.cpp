@@ -1,8 +1,5 @@
 // SPDX-License-Identifier: MIT
 
-#include <functional>
-#include <string>
-
 #include <gtest/gtest.h>
 
 #include <KXFoundation/Platform/Foundation/NSCoder.h>
