@@ -6,12 +6,10 @@
 #include <map>
 
 #include <gmock/gmock.h>
-#include <gtest/gtest.h>
 
 #include <KXFoundation/Media/AnimationTimeline.h>
 #include <KXFoundation/Media/KXAnimatedGIFImageView.h>
 #include <KXFoundation/Platform/Runtime/Executor.h>
-#include <KXFoundation/Platform/Views/OffscreenSurface.h>
 #include <KXFoundation/Testing/CapturedLog.h>
 #include <KXFoundation/Testing/ManualClock.h>
 
@@ -155,32 +153,28 @@ TEST(KXAnimatedGIFImageView, StandsStillWhileNobodySeesIt) {
     play.show(colouredGIF({10, 10, 10, 10}));
     const auto window = play.window.window, parent = make<NSWindow>();
     const auto content = window->contentView();
-    const std::pair<const char*, std::pair<std::function<void()>, std::function<void()>>> rows[] = {
-        {"hidden", {[&] { play.view->setHidden(true); }, [&] { play.view->setHidden(false); }}},
-        {"inside a hidden view", {[&] { content->setHidden(true); }, [&] { content->setHidden(false); }}},
-        {"out of the window",
-         {[&] { play.view->removeFromSuperview(); }, [&] { content->addSubview(play.view); }}},
-        {"window closed", {[&] { window->orderOut(); }, [&] { window->orderFront(); }}},
-        {"window minimised",
-         {[&] { play.window.surface().send(SurfaceMiniaturized{true}); },
-          [&] { play.window.surface().send(SurfaceMiniaturized{false}); }}},
-        {"window put into one that is not shown",
-         {[&] { parent->addChildWindow(window, NSWindowOrderingMode::Above); },
-          [&] { parent->orderFront(); }}},
-        {"window taken out of the other",
-         {[&] { parent->removeChildWindow(window); },
-          [&] { parent->addChildWindow(window, NSWindowOrderingMode::Above); }}},
-        {"the other window closed", {[&] { parent->orderOut(); }, [&] { parent->orderFront(); }}},
+    const auto minimise = [&](bool is) { play.window.surface().send(SurfaceMiniaturized{is}); };
+    const auto putIntoParent = [&] { parent->addChildWindow(window, NSWindowOrderingMode::Above); };
+    using Action = std::function<void()>;
+    const std::tuple<const char*, Action, Action> rows[] = {
+        {"hidden", [&] { play.view->setHidden(true); }, [&] { play.view->setHidden(false); }},
+        {"inside a hidden view", [&] { content->setHidden(true); }, [&] { content->setHidden(false); }},
+        {"outside", [&] { play.view->removeFromSuperview(); }, [&] { content->addSubview(play.view); }},
+        {"window closed", [&] { window->orderOut(); }, [&] { window->orderFront(); }},
+        {"window minimised", [&] { minimise(true); }, [&] { minimise(false); }},
+        {"window put into one that is not shown", putIntoParent, [&] { parent->orderFront(); }},
+        {"window taken out of the other", [&] { parent->removeChildWindow(window); }, putIntoParent},
+        {"the other window closed", [&] { parent->orderOut(); }, [&] { parent->orderFront(); }},
     };
-    for (const auto& [what, actions] : rows) {
+    for (const auto& [what, hide, show] : rows) {
         play.view->seekToFrame(0);
         play.clock->advance(150ms);
-        actions.first();
+        hide();
         play.clock->advance(1s);
         EXPECT_EQ(play.shown(), 1) << what;
         EXPECT_EQ(play.clock->pendingTimers(), 0U) << what;
         EXPECT_TRUE(play.view->isPlaying()) << what;
-        actions.second();
+        show();
         EXPECT_EQ(play.after(49ms), 1) << what;
         EXPECT_EQ(play.after(1ms), 2) << what;
     }

@@ -4,7 +4,6 @@
 #include <filesystem>
 
 #include <gmock/gmock.h>
-#include <gtest/gtest.h>
 
 #include <KXFoundation/Core/KXPhotoFileInfo.h>
 #include <KXFoundation/Media/KXPhotoUtils.h>
@@ -165,9 +164,7 @@ TEST_F(KXPhotoUtilsTest, JpegOfAPicture) {
         GraphicsContext::current()->fill(rect, *NSColor::blackColor());
         return true;
     });
-    const auto data = KXPhotoUtils::imgToData(drawn, 1);
-    ASSERT_TRUE(data);
-    const auto bitmap = NSImage::initWithData(*data)->bitmapAtScale(1);
+    const auto bitmap = NSImage::initWithData(*KXPhotoUtils::imgToData(drawn, 1))->bitmapAtScale(1);
     EXPECT_EQ(bitmap->pixelsWide(), 3u);
     EXPECT_EQ(bitmap->pixelAt(1, 1), 0xFF000000u);
     const auto sharp = NSImage::initWithBitmap(image->bitmapAtScale(1), 2);

@@ -39,8 +39,6 @@ std::shared_ptr<CGMutablePath> outlined(const Text& text) {
     return path;
 }
 
-}  // namespace
-
 TEST(KXUIUtils, MeasuresTexts) {
     const auto plain = font("DejaVu Sans", 16);
     const double wide = KXUIUtils::sizeWith("one two three four", plain).width;
@@ -128,4 +126,5 @@ TEST(KXUIUtils, OutlinesAreAppendedWhereTheGlyphsStand) {
     KXUIUtils::renderNSAttributeString(styled("H", sans), nullptr);
 }
 
+}  // namespace
 }  // namespace kx
