@@ -152,15 +152,6 @@ TEST_F(PhotoStoreTest, OneFileThatCannotBeTakenKeepsAllOut) {
     EXPECT_FALSE(PhotoStore(std::nullopt, pictures).perform(albumOf("A", {})).ok()) << "no home";
 }
 
-TEST_F(PhotoStoreTest, AFullDiskKeepsWhatWasThere) {
-    ASSERT_TRUE(store().perform(albumOf("before", {picture("x.png")})).ok());
-    const std::string large = directory.write("from/large.png", kPicture + std::string(3 << 20, 'x'));
-    files->setRoom(2 << 20);
-    EXPECT_EQ(store().perform(albumOf("A", {large})).error().kind, ErrorKind::Full);
-    files->heal();
-    EXPECT_THAT(titlesOfWholeLibrary(1), ElementsAre("before"));
-}
-
 TEST_F(PhotoStoreTest, ADamagedIndexIsSetAside) {
     const PhotoChanges before = albumOf("Trip", {picture("x.png")});
     ASSERT_TRUE(store().perform(before).ok());
