@@ -2,9 +2,8 @@
 #pragma once
 
 #include <cstdint>
-#include <memory>
-#include <string>
-#include <vector>
+
+#include <gmock/gmock.h>
 
 #include <KXFoundation/Platform/Graphics/NSImage.h>
 #include <KXFoundation/Testing/TemporaryDirectory.h>

@@ -5,8 +5,6 @@
 #include <concepts>
 #include <map>
 
-#include <gmock/gmock.h>
-
 #include <KXFoundation/Media/AnimationTimeline.h>
 #include <KXFoundation/Media/KXAnimatedGIFImageView.h>
 #include <KXFoundation/Platform/Runtime/Executor.h>
@@ -21,18 +19,14 @@ namespace {
 
 using namespace std::chrono_literals;
 using testing::colouredGIF;
-using ::testing::ElementsAre;
 
 TEST(AnimationTimeline, Places) {
     const float delays[] = {0.05F, 0.05F, 0.2F}, odd[] = {0, -1, 1e9F}, one[] = {0.05F};
     const AnimationTimeline endless(delays, 0), twice(delays, 2), unusual(odd, -1), single(one, 0),
         empty({}, 3);
-    const struct {
-        const AnimationTimeline& timeline;
-        std::chrono::milliseconds played;
-        std::size_t frame, next;
-        int left;  // -1: none
-    } rows[] = {
+    using Index = std::size_t;
+    const std::tuple<const AnimationTimeline&, std::chrono::milliseconds, Index, Index, int> rows[] = {
+        // -1: none left
         {endless, 0ms, 0, 1, 50},   {endless, 49ms, 0, 1, 1},   {endless, 50ms, 1, 2, 50},
         {endless, 299ms, 2, 0, 1},  {endless, 300ms, 0, 1, 50}, {endless, 300'000'120ms, 2, 0, 180},
         {twice, 299ms, 2, 0, 1},    {twice, 350ms, 1, 2, 50},   {twice, 599ms, 2, 2, -1},

@@ -41,8 +41,9 @@ class HookedToast : public Subclass<HookedToast, KXToastView> {
     int solutions = 0;  // of its constraints; one comes with each layout
 
   private:
-    void call(std::function<void(HookedToast&)> hook) {
-        if (hook) hook(*this);
+    void call(const std::function<void(HookedToast&)>& hook) {
+        const auto held = hook;
+        if (held) held(*this);
     }
 };
 

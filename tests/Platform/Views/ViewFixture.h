@@ -2,7 +2,8 @@
 #pragma once
 
 #include <cstdint>
-#include <memory>
+
+#include <gmock/gmock.h>
 
 #include <KXFoundation/Platform/Graphics/NSColor.h>
 #include <KXFoundation/Platform/Views/CALayer.h>
@@ -26,8 +27,7 @@ inline std::shared_ptr<NSView> filled(NSRect frame, std::uint32_t color) {
 }
 
 /// Mirrored where lines run from right to left.
-class FlippingLayout : public Subclass<FlippingLayout, NSCollectionViewFlowLayout> {
-  public:
+struct FlippingLayout : Subclass<FlippingLayout, NSCollectionViewFlowLayout> {
     bool flipsHorizontallyInOppositeLayoutDirection() override { return true; }
 };
 
