@@ -3,8 +3,6 @@
 #include <algorithm>
 #include <cstring>
 
-#include <gtest/gtest.h>
-
 #include <KXFoundation/Platform/Graphics/GIF/GIFAheadDecoder.h>
 #include <KXFoundation/Platform/Graphics/GIF/GIFDecoder.h>
 
@@ -190,13 +188,8 @@ TEST(GIFDecoder, AFrameThatCannotBeUnpackedRepeatsTheCanvas) {
         return out.take();
     };
     // Two bits an index: 4 clears, 5 ends. The canvas before is all kFirst.
-    const struct {
-        const char* what;
-        Bytes packed;
-        std::uint16_t side;
-        ErrorKind damage;
-        std::size_t painted;  // pixels of the second colour
-    } rows[] = {
+    // What is packed, the frame's side, its damage, and how many pixels get the second colour.
+    const std::tuple<const char*, Bytes, std::uint16_t, ErrorKind, std::size_t> rows[] = {
         {"no data", {}, 2, ErrorKind::Ended, 0},
         {"ends at once", packed({4, 5}), 2, ErrorKind::Ended, 0},
         {"ends early", packed({4, 1, 5}), 2, ErrorKind::Ended, 1},

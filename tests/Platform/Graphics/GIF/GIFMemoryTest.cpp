@@ -1,7 +1,5 @@
 // SPDX-License-Identifier: MIT
 
-#include <gtest/gtest.h>
-
 #include <KXFoundation/Platform/Graphics/GIF/GIFDecoder.h>
 #include <KXFoundation/Testing/CountedMemory.h>
 
@@ -43,13 +41,7 @@ std::vector<std::uint8_t> fileOf(std::uint8_t disposal, std::uint16_t frameSide,
 }
 
 TEST(GIFMemory, IsOneIndexPlaneAndWhatFramesAskToHaveBackBesidesTheCallersFrame) {
-    const struct {
-        const char* what;
-        std::uint8_t disposal;
-        std::uint16_t side;
-        std::uint64_t limit;
-        std::size_t most;
-    } rows[] = {
+    const std::tuple<const char*, std::uint8_t, std::uint16_t, std::uint64_t, std::size_t> rows[] = {
         {"kept", 1, kSide, GIFLimits().pixels, kPlane},
         {"cleared", 2, kSide, GIFLimits().pixels, kPlane},
         {"asked back", 3, kSide, GIFLimits().pixels, kPlane * 5},

@@ -3,8 +3,6 @@
 #include <algorithm>
 #include <cstring>
 
-#include <gtest/gtest.h>
-
 #include "GIFCases.h"
 #include "gif_peers.h"
 
