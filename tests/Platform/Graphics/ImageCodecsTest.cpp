@@ -1,8 +1,6 @@
 // SPDX-License-Identifier: MIT
 
 #include <algorithm>
-#include <cmath>
-#include <cstdio>
 #include <cstdlib>
 #include <cstring>
 
@@ -79,11 +77,10 @@ Bytes jpeg(const NSBitmapImageRep& bitmap, const JpegKind& kind) {
             const std::uint32_t pixel = bitmap.pixelAt(x, codec.next_scanline);
             const int light[] = {static_cast<int>(pixel >> 16 & 255), static_cast<int>(pixel >> 8 & 255),
                                  static_cast<int>(pixel & 255), 255};  // inks of these, and no black
-            for (int i = 0; i < kind.components; ++i) {
+            for (int i = 0; i < kind.components; ++i)
                 row[x * static_cast<std::uint32_t>(kind.components) + static_cast<std::uint32_t>(i)] =
                     static_cast<unsigned char>(kind.components == 4 && !kind.adobe ? 255 - light[i]
                                                                                    : light[i]);
-            }
         }
         JSAMPROW start = row.data();
         jpeg_write_scanlines(&codec, &start, 1);
@@ -206,10 +203,9 @@ TEST(Webp, ReadsBothKindsWithAlphaAndOrientation) {
     const std::array<std::uint32_t, 4> want{kOpaque[0], kOpaque[1], kOpaque[2], 0x80800000};
     expectCorners(decodeImage(webp(*straight, true)), want, "lossless", 1);
     expectCorners(decodeImage(webp(*straight, false)), want, "lossy");
-    for (const std::string& name : {std::string(), std::string("Exif\0\0", 6)}) {
+    for (const std::string& name : {std::string(), std::string("Exif\0\0", 6)})
         expectCorners(decodeImage(webp(*straight, true, name + exif(3, true))),
                       {want[3], want[2], want[1], want[0]}, "upside down", 1);
-    }
 }
 
 TEST(Tiff, ComesBackAsItWasWritten) {

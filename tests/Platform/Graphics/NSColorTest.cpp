@@ -55,10 +55,9 @@ TEST(NSColor, TextIsReadableInBothLooks) {
     };
     for (const auto look : {NSAppearance::Light, NSAppearance::Dark}) {
         const ScopedAppearance scope(look);
-        for (const auto& [what, text, background] : rows) {
+        for (const auto& [what, text, background] : rows)
             EXPECT_GE(contrast(*text, *background), 4.5)
                 << what << (look == NSAppearance::Dark ? ", dark" : ", light");
-        }
     }
 }
 

@@ -1,7 +1,6 @@
 // SPDX-License-Identifier: MIT
 
 #include <limits>
-#include <string>
 
 #include <gmock/gmock.h>
 
@@ -26,25 +25,12 @@ namespace {
 /// Every alpha with every colour that can stand under it, in three channels that differ.
 std::shared_ptr<NSBitmapImageRep> everyPixel() {
     auto bitmap = NSBitmapImageRep::bitmapWithPixels(256, 256);
-    for (std::uint32_t alpha = 0; alpha < 256; ++alpha) {
-        for (std::uint32_t c = 0; c < 256; ++c) {
-            const std::uint32_t held = std::min(c, alpha);
-            bitmap->pixels()[alpha * 256 + c] = alpha << 24 | held << 16 | (alpha - held) << 8 | held / 2;
-        }
+    for (std::uint32_t i = 0; i < 65'536; ++i) {
+        const std::uint32_t alpha = i / 256, held = std::min(i % 256, alpha);
+        bitmap->pixels()[i] = alpha << 24 | held << 16 | (alpha - held) << 8 | held / 2;
     }
     return bitmap;
 }
-
-class ScopedPixelLimit {
-  public:
-    explicit ScopedPixelLimit(std::uint64_t limit) { NSBitmapImageRep::setPixelLimit(limit); }
-    ~ScopedPixelLimit() { NSBitmapImageRep::setPixelLimit(former_); }
-    ScopedPixelLimit(const ScopedPixelLimit&) = delete;
-    ScopedPixelLimit& operator=(const ScopedPixelLimit&) = delete;
-
-  private:
-    std::uint64_t former_ = NSBitmapImageRep::pixelLimit();
-};
 
 std::shared_ptr<NSBitmapImageRep> filled(std::uint32_t side, std::uint32_t pixel) {
     auto bitmap = NSBitmapImageRep::bitmapWithPixels(side, side);
@@ -60,9 +46,8 @@ bool drawBlack(NSRect rect) {
 TEST(Png, TruncatedFilesAreAnError) {
     const auto encoded = encodePng(*everyPixel());
     ASSERT_TRUE(encoded.ok());
-    for (std::size_t size = 0; size + 12 < encoded->size(); size += size < 200 ? 1 : 997) {
+    for (std::size_t size = 0; size + 12 < encoded->size(); size += size < 200 ? 1 : 997)
         EXPECT_FALSE(decodeImage(std::span(*encoded).first(size)).ok()) << "first " << size << " bytes";
-    }
 }
 
 TEST(Png, ClaimedSizeIsCheckedFirst) {
@@ -71,14 +56,14 @@ TEST(Png, ClaimedSizeIsCheckedFirst) {
         "\x89\x50\x4E\x47\x0D\x0A\x1A\x0A\x00\x00\x00\x0D\x49\x48\x44\x52\x00\x00\x75\x30\x00\x00\x75\x30\x08"
         "\x06\x00\x00\x00\x66\x27\xF8\xBA\x00\x00\x00\x00\x49\x44\x41\x54\x35\xAF\x06\x1E";
     const auto bytes = std::as_bytes(std::span(kHuge, sizeof kHuge - 1));
-    const auto huge = decodeImage(bytes);
-    ASSERT_FALSE(huge.ok());
-    EXPECT_EQ(huge.error().kind, ErrorKind::TooLarge);
+    EXPECT_EQ(decodeImage(bytes).error().kind, ErrorKind::TooLarge);
 
     const auto small = encodePng(*filled(10, 0xFF112233));
-    const ScopedPixelLimit limit(99);
+    const std::uint64_t limit = NSBitmapImageRep::pixelLimit();
+    NSBitmapImageRep::setPixelLimit(99);
     EXPECT_EQ(decodeImage(*small).error().kind, ErrorKind::TooLarge);
     EXPECT_EQ(NSImage::initWithData(*small), nullptr);
+    NSBitmapImageRep::setPixelLimit(limit);
 }
 
 TEST(ImageDecoder, UnknownBytesAreUnsupported) {
@@ -98,12 +83,8 @@ TEST(NSBitmapImageRep, RefusesImpossibleSizes) {
 TEST(NSImage, ChoosesTheRepresentationThatFitsTheScale) {
     const auto once = filled(10, 0xFF0000FF), twice = filled(20, 0xFF00FF00);
     const auto callback = make<NSCustomImageRep>(NSSize{10, 10}, [](NSRect) { return true; });
-    const struct {
-        const char* what;
-        std::vector<std::shared_ptr<NSImageRep>> representations;
-        double scale;
-        std::shared_ptr<NSImageRep> want;
-    } rows[] = {
+    using Rep = std::shared_ptr<NSImageRep>;
+    const std::tuple<const char*, std::vector<Rep>, double, Rep> rows[] = {
         {"exact", {twice, once}, 1, once},
         {"exact, doubled", {once, twice}, 2, twice},
         {"between", {once, twice}, 1.25, twice},
@@ -112,10 +93,10 @@ TEST(NSImage, ChoosesTheRepresentationThatFitsTheScale) {
         {"bitmap where it suffices", {callback, once}, 1, once},
         {"empty", {}, 1, nullptr},
     };
-    for (const auto& row : rows) {
+    for (const auto& [what, representations, scale, want] : rows) {
         const auto image = NSImage::initWithSize({10, 10});
-        for (const auto& representation : row.representations) image->addRepresentation(representation);
-        EXPECT_EQ(image->bestRepresentation(row.scale), row.want) << row.what;
+        for (const Rep& representation : representations) image->addRepresentation(representation);
+        EXPECT_EQ(image->bestRepresentation(scale), want) << what;
     }
 }
 
@@ -153,9 +134,8 @@ TEST(NSImage, FlattensToABitmap) {
     EXPECT_EQ(image->size(), (NSSize{10, 10}));
     EXPECT_EQ(image->bitmapAtScale(2), bitmap);
     EXPECT_EQ(image->bitmapAtScale(1)->pixelsWide(), 10u);
-    for (const double scale : {0.0, -1.0, 1e300, std::numeric_limits<double>::quiet_NaN()}) {
+    for (const double scale : {0.0, -1.0, 1e300, std::numeric_limits<double>::quiet_NaN()})
         EXPECT_EQ(image->bitmapAtScale(scale), nullptr) << scale;
-    }
     EXPECT_EQ(NSImage::initWithSize({10, 10})->bitmapAtScale(1), nullptr);
     EXPECT_EQ(NSImage::initWithBitmap(nullptr), nullptr);
 }
