@@ -22,7 +22,6 @@ class MockSecretService {
     explicit MockSecretService(const std::string& busAddress);
     ~MockSecretService();
     MockSecretService(const MockSecretService&) = delete;
-    MockSecretService& operator=(const MockSecretService&) = delete;
 
     enum class Person : std::uint8_t { Accepts, Dismisses, IsAway };
     /// Locks the collection; what the person does in the dialogue that asks to unlock it.
