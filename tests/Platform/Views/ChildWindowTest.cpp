@@ -1,7 +1,5 @@
 // SPDX-License-Identifier: MIT
 
-#include <gmock/gmock.h>
-
 #include <KXFoundation/Platform/Views/NSButton.h>
 #include <KXFoundation/Testing/CapturedLog.h>
 

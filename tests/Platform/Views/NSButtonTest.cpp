@@ -1,7 +1,5 @@
 // SPDX-License-Identifier: MIT
 
-#include <gtest/gtest.h>
-
 #include <KXFoundation/Platform/Views/NSButton.h>
 
 #include "ViewFixture.h"

@@ -2,8 +2,6 @@
 
 #include <cmath>
 
-#include <gtest/gtest.h>
-
 #include <KXFoundation/Platform/Views/NSCollectionView.h>
 
 #include "ViewFixture.h"
@@ -54,12 +52,8 @@ TEST(NSCollectionViewFlowLayout, Frames) {
 
 TEST(NSCollectionViewFlowLayout, WhenItIsMirrored) {
     using enum NSUserInterfaceLayoutDirection;
-    struct {
-        bool flips;
-        std::optional<NSUserInterfaceLayoutDirection> set;
-        NSUserInterfaceLayoutDirection direction;
-        double firstX;
-    } const rows[] = {
+    using Direction = NSUserInterfaceLayoutDirection;
+    const std::tuple<bool, std::optional<Direction>, Direction, double> rows[] = {
         {false, {}, LeftToRight, 0},          {true, {}, RightToLeft, 60},
         {false, RightToLeft, RightToLeft, 0}, {true, RightToLeft, RightToLeft, 60},
         {false, LeftToRight, LeftToRight, 0}, {true, LeftToRight, LeftToRight, 0},

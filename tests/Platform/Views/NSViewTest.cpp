@@ -4,8 +4,6 @@
 #include <limits>
 #include <thread>
 
-#include <gmock/gmock.h>
-
 #include <KXFoundation/Platform/Runtime/ProcessState.h>
 #include <KXFoundation/Platform/Views/ViewDescription.h>
 #include <KXFoundation/Testing/CapturedLog.h>

@@ -1,9 +1,6 @@
 // SPDX-License-Identifier: MIT
 
-#include <functional>
 #include <map>
-
-#include <gmock/gmock.h>
 
 #include <KXFoundation/Testing/CapturedLog.h>
 
