@@ -262,10 +262,9 @@ TEST(Captions, FitTheirControlsInEveryLanguage) {
             std::vector<std::shared_ptr<NSView>> controls;
             collectControls(stage.root(), controls);
             EXPECT_GT(controls.size(), gallery::pages().size());
-            for (const auto& control : controls) {
+            for (const auto& control : controls)
                 EXPECT_FALSE(isCut(*control))
                     << page.name << ", " << language << ": " << wordsOf(*control) << control->description();
-            }
         }
     }
 }
