@@ -71,16 +71,16 @@ Bytes jpeg(const NSBitmapImageRep& bitmap, const JpegKind& kind) {
     jpeg_set_quality(&codec, 95, TRUE);
     if (kind.progressive) jpeg_simple_progression(&codec);
     jpeg_start_compress(&codec, TRUE);
+    const bool isInverted = kind.components == 4 && !kind.adobe;
     std::vector<unsigned char> row(std::size_t{bitmap.pixelsWide()} * 4);
     while (codec.next_scanline < codec.image_height) {
+        unsigned char* at = row.data();
         for (std::uint32_t x = 0; x < bitmap.pixelsWide(); ++x) {
             const std::uint32_t pixel = bitmap.pixelAt(x, codec.next_scanline);
-            const int light[] = {static_cast<int>(pixel >> 16 & 255), static_cast<int>(pixel >> 8 & 255),
-                                 static_cast<int>(pixel & 255), 255};  // inks of these, and no black
+            const std::uint32_t light[] = {pixel >> 16, pixel >> 8, pixel,
+                                           255};  // inks of these, and no black
             for (int i = 0; i < kind.components; ++i)
-                row[x * static_cast<std::uint32_t>(kind.components) + static_cast<std::uint32_t>(i)] =
-                    static_cast<unsigned char>(kind.components == 4 && !kind.adobe ? 255 - light[i]
-                                                                                   : light[i]);
+                *at++ = static_cast<unsigned char>(isInverted ? ~light[i] : light[i]);
         }
         JSAMPROW start = row.data();
         jpeg_write_scanlines(&codec, &start, 1);
@@ -101,16 +101,14 @@ std::string exif(int orientation, bool isBigEndian) {
     return isBigEndian ? big + value + std::string(6, '\0') : little + value + std::string(7, '\0');
 }
 
-Bytes withExif(const Bytes& jpeg, const std::string& block) {
-    const std::string body = std::string("Exif\0\0", 6) + block;
-    const std::size_t size = body.size() + 2;
+Bytes withExif(Bytes jpeg, const std::string& block) {
+    const std::size_t size = block.size() + 8;
     std::string segment = "\xFF\xE1";
-    segment += {static_cast<char>(size >> 8), static_cast<char>(size)};
-    segment += body;
-    Bytes made(jpeg.begin(), jpeg.begin() + 2);
-    for (const char c : segment) made.push_back(static_cast<std::byte>(c));
-    made.insert(made.end(), jpeg.begin() + 2, jpeg.end());
-    return made;
+    segment += {static_cast<char>(size >> 8), static_cast<char>(size), 'E', 'x', 'i', 'f', 0, 0};
+    segment += block;
+    const auto* bytes = reinterpret_cast<const std::byte*>(segment.data());
+    jpeg.insert(jpeg.begin() + 2, bytes, bytes + segment.size());
+    return jpeg;
 }
 
 Bytes webp(const NSBitmapImageRep& straight, bool lossless, const std::string& exifBlock = {}) {
@@ -309,9 +307,7 @@ TEST(ImageDecoder, TakesDamagedFilesOfEveryFormat) {
             Bytes changed = file;
             changed[i] ^= std::byte{0xFF};
             const auto decoded = decodeImage(changed);
-            if (decoded.ok()) {
-                EXPECT_LE((*decoded)->pixels().size(), 10'000U);
-            }
+            EXPECT_TRUE(!decoded || (*decoded)->pixels().size() <= 10'000);
         }
     }
     NSBitmapImageRep::setPixelLimit(limit);

@@ -45,7 +45,6 @@ bool drawBlack(NSRect rect) {
 
 TEST(Png, TruncatedFilesAreAnError) {
     const auto encoded = encodePng(*everyPixel());
-    ASSERT_TRUE(encoded.ok());
     for (std::size_t size = 0; size + 12 < encoded->size(); size += size < 200 ? 1 : 997)
         EXPECT_FALSE(decodeImage(std::span(*encoded).first(size)).ok()) << "first " << size << " bytes";
 }
