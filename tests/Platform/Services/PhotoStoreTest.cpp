@@ -124,6 +124,19 @@ TEST_F(PhotoStoreTest, OneFileThatCannotBeTakenKeepsAllOut) {
     EXPECT_FALSE(PhotoStore(std::nullopt, pictures).perform(albumOf("A", {})).ok()) << "no home";
 }
 
+TEST_F(PhotoStoreTest, AFullDiskKeepsWhatWasThere) {
+    ASSERT_TRUE(store().perform(albumOf("before", {picture("x.png")})).ok());
+    const std::string large = directory.write("from/large.png", kPicture + std::string(3 << 20, 'x'));
+    files->setRoom(2 << 20);
+    EXPECT_EQ(store().perform(albumOf("A", {large})).error().kind, ErrorKind::Full);
+    files->heal();
+    PhotoStore opened = store();
+    EXPECT_TRUE(opened.recover().ok());
+    EXPECT_EQ(opened.albums()->size(), 1U);
+    EXPECT_EQ(directory.read("Pictures/before/x.png"), kPicture);
+    EXPECT_FALSE(std::filesystem::exists(pictures + "/A"));
+}
+
 TEST_F(PhotoStoreTest, ADamagedIndexIsSetAside) {
     const PhotoChanges before = albumOf("Trip", {picture("x.png")});
     ASSERT_TRUE(store().perform(before).ok());
