@@ -2,8 +2,6 @@
 
 #include <chrono>
 
-#include <gtest/gtest.h>
-
 #include <KXFoundation/Media/KXAnimatedGIFImageView.h>
 #include <KXFoundation/Platform/Graphics/GIF/FrameMemory.h>
 #include <KXFoundation/Platform/Runtime/Executor.h>

@@ -2,9 +2,8 @@
 #pragma once
 
 #include <cstdint>
-#include <memory>
-#include <string>
-#include <vector>
+
+#include <gmock/gmock.h>
 
 #include <KXFoundation/Platform/Graphics/NSImage.h>
 #include <KXFoundation/Testing/TemporaryDirectory.h>
@@ -14,8 +13,8 @@
 namespace kx::testing {
 
 /// A square GIF with one colour to a frame: frame i has red 10 * (i + 1). Delays in hundredths.
-inline std::vector<std::uint8_t> colouredGIF(const std::vector<std::uint16_t>& delays,
-                                             std::uint16_t loops = 0, std::uint16_t side = 2) {
+inline GIFWriter colouredFrames(const std::vector<std::uint16_t>& delays, std::uint16_t loops = 0,
+                                std::uint16_t side = 2) {
     std::vector<std::uint8_t> palette;
     for (int i = 0; i < 16; ++i)
         palette.insert(palette.end(), {static_cast<std::uint8_t>(10 * (i + 1)), 0, 0});
@@ -28,7 +27,16 @@ inline std::vector<std::uint8_t> colouredGIF(const std::vector<std::uint16_t>& d
         frame.indices.assign(std::size_t{side} * side, static_cast<std::uint8_t>(i % 16));
         file.frame(frame);
     }
-    return file.trailer().bytes();
+    return file;
+}
+
+inline std::vector<std::uint8_t> colouredGIF(const std::vector<std::uint16_t>& delays,
+                                             std::uint16_t loops = 0, std::uint16_t side = 2) {
+    return colouredFrames(delays, loops, side).trailer().bytes();
+}
+
+inline Value dataOf(const std::vector<std::uint8_t>& bytes) {
+    return Value::data(std::as_bytes(std::span(bytes)));
 }
 
 /// The number of the frame that the image is, -1 for none.

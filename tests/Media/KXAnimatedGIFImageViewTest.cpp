@@ -5,13 +5,9 @@
 #include <concepts>
 #include <map>
 
-#include <gmock/gmock.h>
-#include <gtest/gtest.h>
-
 #include <KXFoundation/Media/AnimationTimeline.h>
 #include <KXFoundation/Media/KXAnimatedGIFImageView.h>
 #include <KXFoundation/Platform/Runtime/Executor.h>
-#include <KXFoundation/Platform/Views/OffscreenSurface.h>
 #include <KXFoundation/Testing/CapturedLog.h>
 #include <KXFoundation/Testing/ManualClock.h>
 
@@ -23,18 +19,14 @@ namespace {
 
 using namespace std::chrono_literals;
 using testing::colouredGIF;
-using ::testing::ElementsAre;
 
 TEST(AnimationTimeline, Places) {
     const float delays[] = {0.05F, 0.05F, 0.2F}, odd[] = {0, -1, 1e9F}, one[] = {0.05F};
     const AnimationTimeline endless(delays, 0), twice(delays, 2), unusual(odd, -1), single(one, 0),
         empty({}, 3);
-    const struct {
-        const AnimationTimeline& timeline;
-        std::chrono::milliseconds played;
-        std::size_t frame, next;
-        int left;  // -1: none
-    } rows[] = {
+    using Index = std::size_t;
+    const std::tuple<const AnimationTimeline&, std::chrono::milliseconds, Index, Index, int> rows[] = {
+        // -1: none left
         {endless, 0ms, 0, 1, 50},   {endless, 49ms, 0, 1, 1},   {endless, 50ms, 1, 2, 50},
         {endless, 299ms, 2, 0, 1},  {endless, 300ms, 0, 1, 50}, {endless, 300'000'120ms, 2, 0, 180},
         {twice, 299ms, 2, 0, 1},    {twice, 350ms, 1, 2, 50},   {twice, 599ms, 2, 2, -1},
@@ -155,32 +147,28 @@ TEST(KXAnimatedGIFImageView, StandsStillWhileNobodySeesIt) {
     play.show(colouredGIF({10, 10, 10, 10}));
     const auto window = play.window.window, parent = make<NSWindow>();
     const auto content = window->contentView();
-    const std::pair<const char*, std::pair<std::function<void()>, std::function<void()>>> rows[] = {
-        {"hidden", {[&] { play.view->setHidden(true); }, [&] { play.view->setHidden(false); }}},
-        {"inside a hidden view", {[&] { content->setHidden(true); }, [&] { content->setHidden(false); }}},
-        {"out of the window",
-         {[&] { play.view->removeFromSuperview(); }, [&] { content->addSubview(play.view); }}},
-        {"window closed", {[&] { window->orderOut(); }, [&] { window->orderFront(); }}},
-        {"window minimised",
-         {[&] { play.window.surface().send(SurfaceMiniaturized{true}); },
-          [&] { play.window.surface().send(SurfaceMiniaturized{false}); }}},
-        {"window put into one that is not shown",
-         {[&] { parent->addChildWindow(window, NSWindowOrderingMode::Above); },
-          [&] { parent->orderFront(); }}},
-        {"window taken out of the other",
-         {[&] { parent->removeChildWindow(window); },
-          [&] { parent->addChildWindow(window, NSWindowOrderingMode::Above); }}},
-        {"the other window closed", {[&] { parent->orderOut(); }, [&] { parent->orderFront(); }}},
+    const auto minimise = [&](bool is) { play.window.surface().send(SurfaceMiniaturized{is}); };
+    const auto putIntoParent = [&] { parent->addChildWindow(window, NSWindowOrderingMode::Above); };
+    using Action = std::function<void()>;
+    const std::tuple<const char*, Action, Action> rows[] = {
+        {"hidden", [&] { play.view->setHidden(true); }, [&] { play.view->setHidden(false); }},
+        {"inside a hidden view", [&] { content->setHidden(true); }, [&] { content->setHidden(false); }},
+        {"outside", [&] { play.view->removeFromSuperview(); }, [&] { content->addSubview(play.view); }},
+        {"window closed", [&] { window->orderOut(); }, [&] { window->orderFront(); }},
+        {"window minimised", [&] { minimise(true); }, [&] { minimise(false); }},
+        {"window put into one that is not shown", putIntoParent, [&] { parent->orderFront(); }},
+        {"window taken out of the other", [&] { parent->removeChildWindow(window); }, putIntoParent},
+        {"the other window closed", [&] { parent->orderOut(); }, [&] { parent->orderFront(); }},
     };
-    for (const auto& [what, actions] : rows) {
+    for (const auto& [what, hide, show] : rows) {
         play.view->seekToFrame(0);
         play.clock->advance(150ms);
-        actions.first();
+        hide();
         play.clock->advance(1s);
         EXPECT_EQ(play.shown(), 1) << what;
         EXPECT_EQ(play.clock->pendingTimers(), 0U) << what;
         EXPECT_TRUE(play.view->isPlaying()) << what;
-        actions.second();
+        show();
         EXPECT_EQ(play.after(49ms), 1) << what;
         EXPECT_EQ(play.after(1ms), 2) << what;
     }

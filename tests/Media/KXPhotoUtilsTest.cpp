@@ -4,7 +4,6 @@
 #include <filesystem>
 
 #include <gmock/gmock.h>
-#include <gtest/gtest.h>
 
 #include <KXFoundation/Core/KXPhotoFileInfo.h>
 #include <KXFoundation/Media/KXPhotoUtils.h>
@@ -165,9 +164,7 @@ TEST_F(KXPhotoUtilsTest, JpegOfAPicture) {
         GraphicsContext::current()->fill(rect, *NSColor::blackColor());
         return true;
     });
-    const auto data = KXPhotoUtils::imgToData(drawn, 1);
-    ASSERT_TRUE(data);
-    const auto bitmap = NSImage::initWithData(*data)->bitmapAtScale(1);
+    const auto bitmap = NSImage::initWithData(*KXPhotoUtils::imgToData(drawn, 1))->bitmapAtScale(1);
     EXPECT_EQ(bitmap->pixelsWide(), 3u);
     EXPECT_EQ(bitmap->pixelAt(1, 1), 0xFF000000u);
     const auto sharp = NSImage::initWithBitmap(image->bitmapAtScale(1), 2);
@@ -177,13 +174,8 @@ TEST_F(KXPhotoUtilsTest, JpegOfAPicture) {
 
 TEST_F(KXPhotoUtilsTest, SavesAPictureAndItsThumbnail) {
     const auto image = photograph(64);
-    struct {
-        const char* what;
-        std::optional<std::string> path, thumbnail;
-        std::uint64_t room;
-        bool answer;
-        std::size_t files;
-    } const rows[] = {
+    using Path = std::optional<std::string>;
+    const std::tuple<const char*, Path, Path, std::uint64_t, bool, std::ptrdiff_t> rows[] = {
         {"both", at("s/a.jpg"), at("s/t.jpg"), 1, true, 2},
         {"no thumbnail", at("s/a.jpg"), std::nullopt, 1, true, 1},
         {"no picture", std::nullopt, at("s/t.jpg"), 1, true, 1},
@@ -191,13 +183,13 @@ TEST_F(KXPhotoUtilsTest, SavesAPictureAndItsThumbnail) {
         {"no such folder", at("none/a.jpg"), at("s/t.jpg"), 1, true, 1},
         {"a zero byte", at(std::string_view("s/a.jpg\0x", 9)), {}, 1, true, 0},
     };
-    for (const auto& row : rows) {
+    for (const auto& [what, path, thumbnail, room, answer, files] : rows) {
         std::filesystem::remove_all(at("s"));
         std::filesystem::create_directory(at("s"));
-        const ScopedPort<Machine> disk(std::make_shared<DiskWithRoom>(row.room));
-        EXPECT_EQ(KXPhotoUtils::saveImage(image, row.path, row.thumbnail), row.answer) << row.what;
+        const ScopedPort<Machine> disk(std::make_shared<DiskWithRoom>(room));
+        EXPECT_EQ(KXPhotoUtils::saveImage(image, path, thumbnail), answer) << what;
         using Files = std::filesystem::directory_iterator;
-        EXPECT_EQ(static_cast<std::size_t>(std::distance(Files(at("s")), Files())), row.files) << row.what;
+        EXPECT_EQ(std::distance(Files(at("s")), Files()), files) << what;
     }
     const std::string left = platform.directory().write("s/a.jpg.new-99999999-0", "of a killed process");
     std::filesystem::last_write_time(left, std::filesystem::last_write_time(left) - std::chrono::hours(2));

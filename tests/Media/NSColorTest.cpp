@@ -59,12 +59,8 @@ TEST(NSColor_HEX, ReadsSixDigits) {
     };
     for (const auto& [text, want] : rows) EXPECT_EQ(componentsOf(text), want) << text.value_or("absent");
     EXPECT_EQ(componentsOf(std::string(1 << 20, 'F')), clear);
-}
-
-TEST(NSColor_HEX, HoldsAlphaToItsRange) {
-    for (const auto& [alpha, want] : {std::pair(1.5, 1.0), {-0.2, 0.0}, {0.5, 0.5}})
-        EXPECT_EQ(componentsOf("FFFFFF", alpha)[3], want);
-    EXPECT_EQ(componentsOf(std::nullopt, 0.5), Four());
+    EXPECT_EQ(componentsOf("FF8800", 0.5), (Four{1, of255(0x88), 0, 0.5}));
+    EXPECT_EQ(componentsOf(std::nullopt, 0.5), clear);
 }
 
 TEST(NSColor_RGBAComponents, NeedsNeitherColourNorPlace) {

@@ -70,12 +70,7 @@ TEST(NSImage_Mask, GreyHasHalfTheContrastAndAPointToAPixel) {
 }
 
 TEST(NSImage_Mask, ScalesToAWidth) {
-    struct {
-        std::uint32_t wide, high;
-        double width;
-        NSSize size;  // zero: an empty picture
-        std::uint32_t pixelsWide, pixelsHigh;
-    } const rows[] = {
+    const std::tuple<std::uint32_t, std::uint32_t, double, NSSize, std::uint32_t, std::uint32_t> rows[] = {
         {200, 100, 50, {50, 25}, 50, 25},
         {100, 300, 0, {1, 3}, 1, 3},
         {200, 100, 50.5, {50.5, 25.25}, 50, 25},
@@ -85,17 +80,17 @@ TEST(NSImage_Mask, ScalesToAWidth) {
         {10, 10, 1e9, {}, 0, 0},
         {10, 10, NAN, {}, 0, 0},
     };
-    for (const auto& row : rows) {
-        const auto bitmap = NSBitmapImageRep::bitmapWithPixels(row.wide, row.high);
+    for (const auto& [wide, high, width, size, pixelsWide, pixelsHigh] : rows) {
+        const auto bitmap = NSBitmapImageRep::bitmapWithPixels(wide, high);
         std::ranges::fill(bitmap->pixels(), 0x80104080);
-        const auto made = NSImage_Mask::fixImageSizeWithWidth(NSImage::initWithBitmap(bitmap), row.width);
-        EXPECT_EQ(made->size(), row.size) << row.width;
+        const auto made = NSImage_Mask::fixImageSizeWithWidth(NSImage::initWithBitmap(bitmap), width);
+        EXPECT_EQ(made->size(), size) << width;
         const auto scaled = onlyBitmap(*made);
-        ASSERT_EQ(scaled != nullptr, row.pixelsWide > 0) << row.width;
+        ASSERT_EQ(scaled != nullptr, pixelsWide > 0) << width;
         if (!scaled) continue;
-        EXPECT_EQ(scaled->pixelsWide(), row.pixelsWide) << row.width;
-        EXPECT_EQ(scaled->pixelsHigh(), row.pixelsHigh) << row.width;
-        EXPECT_EQ(scaled->pixelAt(row.pixelsWide - 1, row.pixelsHigh - 1), 0x80104080) << row.width;
+        EXPECT_EQ(scaled->pixelsWide(), pixelsWide) << width;
+        EXPECT_EQ(scaled->pixelsHigh(), pixelsHigh) << width;
+        EXPECT_EQ(scaled->pixelAt(pixelsWide - 1, pixelsHigh - 1), 0x80104080) << width;
     }
     const auto image = NSImage::initWithBitmap(topHalf(30, 20));
     EXPECT_EQ(NSImage_Mask::fixImageSizeWithWidth(image, 30), image);

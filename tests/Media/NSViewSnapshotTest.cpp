@@ -14,8 +14,7 @@ namespace kx {
 namespace {
 
 /// Green. Counts who is drawing it, and throws if told to.
-class Drawing : public Subclass<Drawing, NSView> {
-  public:
+struct Drawing : Subclass<Drawing, NSView> {
     void drawRect(GraphicsContext& context, NSRect dirty) override {
         isCurrent = GraphicsContext::current() == &context;
         ++inside;  // plain: the view's monitor is all that keeps two threads apart

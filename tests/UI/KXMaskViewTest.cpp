@@ -20,15 +20,12 @@ struct Delegate final : KXMaskViewDelegate {
 
 TEST_F(Mask, CoversTheKeyWindowUntilItIsClicked) {
     const auto delegate = std::make_shared<Delegate>();
-    std::weak_ptr<KXMaskView> watched;
-    {
-        const auto mask = make<KXMaskView>();
-        mask->setDelegate(delegate);
-        mask->show();
-        mask->show();
-        EXPECT_EQ(mask->frame(), NSRect(0, 0, 640, 480));
-        watched = mask;
-    }
+    auto mask = make<KXMaskView>();
+    mask->setDelegate(delegate);
+    mask->show();
+    mask->show();
+    EXPECT_EQ(mask->frame(), NSRect(0, 0, 640, 480));
+    const std::weak_ptr<KXMaskView> watched = std::exchange(mask, nullptr);
     shown.window->displayIfNeeded();
     EXPECT_EQ(children(), 1U) << "shown twice it has one window";
     shown.surface().click({600, 20});

@@ -1,7 +1,6 @@
 // SPDX-License-Identifier: MIT
 
 #include <KXFoundation/Platform/Views/CABasicAnimation.h>
-#include <KXFoundation/Platform/Views/CALayer.h>
 #include <KXFoundation/UI/KXSimpleLoadingView.h>
 
 #include "UI/TimedWindow.h"

@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: MIT
 
-#include <limits>
+#include <cmath>
 
 #include <malloc.h>
 
@@ -57,17 +57,11 @@ void clearAll() {
 }
 
 TEST_F(Toast, StaysForItsTimeAndLeavesNothing) {
-    const struct {
-        double timeout, stays;
-    } rows[] = {{0, 40}, {0.3, 40}, {0.5, 0.5},
-                {3, 3},  {-1, 40},  {std::numeric_limits<double>::quiet_NaN(), 40}};
+    const std::pair<double, double> rows[] = {{0, 40}, {0.3, 40}, {0.5, 0.5}, {3, 3}, {-1, 40}, {NAN, 40}};
     for (const auto& [timeout, stays] : rows) {
-        std::weak_ptr<KXToastView> watched;
-        {
-            const auto toast = KXToastView::initWithTitle("Saved", nullptr);
-            toast->showWithTimeout(timeout);
-            watched = toast;
-        }
+        auto toast = KXToastView::initWithTitle("Saved", nullptr);
+        toast->showWithTimeout(timeout);
+        const std::weak_ptr<KXToastView> watched = std::exchange(toast, nullptr);
         pass(stays - 0.001);
         EXPECT_EQ(children(), 1U) << "timeout " << timeout;
         EXPECT_FALSE(watched.expired()) << "timeout " << timeout;
@@ -187,17 +181,17 @@ TEST_F(Toast, ManyLeaveNothing) {
 }
 
 TEST_F(Toast, HooksMayDoAnything) {
-    const auto again = [](HookedToast&) { clearAll(); };
-    const auto remove = [](HookedToast& toast) { toast.removeFromSuperview(); };
-    const auto closeAll = [&](HookedToast& toast) {
-        if (const auto window = toast.window()) window->close();
-        shown.window->close();
+    const std::function<void(HookedToast&)> hooks[] = {
+        [](HookedToast&) { clearAll(); },
+        [](HookedToast& toast) { toast.removeFromSuperview(); },
+        [](HookedToast&) { hooked()->showWithTimeout(1); },
+        [&](HookedToast& toast) {
+            if (const auto window = toast.window()) window->close();
+            shown.window->close();
+        },
     };
-    const auto another = [](HookedToast&) { hooked()->showWithTimeout(1); };
-    for (const std::function<void(HookedToast&)>& hook :
-         std::initializer_list<std::function<void(HookedToast&)>>{again, remove, another, closeAll}) {
+    for (const auto& hook : hooks) {
         shown.window->makeKeyAndOrderFront();
-        std::weak_ptr<HookedToast> watched;
         for (auto HookedToast::*place :
              {&HookedToast::willPresent, &HookedToast::willDismiss, &HookedToast::didDismiss}) {
             auto toast = hooked();
@@ -205,8 +199,7 @@ TEST_F(Toast, HooksMayDoAnything) {
             toast->setShouldDismissWhenClicked(true);
             toast->showWithTimeout(2);
             if (shown.window->surface()) shown.surface().click({9, 9});
-            watched = toast;
-            toast = nullptr;
+            const std::weak_ptr<HookedToast> watched = std::exchange(toast, nullptr);
             clearAll();
             pass(4);
             EXPECT_TRUE(watched.expired());
@@ -225,24 +218,19 @@ TEST_F(Toast, IsReadOutWhenItIsShown) {
     EXPECT_EQ(reader->heard().size(), 1U) << "nobody sees it";
 }
 
-TEST_F(Toast, LeavesTheScreenWhereItsWindowWasPutThere) {
-    shown.window->close();
-    const auto toast = KXToastView::initWithTitle("Saved", nullptr);
-    toast->showWithTimeout(1);
-    toast->window()->makeKeyAndOrderFront();
-    pass(1);
-    EXPECT_TRUE(NSApplication::sharedApplication()->windows().empty());
-}
-
 TEST_F(Toast, WithoutAKeyWindowItComesAndGoes) {
     shown.window->close();
-    const auto toast = KXToastView::initWithTitle(std::nullopt, nullptr);
-    EXPECT_EQ(toast->frame().size, NSSize());
-    toast->showWithTimeout(1);
-    const std::weak_ptr<NSWindow> window = toast->window();
-    EXPECT_FALSE(window.expired());
-    pass(1);
-    EXPECT_TRUE(window.expired());
+    for (const bool isPutOnScreen : {false, true}) {
+        const auto toast = KXToastView::initWithTitle(std::nullopt, nullptr);
+        EXPECT_EQ(toast->frame().size, NSSize());
+        toast->showWithTimeout(1);
+        const std::weak_ptr<NSWindow> window = toast->window();
+        ASSERT_FALSE(window.expired());
+        if (isPutOnScreen) window.lock()->makeKeyAndOrderFront();
+        pass(1);
+        EXPECT_TRUE(window.expired());
+        EXPECT_TRUE(NSApplication::sharedApplication()->windows().empty());
+    }
 }
 
 TEST_F(Toast, AbsurdContentsAreShown) {

@@ -2,7 +2,6 @@
 
 #include <cmath>
 #include <limits>
-#include <string>
 
 #include <gtest/gtest.h>
 
@@ -39,18 +38,12 @@ std::shared_ptr<CGMutablePath> outlined(const Text& text) {
     return path;
 }
 
-}  // namespace
-
 TEST(KXUIUtils, MeasuresTexts) {
     const auto plain = font("DejaVu Sans", 16);
     const double wide = KXUIUtils::sizeWith("one two three four", plain).width;
     const double line = KXUIUtils::sizeWith("one", plain).height;
     const double endless = std::numeric_limits<double>::infinity();
-    const struct {
-        const char* text;
-        double maxWidth;
-        double width, lines;  // the width at most
-    } rows[] = {
+    const std::tuple<const char*, double, double, double> rows[] = {
         {"one two three four", endless, wide, 1},
         {"one two three four", wide + 1, wide, 1},
         {"one two three four", wide * 0.62, wide * 0.62, 2},
@@ -60,12 +53,12 @@ TEST(KXUIUtils, MeasuresTexts) {
         {"one\ntwo", endless, wide / 3, 2},
         {"", endless, 0, 1},
     };
-    for (const auto& row : rows) {
-        const NSSize size = KXUIUtils::sizeWith(row.text, plain, row.maxWidth);
-        EXPECT_LE(size.width, row.width) << row.text << " in " << row.maxWidth;
-        EXPECT_GE(size.width, row.width / 2) << row.text << " in " << row.maxWidth;
-        EXPECT_NEAR(size.height, row.lines * line, 0.01) << row.text << " in " << row.maxWidth;
-        EXPECT_EQ(KXUIUtils::sizeWith(row.text, plain, row.maxWidth), size) << "asked again";
+    for (const auto& [text, maxWidth, most, lines] : rows) {
+        const NSSize size = KXUIUtils::sizeWith(text, plain, maxWidth);
+        EXPECT_LE(size.width, most) << text << " in " << maxWidth;
+        EXPECT_GE(size.width, most / 2) << text << " in " << maxWidth;
+        EXPECT_NEAR(size.height, lines * line, 0.01) << text << " in " << maxWidth;
+        EXPECT_EQ(KXUIUtils::sizeWith(text, plain, maxWidth), size) << "asked again";
     }
     EXPECT_NE(wide, std::ceil(wide));  // not rounded
     EXPECT_EQ(KXUIUtils::sizeWith(std::nullopt, plain), NSSize());
@@ -128,4 +121,5 @@ TEST(KXUIUtils, OutlinesAreAppendedWhereTheGlyphsStand) {
     KXUIUtils::renderNSAttributeString(styled("H", sans), nullptr);
 }
 
+}  // namespace
 }  // namespace kx

@@ -1,9 +1,7 @@
 // SPDX-License-Identifier: MIT
 
 #include <stdexcept>
-#include <string>
 #include <thread>
-#include <vector>
 
 #include <gtest/gtest.h>
 

@@ -2,10 +2,6 @@
 #pragma once
 
 #include <chrono>
-#include <cstdint>
-#include <memory>
-
-#include <gtest/gtest.h>
 
 #include <KXFoundation/Testing/ManualClock.h>
 #include <KXFoundation/Testing/RecordingScreenReader.h>

@@ -21,99 +21,76 @@ void expectNear(NSRect got, NSRect want, const char* what) {
     EXPECT_NEAR(got.maxY(), want.maxY(), 1e-9) << what;
 }
 
-}  // namespace
+/// Each part by its points: one for a line, two or three for a curve, none to close; the first is where it
+/// begins.
+std::shared_ptr<CGMutablePath> pathOf(const std::vector<std::vector<NSPoint>>& parts) {
+    auto path = CGMutablePath::path();
+    for (const auto& part : parts) {
+        if (part.empty()) {
+            path->closeSubpath();
+        } else if (path->isEmpty()) {
+            path->moveToPoint(part[0]);
+        } else if (part.size() == 1) {
+            path->addLineToPoint(part[0]);
+        } else if (part.size() == 2) {
+            path->addQuadCurveToPoint(part[0], part[1]);
+        } else {
+            path->addCurveToPoint(part[0], part[1], part[2]);
+        }
+    }
+    return path;
+}
 
 TEST(CGMutablePath, HasABoxAroundItsPointsAndOneAroundItsCurves) {
     const double turn = std::sqrt(3.0) / 6;  // where the S turns: at 0.5 ± turn
     const double swing = 3 * (0.5 - turn) * (0.5 + turn) * 2 * turn;
-    const struct {
-        const char* what;
-        void (*draw)(CGMutablePath&);
-        NSRect points, curves;
-    } rows[] = {
-        {"nothing", [](CGMutablePath&) {}, {}, {}},
-        {"a point",
-         [](CGMutablePath& p) {
-             p.moveToPoint({3, 4});
-         },
-         {3, 4, 0, 0},
-         {3, 4, 0, 0}},
-        {"a rectangle",
-         [](CGMutablePath& p) {
-             p.addRect({5, 6, -2, 3});
-         },
-         {3, 6, 2, 3},
-         {3, 6, 2, 3}},
-        {"an arch",
-         [](CGMutablePath& p) {
-             p.moveToPoint({0, 0});
-             p.addQuadCurveToPoint({5, -10}, {10, 0});
-         },
-         {0, -10, 10, 10},
-         {0, -5, 10, 5}},
-        {"an S",
-         [](CGMutablePath& p) {
-             p.moveToPoint({0, 0});
-             p.addCurveToPoint({1, 1}, {2, -1}, {3, 0});
-         },
-         {0, -1, 3, 2},
-         {0, -swing, 3, 2 * swing}},
+    const std::tuple<const char*, std::vector<std::vector<NSPoint>>, NSRect, NSRect> rows[] = {
+        {"nothing", {}, {}, {}},
+        {"a point", {{{3, 4}}}, {3, 4, 0, 0}, {3, 4, 0, 0}},
+        {"an arch", {{{0, 0}}, {{5, -10}, {10, 0}}}, {0, -10, 10, 10}, {0, -5, 10, 5}},
+        {"an S", {{{0, 0}}, {{1, 1}, {2, -1}, {3, 0}}}, {0, -1, 3, 2}, {0, -swing, 3, 2 * swing}},
         {"an arch from where a line was closed",
-         [](CGMutablePath& p) {
-             p.moveToPoint({0, 0});
-             p.addLineToPoint({0, 40});
-             p.closeSubpath();
-             p.addQuadCurveToPoint({5, -10}, {10, 0});
-         },
+         {{{0, 0}}, {{0, 40}}, {}, {{5, -10}, {10, 0}}},
          {0, -10, 10, 50},
          {0, -5, 10, 45}},
-        {"a curve that is a line",
-         [](CGMutablePath& p) {
-             p.moveToPoint({0, 0});
-             p.addCurveToPoint({1, 1}, {2, 2}, {3, 3});
-             p.addQuadCurveToPoint({2, 2}, {1, 1});
-         },
+        {"a line of curves",
+         {{{0, 0}}, {{1, 1}, {2, 2}, {3, 3}}, {{2, 2}, {1, 1}}},
          {0, 0, 3, 3},
          {0, 0, 3, 3}},
     };
-    for (const auto& row : rows) {
-        const auto path = CGMutablePath::path();
-        row.draw(*path);
-        expectNear(path->boundingBox(), row.points, row.what);
-        expectNear(path->pathBoundingBox(), row.curves, row.what);
+    for (const auto& [what, parts, points, curves] : rows) {
+        const auto path = pathOf(parts);
+        expectNear(path->boundingBox(), points, what);
+        expectNear(path->pathBoundingBox(), curves, what);
         const auto moved = CGMutablePath::path();
         moved->addPath(*path, {100, 200});
-        if (!path->isEmpty()) expectNear(moved->pathBoundingBox(), row.curves.movedBy({100, 200}), row.what);
+        if (!path->isEmpty()) expectNear(moved->pathBoundingBox(), curves.movedBy({100, 200}), what);
         moved->translate({-100, -200});
-        EXPECT_TRUE(moved->isEqual(*path)) << row.what;
+        EXPECT_TRUE(moved->isEqual(*path)) << what;
     }
 }
 
 TEST(CGMutablePath, AppendsToItself) {
     const auto path = CGMutablePath::path();
-    path->addRect({0, 0, 1, 1});
+    path->addRect({1, 0, -1, 1});
+    expectNear(path->boundingBox(), {0, 0, 1, 1}, "once");
     path->addPath(*path, {5, 0});
     expectNear(path->boundingBox(), {0, 0, 6, 1}, "twice");
     EXPECT_EQ(path->elements().size(), 10u);
-    EXPECT_EQ(path->currentPoint(), (NSPoint{5, 0}));
+    EXPECT_EQ(path->currentPoint(), (NSPoint{6, 0}));
 }
 
 TEST(CGMutablePath, IsFilledWithHolesAndStroked) {
     const auto ring = CGMutablePath::path();
     ring->addRect({2, 2, 16, 16});
-    ring->moveToPoint({6, 6});  // the other way round
-    for (const NSPoint corner : {NSPoint{6, 14}, {14, 14}, {14, 6}}) ring->addLineToPoint(corner);
-    ring->closeSubpath();
+    ring->addPath(*pathOf({{{6, 6}}, {{6, 14}}, {{14, 14}}, {{14, 6}}, {}}), {});  // the other way round
     const auto bitmap = NSBitmapImageRep::bitmapWithPixels(20, 20);
     const auto context = GraphicsContext::onBitmap(bitmap);
     ring->fill(*context, *NSColor::blackColor());
     EXPECT_EQ(bitmap->pixelAt(4, 10), 0xFF000000);
     EXPECT_EQ(bitmap->pixelAt(10, 10), 0u);
     EXPECT_EQ(bitmap->pixelAt(0, 0), 0u);
-    const auto line = CGMutablePath::path();
-    line->moveToPoint({0, 10});
-    line->addLineToPoint({20, 10});
-    line->stroke(*context, 2, *NSColor::whiteColor());
+    pathOf({{{0, 10}}, {{20, 10}}})->stroke(*context, 2, *NSColor::whiteColor());
     EXPECT_EQ(bitmap->pixelAt(10, 10), 0xFFFFFFFF);
     EXPECT_EQ(bitmap->pixelAt(10, 7), 0u);
 }
@@ -139,4 +116,5 @@ TEST(CGMutablePath, TakesNothingThatIsNoPath) {
     EXPECT_EQ(path->currentPoint(), (NSPoint{1, 1}));
 }
 
+}  // namespace
 }  // namespace kx

@@ -8,7 +8,6 @@
 #include <KXFoundation/Testing/PictureComparison.h>
 
 namespace kx {
-
 namespace {
 
 /// Every alpha with every value under it, and channels that differ; wide enough that it is written past the
@@ -35,8 +34,6 @@ std::uint32_t expected(std::uint32_t pixel, ColorControls controls) {
     }
     return result;
 }
-
-}  // namespace
 
 TEST(ColorControls, EqualsTheFormulaOnEveryMachine) {
     const auto from = manyPixels();
@@ -70,4 +67,5 @@ TEST(ColorControls, HoldsWhatIsOutsideItsRange) {
     applyColorControls(*from, *NSBitmapImageRep::bitmapWithPixels(4, 1), {});  // another size: nothing
 }
 
+}  // namespace
 }  // namespace kx

@@ -1,8 +1,6 @@
 // SPDX-License-Identifier: MIT
 
 #include <algorithm>
-#include <cmath>
-#include <cstdio>
 #include <cstdlib>
 #include <cstring>
 
@@ -26,30 +24,22 @@ using Bytes = std::vector<std::byte>;
 /// Four colours, one in each quarter; the last one half transparent if wanted.
 std::shared_ptr<NSBitmapImageRep> quarters(std::uint32_t wide, std::uint32_t high, std::uint32_t last) {
     auto bitmap = NSBitmapImageRep::bitmapWithPixels(wide, high);
-    for (std::uint32_t y = 0; y < high; ++y) {
-        for (std::uint32_t x = 0; x < wide; ++x) {
-            const bool right = x >= wide / 2, low = y >= high / 2;
-            bitmap->pixels()[y * wide + x] =
-                low ? (right ? last : 0xFF00C000) : (right ? 0xFF2040E0 : 0xFFE02020);
-        }
+    for (std::uint32_t i = 0; i < wide * high; ++i) {
+        const bool right = i % wide >= wide / 2, low = i / wide >= high / 2;
+        bitmap->pixels()[i] = low ? (right ? last : 0xFF00C000) : (right ? 0xFF2040E0 : 0xFFE02020);
     }
     return bitmap;
 }
 
 /// The colours in the middle of the quarters: top left, top right, bottom left, bottom right.
-std::array<std::uint32_t, 4> cornersOf(const NSBitmapImageRep& bitmap) {
-    const std::uint32_t wide = bitmap.pixelsWide(), high = bitmap.pixelsHigh();
-    return {bitmap.pixelAt(wide / 4, high / 4), bitmap.pixelAt(wide * 3 / 4, high / 4),
-            bitmap.pixelAt(wide / 4, high * 3 / 4), bitmap.pixelAt(wide * 3 / 4, high * 3 / 4)};
-}
-
 void expectCorners(const Result<std::shared_ptr<NSBitmapImageRep>>& decoded,
                    const std::array<std::uint32_t, 4>& want, const std::string& what, int tolerance = 12) {
     ASSERT_TRUE(decoded.ok()) << what << ": " << decoded.error().message();
-    const auto got = cornersOf(**decoded);
-    for (std::size_t i = 0; i < 4; ++i) {
-        EXPECT_LE(distance(got[i], want[i]), tolerance)
-            << what << ", corner " << i << ": " << std::hex << got[i] << " for " << want[i];
+    const std::uint32_t wide = (*decoded)->pixelsWide(), high = (*decoded)->pixelsHigh();
+    for (std::uint32_t i = 0; i < 4; ++i) {
+        const std::uint32_t got = (*decoded)->pixelAt(wide * (1 + i % 2 * 2) / 4, high * (1 + i / 2 * 2) / 4);
+        EXPECT_LE(distance(got, want[i]), tolerance)
+            << what << ", corner " << i << ": " << std::hex << got << " for " << want[i];
     }
 }
 
@@ -81,17 +71,16 @@ Bytes jpeg(const NSBitmapImageRep& bitmap, const JpegKind& kind) {
     jpeg_set_quality(&codec, 95, TRUE);
     if (kind.progressive) jpeg_simple_progression(&codec);
     jpeg_start_compress(&codec, TRUE);
+    const bool isInverted = kind.components == 4 && !kind.adobe;
     std::vector<unsigned char> row(std::size_t{bitmap.pixelsWide()} * 4);
     while (codec.next_scanline < codec.image_height) {
+        unsigned char* at = row.data();
         for (std::uint32_t x = 0; x < bitmap.pixelsWide(); ++x) {
             const std::uint32_t pixel = bitmap.pixelAt(x, codec.next_scanline);
-            const int light[] = {static_cast<int>(pixel >> 16 & 255), static_cast<int>(pixel >> 8 & 255),
-                                 static_cast<int>(pixel & 255), 255};  // inks of these, and no black
-            for (int i = 0; i < kind.components; ++i) {
-                row[x * static_cast<std::uint32_t>(kind.components) + static_cast<std::uint32_t>(i)] =
-                    static_cast<unsigned char>(kind.components == 4 && !kind.adobe ? 255 - light[i]
-                                                                                   : light[i]);
-            }
+            const std::uint32_t light[] = {pixel >> 16, pixel >> 8, pixel,
+                                           255};  // inks of these, and no black
+            for (int i = 0; i < kind.components; ++i)
+                *at++ = static_cast<unsigned char>(isInverted ? ~light[i] : light[i]);
         }
         JSAMPROW start = row.data();
         jpeg_write_scanlines(&codec, &start, 1);
@@ -112,16 +101,14 @@ std::string exif(int orientation, bool isBigEndian) {
     return isBigEndian ? big + value + std::string(6, '\0') : little + value + std::string(7, '\0');
 }
 
-Bytes withExif(const Bytes& jpeg, const std::string& block) {
-    const std::string body = std::string("Exif\0\0", 6) + block;
-    const std::size_t size = body.size() + 2;
+Bytes withExif(Bytes jpeg, const std::string& block) {
+    const std::size_t size = block.size() + 8;
     std::string segment = "\xFF\xE1";
-    segment += {static_cast<char>(size >> 8), static_cast<char>(size)};
-    segment += body;
-    Bytes made(jpeg.begin(), jpeg.begin() + 2);
-    for (const char c : segment) made.push_back(static_cast<std::byte>(c));
-    made.insert(made.end(), jpeg.begin() + 2, jpeg.end());
-    return made;
+    segment += {static_cast<char>(size >> 8), static_cast<char>(size), 'E', 'x', 'i', 'f', 0, 0};
+    segment += block;
+    const auto* bytes = reinterpret_cast<const std::byte*>(segment.data());
+    jpeg.insert(jpeg.begin() + 2, bytes, bytes + segment.size());
+    return jpeg;
 }
 
 Bytes webp(const NSBitmapImageRep& straight, bool lossless, const std::string& exifBlock = {}) {
@@ -189,12 +176,11 @@ TEST(Jpeg, IsTurnedAsTheCameraWasHeld) {
 TEST(Jpeg, IsReducedWhileItIsUnpackedButNeverBelowWhatIsAskedFor) {
     const auto encoded = encodeJpeg(*quarters(640, 480, kOpaque[3]), 0.9);
     ASSERT_TRUE(encoded.ok());
-    const std::tuple<std::uint32_t, std::uint32_t, std::uint32_t, std::uint32_t> rows[] = {
-        {80, 60, 80, 60},
-        {81, 60, 160, 120},
-        {320, 10, 320, 240},
-        {321, 1, 640, 480},
-        {9999, 9999, 640, 480}};
+    const std::uint32_t rows[][4] = {{80, 60, 80, 60},
+                                     {81, 60, 160, 120},
+                                     {320, 10, 320, 240},
+                                     {321, 1, 640, 480},
+                                     {9999, 9999, 640, 480}};
     for (const auto& [leastWide, leastHigh, wide, high] : rows) {
         const auto decoded = decodeJpegReduced(*encoded, leastWide, leastHigh);
         expectCorners(decoded, kOpaque, "reduced");
@@ -215,10 +201,9 @@ TEST(Webp, ReadsBothKindsWithAlphaAndOrientation) {
     const std::array<std::uint32_t, 4> want{kOpaque[0], kOpaque[1], kOpaque[2], 0x80800000};
     expectCorners(decodeImage(webp(*straight, true)), want, "lossless", 1);
     expectCorners(decodeImage(webp(*straight, false)), want, "lossy");
-    for (const std::string& name : {std::string(), std::string("Exif\0\0", 6)}) {
+    for (const std::string& name : {std::string(), std::string("Exif\0\0", 6)})
         expectCorners(decodeImage(webp(*straight, true, name + exif(3, true))),
                       {want[3], want[2], want[1], want[0]}, "upside down", 1);
-    }
 }
 
 TEST(Tiff, ComesBackAsItWasWritten) {
@@ -322,9 +307,7 @@ TEST(ImageDecoder, TakesDamagedFilesOfEveryFormat) {
             Bytes changed = file;
             changed[i] ^= std::byte{0xFF};
             const auto decoded = decodeImage(changed);
-            if (decoded.ok()) {
-                EXPECT_LE((*decoded)->pixels().size(), 10'000U);
-            }
+            EXPECT_TRUE(!decoded || (*decoded)->pixels().size() <= 10'000);
         }
     }
     NSBitmapImageRep::setPixelLimit(limit);

@@ -8,6 +8,7 @@
 #include <KXFoundation/Platform/Graphics/NSColor.h>
 
 namespace kx {
+namespace {
 
 TEST(NSColor, KeepsItsComponentsToTheLastBitAndHoldsThemToTheirRange) {
     const double third = 1.0f / 3.0f;
@@ -18,12 +19,6 @@ TEST(NSColor, KeepsItsComponentsToTheLastBitAndHoldsThemToTheirRange) {
     EXPECT_EQ(NSColor::colorWithWhite(0.25, 0.5)->components(), (ColorComponents{0.25, 0.25, 0.25, 0.5}));
 }
 
-TEST(NSColor, ConstantsAreDistinctAndShared) {
-    EXPECT_EQ(NSColor::blackColor(), NSColor::blackColor());
-    EXPECT_FALSE(NSColor::blackColor()->isEqual(*NSColor::whiteColor()));
-    EXPECT_TRUE(NSColor::blackColor()->isEqual(*NSColor::colorWithWhite(0, 1)));
-}
-
 TEST(NSColor, SemanticColorFollowsTheLookOfTheThread) {
     const auto text = NSColor::textColor();
     const double light = text->redComponent();
@@ -32,8 +27,6 @@ TEST(NSColor, SemanticColorFollowsTheLookOfTheThread) {
     EXPECT_GT(text->redComponent(), 0.8);
     EXPECT_GT(text->colorWithAlphaComponent(0.5)->redComponent(), 0.8);
 }
-
-namespace {
 
 double linear(double encoded) {
     return encoded <= 0.04045 ? encoded / 12.92 : std::pow((encoded + 0.055) / 1.055, 2.4);
@@ -49,8 +42,6 @@ double contrast(const NSColor& a, const NSColor& b) {
     return one > other ? one / other : other / one;
 }
 
-}  // namespace
-
 // WCAG 2.1, success criterion 1.4.3: text has a contrast of at least 4.5 to 1.
 TEST(NSColor, TextIsReadableInBothLooks) {
     const std::tuple<const char*, std::shared_ptr<NSColor>, std::shared_ptr<NSColor>> rows[] = {
@@ -64,11 +55,11 @@ TEST(NSColor, TextIsReadableInBothLooks) {
     };
     for (const auto look : {NSAppearance::Light, NSAppearance::Dark}) {
         const ScopedAppearance scope(look);
-        for (const auto& [what, text, background] : rows) {
+        for (const auto& [what, text, background] : rows)
             EXPECT_GE(contrast(*text, *background), 4.5)
                 << what << (look == NSAppearance::Dark ? ", dark" : ", light");
-        }
     }
 }
 
+}  // namespace
 }  // namespace kx

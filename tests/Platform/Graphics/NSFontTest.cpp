@@ -1,7 +1,5 @@
 // SPDX-License-Identifier: MIT
 
-#include <optional>
-
 #include <gtest/gtest.h>
 
 #include <KXFoundation/Platform/Graphics/FontSource.h>
@@ -10,10 +8,8 @@
 namespace kx {
 
 TEST(NSFont, NameGivesFamilyAndStyle) {
-    const struct {
-        const char* name;
-        const char* fontName;  // nullptr: not installed
-    } rows[] = {
+    const std::pair<const char*, const char*> rows[] = {
+        // nullptr: not installed
         {"DejaVu Sans", "DejaVu Sans"},
         {"DejaVuSans", "DejaVu Sans"},
         {"dejavu sans", "DejaVu Sans"},
@@ -32,12 +28,12 @@ TEST(NSFont, NameGivesFamilyAndStyle) {
         {"-Bold", nullptr},
         {"", nullptr},
     };
-    for (const auto& row : rows) {
-        const auto font = NSFont::fontWithName(row.name, 12);
-        ASSERT_EQ(font != nullptr, row.fontName != nullptr) << "name: " << row.name;
+    for (const auto& [name, want] : rows) {
+        const auto font = NSFont::fontWithName(name, 12);
+        ASSERT_EQ(font != nullptr, want != nullptr) << "name: " << name;
         if (!font) continue;
-        EXPECT_EQ(font->fontName(), row.fontName) << "name: " << row.name;
-        EXPECT_TRUE(NSFont::fontWithName(font->fontName(), 12)->isEqual(*font)) << "name: " << row.name;
+        EXPECT_EQ(font->fontName(), want) << "name: " << name;
+        EXPECT_TRUE(NSFont::fontWithName(font->fontName(), 12)->isEqual(*font)) << "name: " << name;
     }
     EXPECT_EQ(NSFont::fontWithName(std::nullopt, 12), nullptr);
 }

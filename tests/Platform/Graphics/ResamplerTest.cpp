@@ -1,9 +1,9 @@
 // SPDX-License-Identifier: MIT
 
+#include <array>
 #include <cmath>
 #include <numbers>
 #include <random>
-#include <vector>
 
 #include <gtest/gtest.h>
 
@@ -11,7 +11,6 @@
 #include <KXFoundation/Testing/PictureComparison.h>
 
 namespace kx {
-
 namespace {
 
 /// Noise, hard edges, every alpha.
@@ -31,9 +30,7 @@ std::shared_ptr<NSBitmapImageRep> testPicture(std::uint32_t wide, std::uint32_t 
 
 // The same by the book, in double precision.
 
-struct Pixel {
-    double c[4] = {};  // blue, green, red, alpha
-};
+using Pixel = std::array<double, 4>;  // blue, green, red, alpha
 
 double lightOf(double e) {
     return e <= 0.04045 ? e / 12.92 : std::pow((e + 0.055) / 1.055, 2.4);
@@ -47,9 +44,8 @@ double sinc(double x) {
 }
 
 double weight(ResampleFilter filter, double left, double centre, double step) {
-    if (filter == ResampleFilter::Area) {
+    if (filter == ResampleFilter::Area)
         return std::max(0.0, std::min(left + 1, centre + step / 2) - std::max(left, centre - step / 2));
-    }
     const double x = (left + 0.5 - centre) / std::max(step, 1.0);
     return std::abs(x) < 3 ? sinc(x) * sinc(x / 3) : 0;
 }
@@ -66,10 +62,10 @@ std::vector<Pixel> turnedAndScaled(const std::vector<Pixel>& from, std::size_t s
             const double w = weight(filter, double(k), centre, step);
             sum += w;
             for (std::size_t line = 0; w != 0 && line < lines; ++line)
-                for (int c = 0; c < 4; ++c) to[i * lines + line].c[c] += w * from[line * size + k].c[c];
+                for (std::size_t c = 0; c < 4; ++c) to[i * lines + line][c] += w * from[line * size + k][c];
         }
         for (std::size_t line = 0; line < lines; ++line)
-            for (double& c : to[i * lines + line].c) c /= sum;
+            for (double& c : to[i * lines + line]) c /= sum;
     }
     return to;
 }
@@ -80,20 +76,20 @@ std::shared_ptr<NSBitmapImageRep> reference(const NSBitmapImageRep& from, std::u
     std::vector<Pixel> pixels;
     for (const std::uint32_t pixel : from.pixels()) {
         Pixel& p = pixels.emplace_back();
-        for (int c = 0; c < 4; ++c) p.c[c] = (pixel >> 8 * c & 255) / 255.0;
-        for (int c = 0; isLinear && p.c[3] > 0 && c < 3; ++c) p.c[c] = lightOf(p.c[c] / p.c[3]) * p.c[3];
+        for (std::size_t c = 0; c < 4; ++c) p[c] = (pixel >> 8 * c & 255) / 255.0;
+        for (std::size_t c = 0; isLinear && p[3] > 0 && c < 3; ++c) p[c] = lightOf(p[c] / p[3]) * p[3];
     }
     pixels = turnedAndScaled(pixels, from.pixelsWide(), extent.width, wide, options.filter);
     pixels = turnedAndScaled(pixels, from.pixelsHigh(), extent.height, high, options.filter);
     auto to = NSBitmapImageRep::bitmapWithPixels(wide, high);
     for (std::size_t i = 0; i < pixels.size(); ++i) {
-        double* c = pixels[i].c;
+        Pixel& c = pixels[i];
         c[3] = std::clamp(c[3], 0.0, 1.0);
-        for (int k = 0; k < 3; ++k) {
+        for (std::size_t k = 0; k < 3; ++k) {
             c[k] = std::clamp(c[k], 0.0, c[3]);
             if (isLinear && c[3] > 0) c[k] = encodedOf(c[k] / c[3]) * c[3];
         }
-        for (int k = 0; k < 4; ++k)
+        for (std::size_t k = 0; k < 4; ++k)
             to->pixels()[i] |= static_cast<std::uint32_t>(std::lround(c[k] * 255)) << 8 * k;
     }
     return to;
@@ -104,8 +100,6 @@ bool isPremultiplied(const NSBitmapImageRep& bitmap) {
         return std::max({p & 255, p >> 8 & 255, p >> 16 & 255}) <= p >> 24;
     });
 }
-
-}  // namespace
 
 TEST(Resampler, EqualsTheReferenceOnEveryMachine) {
     const std::tuple<std::uint32_t, std::uint32_t, std::uint32_t, std::uint32_t, double, double> rows[] = {
@@ -155,4 +149,5 @@ TEST(Resampler, MakesNothingOfSizesThatAreNone) {
     EXPECT_EQ(to->pixelAt(0, 0), 0U);
 }
 
+}  // namespace
 }  // namespace kx

@@ -1,7 +1,5 @@
 // SPDX-License-Identifier: MIT
 
-#include <string>
-
 #include <gtest/gtest.h>
 
 #include <KXFoundation/Platform/Graphics/CGMutablePath.h>
@@ -32,13 +30,10 @@ std::vector<TextLine::Glyph> glyphsOf(const TextLine& line, std::size_t piece) {
 /// The pieces from left to right, those that run to the left in brackets: "0(1)0".
 std::string order(const TextLine& line) {
     std::string order;
-    for (const auto& run : line.runs()) {
+    for (const auto& run : line.runs())
         order += run.isRightToLeft ? "(" + std::to_string(run.piece) + ")" : std::to_string(run.piece);
-    }
     return order;
 }
-
-}  // namespace
 
 TEST(TextLine, AsciiTakesTheShortRoadToTheSameGlyphs) {
     for (const char* name : {"DejaVu Sans", "DejaVu Serif Bold", "DejaVu Sans Mono", "Amiri"}) {
@@ -59,11 +54,7 @@ TEST(TextLine, AsciiTakesTheShortRoadToTheSameGlyphs) {
 
 TEST(TextLine, OrdersItsPiecesForTheirScripts) {
     const auto plain = font("DejaVu Sans"), bold = font("DejaVu Sans Bold");
-    const struct {
-        const char* what;
-        std::shared_ptr<const TextLine> line;
-        const char* want;
-    } rows[] = {
+    const std::tuple<const char*, std::shared_ptr<const TextLine>, const char*> rows[] = {
         {"nothing", lineOf({}), ""},
         {"empty pieces", lineOf({{"", plain}, {"", nullptr}}), ""},
         {"Latin", lineOf({{"Har", plain}, {"bour", bold}}), "01"},
@@ -72,9 +63,10 @@ TEST(TextLine, OrdersItsPiecesForTheirScripts) {
         {"a number in Arabic", lineOf({{"ميناء ", plain}, {"12", bold}, {" قديم", plain}}), "(2)1(0)"},
         {"Chinese from another font", lineOf({{"a港", plain}}), "00"},
     };
-    for (const auto& row : rows) EXPECT_EQ(order(*row.line), row.want) << row.what;
-    EXPECT_EQ(rows[2].line->fontNameOf(rows[2].line->runs()[1]), "DejaVu Sans Bold");
-    EXPECT_EQ(rows[6].line->fontNameOf(rows[6].line->runs()[1]), "Droid Sans Fallback");
+    for (const auto& [what, line, want] : rows) EXPECT_EQ(order(*line), want) << what;
+    const TextLine &latin = *std::get<1>(rows[2]), &chinese = *std::get<1>(rows[6]);
+    EXPECT_EQ(latin.fontNameOf(latin.runs()[1]), "DejaVu Sans Bold");
+    EXPECT_EQ(chinese.fontNameOf(chinese.runs()[1]), "Droid Sans Fallback");
 }
 
 TEST(TextLine, IsAsWideAndHighAsTheSameTextLaidOut) {
@@ -127,4 +119,5 @@ TEST(TextLine, HostileTextIsHarmless) {
     }
 }
 
+}  // namespace
 }  // namespace kx

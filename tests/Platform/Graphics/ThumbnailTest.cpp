@@ -10,12 +10,8 @@
 namespace kx {
 
 TEST(Thumbnail, FitsTheBoxInItsOwnProportions) {
-    const std::tuple<std::uint32_t, std::uint32_t, std::uint32_t, std::uint32_t, std::uint32_t> rows[] = {
-        {640, 480, 64, 64, 48},
-        {480, 640, 50, 38, 50},
-        {30, 20, 64, 30, 20},
-        {2000, 4, 100, 100, 1},
-    };
+    const std::uint32_t rows[][5] = {
+        {640, 480, 64, 64, 48}, {480, 640, 50, 38, 50}, {30, 20, 64, 30, 20}, {2000, 4, 100, 100, 1}};
     for (const auto& [wide, high, box, wantedWide, wantedHigh] : rows) {
         const auto bitmap = NSBitmapImageRep::bitmapWithPixels(wide, high);
         std::ranges::fill(bitmap->pixels(), 0xFF808080);

@@ -75,23 +75,18 @@ TEST(AVAssetImageGenerator, TakesTheFrameShownAtATime) {
 
 /// Recorded with red on the left and blue on the right, to be turned clockwise when shown.
 TEST(AVAssetImageGenerator, TurnsTheFrameUpright) {
-    struct {
-        const char* clip;
-        std::uint32_t wide, high, topLeft, topRight, bottomLeft;
-    } const rows[] = {
-        {"turned90.mp4", 46, 70, kRed, kRed, kBlue},
-        {"turned180.mp4", 70, 46, kBlue, kRed, kBlue},
-        {"turned270.mp4", 46, 70, kBlue, kBlue, kRed},
-    };
-    for (const auto& row : rows) {
-        const auto got = frame(kClips + row.clip, {0, 1});
-        ASSERT_TRUE(got.ok()) << row.clip << ": " << got.error().message();
-        ASSERT_EQ(got->wide, row.wide) << row.clip;
-        ASSERT_EQ(got->high, row.high) << row.clip;
+    const std::tuple<const char*, std::uint32_t, std::uint32_t, std::uint32_t, std::uint32_t, std::uint32_t>
+        rows[] = {{"turned90.mp4", 46, 70, kRed, kRed, kBlue},
+                  {"turned180.mp4", 70, 46, kBlue, kRed, kBlue},
+                  {"turned270.mp4", 46, 70, kBlue, kBlue, kRed}};
+    for (const auto& [clip, wide, high, topLeft, topRight, bottomLeft] : rows) {
+        const auto got = frame(kClips + clip, {0, 1});
+        ASSERT_TRUE(got.ok()) << clip << ": " << got.error().message();
+        ASSERT_EQ(std::pair(got->wide, got->high), std::pair(wide, high)) << clip;
         const auto at = [&](std::uint32_t x, std::uint32_t y) { return got->pixels[y * got->wide + x]; };
-        EXPECT_TRUE(isNear(at(2, 2), row.topLeft)) << row.clip;
-        EXPECT_TRUE(isNear(at(row.wide - 3, 2), row.topRight)) << row.clip;
-        EXPECT_TRUE(isNear(at(2, row.high - 3), row.bottomLeft)) << row.clip;
+        EXPECT_TRUE(isNear(at(2, 2), topLeft)) << clip;
+        EXPECT_TRUE(isNear(at(got->wide - 3, 2), topRight)) << clip;
+        EXPECT_TRUE(isNear(at(2, got->high - 3), bottomLeft)) << clip;
     }
 }
 

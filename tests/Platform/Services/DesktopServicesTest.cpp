@@ -87,12 +87,11 @@ TEST_F(DesktopServicesTest, ADeadBusIsLeftInTime) {
     const std::string address = "unix:path=" + bus.path();
     const auto opened = openModule<DesktopModule>("desktop");
     ASSERT_TRUE(opened) << opened.error().message();
-    const DesktopModule* const module = *opened;
-    EXPECT_EQ(module->opener->reachBus(address.c_str(), 20), DesktopReply::TimedOut);
-    EXPECT_EQ(module->opener->openAddress(address.c_str(), "https://example.org/", 20),
-              DesktopReply::TimedOut);
-    EXPECT_EQ(module->opener->reachBus("unix:path=/no/such/bus", 60'000), DesktopReply::NoBus);
-    EXPECT_EQ(module->opener->reachBus("no address at all", 60'000), DesktopReply::NoBus);
+    const auto& opener = *(*opened)->opener;
+    EXPECT_EQ(opener.reachBus(address.c_str(), 20), DesktopReply::TimedOut);
+    EXPECT_EQ(opener.openAddress(address.c_str(), "https://example.org/", 20), DesktopReply::TimedOut);
+    EXPECT_EQ(opener.reachBus("unix:path=/no/such/bus", 60'000), DesktopReply::NoBus);
+    EXPECT_EQ(opener.reachBus("no address at all", 60'000), DesktopReply::NoBus);
 }
 
 TEST_F(DesktopServicesTest, ASensorOnADeadBusIsNotAskedForAgainAtOnce) {
@@ -150,12 +149,11 @@ TEST_F(DesktopServicesTest, WhatCannotBeOpenedIsOneLine) {
     const testing::CapturedLog log;
     platform_.environment().set("PATH", "/no/such/folder:.");
     const auto workspace = std::make_shared<DesktopWorkspace>();
-    workspace->openURL(*NSURL::URLWithString("--help"));
-    workspace->openURL(*NSURL::URLWithString("//example.org"));
+    for (const char* address : {"--help", "//example.org"})
+        workspace->openURL(*NSURL::URLWithString(address));
     drainQueues();
     EXPECT_EQ(log.lines().size(), 0U);
-    workspace->openURL(*NSURL::URLWithString("https://example.org/"));
-    workspace->openURL(*NSURL::URLWithString("https://example.org/"));
+    for (int i = 0; i < 2; ++i) workspace->openURL(*NSURL::URLWithString("https://example.org/"));
     drainQueues();
     EXPECT_EQ(log.lines().size(), 1U);
 }
@@ -182,10 +180,6 @@ bool eventually(Question isSo) {
     return isSo();
 }
 
-bool becomes(const ClockFormatSetting& setting, ClockFormat want) {
-    return eventually([&] { return setting.clockFormat() == want; });
-}
-
 TEST_F(DesktopServicesTest, TheDesktopsClockSettingIsFollowed) {
     const std::tuple<const char*, std::string, std::vector<std::string>> rows[] = {
         {"ubuntu:GNOME", "org.gnome.desktop.interface ", {"clock-format 12h", "clock-format 24h"}},
@@ -195,14 +189,17 @@ TEST_F(DesktopServicesTest, TheDesktopsClockSettingIsFollowed) {
         if (!startBus({"portal"})) GTEST_SKIP() << "no message bus can be started here";
         platform_.environment().set("XDG_CURRENT_DESKTOP", desktop);
         const auto setting = ClockFormatSetting::makeDefault();
-        EXPECT_TRUE(becomes(*setting, ClockFormat::TwentyFourHour)) << desktop;
+        const auto becomes = [&](ClockFormat want) {
+            return eventually([&] { return setting->clockFormat() == want; });
+        };
+        EXPECT_TRUE(becomes(ClockFormat::TwentyFourHour)) << desktop;
         script_->writeLine("org.gnome.desktop.interface text-scaling-factor 12h");
         script_->writeLine(schema + changes[0]);
-        EXPECT_TRUE(becomes(*setting, ClockFormat::TwelveHour)) << desktop;
+        EXPECT_TRUE(becomes(ClockFormat::TwelveHour)) << desktop;
         script_->writeLine(schema + changes[1]);
-        EXPECT_TRUE(becomes(*setting, ClockFormat::TwentyFourHour)) << desktop;
+        EXPECT_TRUE(becomes(ClockFormat::TwentyFourHour)) << desktop;
         script_->writeLine(schema + changes[1].substr(0, changes[1].find(' ')) + " never");
-        EXPECT_TRUE(becomes(*setting, ClockFormat::Unset)) << desktop;
+        EXPECT_TRUE(becomes(ClockFormat::Unset)) << desktop;
     }
 }
 

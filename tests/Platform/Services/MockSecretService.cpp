@@ -19,8 +19,7 @@ std::map<std::string, std::string> attributesIn(GVariant* dictionary) {
     std::map<std::string, std::string> attributes;
     GVariantIter iterator;
     g_variant_iter_init(&iterator, dictionary);
-    const char* key = nullptr;
-    const char* value = nullptr;
+    const char *key = nullptr, *value = nullptr;
     while (g_variant_iter_next(&iterator, "{&s&s}", &key, &value)) attributes.emplace(key, value);
     return attributes;
 }
@@ -44,37 +43,6 @@ MockSecretService::~MockSecretService() {
     g_dbus_connection_remove_filter(bus_, filter_);
     g_dbus_connection_close_sync(bus_, nullptr, nullptr);
     g_object_unref(bus_);
-}
-
-void MockSecretService::lock(Person person) {
-    const std::lock_guard guard(mutex_);
-    isLocked_ = true;
-    person_ = person;
-}
-
-void MockSecretService::comeBack() {
-    const std::lock_guard guard(mutex_);
-    endDialogue(false);
-}
-
-void MockSecretService::takeCollectionAway() {
-    const std::lock_guard guard(mutex_);
-    hasCollection_ = false;
-}
-
-void MockSecretService::fallSilent() {
-    const std::lock_guard guard(mutex_);
-    isSilent_ = true;
-}
-
-std::size_t MockSecretService::items() const {
-    const std::lock_guard guard(mutex_);
-    return found_.size();
-}
-
-std::size_t MockSecretService::dialogues() const {
-    const std::lock_guard guard(mutex_);
-    return dialogues_;
 }
 
 GDBusMessage* MockSecretService::received(GDBusConnection*, GDBusMessage* message, gboolean incoming,
@@ -150,16 +118,13 @@ GVariant* MockSecretService::unlock(GVariant* arguments) const {
 }
 
 GVariant* MockSecretService::create(GVariant* arguments, const std::string& sender) {
-    GVariant* properties = g_variant_get_child_value(arguments, 0);
+    GVariant *properties = nullptr, *data = nullptr, *answer = nullptr;
+    const char* session = nullptr;
+    gboolean replace = FALSE;
+    g_variant_get(arguments, "(@a{sv}(&o@ay@ay&s)b)", &properties, &session, nullptr, &data, nullptr,
+                  &replace);
     GVariant* attributes =
         g_variant_lookup_value(properties, "org.freedesktop.Secret.Item.Attributes", G_VARIANT_TYPE("a{ss}"));
-    GVariant* secret = g_variant_get_child_value(arguments, 1);
-    const char* session = nullptr;
-    GVariant* data = nullptr;
-    g_variant_get(secret, "(&o@ay@ay&s)", &session, nullptr, &data, nullptr);
-    gboolean replace = FALSE;
-    g_variant_get_child(arguments, 2, "b", &replace);
-    GVariant* answer = nullptr;
     if (sessions_[session] == sender) {
         gsize size = 0;
         const auto* bytes = static_cast<const std::uint8_t*>(g_variant_get_fixed_array(data, &size, 1));
@@ -170,7 +135,7 @@ GVariant* MockSecretService::create(GVariant* arguments, const std::string& send
         found_[path] = item;
         answer = g_variant_new("(oo)", path.c_str(), "/");
     }
-    for (GVariant* part : {properties, attributes, secret, data}) g_variant_unref(part);
+    for (GVariant* part : {properties, attributes, data}) g_variant_unref(part);
     return answer;
 }
 

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
+#include <atomic>
 #include <cstdint>
 #include <map>
 #include <mutex>
@@ -21,19 +22,28 @@ class MockSecretService {
     explicit MockSecretService(const std::string& busAddress);
     ~MockSecretService();
     MockSecretService(const MockSecretService&) = delete;
-    MockSecretService& operator=(const MockSecretService&) = delete;
 
     enum class Person : std::uint8_t { Accepts, Dismisses, IsAway };
     /// Locks the collection; what the person does in the dialogue that asks to unlock it.
-    void lock(Person person);
+    void lock(Person person) {
+        const std::lock_guard guard(mutex_);
+        isLocked_ = true;
+        person_ = person;
+    }
     /// The person who was away comes back to the dialogue and accepts.
-    void comeBack();
-    void takeCollectionAway();
+    void comeBack() {
+        const std::lock_guard guard(mutex_);
+        endDialogue(false);
+    }
+    void takeCollectionAway() { hasCollection_ = false; }
     /// From now on no call is answered.
-    void fallSilent();
+    void fallSilent() { isSilent_ = true; }
 
-    [[nodiscard]] std::size_t items() const;
-    [[nodiscard]] std::size_t dialogues() const;
+    [[nodiscard]] std::size_t items() const {
+        const std::lock_guard guard(mutex_);
+        return found_.size();
+    }
+    [[nodiscard]] std::size_t dialogues() const { return dialogues_; }
 
   private:
     using Attributes = std::map<std::string, std::string>;
@@ -54,14 +64,13 @@ class MockSecretService {
 
     GDBusConnection* bus_;
     unsigned filter_;
+    std::atomic<bool> hasCollection_ = true, isSilent_ = false;
+    std::atomic<std::size_t> dialogues_ = 0;
     mutable std::mutex mutex_;  // guards the rest
     std::map<std::string, Item> found_;
     std::map<std::string, std::string> sessions_;  // path, connection
-    bool hasCollection_ = true;
     bool isLocked_ = false;
-    bool isSilent_ = false;
     Person person_ = Person::Accepts;
-    std::size_t dialogues_ = 0;
     std::size_t numbers_ = 0;
 };
 

@@ -2,7 +2,6 @@
 
 #include <cerrno>
 #include <filesystem>
-#include <set>
 
 #include <gmock/gmock.h>
 
@@ -22,14 +21,6 @@ using ::testing::IsEmpty;
 constexpr PHAssetMediaType kImage = PHAssetMediaType::Image;
 constexpr PHAssetMediaType kVideo = PHAssetMediaType::Video;
 const std::string kPicture("\x89PNG\r\n\x1A\n and the rest", 20);
-
-std::set<std::string> filesBelow(const std::string& folder) {
-    std::set<std::string> files;
-    if (!std::filesystem::exists(folder)) return files;
-    for (const auto& entry : std::filesystem::recursive_directory_iterator(folder))
-        if (entry.is_regular_file()) files.insert(entry.path());
-    return files;
-}
 
 /// A new album with the files in it.
 PhotoChanges albumOf(const std::string& title, const std::vector<std::string>& paths,
@@ -52,27 +43,6 @@ struct PhotoStoreTest : ::testing::Test {
         if (!assets) return {assets.error().message()};
         for (const auto& asset : *assets) paths.push_back(asset.path);
         return paths;
-    }
-    /// After a recovery: each album has so many pictures, and there is no file but theirs.
-    std::vector<std::string> titlesOfWholeLibrary(std::size_t picturesInEach) const {
-        PhotoStore opened = store();
-        EXPECT_TRUE(opened.recover().ok());
-        std::vector<std::string> titles;
-        std::set<std::string> known;
-        const auto albums = opened.albums();
-        if (!albums) return {albums.error().message()};
-        for (const auto& album : *albums) {
-            titles.push_back(album.title);
-            const auto paths = pathsIn(album.identifier);
-            EXPECT_EQ(paths.size(), picturesInEach) << album.title;
-            for (const std::string& path : paths) {
-                EXPECT_EQ(directory.read(path.substr(directory.path().size() + 1)), kPicture) << path;
-                EXPECT_FALSE(path.substr(path.rfind('/') + 1).starts_with('.')) << path;
-                known.insert(path);
-            }
-        }
-        EXPECT_EQ(filesBelow(pictures), known);
-        return titles;
     }
 
     testing::TemporaryDirectory directory;
@@ -145,8 +115,10 @@ TEST_F(PhotoStoreTest, OneFileThatCannotBeTakenKeepsAllOut) {
         const auto done = store().perform(changes);
         ASSERT_FALSE(done.ok()) << what;
         EXPECT_EQ(done.error().kind, kind) << what << ": " << done.error().message();
-        EXPECT_THAT(titlesOfWholeLibrary(1), IsEmpty()) << what;
-        EXPECT_FALSE(std::filesystem::exists(pictures + "/A")) << what;
+        PhotoStore opened = store();
+        EXPECT_TRUE(opened.recover().ok()) << what;
+        EXPECT_THAT(*opened.albums(), IsEmpty()) << what;
+        EXPECT_TRUE(!std::filesystem::exists(pictures) || std::filesystem::is_empty(pictures)) << what;
     }
     EXPECT_TRUE(store().perform({}).ok()) << "nothing asked is nothing failed";
     EXPECT_FALSE(PhotoStore(std::nullopt, pictures).perform(albumOf("A", {})).ok()) << "no home";
@@ -158,7 +130,11 @@ TEST_F(PhotoStoreTest, AFullDiskKeepsWhatWasThere) {
     files->setRoom(2 << 20);
     EXPECT_EQ(store().perform(albumOf("A", {large})).error().kind, ErrorKind::Full);
     files->heal();
-    EXPECT_THAT(titlesOfWholeLibrary(1), ElementsAre("before"));
+    PhotoStore opened = store();
+    EXPECT_TRUE(opened.recover().ok());
+    EXPECT_EQ(opened.albums()->size(), 1U);
+    EXPECT_EQ(directory.read("Pictures/before/x.png"), kPicture);
+    EXPECT_FALSE(std::filesystem::exists(pictures + "/A"));
 }
 
 TEST_F(PhotoStoreTest, ADamagedIndexIsSetAside) {

@@ -44,6 +44,7 @@ struct SecretServiceKeychainTest : ::testing::Test {
 
 TEST_F(SecretServiceKeychainTest, AnyBytesAreNamesAndData) {
     const MockSecretService service(address);
+    const std::string anyBytes("\0\xFF", 2);
     const std::string names[] = {"",     "IDFV",  std::string("a\0b", 3),   "a%00b", "caf\xE9", "caf%E9",
                                  "café", "100 %", std::string(1 << 20, 'n')};
     SecretServiceKeychain store = keychain();
@@ -51,13 +52,11 @@ TEST_F(SecretServiceKeychainTest, AnyBytesAreNamesAndData) {
     for (const std::string& name : names) {
         EXPECT_EQ(store.copy({name, name}).error().kind, ErrorKind::Missing);
         EXPECT_EQ(store.remove({name, name}).error().kind, ErrorKind::Missing);
-        ASSERT_TRUE(store.add({name, name}, "of" + name + std::string("\0\xFF", 2)).ok())
-            << name.substr(0, 20);
+        ASSERT_TRUE(store.add({name, name}, "of" + name + anyBytes).ok()) << name.substr(0, 20);
     }
     EXPECT_EQ(service.items(), std::size(names));
     for (const std::string& name : names)
-        EXPECT_EQ(*keychain().copy({name, name}), "of" + name + std::string("\0\xFF", 2))
-            << name.substr(0, 20);
+        EXPECT_EQ(*keychain().copy({name, name}), "of" + name + anyBytes) << name.substr(0, 20);
     EXPECT_EQ(keychain(kPatient, "org.example.other").copy({"IDFV", "IDFV"}).error().kind,
               ErrorKind::Missing);
 
@@ -93,10 +92,8 @@ TEST_F(SecretServiceKeychainTest, ADialogueHoldsNobodyUp) {
     service.lock(Person::IsAway);
     EXPECT_EQ(keychain(kImpatient).add({"a", "a"}, "x").error().kind, ErrorKind::TimedOut);
     SecretServiceKeychain store = keychain();
-    for (int i = 0; i < 3; ++i) {
-        EXPECT_EQ(store.add({"a", "a"}, "x").error().kind, ErrorKind::TimedOut)
-            << "at once, the time is long";
-    }
+    for (int i = 0; i < 3; ++i)  // at once, though the time is long
+        EXPECT_EQ(store.add({"a", "a"}, "x").error().kind, ErrorKind::TimedOut);
     EXPECT_EQ(service.dialogues(), 1u) << "nobody is asked twice";
     service.comeBack();
     EXPECT_TRUE(store.add({"b", "b"}, "y").ok());

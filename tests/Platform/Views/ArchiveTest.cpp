@@ -79,9 +79,6 @@ TEST(Archive, HostileValuesLeaveTheDefaults) {
         EXPECT_EQ(make<NSButton>(coder)->alignment(), NSTextAlignment::Center) << what;
         EXPECT_EQ(make<NSButton>(coder)->title(), "") << what;
     }
-}
-
-TEST(Archive, AFrameThatIsNoNumberIsNothing) {
     NSCoder coder;
     coder.encode("frame", NSRect(std::nan(""), 2, std::numeric_limits<double>::infinity(), -4));
     EXPECT_EQ(make<NSButton>(coder)->frame().size, NSSize());

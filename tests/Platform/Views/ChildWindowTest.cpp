@@ -1,8 +1,5 @@
 // SPDX-License-Identifier: MIT
 
-#include <gmock/gmock.h>
-#include <gtest/gtest.h>
-
 #include <KXFoundation/Platform/Views/NSButton.h>
 #include <KXFoundation/Testing/CapturedLog.h>
 
@@ -17,32 +14,31 @@ using testing::kBlue;
 using testing::kRed;
 
 struct ChildWindow : ::testing::Test {
-    std::uint32_t pixel(std::uint32_t x, std::uint32_t y) { return shown.pixel(x, y); }
     testing::OffscreenWindow shown{{100, 100}};
     std::shared_ptr<NSWindow> child = make<NSWindow>();
 };
 
 TEST_F(ChildWindow, IsDrawnInsideItsParentAndFollowsIt) {
-    const std::uint32_t under = pixel(50, 50);
+    const std::uint32_t under = shown.pixel(50, 50);
     shown.window->addChildWindow(child, NSWindowOrderingMode::Above);
     EXPECT_EQ(child->frame(), shown.window->frame());
-    EXPECT_EQ(pixel(50, 50), under) << "its background is clear";
+    EXPECT_EQ(shown.pixel(50, 50), under) << "its background is clear";
     child->contentView()->addSubview(filled({40, 40, 20, 20}, kRed));
-    EXPECT_EQ(pixel(50, 50), kRed);
+    EXPECT_EQ(shown.pixel(50, 50), kRed);
     EXPECT_THAT(shown.surface().lastChanged(), ElementsAre(PixelRect{40, 40, 20, 20}));
     const auto below = make<NSWindow>(NSRect(45, 45, 30, 30));
     below->setContentView(filled({}, kBlue));
     shown.window->addChildWindow(below, NSWindowOrderingMode::Below);
-    EXPECT_EQ(pixel(50, 50), kRed);
-    EXPECT_EQ(pixel(70, 70), kBlue);
+    EXPECT_EQ(shown.pixel(50, 50), kRed);
+    EXPECT_EQ(shown.pixel(70, 70), kBlue);
     below->orderFront();
-    EXPECT_EQ(pixel(50, 50), kBlue);
+    EXPECT_EQ(shown.pixel(50, 50), kBlue);
     shown.window->setFrame({10, 0, 120, 80});
     EXPECT_EQ(child->contentView()->frame(), NSRect(0, 0, 120, 80));
     EXPECT_EQ(below->frame(), NSRect(55, 45, 30, 30)) << "it stays where it is in its parent";
     make<NSWindow>()->removeChildWindow(below);
     EXPECT_EQ(below->parentWindow(), nullptr) << "whichever parent it has";
-    EXPECT_EQ(pixel(70, 70), under);
+    EXPECT_EQ(shown.pixel(70, 70), under);
     EXPECT_EQ(NSApplication::sharedApplication()->windows().size(), 1U);
 }
 
@@ -87,8 +83,6 @@ TEST_F(ChildWindow, WindowsOfAHigherLevelStayInFront) {
     const auto plain = make<NSWindow>();
     plain->orderFront();
     EXPECT_THAT(NSApplication::sharedApplication()->windows(), ElementsAre(shown.window, plain, floating));
-    floating->close();
-    plain->close();
 }
 
 }  // namespace

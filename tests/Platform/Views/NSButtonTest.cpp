@@ -1,7 +1,5 @@
 // SPDX-License-Identifier: MIT
 
-#include <gtest/gtest.h>
-
 #include <KXFoundation/Platform/Views/NSButton.h>
 
 #include "ViewFixture.h"
@@ -14,7 +12,6 @@ struct Button : ::testing::Test {
         button->setAction([this](NSControl&) { ++clicks; });
         shown.content().addSubview(button);
     }
-    void mouse(NSEventType type, NSPoint at) { shown.mouse(type, at); }
 
     testing::OffscreenWindow shown{{100, 100}};
     std::shared_ptr<NSButton> button = make<NSButton>(NSRect(10, 10, 50, 20));
@@ -31,10 +28,10 @@ TEST_F(Button, SendsItsActionWhenTheMouseIsReleasedOverIt) {
     };
     for (const auto& [what, down, dragged, up, pressed, want] : rows) {
         clicks = 0;
-        mouse(MouseDown, down);
-        mouse(MouseDragged, dragged);
+        shown.mouse(MouseDown, down);
+        shown.mouse(MouseDragged, dragged);
         EXPECT_EQ(button->isHighlighted(), pressed) << what;
-        mouse(MouseUp, up);
+        shown.mouse(MouseUp, up);
         EXPECT_EQ(clicks, want) << what;
         EXPECT_FALSE(button->isHighlighted()) << what;
     }
@@ -56,9 +53,9 @@ TEST_F(Button, OffOrRemovedItSendsNothing) {
     shown.surface().click({20, 20});
     button->performClick();
     button->setEnabled(true);
-    mouse(NSEventType::MouseDown, {20, 20});
+    shown.mouse(NSEventType::MouseDown, {20, 20});
     button->removeFromSuperview();
-    mouse(NSEventType::MouseUp, {20, 20});
+    shown.mouse(NSEventType::MouseUp, {20, 20});
     EXPECT_EQ(clicks, 0);
     EXPECT_FALSE(button->isHighlighted());
 }

@@ -2,19 +2,14 @@
 
 #include <cmath>
 
-#include <gmock/gmock.h>
-#include <gtest/gtest.h>
-
 #include <KXFoundation/Platform/Views/NSCollectionView.h>
-#include <KXFoundation/Platform/Views/NSCollectionViewFlowLayout.h>
+
+#include "ViewFixture.h"
 
 namespace kx {
 namespace {
 
-class FlippingLayout : public Subclass<FlippingLayout, NSCollectionViewFlowLayout> {
-  public:
-    bool flipsHorizontallyInOppositeLayoutDirection() override { return true; }
-};
+using testing::FlippingLayout;
 
 std::vector<NSRect> frames(NSCollectionViewFlowLayout& layout, std::size_t count, double width) {
     std::vector<NSRect> found;
@@ -25,54 +20,40 @@ std::vector<NSRect> frames(NSCollectionViewFlowLayout& layout, std::size_t count
     return found;
 }
 
-std::vector<NSRect> mirrored(std::vector<NSRect> places, double width) {
-    for (NSRect& place : places) place.origin.x = width - place.maxX();
-    return places;
-}
-
-void arrange(NSCollectionViewFlowLayout& layout) {
-    layout.setItemSize({40, 20});
-    layout.setMinimumInteritemSpacing(10);
-    layout.setMinimumLineSpacing(5);
-    layout.setSectionInset({3, 6, 4, 8});
-}
-
 TEST(NSCollectionViewFlowLayout, Frames) {
     const std::tuple<std::string, std::size_t, double, std::vector<NSRect>, double> rows[] = {
         {"nothing", 0, 200, {}, 7},
         {"two just fit", 2, 104, {{6, 3, 40, 20}, {56, 3, 40, 20}}, 27},
         {"gaps grow", 2, 114, {{6, 3, 40, 20}, {66, 3, 40, 20}}, 27},
-        {"wraps, the last row keeps the gaps",
-         5,
-         124,
-         {{6, 3, 40, 20}, {76, 3, 40, 20}, {6, 28, 40, 20}, {76, 28, 40, 20}, {6, 53, 40, 20}},
-         77},
-        {"one to a row", 2, 103, {{6, 3, 40, 20}, {6, 28, 40, 20}}, 52},
+        {"wraps, gaps are kept", 3, 124, {{6, 3, 40, 20}, {76, 3, 40, 20}, {6, 28, 40, 20}}, 52},
+        {"one to a row", 3, 103, {{6, 3, 40, 20}, {6, 28, 40, 20}, {6, 53, 40, 20}}, 77},
         {"narrower than an item", 2, 20, {{6, 3, 40, 20}, {6, 28, 40, 20}}, 52},
         {"no width", 1, 0, {{6, 3, 40, 20}}, 27},
         {"no number", 1, std::nan(""), {{6, 3, 40, 20}}, 27},
     };
     const auto plain = make<NSCollectionViewFlowLayout>();
     const auto flipping = make<FlippingLayout>();
-    arrange(*plain);
-    arrange(*flipping);
+    for (const auto& layout : {plain, std::static_pointer_cast<NSCollectionViewFlowLayout>(flipping)}) {
+        layout->setItemSize({40, 20});
+        layout->setMinimumInteritemSpacing(10);
+        layout->setMinimumLineSpacing(5);
+        layout->setSectionInset({3, 6, 4, 8});
+    }
     for (const auto& [what, count, width, want, height] : rows) {
         EXPECT_EQ(frames(*plain, count, width), want) << what;
         EXPECT_EQ(plain->contentHeight(count, width), height) << what;
         if (width > 0) {
-            EXPECT_EQ(frames(*flipping, count, width), mirrored(want, width)) << what << ", mirrored";
+            auto mirrored = want;
+            for (NSRect& place : mirrored) place.origin.x = width - place.maxX();
+            EXPECT_EQ(frames(*flipping, count, width), mirrored) << what << ", mirrored";
         }
     }
 }
 
 TEST(NSCollectionViewFlowLayout, WhenItIsMirrored) {
     using enum NSUserInterfaceLayoutDirection;
-    struct {
-        bool flips;
-        std::optional<NSUserInterfaceLayoutDirection> set;
-        NSUserInterfaceLayoutDirection direction;
-        double firstX;
-    } const rows[] = {
+    using Direction = NSUserInterfaceLayoutDirection;
+    const std::tuple<bool, std::optional<Direction>, Direction, double> rows[] = {
         {false, {}, LeftToRight, 0},          {true, {}, RightToLeft, 60},
         {false, RightToLeft, RightToLeft, 0}, {true, RightToLeft, RightToLeft, 60},
         {false, LeftToRight, LeftToRight, 0}, {true, LeftToRight, LeftToRight, 0},

@@ -1,9 +1,6 @@
 // SPDX-License-Identifier: MIT
 
-#include <functional>
 #include <stdexcept>
-
-#include <gtest/gtest.h>
 
 #include <KXFoundation/Platform/Views/NSLayoutConstraint.h>
 #include <KXFoundation/Platform/Views/NSTextField.h>
@@ -34,12 +31,6 @@ struct Constraints : ::testing::Test {
         made->setActive(true);
         return made;
     }
-    static std::shared_ptr<NSLayoutConstraint> fix(const std::shared_ptr<NSView>& view,
-                                                   NSLayoutAttribute length, double constant) {
-        auto made = NSLayoutConstraint::constraintWithItem(view, length, constant);
-        made->setActive(true);
-        return made;
-    }
 
     testing::CapturedLog log;
     std::shared_ptr<NSView> root = make<NSView>(NSRect(0, 0, 200, 100));
@@ -54,7 +45,7 @@ TEST_F(Constraints, ValuesAreHandedOnAndTheRestFitsTheContent) {
     equal(a, Leading, root, Leading, 10);
     equal(a, Bottom, root, Bottom, -10);
     equal(b, Right, root, Right, -20);
-    fix(b, Height, 30);
+    NSLayoutConstraint::constraintWithItem(b, Height, 30)->setActive(true);
     root->layoutSubtreeIfNeeded();
     const NSRect first(10, 90 - text.height, text.width, text.height);
     EXPECT_EQ(a->frame(), first);
@@ -123,8 +114,7 @@ TEST_F(Constraints, TheyEndWhenAViewLeaves) {
 }
 
 /// Does something while it is asked for its size.
-class Meddler : public Subclass<Meddler, NSView> {
-  public:
+struct Meddler : Subclass<Meddler, NSView> {
     NSSize fittingSize() const override {
         meddle();
         return {10, 10};

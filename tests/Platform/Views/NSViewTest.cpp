@@ -4,12 +4,7 @@
 #include <limits>
 #include <thread>
 
-#include <gmock/gmock.h>
-#include <gtest/gtest.h>
-
 #include <KXFoundation/Platform/Runtime/ProcessState.h>
-#include <KXFoundation/Platform/Views/NSApplication.h>
-#include <KXFoundation/Platform/Views/NSView.h>
 #include <KXFoundation/Platform/Views/ViewDescription.h>
 #include <KXFoundation/Testing/CapturedLog.h>
 
@@ -18,7 +13,6 @@
 namespace kx {
 namespace {
 
-using ::testing::ElementsAre;
 using ::testing::HasSubstr;
 
 /// root 0,0 200x100
@@ -27,10 +21,10 @@ using ::testing::HasSubstr;
 ///   right 70,30 80x60 (over the right part of left)
 struct ViewPlaces : ::testing::Test {
     ViewPlaces() {
-        for (const auto& [view, name] : {std::pair(root, "root"), std::pair(left, "left"),
-                                         std::pair(inner, "inner"), std::pair(right, "right")}) {
-            view->setIdentifier(name);
-        }
+        root->setIdentifier("root");
+        left->setIdentifier("left");
+        inner->setIdentifier("inner");
+        right->setIdentifier("right");
         root->addSubview(left);
         root->addSubview(right);
         left->addSubview(inner);

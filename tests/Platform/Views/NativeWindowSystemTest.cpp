@@ -35,10 +35,7 @@ constexpr WindowModule kModule{
         },
     .destroyWindow = [](std::uint32_t window) { display.destroyed.push_back(window); },
     .setTitle = [](std::uint32_t, const char*) {},
-    .setSize =
-        [](std::uint32_t, double width, double height) {
-            display.size = {width, height};
-        },
+    .setSize = [](std::uint32_t, double width, double height) { display.size = NSSize(width, height); },
     .size =
         [](std::uint32_t, double* width, double* height) {
             *width = display.size.width;
@@ -89,12 +86,8 @@ class Listener : public Subclass<Listener, NSView> {
   public:
     void rightMouseDown(const NSEvent& event) override { note("right down", event.locationInWindow); }
     void rightMouseUp(const NSEvent& event) override { note("right up", event.locationInWindow); }
-    void otherMouseDown(const NSEvent& event) override {
-        note("other down", {double(event.buttonNumber), event.locationInWindow.y});
-    }
-    void otherMouseUp(const NSEvent& event) override {
-        note("other up", {double(event.buttonNumber), event.locationInWindow.y});
-    }
+    void otherMouseDown(const NSEvent& event) override { note("other down", numbered(event)); }
+    void otherMouseUp(const NSEvent& event) override { note("other up", numbered(event)); }
     void scrollWheel(const NSEvent& event) override {
         note("wheel", event.locationInWindow);
         note("by", event.scrollingDelta);
@@ -104,9 +97,11 @@ class Listener : public Subclass<Listener, NSView> {
     std::string told;
 
   private:
-    void note(const char* what, NSPoint point) {
-        told +=
-            std::string(what) + " " + std::to_string(int(point.x)) + "," + std::to_string(int(point.y)) + " ";
+    static NSPoint numbered(const NSEvent& event) {
+        return {double(event.buttonNumber), event.locationInWindow.y};
+    }
+    void note(const std::string& what, NSPoint point) {
+        told += what + " " + std::to_string(int(point.x)) + "," + std::to_string(int(point.y)) + " ";
     }
 };
 
@@ -164,27 +159,23 @@ TEST_F(NativeWindows, FocusMakesKeyAndActiveAndTellsOnceEach) {
     int posts = 0;
     const auto observer = NSNotificationCenter::defaultCenter().addObserverForName(
         NSApplicationWillBecomeActiveNotification, nullptr, [&](const NSNotification&) { ++posts; });
-    struct {
-        std::string what;
-        std::vector<WindowModuleEvent> events;
-        std::shared_ptr<NSWindow> key;
-        bool active;
-        int posts;
-    } const rows[] = {
-        {"first", {{.type = FocusGained, .window = 1}}, first, true, 1},
-        {"gain before loss",
-         {{.type = FocusGained, .window = 2}, {.type = FocusLost, .window = 1}},
-         second,
-         true,
-         1},
-        {"lost", {{.type = FocusLost, .window = 2}}, second, false, 0},
-        {"back", {{.type = FocusGained, .window = 2}}, second, true, 1},
-        {"closed with it", {{.type = CloseRequested, .window = 2}}, first, false, 0},
-    };
+    const std::tuple<const char*, std::vector<WindowModuleEvent>, std::shared_ptr<NSWindow>, bool, int>
+        rows[] = {
+            {"first", {{.type = FocusGained, .window = 1}}, first, true, 1},
+            {"gain, loss",
+             {{.type = FocusGained, .window = 2}, {.type = FocusLost, .window = 1}},
+             second,
+             true,
+             1},
+            {"lost", {{.type = FocusLost, .window = 2}}, second, false, 0},
+            {"back", {{.type = FocusGained, .window = 2}}, second, true, 1},
+            {"closed with it", {{.type = CloseRequested, .window = 2}}, first, false, 0},
+        };
     for (const auto& [what, events, key, active, want] : rows) {
         posts = 0;
         happens(events);
         EXPECT_EQ(application->keyWindow(), key) << what;
+        EXPECT_TRUE(key->isMainWindow()) << what;
         EXPECT_EQ(application->isActive(), active) << what;
         EXPECT_EQ(posts, want) << what;
     }

@@ -2,11 +2,13 @@
 #pragma once
 
 #include <cstdint>
-#include <memory>
+
+#include <gmock/gmock.h>
 
 #include <KXFoundation/Platform/Graphics/NSColor.h>
 #include <KXFoundation/Platform/Views/CALayer.h>
 #include <KXFoundation/Platform/Views/NSApplication.h>
+#include <KXFoundation/Platform/Views/NSCollectionViewFlowLayout.h>
 #include <KXFoundation/Platform/Views/NSView.h>
 #include <KXFoundation/Platform/Views/NSWindow.h>
 #include <KXFoundation/Testing/OffscreenWindow.h>
@@ -23,5 +25,10 @@ inline std::shared_ptr<NSView> filled(NSRect frame, std::uint32_t color) {
     view->layer()->setBackgroundColor(NSColor::colorWithRed(color == kRed, 0, color == kBlue, 1));
     return view;
 }
+
+/// Mirrored where lines run from right to left.
+struct FlippingLayout : Subclass<FlippingLayout, NSCollectionViewFlowLayout> {
+    bool flipsHorizontallyInOppositeLayoutDirection() override { return true; }
+};
 
 }  // namespace kx::testing

@@ -1,8 +1,5 @@
 // SPDX-License-Identifier: MIT
 
-#include <functional>
-#include <string>
-
 #include <gtest/gtest.h>
 
 #include <KXFoundation/Platform/Foundation/NSCoder.h>
@@ -33,24 +30,20 @@ struct Counting<R(A...)> {
 
 /// Exchanged for one scope.
 template <class Signature>
-class ExchangedByCounting {
-  public:
+struct ExchangedByCounting {
     ExchangedByCounting(Class& cls, const Operation<Signature>& target,
                         const Operation<Signature>& replacement)
-        : class_(cls), target_(target.name()), replacement_(replacement.name()) {
+        : exchange([&cls, from = target.name(), to = replacement.name()] {
+              InstanceMethodSwizzling(cls, from, to);
+          }) {
         Counting<Signature>::operation = &replacement;
         replacement.implement(cls, &Counting<Signature>::run);
-        InstanceMethodSwizzling(class_, target_, replacement_);
+        exchange();
         passes = 0;
     }
-    ~ExchangedByCounting() { InstanceMethodSwizzling(class_, target_, replacement_); }
+    ~ExchangedByCounting() { exchange(); }
     ExchangedByCounting(const ExchangedByCounting&) = delete;
-    ExchangedByCounting& operator=(const ExchangedByCounting&) = delete;
-
-  private:
-    Class& class_;
-    std::string_view target_;
-    std::string_view replacement_;
+    const std::function<void()> exchange;
 };
 
 constinit Operation<void(NSTextAlignment)> countAlignment{"test_setAlignment:"};
@@ -70,8 +63,7 @@ class Own : public Subclass<Own<Base>, Base> {
 };
 
 template <class Base>
-class OwnAligned : public Subclass<OwnAligned<Base>, Own<Base>> {
-  public:
+struct OwnAligned : Subclass<OwnAligned<Base>, Own<Base>> {
     void setAlignment(NSTextAlignment alignment) override { Own<Base>::setAlignment(alignment); }
 };
 

@@ -1,12 +1,6 @@
 // SPDX-License-Identifier: MIT
 
-#include <functional>
 #include <map>
-#include <string>
-#include <vector>
-
-#include <gmock/gmock.h>
-#include <gtest/gtest.h>
 
 #include <KXFoundation/Testing/CapturedLog.h>
 
@@ -169,14 +163,8 @@ TEST_F(ViewTree, AViewThatGoesInItsOwnEventOrDrawing) {
 
 TEST_F(ViewTree, AWindowThatGoesWhileItIsAtWork) {
     const std::pair<std::string, std::function<void()>> rows[] = {
-        {"mouse down",
-         [&] {
-             shown.surface().click({10, 10});
-         }},
-        {"hit test",
-         [&] {
-             shown.mouse(NSEventType::MouseMoved, {10, 10});
-         }},
+        {"mouse down", [&] { shown.click(*view); }},
+        {"hit test", [&] { shown.mouse(NSEventType::MouseMoved, NSPoint(10, 10)); }},
         {"will leave window", [&] { shown.window->setContentView(nullptr); }},
         {"will enter window", [&] { shown.window->setContentView(other); }},
         {"resign", [&] { shown.window->makeFirstResponder(nullptr); }},
@@ -201,22 +189,6 @@ TEST_F(ViewTree, AWindowThatGoesWhileItIsAtWork) {
         EXPECT_EQ(shown.window, nullptr) << moment;
         EXPECT_TRUE(watched.expired()) << moment;
     }
-}
-
-TEST_F(ViewTree, KeyAndMainWindowFollowTheFront) {
-    const auto application = NSApplication::sharedApplication();
-    const auto second = make<NSWindow>();
-    EXPECT_FALSE(second->isVisible());
-    EXPECT_THAT(application->windows(), ElementsAre(shown.window));
-    second->makeKeyAndOrderFront();
-    EXPECT_TRUE(second->isKeyWindow());
-    EXPECT_TRUE(second->isMainWindow());
-    EXPECT_THAT(application->windows(), ElementsAre(shown.window, second));
-    shown.surface().activate();
-    EXPECT_EQ(application->keyWindow(), shown.window);
-    second->makeKeyAndOrderFront();
-    second->close();
-    EXPECT_EQ(application->keyWindow(), shown.window);
 }
 
 }  // namespace

@@ -1,7 +1,5 @@
 // SPDX-License-Identifier: MIT
 
-#include <gtest/gtest.h>
-
 #include <KXFoundation/Platform/Views/NSButton.h>
 
 #include "ViewFixture.h"
@@ -19,14 +17,8 @@ struct WindowKeys : ::testing::Test {
             buttons.push_back(button);
         }
     }
-    void key(NSEventType type, std::string_view characters, auto flags, bool isARepeat = false) {
-        shown.surface().send(NSEvent{.type = type,
-                                     .modifierFlags = flags,
-                                     .isARepeat = isARepeat,
-                                     .characters = std::string(characters)});
-    }
-    void press(std::string_view characters, NSEventModifierFlags flags = NSEventModifierFlags::None) {
-        shown.press(characters, flags);
+    void key(NSEventType type, const std::string& characters, bool isARepeat = false) {
+        shown.surface().send(NSEvent{.type = type, .isARepeat = isARepeat, .characters = characters});
     }
     std::string focused() const {
         const auto button = std::dynamic_pointer_cast<NSButton>(shown.window->firstResponder());
@@ -41,14 +33,14 @@ struct WindowKeys : ::testing::Test {
 TEST_F(WindowKeys, TabGoesRoundTheViewsThatTakeKeys) {
     EXPECT_EQ(focused(), "none");
     for (const char* want : {"a", "b", "c", "a"}) {
-        press("\t");
+        shown.press("\t");
         EXPECT_EQ(focused(), want);
     }
-    press("\t", NSEventModifierFlags::Shift);
+    shown.press("\t", NSEventModifierFlags::Shift);
     EXPECT_EQ(focused(), "c");
     buttons[1]->setEnabled(false);
     buttons[0]->setHidden(true);
-    press("\t");
+    shown.press("\t");
     EXPECT_EQ(focused(), "c") << "the only one left";
     buttons[2]->setHidden(true);
     EXPECT_EQ(focused(), "none") << "nobody sees it";
@@ -63,35 +55,34 @@ TEST_F(WindowKeys, SpaceAndEnterPressTheButtonThatHasTheKeysWhenLetGo) {
     EXPECT_EQ(std::exchange(told, ""), "b");
     EXPECT_FALSE(shown.window->showsFocus()) << "the mouse needs no mark";
     for (const char* characters : {" ", "\r"}) {
-        for (const bool isARepeat : {false, true, true})
-            key(NSEventType::KeyDown, characters, NSEventModifierFlags::None, isARepeat);
+        for (const bool isARepeat : {false, true, true}) key(NSEventType::KeyDown, characters, isARepeat);
         EXPECT_TRUE(buttons[1]->isHighlighted());
         EXPECT_EQ(told, "");
-        key(NSEventType::KeyUp, characters, NSEventModifierFlags::None);
+        key(NSEventType::KeyUp, characters);
         EXPECT_EQ(std::exchange(told, ""), "b") << "once, however long it was held";
         EXPECT_FALSE(buttons[1]->isHighlighted());
     }
-    key(NSEventType::KeyDown, " ", NSEventModifierFlags::None);
-    press("\t");
-    key(NSEventType::KeyUp, " ", NSEventModifierFlags::None);
+    key(NSEventType::KeyDown, " ");
+    shown.press("\t");
+    key(NSEventType::KeyUp, " ");
     EXPECT_EQ(told, "") << "the keys went elsewhere meanwhile";
     EXPECT_TRUE(shown.window->showsFocus());
 }
 
 TEST_F(WindowKeys, EnterPressesTheDefaultButtonFromAnywhereElse) {
     buttons[2]->setDefaultButton(true);
-    press("\r");
+    shown.press("\r");
     EXPECT_EQ(std::exchange(told, ""), "c");
-    key(NSEventType::KeyDown, "\r", NSEventModifierFlags::None, true);
+    key(NSEventType::KeyDown, "\r", true);
     EXPECT_EQ(told, "") << "a held key";
     buttons[2]->setEnabled(false);
-    press("\r");
+    shown.press("\r");
     EXPECT_EQ(told, "");
 }
 
 TEST_F(WindowKeys, ShowsWhichButtonHasThemAndRedrawsThatAlone) {
     shown.window->displayIfNeeded();
-    press("\t");
+    shown.press("\t");
     shown.window->displayIfNeeded();
     EXPECT_EQ(shown.surface().lastChanged(), (std::vector<PixelRect>{{10, 10, 50, 20}}));
 }

@@ -1,6 +1,5 @@
 // SPDX-License-Identifier: MIT
 
-#include <cstring>
 #include <random>
 
 #include <gtest/gtest.h>

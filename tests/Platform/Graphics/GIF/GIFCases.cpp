@@ -8,14 +8,7 @@ namespace kx::testing {
 
 namespace {
 
-class Random {
-  public:
-    explicit Random(unsigned seed) : engine_(seed) {}
-    unsigned operator()() { return static_cast<unsigned>(engine_()); }
-
-  private:
-    std::mt19937 engine_;
-};
+using Random = std::independent_bits_engine<std::mt19937, 32, unsigned>;
 
 struct Shape {
     std::uint16_t width, height;

@@ -1,10 +1,9 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
-#include <cstdint>
 #include <functional>
-#include <string>
-#include <vector>
+
+#include <gtest/gtest.h>
 
 #include "support/GIFWriter.h"
 

@@ -3,8 +3,6 @@
 #include <algorithm>
 #include <cstring>
 
-#include <gtest/gtest.h>
-
 #include <KXFoundation/Platform/Graphics/GIF/GIFAheadDecoder.h>
 #include <KXFoundation/Platform/Graphics/GIF/GIFDecoder.h>
 
@@ -127,10 +125,10 @@ TEST(GIFDecoder, DamageAnywhereLeavesTheFramesBeforeIt) {
         if (gif.width > 40 || cases++ % 47 != 0) return;
         const std::vector<Canvas> whole = decodeInto(gif.file.bytes());
         testing::forEachDamage(gif.file, [&](std::size_t breakAt, const std::vector<Bytes>& damagedFiles) {
-            const Bytes before(gif.file.bytes().begin(),
-                               gif.file.bytes().begin() + static_cast<std::ptrdiff_t>(breakAt));
-            // The last of the frames before the break may be the one that it cuts.
-            const std::size_t safe = std::max<std::size_t>(1, decodeInto(before, kLimits).size()) - 1;
+            // The last of the frames before the break, which the last file ends at, may be the one that it
+            // cuts.
+            const std::size_t safe =
+                std::max<std::size_t>(1, decodeInto(damagedFiles.back(), kLimits).size()) - 1;
             for (const Bytes& damaged : damagedFiles) {
                 const std::vector<Canvas> shown = decodeInto(damaged, kLimits);
                 const auto reader = GIFReader::open(damaged, kLimits);
@@ -190,13 +188,8 @@ TEST(GIFDecoder, AFrameThatCannotBeUnpackedRepeatsTheCanvas) {
         return out.take();
     };
     // Two bits an index: 4 clears, 5 ends. The canvas before is all kFirst.
-    const struct {
-        const char* what;
-        Bytes packed;
-        std::uint16_t side;
-        ErrorKind damage;
-        std::size_t painted;  // pixels of the second colour
-    } rows[] = {
+    // What is packed, the frame's side, its damage, and how many pixels get the second colour.
+    const std::tuple<const char*, Bytes, std::uint16_t, ErrorKind, std::size_t> rows[] = {
         {"no data", {}, 2, ErrorKind::Ended, 0},
         {"ends at once", packed({4, 5}), 2, ErrorKind::Ended, 0},
         {"ends early", packed({4, 1, 5}), 2, ErrorKind::Ended, 1},

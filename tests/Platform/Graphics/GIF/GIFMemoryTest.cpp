@@ -1,7 +1,5 @@
 // SPDX-License-Identifier: MIT
 
-#include <gtest/gtest.h>
-
 #include <KXFoundation/Platform/Graphics/GIF/GIFDecoder.h>
 #include <KXFoundation/Testing/CountedMemory.h>
 
@@ -18,7 +16,7 @@ struct Use {
     std::size_t frames = 0, peak = 0;
 };
 
-Use decodeAll(const std::vector<std::uint8_t>& file, GIFLimits limits = {}) {
+Use decodeAll(const std::vector<std::uint8_t>& file, GIFLimits limits) {
     std::vector<std::uint8_t> canvas(kPlane * 4);
     const std::size_t before = testing::heldMemory();
     testing::takePeakMemory();
@@ -42,22 +40,18 @@ std::vector<std::uint8_t> fileOf(std::uint8_t disposal, std::uint16_t frameSide,
     return file.trailer().bytes();
 }
 
-TEST(GIFMemory, IsOneIndexPlaneBesidesTheCallersFrame) {
-    for (const std::uint8_t disposal : {std::uint8_t{1}, std::uint8_t{2}}) {
-        const Use use = decodeAll(fileOf(disposal, kSide, 20));
-        EXPECT_EQ(use.frames, 20u);
-        EXPECT_LE(use.peak, kPlane + kTables) << "disposal " << unsigned{disposal};
+TEST(GIFMemory, IsOneIndexPlaneAndWhatFramesAskToHaveBackBesidesTheCallersFrame) {
+    const std::tuple<const char*, std::uint8_t, std::uint16_t, std::uint64_t, std::size_t> rows[] = {
+        {"kept", 1, kSide, GIFLimits().pixels, kPlane},
+        {"cleared", 2, kSide, GIFLimits().pixels, kPlane},
+        {"asked back", 3, kSide, GIFLimits().pixels, kPlane * 5},
+        {"beyond the limit", 1, 60000, kPlane, 0},
+    };
+    for (const auto& [what, disposal, side, limit, most] : rows) {
+        const Use use = decodeAll(fileOf(disposal, side, 20), {.pixels = limit});
+        EXPECT_EQ(use.frames, 20U) << what;
+        EXPECT_LE(use.peak, most + kTables) << what;
     }
-}
-
-TEST(GIFMemory, IsWhatAFrameCoversTooIfItAsksToHaveThatBack) {
-    EXPECT_LE(decodeAll(fileOf(3, kSide, 20)).peak, kPlane * 5 + kTables);
-}
-
-TEST(GIFMemory, IsNotTakenForFramesBeyondTheLimit) {
-    const Use use = decodeAll(fileOf(1, 60000, 3), {.pixels = kPlane});
-    EXPECT_EQ(use.frames, 3u);
-    EXPECT_LE(use.peak, kTables);
 }
 
 }  // namespace
