@@ -12,6 +12,8 @@
 #include <KXFoundation/Testing/ScopedQueues.h>
 #include <KXFoundation/Testing/SimulatedWorld.h>
 
+#include "support/OwnedTask.h"
+
 namespace kx {
 namespace {
 
@@ -178,19 +180,7 @@ TEST_F(KXCacheLoadTest, WhoeverCancelsIsAnsweredAtOnceAndTheLastOneEndsTheLoad) 
     EXPECT_EQ(opened()->get<std::string>("nice"), "new");
 }
 
-/// A coroutine whose owner may destroy it.
-struct OwnedTask {
-    struct promise_type {
-        OwnedTask get_return_object() { return {std::coroutine_handle<promise_type>::from_promise(*this)}; }
-        std::suspend_never initial_suspend() noexcept { return {}; }
-        std::suspend_always final_suspend() noexcept { return {}; }
-        void return_void() {}
-        void unhandled_exception() { throw; }
-    };
-    std::coroutine_handle<promise_type> handle;
-};
-
-OwnedTask await(const std::shared_ptr<KXCache>& cache, KXCacheLoader loader, std::string& seen) {
+testing::OwnedTask await(const std::shared_ptr<KXCache>& cache, KXCacheLoader loader, std::string& seen) {
     seen = textOf(co_await cache->load("nice", std::move(loader)));
     seen += " on " + std::string(DispatchQueue::currentQueueLabel());
 }

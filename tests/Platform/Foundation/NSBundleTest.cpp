@@ -1,8 +1,6 @@
 // SPDX-License-Identifier: MIT
 
-#include <array>
 #include <filesystem>
-#include <thread>
 
 #include <gmock/gmock.h>
 
@@ -10,6 +8,8 @@
 #include <KXFoundation/Testing/CapturedLog.h>
 #include <KXFoundation/Testing/FaultyFileSystem.h>
 #include <KXFoundation/Testing/ScopedPlatform.h>
+
+#include "support/OnThreads.h"
 
 namespace kx {
 namespace {
@@ -103,13 +103,10 @@ TEST_F(NSBundleTest, BundlesOverOneFolderShareItsTables) {
 
 TEST_F(NSBundleTest, ThreadsShareOneReading) {
     platform.bundle().addStringsFile("fr", "hello = Bonjour;\nbad");
-    std::array<const char*, 4> found{};
-    {
-        std::vector<std::jthread> threads;
-        for (const char*& place : found)
-            threads.emplace_back(
-                [&] { place = make<NSBundle>(inMain("fr.lproj"))->lookUp("hello").value_or("none").data(); });
-    }
+    const char* found[4] = {};
+    testing::onThreads(4, [&](int i) {
+        found[i] = make<NSBundle>(inMain("fr.lproj"))->lookUp("hello").value_or("none").data();
+    });
     EXPECT_THAT(found, ::testing::Each(found[0]));
     EXPECT_STREQ(std::string(found[0], 7).c_str(), "Bonjour");
     EXPECT_EQ(log.lines().size(), 1u);
