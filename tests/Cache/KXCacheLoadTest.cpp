@@ -96,6 +96,7 @@ TEST_F(KXCacheLoadTest, FreshStaleAndExpired) {
 }
 
 TEST_F(KXCacheLoadTest, WhatALoaderMayDo) {
+    static const Error denied{ErrorKind::Denied, 0, "berths"};
     const struct {
         KXCacheLoader loader;
         const char* want;
@@ -105,17 +106,12 @@ TEST_F(KXCacheLoadTest, WhatALoaderMayDo) {
         {[] { return std::string("text"); }, "text", true},
         {[](const KXCacheLoading& loading) { return Value(loading.key()); }, "nice", true},
         {[](const KXCacheLoading& loading) {
-             DispatchQueue::main().async([loading] {
-                 loading.complete(Value("later"));
-                 loading.complete(Value("again"));
-             });
+             for (const char* text : {"later", "again"})
+                 DispatchQueue::main().async([=] { loading.complete(Value(text)); });
          },
          "later", true},
         {[] { return Value(); }, "null"},
-        {[] {
-             return Error{ErrorKind::Denied, 0, "berths"};
-         },
-         "berths: denied"},
+        {[] { return denied; }, "berths: denied"},
         {[]() -> Value { throw std::runtime_error("thrown"); }, "cache load: thrown: failed"},
         {[]() -> Value { throw 1; }, "cache load: the loader threw: failed"},
         {[](const KXCacheLoading&) {}, "cache load: the loader let go without an answer: failed"},

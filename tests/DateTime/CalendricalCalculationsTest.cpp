@@ -184,14 +184,8 @@ TEST(CalendricalCalculations, WritesLabels) {
     const Place place;
     const auto fields = Calculations::componentsFromDate(at("2024-03-05 14:07:09"));
     const std::pair<NSCalendarUnit, const char*> rows[] = {
-        {4 | 8 | 16 | 32 | 64, "2024年 03月 05日 14:07"},
-        {32, "14时"},
-        {64, "07分"},
-        {128, ""},
-        {0, ""},
-        {16 | 64, "05日 07分"},
-        {~NSCalendarUnit{0}, "2024年 03月 05日 14:07"},
-    };
+        {4 | 8 | 16 | 32 | 64, "2024年 03月 05日 14:07"}, {64, "07分"},           {32, "14时"}, {0, ""},
+        {~NSCalendarUnit{0}, "2024年 03月 05日 14:07"},   {16 | 64, "05日 07分"}, {128, ""}};
     for (const auto& [units, want] : rows) EXPECT_EQ(Calculations::stringFromComponent(fields, units), want);
     EXPECT_EQ(Calculations::stringFromComponent(std::nullopt, 4 | 64), "0000年 00分");
     EXPECT_EQ(Calculations::stringFromComponent(NSDateComponents(), 32), "9223372036854775807时");
@@ -219,11 +213,10 @@ TEST(CalendricalCalculations, AnswersHarmlesslyBeyondItsYears) {
         EXPECT_EQ(Calculations::componentsFromDate(date), NSDateComponents());
     }
     for (const std::int64_t value : {INT64_MAX, INT64_MAX - 1, INT64_MIN, std::int64_t{1} << 46}) {
-        for (NSCalendarUnit unit = 1; unit != 0; unit <<= 1) {
+        for (NSCalendarUnit unit = 1; unit != 0; unit <<= 1)
             EXPECT_EQ(Calculations::dateByAddingUnit(unit, value, now).has_value(),
                       unit == NSCalendarUnitNanosecond && value != INT64_MAX)
                 << unit << " " << value;
-        }
     }
 }
 

@@ -28,13 +28,9 @@ TEST(StandardDates, TheFormatterKnowsNoUserSettings) {
     platform.setTimeZone("Asia/Tehran");
     const auto formatter = NSDateFormatter_Standard::standardFormatter();
     const std::pair<double, const char*> rows[] = {
-        {0, "1970-01-01 00:00:00"},
-        {1'709'210'096, "2024-02-29 12:34:56"},
-        {-1, "1969-12-31 23:59:59"},
-        {-62'135'596'800, "0001-01-01 00:00:00"},
-        {253'402'300'799, "9999-12-31 23:59:59"},
-        {-12'219'292'800, "1582-10-15 00:00:00"},
-    };
+        {-62'135'596'800, "0001-01-01 00:00:00"}, {0, "1970-01-01 00:00:00"},
+        {253'402'300'799, "9999-12-31 23:59:59"}, {1'709'210'096, "2024-02-29 12:34:56"},
+        {-12'219'292'800, "1582-10-15 00:00:00"}, {-1, "1969-12-31 23:59:59"}};
     for (const auto& [seconds, text] : rows) {
         const auto date = NSDate::dateWithTimeIntervalSince1970(seconds);
         EXPECT_EQ(formatter->stringFromDate(date), text);
@@ -66,10 +62,9 @@ TEST(StandardDates, AddsSecondsToComponents) {
         {fields(2024, 1, 1), INT64_MAX, NSDateComponents()},
     };
     const auto calendar = NSCalendar_Standard::standardCalendar();
-    for (const auto& row : rows) {
+    for (const auto& row : rows)
         EXPECT_EQ(NSCalendar_Standard::dateComponentsByAddSeconds(calendar, row.from, row.seconds), row.want)
             << "row " << &row - rows;
-    }
     EXPECT_EQ(NSCalendar_Standard::dateComponentsByAddSeconds(nullptr, fields(2024, 1, 1), 1),
               NSDateComponents());
 }
@@ -96,17 +91,11 @@ TEST(StandardDates, CountsSecondsInADay) {
     const struct {
         std::optional<NSDateComponents> of;
         double want;
-    } rows[] = {
-        {fields(2024, 1, 1, 23, 59, 59), 86'399},
-        {fields(2024, 1, 1), 0},
-        {fields(1, 1, 1, 25, -1, 90), 90'030},
-        {NSDateComponents(), 0},
-        {std::nullopt, 0},
-        {fields(1, 1, 1, INT64_MIN, 0, 1), 1},
-    };
-    for (const auto& row : rows) {
+    } rows[] = {{fields(2024, 1, 1), 0}, {fields(2024, 1, 1, 23, 59, 59), 86'399},
+                {NSDateComponents(), 0}, {fields(1, 1, 1, 25, -1, 90), 90'030},
+                {std::nullopt, 0},       {fields(1, 1, 1, INT64_MIN, 0, 1), 1}};
+    for (const auto& row : rows)
         EXPECT_EQ(NSDateComponents_Standard::timeIntervalInDay(row.of), row.want) << "row " << &row - rows;
-    }
 }
 
 }  // namespace

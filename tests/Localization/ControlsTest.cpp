@@ -62,11 +62,10 @@ void expectMirroringInArabicOnly() {
     expectMirroring<Control>(
         "ar", Right,
         {{Left, Right}, {Natural, Right}, {Right, Left}, {Center, Center}, {Justified, Justified}});
-    for (const auto* language : {"en", "he"}) {
+    for (const auto* language : {"en", "he"})
         expectMirroring<Control>(
             language, Natural,
             {{Left, Left}, {Natural, Natural}, {Right, Right}, {Center, Center}, {Justified, Justified}});
-    }
 }
 
 TEST(Mirroring, AlignmentsOfTextControls) {

@@ -30,19 +30,10 @@ TEST(StringLookup, SelectedLanguageThenEnglishThenTheKey) {
         std::optional<std::string_view> table;
         std::string_view want;
     } const rows[] = {
-        {"fr", "pier", {}, "Jetée"},
-        {"fr", "tide", {}, "Tide"},
-        {"fr", "mole", {}, "mole"},
-        {"fr", "same", {}, "Same in English"},
-        {"fr", "pier", "Signs", "Embarcadère"},
-        {"fr", "tide", "Signs", "tide"},
-        {"fr", "", {}, ""},
-        {"ja", "pier", {}, "Pier"},
-        {"../fr", "pier", {}, "Pier"},
-        {{}, "pier", {}, "Anleger"},
-        {{}, "tide", {}, "Tide"},
-        {"auto", "pier", {}, "Anleger"},
-    };
+        {"fr", "tide", {}, "Tide"}, {"fr", "pier", {}, "Jetée"},   {"fr", "same", {}, "Same in English"},
+        {"fr", "mole", {}, "mole"}, {"ja", "pier", {}, "Pier"},    {"fr", "pier", "Signs", "Embarcadère"},
+        {"fr", "", {}, ""},         {"../fr", "pier", {}, "Pier"}, {"fr", "tide", "Signs", "tide"},
+        {{}, "tide", {}, "Tide"},   {{}, "pier", {}, "Anleger"},   {"auto", "pier", {}, "Anleger"}};
     for (const auto& row : rows) {
         ApplicationRun run({"de-AT"});
         addTexts(run.platform.bundle());
