@@ -59,17 +59,10 @@ TEST(LanguageSelection, AutoResolvesTheFirstSystemLanguage) {
 
 TEST(LanguageSelection, FixedChoices) {
     const std::tuple<std::string_view, std::string_view, std::string_view> rows[] = {
-        {"pt_BR", "pt-BR", "pt-BR"},
-        {"zh_Hant", "zh-Hant", "zh-Hant"},
-        {"zh_Hant_TW", "zh-Hant", "zh-Hant"},
-        {"zh_Hans", "zh-Hans", "en"},
-        {"zh_Hans_CN", "zh-Hans", "en"},
-        {"zh-Hans", "zh-Hans", "zh-Hans"},
-        {"es_419", "es-419", "es-419"},
-        {"fr", "fr", "fr"},
-        {"Auto", "Auto", "Auto"},
-        {"", "", ""},
-        {"none", "none", "none"}};
+        {"zh_Hant", "zh-Hant", "zh-Hant"},    {"pt_BR", "pt-BR", "pt-BR"},    {"fr", "fr", "fr"},
+        {"zh_Hant_TW", "zh-Hant", "zh-Hant"}, {"zh_Hans", "zh-Hans", "en"},   {"Auto", "Auto", "Auto"},
+        {"zh_Hans_CN", "zh-Hans", "en"},      {"es_419", "es-419", "es-419"}, {"", "", ""},
+        {"zh-Hans", "zh-Hans", "zh-Hans"},    {"none", "none", "none"}};
     for (const auto& [choice, plain, ofOrvik] : rows) {
         for (const bool orvik : {false, true}) {
             const ApplicationRun run({"de-DE"}, orvik ? "Orvik" : "orvik");

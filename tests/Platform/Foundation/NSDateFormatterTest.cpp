@@ -126,15 +126,9 @@ TEST(NSDateFormatter, BearsBadInput) {
     const auto formatter = formatterFor("en_US", "UTC");
     const auto date = NSDate::dateWithTimeIntervalSince1970(0);
     const std::pair<std::optional<std::string>, std::optional<std::string>> rows[] = {
-        {std::nullopt, ""},
-        {"", ""},
-        {"'", ""},
-        {"HH'open", "00open"},
-        {"\xFF", "\uFFFD"},
-        {"C", std::nullopt},
-        {"HH\0mm"s, "00\0"s + "00"},
-        {std::string(100'000, '.'), std::string(100'000, '.')},
-    };
+        {std::nullopt, ""}, {"HH'open", "00open"}, {"HH\0mm"s, "00\0"s + "00"},
+        {"", ""},           {"\xFF", "\uFFFD"},    {std::string(100'000, '.'), std::string(100'000, '.')},
+        {"'", ""},          {"C", std::nullopt}};
     for (const auto& [pattern, want] : rows) {
         formatter->setDateFormat(pattern);
         EXPECT_EQ(formatter->stringFromDate(date), want) << pattern.value_or("absent").substr(0, 20);
