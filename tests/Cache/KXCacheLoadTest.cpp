@@ -6,7 +6,6 @@
 #include <gtest/gtest.h>
 
 #include <KXFoundation/Cache/KXCache.h>
-#include <KXFoundation/Platform/Runtime/DetachedTask.h>
 #include <KXFoundation/Testing/ManualClock.h>
 #include <KXFoundation/Testing/ScopedPlatform.h>
 #include <KXFoundation/Testing/ScopedQueues.h>

@@ -1,7 +1,6 @@
 // SPDX-License-Identifier: MIT
 
 #include <gmock/gmock.h>
-#include <gtest/gtest.h>
 
 #include <KXFoundation/Cache/KXCache.h>
 #include <KXFoundation/Cache/KXDiskCache.h>

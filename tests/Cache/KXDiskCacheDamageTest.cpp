@@ -4,7 +4,6 @@
 #include <functional>
 
 #include <gmock/gmock.h>
-#include <gtest/gtest.h>
 
 #include <KXFoundation/Cache/KXDiskCache.h>
 #include <KXFoundation/Testing/CapturedLog.h>

@@ -3,7 +3,6 @@
 #include <filesystem>
 
 #include <gmock/gmock.h>
-#include <gtest/gtest.h>
 
 #include <KXFoundation/Cache/KXDiskCache.h>
 #include <KXFoundation/Platform/Foundation/NSCoder.h>

@@ -88,14 +88,13 @@ TEST(StandardDates, UpdatesSixFields) {
 }
 
 TEST(StandardDates, CountsSecondsInADay) {
-    const struct {
-        std::optional<NSDateComponents> of;
-        double want;
-    } rows[] = {{fields(2024, 1, 1), 0}, {fields(2024, 1, 1, 23, 59, 59), 86'399},
-                {NSDateComponents(), 0}, {fields(1, 1, 1, 25, -1, 90), 90'030},
-                {std::nullopt, 0},       {fields(1, 1, 1, INT64_MIN, 0, 1), 1}};
+    const std::pair<std::optional<NSDateComponents>, double> rows[] = {
+        {fields(2024, 1, 1), 0}, {fields(2024, 1, 1, 23, 59, 59), 86'399},
+        {NSDateComponents(), 0}, {fields(1, 1, 1, 25, -1, 90), 90'030},
+        {std::nullopt, 0},       {fields(1, 1, 1, INT64_MIN, 0, 1), 1}};
     for (const auto& row : rows)
-        EXPECT_EQ(NSDateComponents_Standard::timeIntervalInDay(row.of), row.want) << "row " << &row - rows;
+        EXPECT_EQ(NSDateComponents_Standard::timeIntervalInDay(row.first), row.second)
+            << "row " << &row - rows;
 }
 
 }  // namespace

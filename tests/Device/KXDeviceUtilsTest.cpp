@@ -1,6 +1,5 @@
 // SPDX-License-Identifier: MIT
 
-#include <algorithm>
 #include <set>
 
 #include <gtest/gtest.h>

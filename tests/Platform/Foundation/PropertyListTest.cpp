@@ -1,6 +1,5 @@
 // SPDX-License-Identifier: MIT
 
-#include <cmath>
 #include <limits>
 #include <string>
 
