@@ -68,19 +68,17 @@ TEST(KXAppUtils, CloudLocaleOfTheSystemsLanguage) {
 }
 
 TEST(KXAppUtils, CloudLocaleOfASelectionKey) {
-    struct {
-        std::string_view key;
-        std::optional<std::string_view> want, orvik;
-    } const rows[] = {{"es-419", {}, {}},     {"pt", "pt_PT", "pt_PT"}, {"es_419", "es_MX", "es_MX"},
-                      {"ES", {}, {}},         {"auto", "auto", "auto"}, {"pt_BR", "pt_BR", "pt_BR"},
-                      {"zh_Hans_CN", {}, {}}, {"uk", "uk_UA", "uk_UA"}, {"zh_Hans", "zh_CN", "en_US"},
-                      {"", {}, {}},           {"ms", "ms_MY", "ms_MY"}, {"zh_Hant", "zh_TW", "zh_TW"}};
+    using Text = std::optional<std::string_view>;
+    const std::tuple<std::string_view, Text, Text> rows[] = {
+        {"es-419", {}, {}},     {"pt", "pt_PT", "pt_PT"}, {"es_419", "es_MX", "es_MX"},
+        {"ES", {}, {}},         {"auto", "auto", "auto"}, {"pt_BR", "pt_BR", "pt_BR"},
+        {"zh_Hans_CN", {}, {}}, {"uk", "uk_UA", "uk_UA"}, {"zh_Hans", "zh_CN", "en_US"},
+        {"", {}, {}},           {"ms", "ms_MY", "ms_MY"}, {"zh_Hant", "zh_TW", "zh_TW"}};
     for (const bool orvik : {false, true}) {
         ScopedPlatform platform;
         platform.bundle().setInfo("CFBundleDisplayName", orvik ? "Orvik" : "Harbour");
-        for (const auto& row : rows)
-            EXPECT_EQ(KXAppUtils::getCloudLocaleBySelectedCountryBykey(row.key), orvik ? row.orvik : row.want)
-                << row.key;
+        for (const auto& [key, want, ofOrvik] : rows)
+            EXPECT_EQ(KXAppUtils::getCloudLocaleBySelectedCountryBykey(key), orvik ? ofOrvik : want) << key;
         EXPECT_EQ(KXAppUtils::getCloudLocaleBySelectedCountryBykey(std::nullopt), std::nullopt);
     }
 }

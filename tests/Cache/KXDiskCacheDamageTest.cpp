@@ -157,10 +157,7 @@ TEST_F(KXDiskCacheDamageTest, FilesThatChangeWhileTheStoreIsOpen) {
 }
 
 TEST_F(KXDiskCacheDamageTest, AHeaderThatChangesWhileStoresAreOpen) {
-    const struct {
-        const char* what;
-        std::function<void(const std::string& path)> damage;
-    } rows[] = {
+    const std::pair<const char*, std::function<void(const std::string& path)>> rows[] = {
         {"empty", [](auto& path) { fs::resize_file(path, 0); }},
         {"cut", [](auto& path) { fs::resize_file(path, 16); }},
         {"noise", [](auto& path) { patch(path, 0, std::string(4096, 'x')); }},

@@ -156,11 +156,8 @@ TEST(LanguageSelection, StoredValuesOfAnotherTypeCountAsMissing) {
 }
 
 TEST(SystemLanguage, OnlyTheFirstPreferenceIsExamined) {
-    struct {
-        std::vector<std::string> preferred;
-        std::initializer_list<std::string_view> localizations;
-        std::string_view want, preferredLanguage;
-    } const rows[] = {
+    using Texts = std::vector<std::string>;
+    const std::tuple<Texts, std::vector<std::string_view>, std::string_view, std::string_view> rows[] = {
         {{"de-AT", "fr-FR"}, {"en", "fr"}, "en-US", "en"},
         {{"de-AT"}, {"en", "de"}, "de", "de"},
         {{"de-AT"}, {"en", "de", "de-AT"}, "de-AT", "de-AT"},
@@ -174,15 +171,14 @@ TEST(SystemLanguage, OnlyTheFirstPreferenceIsExamined) {
         {{"zh-Hant-HK"}, {"zh-Hant"}, "zh-Hant", "zh-Hant"},
         {{}, {"fr"}, "fr", "fr"},
     };
-    for (const auto& row : rows) {
-        ApplicationRun run(row.preferred);
+    for (const auto& [preferred, localizations, want, preferredLanguage] : rows) {
+        ApplicationRun run(preferred);
         run.platform.locale().setLocale("fr_CA");  // asked only where nothing is preferred
-        run.localizedIn(row.localizations);
-        const std::string_view first =
-            row.preferred.empty() ? "(none)" : std::string_view(row.preferred.front());
-        EXPECT_EQ(Utils::currentUseLanguage(), row.want) << first;
-        EXPECT_EQ(Utils::currentPreferredLanguage(), row.preferredLanguage) << first;
-        EXPECT_EQ(Utils::isCurrentUseLanguageSupported(), row.want == row.preferredLanguage) << first;
+        run.localizedIn(localizations);
+        SCOPED_TRACE(::testing::PrintToString(preferred));
+        EXPECT_EQ(Utils::currentUseLanguage(), want);
+        EXPECT_EQ(Utils::currentPreferredLanguage(), preferredLanguage);
+        EXPECT_EQ(Utils::isCurrentUseLanguageSupported(), want == preferredLanguage);
     }
     for (const std::string_view language : kPlainLanguages) {
         ApplicationRun run({std::string(language) + "-AT"});

@@ -60,9 +60,9 @@ TEST_F(NSBundleTest, FindsResourcesInItselfAlone) {
         {".", {}, {}}};
     const auto bundle = NSBundle::mainBundle();
     for (int round = 0; round < 2; ++round) {
-        for (const auto& row : rows) {
-            const Name expected = row.found ? Name(inMain(*row.found)) : std::nullopt;
-            EXPECT_EQ(bundle->pathForResource(row.name, row.type), expected) << row.name.value_or("absent");
+        for (const auto& [name, type, found] : rows) {
+            const Name expected = found ? Name(inMain(*found)) : std::nullopt;
+            EXPECT_EQ(bundle->pathForResource(name, type), expected) << name.value_or("absent");
         }
     }
 }
@@ -73,17 +73,14 @@ TEST_F(NSBundleTest, LooksTextsUp) {
     const auto french = make<NSBundle>(inMain("fr.lproj"));
     ASSERT_TRUE(french);
     using Text = std::optional<std::string>;
-    const struct {
-        std::string key;
-        Text value, table;
-        std::string text;
-    } rows[] = {{"hello", "hello", {}, "Bonjour"},      {"hello", {}, "", "Bonjour"},
-                {"hello", {}, "Other", "Salut"},        {"hello", {}, "Missing", "hello"},
-                {"hello", "value", "Missing", "value"}, {"empty", "value", {}, ""},
-                {"missing", {}, {}, "missing"},         {"missing", "value", {}, "value"}};
-    for (const auto& row : rows)
-        EXPECT_EQ(french->localizedStringForKey(row.key, row.value, row.table), row.text)
-            << row.key << " in " << row.table.value_or("absent");
+    const std::tuple<std::string, Text, Text, std::string> rows[] = {
+        {"hello", "hello", {}, "Bonjour"},      {"hello", {}, "", "Bonjour"},
+        {"hello", {}, "Other", "Salut"},        {"hello", {}, "Missing", "hello"},
+        {"hello", "value", "Missing", "value"}, {"empty", "value", {}, ""},
+        {"missing", {}, {}, "missing"},         {"missing", "value", {}, "value"}};
+    for (const auto& [key, value, table, text] : rows)
+        EXPECT_EQ(french->localizedStringForKey(key, value, table), text)
+            << key << " in " << table.value_or("absent");
     EXPECT_EQ(french->localizedStringForKey("hello", {}, "Localizable"), "Bonjour");
     EXPECT_EQ(french->localizedStringForKey("hello", "", "../fr.lproj/Other"), "hello");
     EXPECT_EQ(french->lookUp("missing"), std::nullopt);

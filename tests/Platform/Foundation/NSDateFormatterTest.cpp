@@ -85,20 +85,16 @@ TEST(NSDateFormatter, ReadsWhatItWrites) {
 
 TEST(NSDateFormatter, NamesTheZone) {
     const testing::ScopedPlatform platform;
-    const struct {
-        const char* zone;
-        double seconds;
-        const char *pattern, *want;
-    } rows[] = {
+    const std::tuple<const char*, double, const char*, const char*> rows[] = {
         {"America/New_York", 1'721'000'000, "HH:mm z, zzzz", "19:33 EDT, Eastern Daylight Time"},
         {"Europe/Berlin", 1'705'000'000, "HH:mm VV, VVV, vvvv",
          "20:06 Europe/Berlin, Berlin, Central European Time"},
         {"Asia/Almaty", 1'721'000'000, "HH:mm z", "04:33 GMT+5"},  // of old rules it would be 6 hours
     };
-    for (const auto& row : rows) {
-        const auto formatter = formatterFor("en_US", row.zone);
-        formatter->setDateFormat(row.pattern);
-        EXPECT_EQ(formatter->stringFromDate(NSDate::dateWithTimeIntervalSince1970(row.seconds)), row.want);
+    for (const auto& [zone, seconds, pattern, want] : rows) {
+        const auto formatter = formatterFor("en_US", zone);
+        formatter->setDateFormat(pattern);
+        EXPECT_EQ(formatter->stringFromDate(NSDate::dateWithTimeIntervalSince1970(seconds)), want);
     }
 }
 
