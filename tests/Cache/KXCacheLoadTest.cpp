@@ -216,44 +216,5 @@ TEST(KXCacheLoadOrders, WhoHasNoLoaderTakesNobodyElsesAway) {
     }
 }
 
-/// Callers, one that cancels and one who removes the key after the source has changed, in every order.
-TEST(KXCacheLoadOrders, OneLoadForAllAndNothingOutdatedIsKept) {
-    for (std::uint64_t seed = 0; seed < 600; ++seed) {
-        testing::SimulatedWorld world(seed);
-        const auto cache = KXCache::initWithPath("KXMemoryCache", "KXYYDiskCache", "x");
-        const bool changes = seed % 2 == 1;
-        int source = 1, runs = 0;
-        const KXCacheLoader loader = [&](const KXCacheLoading& loading) {
-            ++runs;
-            const int read = source;
-            DispatchQueue::shared().after(std::chrono::milliseconds(seed % 3),
-                                          [loading, read] { loading.complete(Value(read)); });
-        };
-        std::stop_source stop;
-        std::array<int, 4> answers{};
-        for (std::size_t i = 0; i < answers.size(); ++i)
-            DispatchQueue::shared().async([&, i] {
-                KXCacheLoadOptions options;
-                if (i == 0) options.cancellation = stop.get_token();
-                cache->load("a", loader, options, [&answers, i](auto& answer) {
-                    answers[i] +=
-                        answer.ok() || (i == 0 && answer.error().systemError == ECANCELED) ? 1 : 100;
-                });
-            });
-        if (changes) {
-            DispatchQueue::shared().async([&] { stop.request_stop(); });
-            DispatchQueue::shared().async([&] {
-                source = 2;
-                cache->removeObjectForKey("a");
-            });
-        }
-        world.run();
-        EXPECT_EQ(answers, (std::array<int, 4>{1, 1, 1, 1})) << "seed " << seed;
-        EXPECT_TRUE(runs == 1 || changes) << "seed " << seed;
-        const auto kept = cache->get<int>("a");
-        EXPECT_EQ(kept.value_or(source), source) << "seed " << seed;
-    }
-}
-
 }  // namespace
 }  // namespace kx

@@ -18,10 +18,9 @@
 namespace kx {
 namespace {
 
-using ::testing::AllOf;
 using ::testing::Each;
+using ::testing::ElementsAre;
 using ::testing::HasSubstr;
-using ::testing::SizeIs;
 
 /// Pixels of every alpha.
 std::shared_ptr<NSBitmapImageRep> shades() {
@@ -138,7 +137,8 @@ TEST_F(KXImageCacheTest, StoresThatCannotBeMadeAreAbsent) {
         {"KXYYMemoryCache", "KXDiskCache", "", true, false},
     };
     for (const auto& [memory, disk, path, hasMemory, hasDisk] : rows) {
-        const auto cache = KXImageCache::initWithMemoryCacheClass(memory, disk, path);
+        const std::string place = *path ? platform.directory() / path : "";
+        const auto cache = KXImageCache::initWithMemoryCacheClass(memory, disk, place);
         ASSERT_NE(cache, nullptr) << path;
         EXPECT_EQ(cache->memoryCache() != nullptr, hasMemory) << path;
         EXPECT_EQ(cache->diskCache() != nullptr, hasDisk) << path;
@@ -189,7 +189,7 @@ TEST_F(KXImageCacheTest, WhatIsDamagedOrNoImageIsAMiss) {
     contents[300] ^= 0x10;  // inside the picture
     platform.directory().write(name, contents);
     EXPECT_EQ(sourceOf(*open(), "a", 3), 0);
-    EXPECT_THAT(log.lines(), AllOf(SizeIs(1), Each(HasSubstr("cache"))));
+    EXPECT_THAT(log.lines(), ElementsAre(HasSubstr("cache")));
 }
 
 TEST_F(KXImageCacheTest, CallsThatLackSomethingChangeNothing) {
@@ -201,12 +201,13 @@ TEST_F(KXImageCacheTest, CallsThatLackSomethingChangeNothing) {
     cache->setImage(NSImage::initWithBitmap(shades()), std::nullopt);
     cache->removeImageForKey(std::nullopt);
     EXPECT_EQ(sourceOf(*cache, std::nullopt, 3), 0);
-    EXPECT_THAT(log.lines(), SizeIs(0));
+    EXPECT_EQ(log.lines().size(), 0u);
     cache->removeImageForKey("a", 3, nullptr);
     cache->containsImageForKey("a", 3, nullptr);
     cache->getImageForKey("a", 3, nullptr);
     drainQueues();
-    EXPECT_THAT(log.lines(), AllOf(SizeIs(3), Each(HasSubstr("without a callback"))));
+    EXPECT_EQ(log.lines().size(), 3u);
+    EXPECT_THAT(log.lines(), Each(HasSubstr("without a callback")));
     EXPECT_EQ(cache->memoryCache()->totalCount(), 1u);
     EXPECT_EQ(cache->diskCache()->totalCount(), 1u);
 }

@@ -46,6 +46,8 @@ TEST(Operation, ExchangingReachesSubclassesAloneAndTwiceRestores) {
         EXPECT_EQ(make<SmallCircle>()->scale(5), 10) << "subclasses inherit the exchanged entry";
         EXPECT_EQ(make<Shape>()->scale(5), exchanged == &Shape::classObject() ? 10 : 5);
         EXPECT_THAT(exchanged->describe(), HasSubstr("- test_scale: runs test_doubleScale: (exchanged)"));
+        EXPECT_EQ(Shape::classObject().describe().find("exchanged") != std::string::npos,
+                  exchanged == &Shape::classObject());
         InstanceMethodSwizzling(*exchanged, "test_scale:", "test_doubleScale:");
         EXPECT_EQ(make<SmallCircle>()->scale(5), 5);
     }
