@@ -9,8 +9,6 @@
 #include <KXFoundation/AppEnvironment/FeedbackCodes.h>
 #include <KXFoundation/AppEnvironment/KXAppUtils.h>
 #include <KXFoundation/Localization/KXLocalizationUtils.h>
-#include <KXFoundation/Platform/Foundation/NSURL.h>
-#include <KXFoundation/Platform/Services/Workspace.h>
 #include <KXFoundation/Testing/ScopedPlatform.h>
 
 namespace kx {
@@ -24,8 +22,6 @@ TEST(AppLinks, ArePlaceholdersUnlessTheBuildSaysOtherwise) {
     for (const std::string& place :
          {links.feedbackAddress, links.orvikFeedbackAddress, links.storeHost, links.lookupHost})
         EXPECT_NE(place.find(".invalid"), std::string::npos) << place;
-    setAppLinks({.storeHost = "store.example.org"});
-    EXPECT_EQ(appLinks().storeHost, "store.example.org");
 }
 
 TEST(FeedbackLinks, CodesOfTheSelectedLanguage) {

@@ -68,30 +68,17 @@ TEST(KXAppUtils, CloudLocaleOfTheSystemsLanguage) {
 }
 
 TEST(KXAppUtils, CloudLocaleOfASelectionKey) {
-    struct {
-        std::string_view key;
-        std::optional<std::string_view> want, orvik;
-    } const rows[] = {
-        {"es_419", "es_MX", "es_MX"},
-        {"pt", "pt_PT", "pt_PT"},
-        {"pt_BR", "pt_BR", "pt_BR"},
-        {"auto", "auto", "auto"},
-        {"zh_Hans", "zh_CN", "en_US"},
-        {"zh_Hant", "zh_TW", "zh_TW"},
-        {"es-419", {}, {}},
-        {"ES", {}, {}},
-        {"zh_Hans_CN", {}, {}},
-        {"", {}, {}},
-        {"uk", "uk_UA", "uk_UA"},
-        {"ms", "ms_MY", "ms_MY"},
-    };
+    using Text = std::optional<std::string_view>;
+    const std::tuple<std::string_view, Text, Text> rows[] = {
+        {"es-419", {}, {}},     {"pt", "pt_PT", "pt_PT"}, {"es_419", "es_MX", "es_MX"},
+        {"ES", {}, {}},         {"auto", "auto", "auto"}, {"pt_BR", "pt_BR", "pt_BR"},
+        {"zh_Hans_CN", {}, {}}, {"uk", "uk_UA", "uk_UA"}, {"zh_Hans", "zh_CN", "en_US"},
+        {"", {}, {}},           {"ms", "ms_MY", "ms_MY"}, {"zh_Hant", "zh_TW", "zh_TW"}};
     for (const bool orvik : {false, true}) {
         ScopedPlatform platform;
         platform.bundle().setInfo("CFBundleDisplayName", orvik ? "Orvik" : "Harbour");
-        for (const auto& row : rows) {
-            EXPECT_EQ(KXAppUtils::getCloudLocaleBySelectedCountryBykey(row.key), orvik ? row.orvik : row.want)
-                << row.key;
-        }
+        for (const auto& [key, want, ofOrvik] : rows)
+            EXPECT_EQ(KXAppUtils::getCloudLocaleBySelectedCountryBykey(key), orvik ? ofOrvik : want) << key;
         EXPECT_EQ(KXAppUtils::getCloudLocaleBySelectedCountryBykey(std::nullopt), std::nullopt);
     }
 }
@@ -112,24 +99,15 @@ TEST(AppVersion, ComparesNumbersByValueAndAllocatesNothing) {
         Text a, b;
         bool isOlder, isNewer;
     } const rows[] = {
-        {"1.9", "1.10", true, false},
-        {"1.99", "2.0", true, false},
-        {"1.0", "1.0.0", true, false},
-        {"1.0", "1.0", false, false},
-        {"1.01", "1.1", false, false},
-        {"1.0", "1.00", false, false},
-        {"1.", "1.0", true, false},
-        {"", "0", true, false},
-        {"1a", "10", true, false},
-        {"1.a", "1.0", false, true},
-        {"1.0-beta2", "1.0-beta10", true, false},
-        {"1.Z", "1.a", true, false},
-        {"99999999999999999999998", "99999999999999999999999", true, false},
-        {std::string_view(longNumber).substr(1), longNumber, true, false},
-        {"1.z", "1.é", true, false},
-        {{}, "1.0", false, false},
-        {{}, {}, false, false},
-    };
+        {"1.", "1.0", true, false},    {"1.9", "1.10", true, false},
+        {"1.99", "2.0", true, false},  {"1.0", "1.00", false, false},
+        {"", "0", true, false},        {"1.a", "1.0", false, true},
+        {"1.0", "1.0.0", true, false}, {"1.0-beta2", "1.0-beta10", true, false},
+        {"1a", "10", true, false},     {"1.Z", "1.a", true, false},
+        {"1.0", "1.0", false, false},  {"99999999999999999999998", "99999999999999999999999", true, false},
+        {{}, "1.0", false, false},     {"1.z", "1.é", true, false},
+        {"1.01", "1.1", false, false}, {std::string_view(longNumber).substr(1), longNumber, true, false},
+        {{}, {}, false, false}};
     for (const auto& row : rows) {
         const std::size_t allocations = testing::allocationsOf([&] {
             EXPECT_EQ(KXAppUtils::isAppVersionOlderThan(row.a, row.b), row.isOlder);

@@ -1,7 +1,5 @@
 // SPDX-License-Identifier: MIT
 
-#include <future>
-
 #include <gtest/gtest.h>
 
 #include <KXFoundation/AppEnvironment/AppLinks.h>
@@ -22,8 +20,7 @@ namespace {
 
 using testing::InjectedWeb;
 
-class StoreLookupTest : public ::testing::Test {
-  protected:
+struct StoreLookupTest : ::testing::Test {
     StoreLookupTest() { setAppLinks({.lookupHost = "lookup.example"}); }
 
     testing::ScopedQueues queues_;

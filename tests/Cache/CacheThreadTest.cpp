@@ -1,7 +1,6 @@
 // SPDX-License-Identifier: MIT
 
 #include <atomic>
-#include <thread>
 
 #include <gtest/gtest.h>
 
@@ -11,8 +10,12 @@
 #include <KXFoundation/Testing/ScopedQueues.h>
 #include <KXFoundation/Testing/TemporaryDirectory.h>
 
+#include "support/OnThreads.h"
+
 namespace kx {
 namespace {
+
+using testing::onThreads;
 
 /// Its death is counted, so that none is lost and none dies twice.
 class Counted : public Subclass<Counted, NSObject> {
@@ -29,13 +32,6 @@ class Counted : public Subclass<Counted, NSObject> {
   private:
     std::string key_;
 };
-
-template <class Body>
-void onThreads(int count, Body body) {
-    std::vector<std::thread> threads;
-    for (int i = 0; i < count; ++i) threads.emplace_back(body, i);
-    for (auto& thread : threads) thread.join();
-}
 
 /// Threads set, read, remove and evict the same keys, over the split and the growth of the tables.
 TEST(CacheThreadTest, MemoryCacheGivesWholeValues) {

@@ -61,11 +61,7 @@ TEST(ImageCost, IsKeptUntilTheImageChanges) {
     const auto other = KXImageCache::initWithPath(platform.directory() / "other");
     const auto image = NSImage::initWithBitmap(plain());
     std::shared_ptr<GraphicsContext> context;
-    const struct {
-        const char* what;
-        std::function<void()> work;
-        int encodes;
-    } rows[] = {
+    const std::tuple<const char*, std::function<void()>, int> rows[] = {
         {"first", [&] { cache->setImage(image, "a"); }, 1},
         {"again", [&] { cache->setImage(image, "b"); }, 0},
         {"another cache", [&] { other->setImage(image, "a"); }, 0},
@@ -85,7 +81,7 @@ TEST(ImageCost, IsKeptUntilTheImageChanges) {
         {"after that too", [&] { cache->setImage(image, "a"); }, 1},
         {"and at rest", [&] { cache->setImage(image, "a"); }, 0},
     };
-    for (const auto& row : rows) EXPECT_EQ(encodesOf(row.work), row.encodes) << row.what;
+    for (const auto& [what, work, count] : rows) EXPECT_EQ(encodesOf(work), count) << what;
     const auto bytes = KXPhotoUtils::imgToData(image, 1.0)->size();
     EXPECT_EQ(cache->imageCost(image), bytes);
     cache->removeImageForKey("b", 1);

@@ -6,11 +6,12 @@
 #include <gtest/gtest.h>
 
 #include <KXFoundation/Cache/KXCache.h>
-#include <KXFoundation/Platform/Runtime/DetachedTask.h>
 #include <KXFoundation/Testing/ManualClock.h>
 #include <KXFoundation/Testing/ScopedPlatform.h>
 #include <KXFoundation/Testing/ScopedQueues.h>
 #include <KXFoundation/Testing/SimulatedWorld.h>
+
+#include "support/OwnedTask.h"
 
 namespace kx {
 namespace {
@@ -94,6 +95,7 @@ TEST_F(KXCacheLoadTest, FreshStaleAndExpired) {
 }
 
 TEST_F(KXCacheLoadTest, WhatALoaderMayDo) {
+    static const Error denied{ErrorKind::Denied, 0, "berths"};
     const struct {
         KXCacheLoader loader;
         const char* want;
@@ -103,17 +105,12 @@ TEST_F(KXCacheLoadTest, WhatALoaderMayDo) {
         {[] { return std::string("text"); }, "text", true},
         {[](const KXCacheLoading& loading) { return Value(loading.key()); }, "nice", true},
         {[](const KXCacheLoading& loading) {
-             DispatchQueue::main().async([loading] {
-                 loading.complete(Value("later"));
-                 loading.complete(Value("again"));
-             });
+             for (const char* text : {"later", "again"})
+                 DispatchQueue::main().async([=] { loading.complete(Value(text)); });
          },
          "later", true},
         {[] { return Value(); }, "null"},
-        {[] {
-             return Error{ErrorKind::Denied, 0, "berths"};
-         },
-         "berths: denied"},
+        {[] { return denied; }, "berths: denied"},
         {[]() -> Value { throw std::runtime_error("thrown"); }, "cache load: thrown: failed"},
         {[]() -> Value { throw 1; }, "cache load: the loader threw: failed"},
         {[](const KXCacheLoading&) {}, "cache load: the loader let go without an answer: failed"},
@@ -178,19 +175,7 @@ TEST_F(KXCacheLoadTest, WhoeverCancelsIsAnsweredAtOnceAndTheLastOneEndsTheLoad) 
     EXPECT_EQ(opened()->get<std::string>("nice"), "new");
 }
 
-/// A coroutine whose owner may destroy it.
-struct OwnedTask {
-    struct promise_type {
-        OwnedTask get_return_object() { return {std::coroutine_handle<promise_type>::from_promise(*this)}; }
-        std::suspend_never initial_suspend() noexcept { return {}; }
-        std::suspend_always final_suspend() noexcept { return {}; }
-        void return_void() {}
-        void unhandled_exception() { throw; }
-    };
-    std::coroutine_handle<promise_type> handle;
-};
-
-OwnedTask await(const std::shared_ptr<KXCache>& cache, KXCacheLoader loader, std::string& seen) {
+testing::OwnedTask await(const std::shared_ptr<KXCache>& cache, KXCacheLoader loader, std::string& seen) {
     seen = textOf(co_await cache->load("nice", std::move(loader)));
     seen += " on " + std::string(DispatchQueue::currentQueueLabel());
 }
@@ -228,45 +213,6 @@ TEST(KXCacheLoadOrders, WhoHasNoLoaderTakesNobodyElsesAway) {
         });
         world.run();
         EXPECT_EQ(seen, "text") << "seed " << seed;
-    }
-}
-
-/// Callers, one that cancels and one who removes the key after the source has changed, in every order.
-TEST(KXCacheLoadOrders, OneLoadForAllAndNothingOutdatedIsKept) {
-    for (std::uint64_t seed = 0; seed < 600; ++seed) {
-        testing::SimulatedWorld world(seed);
-        const auto cache = KXCache::initWithPath("KXMemoryCache", "KXYYDiskCache", "x");
-        const bool changes = seed % 2 == 1;
-        int source = 1, runs = 0;
-        const KXCacheLoader loader = [&](const KXCacheLoading& loading) {
-            ++runs;
-            const int read = source;
-            DispatchQueue::shared().after(std::chrono::milliseconds(seed % 3),
-                                          [loading, read] { loading.complete(Value(read)); });
-        };
-        std::stop_source stop;
-        std::array<int, 4> answers{};
-        for (std::size_t i = 0; i < answers.size(); ++i)
-            DispatchQueue::shared().async([&, i] {
-                KXCacheLoadOptions options;
-                if (i == 0) options.cancellation = stop.get_token();
-                cache->load("a", loader, options, [&answers, i](auto& answer) {
-                    answers[i] +=
-                        answer.ok() || (i == 0 && answer.error().systemError == ECANCELED) ? 1 : 100;
-                });
-            });
-        if (changes) {
-            DispatchQueue::shared().async([&] { stop.request_stop(); });
-            DispatchQueue::shared().async([&] {
-                source = 2;
-                cache->removeObjectForKey("a");
-            });
-        }
-        world.run();
-        EXPECT_EQ(answers, (std::array<int, 4>{1, 1, 1, 1})) << "seed " << seed;
-        EXPECT_TRUE(runs == 1 || changes) << "seed " << seed;
-        const auto kept = cache->get<int>("a");
-        EXPECT_EQ(kept.value_or(source), source) << "seed " << seed;
     }
 }
 

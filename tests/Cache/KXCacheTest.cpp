@@ -1,7 +1,6 @@
 // SPDX-License-Identifier: MIT
 
 #include <gmock/gmock.h>
-#include <gtest/gtest.h>
 
 #include <KXFoundation/Cache/KXCache.h>
 #include <KXFoundation/Cache/KXDiskCache.h>
@@ -48,10 +47,7 @@ struct KXCacheTest : ::testing::Test {
 
 TEST_F(KXCacheTest, StoresAreMadeFromTheirClasses) {
     static_cast<void>(ToldDiskCache::classObject());
-    const struct {
-        KXStoreClass memory, disk;
-        bool made;
-    } rows[] = {
+    const std::tuple<KXStoreClass, KXStoreClass, bool> rows[] = {
         {KXYYMemoryCache::classObject(), KXYYDiskCache::classObject(), true},
         {"KXMemoryCache", "KXDiskCache", true},
         {"KXMemoryCache", "ToldDiskCache", true},
@@ -62,9 +58,10 @@ TEST_F(KXCacheTest, StoresAreMadeFromTheirClasses) {
         {NSObject::classObject(), "KXDiskCache", false},
     };
     const std::string place = platform.directory() / "cache";
-    for (const auto& [memory, disk, made] : rows) {
-        EXPECT_EQ(KXCache::initWithPath(memory, disk, place) != nullptr, made) << &made - &rows[0].made;
-        EXPECT_EQ(KXCache::initWithNameSpace(memory, disk, place) != nullptr, made) << &made - &rows[0].made;
+    for (const auto& row : rows) {
+        const auto& [memory, disk, made] = row;
+        EXPECT_EQ(KXCache::initWithPath(memory, disk, place) != nullptr, made) << "row " << &row - rows;
+        EXPECT_EQ(KXCache::initWithNameSpace(memory, disk, place) != nullptr, made) << "row " << &row - rows;
     }
 }
 

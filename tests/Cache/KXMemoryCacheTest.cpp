@@ -5,7 +5,6 @@
 #include <random>
 
 #include <gmock/gmock.h>
-#include <gtest/gtest.h>
 
 #include <KXFoundation/Cache/KXMemoryCache.h>
 #include <KXFoundation/Platform/Runtime/MemoryPressure.h>

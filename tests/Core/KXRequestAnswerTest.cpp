@@ -13,6 +13,7 @@
 #include <KXFoundation/Testing/ScopedQueues.h>
 
 #include "Core/HarbourRequest.h"
+#include "support/OwnedTask.h"
 
 namespace kx {
 namespace {
@@ -102,19 +103,7 @@ TEST_F(KXRequestAnswerTest, IsRefusedWhileAnotherWaits) {
     EXPECT_TRUE(first.frame.expired() && second.frame.expired());
 }
 
-/// A coroutine whose owner may destroy it.
-struct OwnedTask {
-    struct promise_type {
-        OwnedTask get_return_object() { return {std::coroutine_handle<promise_type>::from_promise(*this)}; }
-        std::suspend_never initial_suspend() noexcept { return {}; }
-        std::suspend_always final_suspend() noexcept { return {}; }
-        void return_void() {}
-        void unhandled_exception() { throw; }
-    };
-    std::coroutine_handle<promise_type> handle;
-};
-
-OwnedTask awaitForever(std::shared_ptr<KXRequest> request) {
+testing::OwnedTask awaitForever(std::shared_ptr<KXRequest> request) {
     static_cast<void>(co_await request->answer(answering(1)));
     ADD_FAILURE() << "resumed after its end";
 }

@@ -16,33 +16,24 @@ namespace {
 class Harbour : public Subclass<Harbour, KXObject> {};
 
 TEST(KXObject, IdIsGivenOrTheNameOfTheClassBeingMade) {
-    EXPECT_EQ(make<KXObject>()->id(), "KXObject");
     EXPECT_EQ(make<Harbour>()->id(), "Harbour");
     EXPECT_EQ(KXObject::objectWithID("pier")->id(), "pier");
     EXPECT_EQ(Harbour::objectWithID("pier")->className(), "KXObject") << "made through a derived class";
     EXPECT_EQ(KXObject::objectWithID(std::nullopt)->id(), std::nullopt);
-    EXPECT_EQ(make<KXObject>()->name(), std::nullopt);
 }
 
 TEST(KXError, SignDecides) {
     using Limits = std::numeric_limits<std::int32_t>;
     const std::pair<std::int32_t, bool> rows[] = {{0, true},   {1, true},   {Limits::max(), true},
                                                   {-1, false}, {-3, false}, {Limits::min(), false}};
-    for (const auto& [code, success] : rows) {
-        const auto error = KXError::errorWithCode(code);
-        EXPECT_EQ(error->code(), code);
-        EXPECT_EQ(error->message(), std::nullopt);
-        EXPECT_EQ(isSuccess(error.get()), success) << "code: " << code;
-    }
+    for (const auto& [code, success] : rows)
+        EXPECT_EQ(isSuccess(KXError::errorWithCode(code).get()), success) << "code: " << code;
     EXPECT_TRUE(isSuccess(nullptr)) << "no error is success";
-    EXPECT_EQ(make<KXError>()->code(), 0);
 }
 
 TEST(KXAppInfo, ConcurrentReadsAreNeverTorn) {
     const auto info = make<KXAppInfo>();
-    EXPECT_EQ(info->releaseVersion(), std::nullopt);
-    const std::string small(40, 'a');
-    const std::string large(400, 'b');
+    const std::string small(40, 'a'), large(400, 'b');
     info->setReleaseLog(small);
     std::thread writer([&] {
         for (int i = 0; i < 2000; ++i) info->setReleaseLog(i % 2 ? small : large);

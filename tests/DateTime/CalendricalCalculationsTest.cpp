@@ -14,6 +14,7 @@ namespace {
 
 using Calculations = NSCalendar_CalendricalCalculations;
 using Date = Calculations::Date;
+using Step = Date (*)(const Date&);
 
 /// A fresh process in a time zone.
 struct Place : testing::ScopedPlatform {
@@ -37,66 +38,57 @@ std::string text(Date date) {
 }
 
 TEST(CalendricalCalculations, StepsAndBoundaries) {
-    using Step = Date (*)(const Date&);
-    const std::tuple<const char*, Step, const char*, const char*> rows[] = {
-        {"nextHour", Calculations::nextHour, "2024-12-31 23:30:00", "2025-01-01 00:30:00"},
-        {"prevHour", Calculations::prevHour, "2024-03-01 00:30:00", "2024-02-29 23:30:00"},
-        {"nextDay", Calculations::nextDay, "2023-02-28 12:00:00", "2023-03-01 12:00:00"},
-        {"prevDay", Calculations::prevDay, "2025-01-01 12:00:00", "2024-12-31 12:00:00"},
-        {"nextWeek", Calculations::nextWeek, "2024-12-28 12:00:00", "2025-01-04 12:00:00"},
-        {"prevWeek", Calculations::prevWeek, "2024-03-06 12:00:00", "2024-02-28 12:00:00"},
-        {"nextMonth", Calculations::nextMonth, "2023-01-31 12:00:00", "2023-02-28 12:00:00"},
-        {"prevMonth", Calculations::prevMonth, "2024-03-31 12:00:00", "2024-02-29 12:00:00"},
-        {"prevMonth", Calculations::prevMonth, "2024-01-31 12:00:00", "2023-12-31 12:00:00"},
-        {"firstHourIn", Calculations::firstHourIn, "2024-03-05 14:37:12", "2024-03-05 00:37:12"},
-        {"lastHourIn", Calculations::lastHourIn, "2024-03-05 14:37:12", "2024-03-05 23:37:12"},
-        {"dateBegin", Calculations::dateBegin, "2024-03-05 14:37:12", "2024-03-05 00:00:00"},
-        {"dateEnd", Calculations::dateEnd, "2024-03-05 14:37:12", "2024-03-05 23:59:59"},
-        {"firstDayInWeek", Calculations::firstDayInWeek, "2025-01-01 14:00:00", "2024-12-29 00:00:00"},
-        {"lastDayInWeek", Calculations::lastDayInWeek, "2025-01-01 14:00:00", "2025-01-04 00:00:00"},
-        {"firstDayInWeek", Calculations::firstDayInWeek, "2024-09-01 00:00:00", "2024-09-01 00:00:00"},
-        {"firstDayInMonth", Calculations::firstDayInMonth, "2024-02-17 14:00:00", "2024-02-01 00:00:00"},
-        {"lastDayInMonth", Calculations::lastDayInMonth, "2024-02-17 14:00:00", "2024-02-29 00:00:00"},
-        {"lastDayInMonth", Calculations::lastDayInMonth, "1900-02-01 00:00:00", "1900-02-28 00:00:00"},
-        {"prevDay", Calculations::prevDay, "1582-10-15 12:00:00", "1582-10-14 12:00:00"},
-        {"lastDayInMonth", Calculations::lastDayInMonth, "0001-02-05 00:00:00", "0001-02-28 00:00:00"},
-        {"nextDay", Calculations::nextDay, "9999-12-31 23:59:59", "10000-01-01 23:59:59"},
+    const std::tuple<Step, const char*, const char*> rows[] = {
+        {Calculations::nextHour, "2024-12-31 23:30:00", "2025-01-01 00:30:00"},
+        {Calculations::prevHour, "2024-03-01 00:30:00", "2024-02-29 23:30:00"},
+        {Calculations::nextDay, "2023-02-28 12:00:00", "2023-03-01 12:00:00"},
+        {Calculations::prevDay, "2025-01-01 12:00:00", "2024-12-31 12:00:00"},
+        {Calculations::nextWeek, "2024-12-28 12:00:00", "2025-01-04 12:00:00"},
+        {Calculations::prevWeek, "2024-03-06 12:00:00", "2024-02-28 12:00:00"},
+        {Calculations::nextMonth, "2023-01-31 12:00:00", "2023-02-28 12:00:00"},
+        {Calculations::prevMonth, "2024-03-31 12:00:00", "2024-02-29 12:00:00"},
+        {Calculations::prevMonth, "2024-01-31 12:00:00", "2023-12-31 12:00:00"},
+        {Calculations::firstHourIn, "2024-03-05 14:37:12", "2024-03-05 00:37:12"},
+        {Calculations::lastHourIn, "2024-03-05 14:37:12", "2024-03-05 23:37:12"},
+        {Calculations::dateBegin, "2024-03-05 14:37:12", "2024-03-05 00:00:00"},
+        {Calculations::dateEnd, "2024-03-05 14:37:12", "2024-03-05 23:59:59"},
+        {Calculations::firstDayInWeek, "2025-01-01 14:00:00", "2024-12-29 00:00:00"},
+        {Calculations::lastDayInWeek, "2025-01-01 14:00:00", "2025-01-04 00:00:00"},
+        {Calculations::firstDayInWeek, "2024-09-01 00:00:00", "2024-09-01 00:00:00"},
+        {Calculations::firstDayInMonth, "2024-02-17 14:00:00", "2024-02-01 00:00:00"},
+        {Calculations::lastDayInMonth, "2024-02-17 14:00:00", "2024-02-29 00:00:00"},
+        {Calculations::lastDayInMonth, "1900-02-01 00:00:00", "1900-02-28 00:00:00"},
+        {Calculations::prevDay, "1582-10-15 12:00:00", "1582-10-14 12:00:00"},
+        {Calculations::lastDayInMonth, "0001-02-05 00:00:00", "0001-02-28 00:00:00"},
+        {Calculations::nextDay, "9999-12-31 23:59:59", "10000-01-01 23:59:59"},
     };
     const Place place;
-    for (const auto& [what, step, from, want] : rows)
-        EXPECT_EQ(text(step(at(from))), want) << what << " " << from;
+    for (const auto& [step, from, want] : rows) EXPECT_EQ(text(step(at(from))), want) << from;
 }
 
 TEST(CalendricalCalculations, IsRightWhereClocksChange) {
-    using Step = Date (*)(const Date&);
-    const std::tuple<const char*, const char*, Step, const char*, const char*> rows[] = {
-        {"Europe/Berlin", "nextHour", Calculations::nextHour, "2024-03-31 01:30:00", "2024-03-31 03:30:00"},
-        // From the last day of a week 53 into a year of 52.
-        {"UTC", "a year of weeks",
-         [](const Date& date) {
-             return Calculations::dateByAddingUnit(NSCalendarUnitYearForWeekOfYear, 1, date);
-         },
-         "2022-12-31 10:00:00", "2023-12-30 10:00:00"},
-        {"Europe/Berlin", "nextHour", Calculations::nextHour, "2024-10-27 02:30:00", "2024-10-27 02:30:00"},
-        {"Europe/Berlin", "nextDay", Calculations::nextDay, "2024-03-30 02:30:00", "2024-03-31 03:30:00"},
-        {"Europe/Berlin", "dateEnd", Calculations::dateEnd, "2024-03-31 12:00:00", "2024-03-31 23:59:59"},
-        {"Australia/Lord_Howe", "nextHour", Calculations::nextHour, "2024-10-06 01:30:00",
-         "2024-10-06 03:00:00"},
-        {"Pacific/Apia", "nextDay", Calculations::nextDay, "2011-12-29 10:00:00", "2011-12-31 10:00:00"},
-        {"Pacific/Apia", "prevDay", Calculations::prevDay, "2011-12-31 10:00:00", "2011-12-29 10:00:00"},
-        {"America/Santiago", "dateBegin", Calculations::dateBegin, "2024-09-08 12:00:00",
-         "2024-09-08 01:00:00"},
-        {"America/Santiago", "dateEnd", Calculations::dateEnd, "2024-09-08 12:00:00", "2024-09-08 23:59:59"},
-        {"America/Santiago", "firstDayInWeek", Calculations::firstDayInWeek, "2024-09-10 12:00:00",
-         "2024-09-08 01:00:00"},
-        {"America/Mexico_City", "nextHour", Calculations::nextHour, "2024-04-07 01:30:00",
-         "2024-04-07 02:30:00"},
-        {"Africa/Cairo", "nextHour", Calculations::nextHour, "2024-04-25 23:30:00", "2024-04-26 01:30:00"},
-        {"Asia/Almaty", "nextHour", Calculations::nextHour, "2024-02-29 23:30:00", "2024-02-29 23:30:00"},
+    const Step nextYearOfWeeks = [](const Date& date) {
+        return Calculations::dateByAddingUnit(NSCalendarUnitYearForWeekOfYear, 1, date);
     };
-    for (const auto& [zone, what, step, from, want] : rows) {
+    const std::tuple<const char*, Step, const char*, const char*> rows[] = {
+        {"UTC", nextYearOfWeeks, "2022-12-31 10:00:00", "2023-12-30 10:00:00"},  // from a week 53 into 52
+        {"Europe/Berlin", Calculations::nextHour, "2024-03-31 01:30:00", "2024-03-31 03:30:00"},
+        {"Europe/Berlin", Calculations::nextHour, "2024-10-27 02:30:00", "2024-10-27 02:30:00"},
+        {"Europe/Berlin", Calculations::nextDay, "2024-03-30 02:30:00", "2024-03-31 03:30:00"},
+        {"Europe/Berlin", Calculations::dateEnd, "2024-03-31 12:00:00", "2024-03-31 23:59:59"},
+        {"Australia/Lord_Howe", Calculations::nextHour, "2024-10-06 01:30:00", "2024-10-06 03:00:00"},
+        {"Pacific/Apia", Calculations::nextDay, "2011-12-29 10:00:00", "2011-12-31 10:00:00"},
+        {"Pacific/Apia", Calculations::prevDay, "2011-12-31 10:00:00", "2011-12-29 10:00:00"},
+        {"America/Santiago", Calculations::dateBegin, "2024-09-08 12:00:00", "2024-09-08 01:00:00"},
+        {"America/Santiago", Calculations::dateEnd, "2024-09-08 12:00:00", "2024-09-08 23:59:59"},
+        {"America/Santiago", Calculations::firstDayInWeek, "2024-09-10 12:00:00", "2024-09-08 01:00:00"},
+        {"America/Mexico_City", Calculations::nextHour, "2024-04-07 01:30:00", "2024-04-07 02:30:00"},
+        {"Africa/Cairo", Calculations::nextHour, "2024-04-25 23:30:00", "2024-04-26 01:30:00"},
+        {"Asia/Almaty", Calculations::nextHour, "2024-02-29 23:30:00", "2024-02-29 23:30:00"},
+    };
+    for (const auto& [zone, step, from, want] : rows) {
         const Place place(zone);
-        EXPECT_EQ(text(step(at(from))), want) << zone << " " << what << " " << from;
+        EXPECT_EQ(text(step(at(from))), want) << zone << " " << from;
     }
 }
 
@@ -150,8 +142,8 @@ TEST(CalendricalCalculations, CountsUnits) {
         {"UTC", NSCalendarUnitYearForWeekOfYear, "2024-12-29 00:00:00", "2016-12-31 23:59:59", -9},
         {"UTC", 3, "2024-03-05 23:59:00", "2024-03-06 00:01:00", 0},
         {"UTC", 24, "2024-03-05 23:59:00", "2024-05-06 00:01:00", 0},
-        {"America/Santiago", NSCalendarUnitDay, "2024-09-08 12:00:00", "2024-09-09 12:00:00",
-         1},  // from 01:00
+        // The 8th begins at 01:00.
+        {"America/Santiago", NSCalendarUnitDay, "2024-09-08 12:00:00", "2024-09-09 12:00:00", 1},
         {"America/Santiago", NSCalendarUnitDay, "2024-09-09 12:00:00", "2024-09-08 12:00:00", -1},
         {"America/Santiago", NSCalendarUnitDay, "2024-09-01 12:00:00", "2024-09-08 12:00:00", 7},
         {"Europe/Berlin", NSCalendarUnitHour, "2024-10-27 01:10:00", "2024-10-27 04:05:00", 4},
@@ -184,14 +176,8 @@ TEST(CalendricalCalculations, WritesLabels) {
     const Place place;
     const auto fields = Calculations::componentsFromDate(at("2024-03-05 14:07:09"));
     const std::pair<NSCalendarUnit, const char*> rows[] = {
-        {4 | 8 | 16 | 32 | 64, "2024年 03月 05日 14:07"},
-        {32, "14时"},
-        {64, "07分"},
-        {128, ""},
-        {0, ""},
-        {16 | 64, "05日 07分"},
-        {~NSCalendarUnit{0}, "2024年 03月 05日 14:07"},
-    };
+        {4 | 8 | 16 | 32 | 64, "2024年 03月 05日 14:07"}, {64, "07分"},           {32, "14时"}, {0, ""},
+        {~NSCalendarUnit{0}, "2024年 03月 05日 14:07"},   {16 | 64, "05日 07分"}, {128, ""}};
     for (const auto& [units, want] : rows) EXPECT_EQ(Calculations::stringFromComponent(fields, units), want);
     EXPECT_EQ(Calculations::stringFromComponent(std::nullopt, 4 | 64), "0000年 00分");
     EXPECT_EQ(Calculations::stringFromComponent(NSDateComponents(), 32), "9223372036854775807时");
@@ -202,9 +188,9 @@ TEST(CalendricalCalculations, WritesLabels) {
 TEST(CalendricalCalculations, AnswersHarmlesslyBeyondItsYears) {
     const Place place;
     const Date now = NSDate::date();
-    for (const Date date : {Date(), Date(NSDate::dateWithTimeIntervalSince1970(NAN)),
-                            Date(NSDate::dateWithTimeIntervalSince1970(HUGE_VAL)),
-                            Date(NSDate::dateWithTimeIntervalSince1970(-1e300))}) {
+    const auto since1970 = NSDate::dateWithTimeIntervalSince1970;
+    for (const Date date :
+         {Date(), Date(since1970(NAN)), Date(since1970(HUGE_VAL)), Date(since1970(-1e300))}) {
         for (const auto step :
              {Calculations::nextHour, Calculations::prevMonth, Calculations::lastHourIn,
               Calculations::firstDayInWeek, Calculations::lastDayInMonth, Calculations::dateEnd}) {
@@ -219,11 +205,10 @@ TEST(CalendricalCalculations, AnswersHarmlesslyBeyondItsYears) {
         EXPECT_EQ(Calculations::componentsFromDate(date), NSDateComponents());
     }
     for (const std::int64_t value : {INT64_MAX, INT64_MAX - 1, INT64_MIN, std::int64_t{1} << 46}) {
-        for (NSCalendarUnit unit = 1; unit != 0; unit <<= 1) {
+        for (NSCalendarUnit unit = 1; unit != 0; unit <<= 1)
             EXPECT_EQ(Calculations::dateByAddingUnit(unit, value, now).has_value(),
                       unit == NSCalendarUnitNanosecond && value != INT64_MAX)
                 << unit << " " << value;
-        }
     }
 }
 

@@ -1,6 +1,5 @@
 // SPDX-License-Identifier: MIT
 
-#include <algorithm>
 #include <set>
 
 #include <gtest/gtest.h>
@@ -152,30 +151,26 @@ TEST(KXDeviceUtils, TheTorchTakesALevelBetween0And1) {
 }
 
 TEST(KXDeviceUtils, ATorchThatIsMissingOrRefusesLeavesItsError) {
-    struct {
-        const char* name;
-        bool (*call)(ErrorSlot);
-        bool wantWhenRefused;
-    } const rows[] = {
+    const std::tuple<const char*, bool (*)(ErrorSlot), bool> rows[] = {
         {"level", [](ErrorSlot error) { return KXDeviceUtils::setTorchOnWithLevel(1, error); }, false},
         {"on", [](ErrorSlot error) { return KXDeviceUtils::turnOnTorch(error); }, true},
         {"off", [](ErrorSlot error) { return KXDeviceUtils::turnOffTorch(error); }, true},
     };
-    for (const auto& row : rows) {
+    for (const auto& [name, call, wantWhenRefused] : rows) {
         std::shared_ptr<NSError> error;
         for (const int refusal : {EACCES, ENOENT}) {  // a light without its files is a torch all the same
             const ScopedPort<Torch> scope(std::make_shared<InjectedTorch>(true, refusal));
-            EXPECT_EQ(row.call(&error), row.wantWhenRefused) << row.name;
-            ASSERT_NE(error, nullptr) << row.name;
+            EXPECT_EQ(call(&error), wantWhenRefused) << name;
+            ASSERT_NE(error, nullptr) << name;
             EXPECT_EQ(error->domain(), NSPOSIXErrorDomain);
             EXPECT_EQ(error->code(), refusal);
         }
         const ScopedPort<Torch> scope(std::make_shared<InjectedTorch>(false));
-        EXPECT_FALSE(row.call(&error)) << row.name;
+        EXPECT_FALSE(call(&error)) << name;
         EXPECT_EQ(error->domain(), "KXFoundationTorchErrorDomain");
         EXPECT_EQ(error->code(), -1);
         EXPECT_TRUE(error->userInfo().isNull());
-        EXPECT_FALSE(row.call(nullptr));
+        EXPECT_FALSE(call(nullptr));
     }
     const ScopedPort<Torch> scope(std::make_shared<InjectedTorch>(false));
     EXPECT_FALSE(KXDeviceUtils::hasTorch());

@@ -71,28 +71,23 @@ TEST_F(KXKeychainUtilsTest, TheQueryNamesTheKeyTwice) {
 }
 
 TEST_F(KXKeychainUtilsTest, WhatIsSavedLoadsAsItsClass) {
-    struct {
-        std::string key;
-        Value value;
-        ArchivedClass cls;
-    } const rows[] = {
+    const std::tuple<std::string, Value, ArchivedClass> rows[] = {
         {"IDFV", "", ValueClass::NSString},
         {"", "of the empty key", ValueClass::NSString},
         {std::string("a\0b", 3), 7, ValueClass::NSNumber},
         {"caf\xE9", ArrayBuilder().add("caf\xE9").add(nullptr).build(), ValueClass::NSArray},
         {std::string(100'000, 'k'), Value::date(1), ValueClass::NSDate},
     };
-    for (const auto& row : rows) {
-        KXKeychainUtils::save("before", row.key);
-        KXKeychainUtils::save(row.value, row.key);
+    for (const auto& [key, value, cls] : rows) {
+        KXKeychainUtils::save("before", key);
+        KXKeychainUtils::save(value, key);
     }
     platform.restart();
-    for (const auto& row : rows) {
-        EXPECT_EQ(KXKeychainUtils::loadDataForKey(row.key, row.cls), row.value) << row.key.substr(0, 20);
-        EXPECT_TRUE(KXKeychainUtils::loadDataForKey(row.key, ValueClass::NSData).isNull());
-        KXKeychainUtils::deleteKeyDataFor(row.key);
-        KXKeychainUtils::deleteKeyDataFor(row.key);
-        EXPECT_TRUE(KXKeychainUtils::loadDataForKey(row.key, row.cls).isNull());
+    for (const auto& [key, value, cls] : rows) {
+        EXPECT_EQ(KXKeychainUtils::loadDataForKey(key, cls), value) << key.substr(0, 20);
+        EXPECT_TRUE(KXKeychainUtils::loadDataForKey(key, ValueClass::NSData).isNull());
+        for (int round = 0; round < 2; ++round) KXKeychainUtils::deleteKeyDataFor(key);
+        EXPECT_TRUE(KXKeychainUtils::loadDataForKey(key, cls).isNull());
     }
     EXPECT_EQ(keychainCapability().store, KeychainCapability::Store::File);
     EXPECT_THAT(log.lines(), IsEmpty());

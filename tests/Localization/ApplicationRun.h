@@ -1,7 +1,6 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
-#include <initializer_list>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -18,7 +17,7 @@ struct ApplicationRun {
         platform.bundle().setInfo("CFBundleDisplayName", name);
     }
 
-    ApplicationRun& localizedIn(std::initializer_list<std::string_view> languages) {
+    ApplicationRun& localizedIn(const std::vector<std::string_view>& languages) {
         for (const std::string_view code : languages) platform.bundle().addLocalization(code);
         return *this;
     }

@@ -62,11 +62,10 @@ void expectMirroringInArabicOnly() {
     expectMirroring<Control>(
         "ar", Right,
         {{Left, Right}, {Natural, Right}, {Right, Left}, {Center, Center}, {Justified, Justified}});
-    for (const auto* language : {"en", "he"}) {
+    for (const auto* language : {"en", "he"})
         expectMirroring<Control>(
             language, Natural,
             {{Left, Left}, {Natural, Natural}, {Right, Right}, {Center, Center}, {Justified, Justified}});
-    }
 }
 
 TEST(Mirroring, AlignmentsOfTextControls) {
@@ -91,12 +90,11 @@ NSTextAlignment archivedAndReadIn(std::string_view language, NSTextAlignment arc
 }
 
 TEST(Mirroring, AlignmentsFromAnArchive) {
-    const std::tuple<std::string_view, NSTextAlignment, NSTextAlignment> rows[] = {{"ar", Left, Right},
-                                                                                   {"ar", Right, Left},
-                                                                                   {"ar", Natural, Right},
-                                                                                   {"ar", Center, Center},
-                                                                                   {"en", Left, Left}};
-    for (const auto& [language, archived, want] : rows) {
+    for (const auto& [language, archived, want] : {std::tuple("ar", Left, Right),
+                                                   {"ar", Right, Left},
+                                                   {"ar", Natural, Right},
+                                                   {"ar", Center, Center},
+                                                   {"en", Left, Left}}) {
         EXPECT_EQ(archivedAndReadIn<NSTextField>(language, archived), want) << language;
         EXPECT_EQ(archivedAndReadIn<NSTextView>(language, archived), want) << language;
     }

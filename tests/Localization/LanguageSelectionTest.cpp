@@ -59,17 +59,10 @@ TEST(LanguageSelection, AutoResolvesTheFirstSystemLanguage) {
 
 TEST(LanguageSelection, FixedChoices) {
     const std::tuple<std::string_view, std::string_view, std::string_view> rows[] = {
-        {"pt_BR", "pt-BR", "pt-BR"},
-        {"zh_Hant", "zh-Hant", "zh-Hant"},
-        {"zh_Hant_TW", "zh-Hant", "zh-Hant"},
-        {"zh_Hans", "zh-Hans", "en"},
-        {"zh_Hans_CN", "zh-Hans", "en"},
-        {"zh-Hans", "zh-Hans", "zh-Hans"},
-        {"es_419", "es-419", "es-419"},
-        {"fr", "fr", "fr"},
-        {"Auto", "Auto", "Auto"},
-        {"", "", ""},
-        {"none", "none", "none"}};
+        {"zh_Hant", "zh-Hant", "zh-Hant"},    {"pt_BR", "pt-BR", "pt-BR"},    {"fr", "fr", "fr"},
+        {"zh_Hant_TW", "zh-Hant", "zh-Hant"}, {"zh_Hans", "zh-Hans", "en"},   {"Auto", "Auto", "Auto"},
+        {"zh_Hans_CN", "zh-Hans", "en"},      {"es_419", "es-419", "es-419"}, {"", "", ""},
+        {"zh-Hans", "zh-Hans", "zh-Hans"},    {"none", "none", "none"}};
     for (const auto& [choice, plain, ofOrvik] : rows) {
         for (const bool orvik : {false, true}) {
             const ApplicationRun run({"de-DE"}, orvik ? "Orvik" : "orvik");
@@ -163,11 +156,8 @@ TEST(LanguageSelection, StoredValuesOfAnotherTypeCountAsMissing) {
 }
 
 TEST(SystemLanguage, OnlyTheFirstPreferenceIsExamined) {
-    struct {
-        std::vector<std::string> preferred;
-        std::initializer_list<std::string_view> localizations;
-        std::string_view want, preferredLanguage;
-    } const rows[] = {
+    using Texts = std::vector<std::string>;
+    const std::tuple<Texts, std::vector<std::string_view>, std::string_view, std::string_view> rows[] = {
         {{"de-AT", "fr-FR"}, {"en", "fr"}, "en-US", "en"},
         {{"de-AT"}, {"en", "de"}, "de", "de"},
         {{"de-AT"}, {"en", "de", "de-AT"}, "de-AT", "de-AT"},
@@ -181,15 +171,14 @@ TEST(SystemLanguage, OnlyTheFirstPreferenceIsExamined) {
         {{"zh-Hant-HK"}, {"zh-Hant"}, "zh-Hant", "zh-Hant"},
         {{}, {"fr"}, "fr", "fr"},
     };
-    for (const auto& row : rows) {
-        ApplicationRun run(row.preferred);
+    for (const auto& [preferred, localizations, want, preferredLanguage] : rows) {
+        ApplicationRun run(preferred);
         run.platform.locale().setLocale("fr_CA");  // asked only where nothing is preferred
-        run.localizedIn(row.localizations);
-        const std::string_view first =
-            row.preferred.empty() ? "(none)" : std::string_view(row.preferred.front());
-        EXPECT_EQ(Utils::currentUseLanguage(), row.want) << first;
-        EXPECT_EQ(Utils::currentPreferredLanguage(), row.preferredLanguage) << first;
-        EXPECT_EQ(Utils::isCurrentUseLanguageSupported(), row.want == row.preferredLanguage) << first;
+        run.localizedIn(localizations);
+        SCOPED_TRACE(::testing::PrintToString(preferred));
+        EXPECT_EQ(Utils::currentUseLanguage(), want);
+        EXPECT_EQ(Utils::currentPreferredLanguage(), preferredLanguage);
+        EXPECT_EQ(Utils::isCurrentUseLanguageSupported(), want == preferredLanguage);
     }
     for (const std::string_view language : kPlainLanguages) {
         ApplicationRun run({std::string(language) + "-AT"});

@@ -36,6 +36,10 @@ struct LiveLanguageTest : ::testing::Test {
     }
 
     static void showFrame() { EventLoop::main().drain(); }
+    static void showIn(std::string_view language) {
+        KXLocalizationUtils::setSelectLanguage(language);
+        showFrame();
+    }
 
     template <class View>
     std::shared_ptr<View> add(NSRect frame = {0, 0, 80, 20}) {
@@ -83,30 +87,24 @@ TEST_F(LiveLanguageTest, EverythingBoundIsSetInTheFrameAfterASwitch) {
 }
 
 TEST_F(LiveLanguageTest, AlignmentsAreThoseOfASetterCalledAnew) {
-    struct {
-        NSTextAlignment asked, inArabic;
-    } const rows[] = {
+    const std::pair<NSTextAlignment, NSTextAlignment> rows[] = {
         {Natural, Right}, {Left, Right}, {Right, Left}, {Center, Center}, {Justified, Justified}};
     for (const auto& [asked, inArabic] : rows) {
         const auto field = add<NSTextField>();
         field->setAlignment(asked);
         LiveLanguage::bind(field, "hello");
         for (int round = 0; round < 2; ++round) {
-            KXLocalizationUtils::setSelectLanguage("ar");
-            showFrame();
+            showIn("ar");
             EXPECT_EQ(field->alignment(), inArabic) << static_cast<int>(asked);
-            KXLocalizationUtils::setSelectLanguage("fr");
-            showFrame();
+            showIn("fr");
             EXPECT_EQ(field->alignment(), asked) << static_cast<int>(asked);
         }
     }
-    KXLocalizationUtils::setSelectLanguage("ar");
-    showFrame();
+    showIn("ar");
     const auto made = add<NSTextField>();  // in Arabic, and aligned anew while it is bound
     LiveLanguage::bind(made, "hello");
     made->setAlignment(Right);
-    KXLocalizationUtils::setSelectLanguage("en");
-    showFrame();
+    showIn("en");
     EXPECT_EQ(made->alignment(), Right);
 }
 
@@ -129,11 +127,7 @@ TEST_F(LiveLanguageTest, ConstraintsOfABoundControlChangeSidesAndFollowItsText) 
 TEST_F(LiveLanguageTest, EveryRoadToAnotherLanguageIsSeen) {
     const auto button = add<NSButton>();
     LiveLanguage::bind(button, "hello");
-    struct {
-        const char* how;
-        std::function<void()> change;
-        const char* text;
-    } const rows[] = {
+    const std::tuple<const char*, std::function<void()>, const char*> rows[] = {
         {"the system's language, while it is followed",
          [&] {
              KXLocalizationUtils::setSelectLanguage("auto");
@@ -161,13 +155,11 @@ TEST_F(LiveLanguageTest, ABindingEndsWithItsControlOrTheNextOne) {
     auto button = add<NSButton>();
     LiveLanguage::bind(button, counted);
     LiveLanguage::bind(button, "hello");
-    KXLocalizationUtils::setSelectLanguage("fr");
-    showFrame();
+    showIn("fr");
     EXPECT_EQ(button->title(), "Bonjour");
     EXPECT_EQ(calls, 1) << "when it was bound";
     LiveLanguage::unbind(button);
-    KXLocalizationUtils::setSelectLanguage("en");
-    showFrame();
+    showIn("en");
     EXPECT_EQ(button->title(), "Bonjour");
 
     LiveLanguage::follow(button, [counted](NSButton& each) { each.setTitle(counted()); });
@@ -176,8 +168,7 @@ TEST_F(LiveLanguageTest, ABindingEndsWithItsControlOrTheNextOne) {
     button->removeFromSuperview();
     button = nullptr;
     EXPECT_EQ(held.use_count(), 2) << "this one and that of `counted`";
-    KXLocalizationUtils::setSelectLanguage("ar");
-    showFrame();
+    showIn("ar");
     EXPECT_EQ(calls, 3);
 }
 

@@ -24,31 +24,18 @@ void addTexts(testing::BundleFolder& bundle) {
 }
 
 TEST(StringLookup, SelectedLanguageThenEnglishThenTheKey) {
-    struct {
-        std::optional<std::string_view> selected;
-        std::string_view key;
-        std::optional<std::string_view> table;
-        std::string_view want;
-    } const rows[] = {
-        {"fr", "pier", {}, "Jetée"},
-        {"fr", "tide", {}, "Tide"},
-        {"fr", "mole", {}, "mole"},
-        {"fr", "same", {}, "Same in English"},
-        {"fr", "pier", "Signs", "Embarcadère"},
-        {"fr", "tide", "Signs", "tide"},
-        {"fr", "", {}, ""},
-        {"ja", "pier", {}, "Pier"},
-        {"../fr", "pier", {}, "Pier"},
-        {{}, "pier", {}, "Anleger"},
-        {{}, "tide", {}, "Tide"},
-        {"auto", "pier", {}, "Anleger"},
-    };
-    for (const auto& row : rows) {
+    using Text = std::optional<std::string_view>;
+    const std::tuple<Text, std::string_view, Text, std::string_view> rows[] = {
+        {"fr", "tide", {}, "Tide"}, {"fr", "pier", {}, "Jetée"},   {"fr", "same", {}, "Same in English"},
+        {"fr", "mole", {}, "mole"}, {"ja", "pier", {}, "Pier"},    {"fr", "pier", "Signs", "Embarcadère"},
+        {"fr", "", {}, ""},         {"../fr", "pier", {}, "Pier"}, {"fr", "tide", "Signs", "tide"},
+        {{}, "tide", {}, "Tide"},   {{}, "pier", {}, "Anleger"},   {"auto", "pier", {}, "Anleger"}};
+    for (const auto& [selected, key, table, want] : rows) {
         ApplicationRun run({"de-AT"});
         addTexts(run.platform.bundle());
-        if (row.selected) Utils::setSelectLanguage(row.selected);
-        EXPECT_EQ(Utils::localizedStringForKey(row.key, row.table), row.want)
-            << row.selected.value_or("(none)") << ": " << row.key;
+        if (selected) Utils::setSelectLanguage(selected);
+        EXPECT_EQ(Utils::localizedStringForKey(key, table), want)
+            << selected.value_or("(none)") << ": " << key;
     }
 }
 

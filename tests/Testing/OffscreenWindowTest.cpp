@@ -1,7 +1,6 @@
 // SPDX-License-Identifier: MIT
 
 #include <gmock/gmock.h>
-#include <gtest/gtest.h>
 
 #include <KXFoundation/Platform/Graphics/NSFont.h>
 #include <KXFoundation/Platform/Views/NSButton.h>

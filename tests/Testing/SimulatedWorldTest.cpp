@@ -21,10 +21,9 @@ using namespace std::chrono_literals;
 int countInTwoSteps(std::uint64_t seed) {
     int counter = 0;
     SimulatedWorld world(seed);
-    for (int i = 0; i < 3; ++i) {
+    for (int i = 0; i < 3; ++i)
         DispatchQueue::shared().async(
             [&] { DispatchQueue::shared().async([&, read = counter] { counter = read + 1; }); });
-    }
     world.run();
     return counter;
 }

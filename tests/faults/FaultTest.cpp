@@ -83,17 +83,15 @@ INSTANTIATE_TEST_SUITE_P(Of, FaultTest, ::testing::ValuesIn(testing::persistedKi
 
 /// Every call of a save fails in turn, a write half-way, just after another process has saved.
 TEST_P(FaultTest, AFailingCallLosesNothing) {
-    struct Fault {
-        const char* what;
-        int error;
-        Then then;
+    const std::tuple<const char*, int, Then> faults[] = {
+        {"full", ENOSPC, Then::Recovers},
+        {"broken once", EIO, Then::Recovers},
+        {"denied", EACCES, Then::Recovers},
+        {"denied from then on", EACCES, Then::StaysBroken},
+        {"gone from then on", EIO, Then::StaysBroken},
     };
     std::size_t turn = 0;  // in an ordinary run the faults take turns with what is slow
-    for (const auto& [what, error, then] : {Fault{"full", ENOSPC, Then::Recovers},
-                                            {"broken once", EIO, Then::Recovers},
-                                            {"denied", EACCES, Then::Recovers},
-                                            {"denied from then on", EACCES, Then::StaysBroken},
-                                            {"gone from then on", EIO, Then::StaysBroken}}) {
+    for (const auto& [what, error, then] : faults) {
         bool passed = false;
         for (std::size_t number = 1; !passed; ++number) {
             if (GetParam().isSlow && askedRounds(0) == 0 && number % 5 != turn) continue;

@@ -1,6 +1,5 @@
 // SPDX-License-Identifier: MIT
 
-#include <algorithm>
 #include <map>
 #include <set>
 #include <vector>

@@ -121,18 +121,14 @@ GIFWriter::GIFWriter(std::uint16_t width, std::uint16_t height, const std::vecto
     boundary();
     word(width);
     word(height);
-    byte(paletteFlags(palette));
-    byte(0);
-    byte(0);
+    put({paletteFlags(palette), 0, 0});
     boundary();
     append(palette);
 }
 
 GIFWriter& GIFWriter::loopCount(std::uint16_t count, std::string_view application) {
     boundary();
-    byte(0x21);
-    byte(0xFF);
-    byte(static_cast<unsigned>(application.size()));
+    put({0x21, 0xFF, static_cast<unsigned>(application.size())});
     text(application);
     subBlocks({1, static_cast<std::uint8_t>(count), static_cast<std::uint8_t>(count >> 8)});
     return *this;
@@ -140,8 +136,7 @@ GIFWriter& GIFWriter::loopCount(std::uint16_t count, std::string_view applicatio
 
 GIFWriter& GIFWriter::comment(std::string_view comment) {
     boundary();
-    byte(0x21);
-    byte(0xFE);
+    put({0x21, 0xFE});
     subBlocks({comment.begin(), comment.end()});
     return *this;
 }
@@ -153,13 +148,13 @@ GIFWriter& GIFWriter::frame(const GIFWriterFrame& frame) {
 GIFWriter& GIFWriter::frameOf(const GIFWriterFrame& frame, const std::vector<std::uint8_t>& packed) {
     control(frame);
     boundary();
-    byte(0x2C);
+    put({0x2C});
     for (const std::uint16_t value : {frame.left, frame.top, frame.width, frame.height}) word(value);
-    byte(paletteFlags(frame.palette) | (frame.interlaced ? 0x40U : 0U));
+    put({paletteFlags(frame.palette) | (frame.interlaced ? 0x40U : 0U)});
     boundary();
     append(frame.palette);
     boundary();
-    byte(depth_);
+    put({depth_});
     subBlocks(packed);
     return *this;
 }
@@ -167,19 +162,16 @@ GIFWriter& GIFWriter::frameOf(const GIFWriterFrame& frame, const std::vector<std
 void GIFWriter::control(const GIFWriterFrame& frame) {
     if (!frame.delayHundredths && frame.disposal == 0 && !frame.transparentIndex) return;
     boundary();
-    byte(0x21);
-    byte(0xF9);
-    byte(4);
-    byte(static_cast<unsigned>(frame.disposal) << 2 | (frame.transparentIndex ? 1U : 0U));
+    put({0x21, 0xF9, 4, unsigned{frame.disposal} << 2 | (frame.transparentIndex ? 1U : 0U)});
     word(frame.delayHundredths.value_or(0));
-    byte(frame.transparentIndex.value_or(0));
+    put({frame.transparentIndex.value_or(0U)});
     boundary();
-    byte(0);
+    put({0});
 }
 
 GIFWriter& GIFWriter::trailer() {
     boundary();
-    byte(0x3B);
+    put({0x3B});
     return *this;
 }
 
@@ -187,17 +179,16 @@ void GIFWriter::subBlocks(const std::vector<std::uint8_t>& data) {
     for (std::size_t at = 0; at < data.size(); at += 255) {
         const std::size_t length = std::min<std::size_t>(255, data.size() - at);
         boundary();
-        byte(static_cast<unsigned>(length));
+        put({static_cast<unsigned>(length)});
         const auto from = data.begin() + static_cast<std::ptrdiff_t>(at);
         bytes_.insert(bytes_.end(), from, from + static_cast<std::ptrdiff_t>(length));
     }
     boundary();
-    byte(0);
+    put({0});
 }
 
-void GIFWriter::word(unsigned value) {
-    byte(value & 0xFF);
-    byte(value >> 8);
+void GIFWriter::put(std::initializer_list<unsigned> values) {
+    for (const unsigned value : values) bytes_.push_back(static_cast<std::uint8_t>(value));
 }
 
 void GIFWriter::text(std::string_view text) {

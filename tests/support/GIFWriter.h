@@ -15,8 +15,8 @@ struct GIFWriterFrame {
     std::uint16_t left = 0, top = 0, width = 0, height = 0;
     std::vector<std::uint8_t> indices;  // row after row from the top; also if interlaced
     bool interlaced = false;
-    std::optional<std::uint16_t>
-        delayHundredths;        // none, disposal 0 and no transparency: no control extension
+    /// None, with disposal 0 and no transparency: no control extension.
+    std::optional<std::uint16_t> delayHundredths;
     std::uint8_t disposal = 0;  // the file's own number, 0 to 7
     std::optional<std::uint8_t> transparentIndex;
     std::vector<std::uint8_t> palette;  // a local one: red, green, blue; 2, 4, 8 ... 256 colours
@@ -48,8 +48,8 @@ class GIFWriter {
 
   private:
     void boundary() { boundaries_.push_back(bytes_.size()); }
-    void byte(unsigned value) { bytes_.push_back(static_cast<std::uint8_t>(value)); }
-    void word(unsigned value);
+    void put(std::initializer_list<unsigned> values);
+    void word(unsigned value) { put({value & 0xFF, value >> 8}); }
     void text(std::string_view text);
     void append(const std::vector<std::uint8_t>& bytes);
     void control(const GIFWriterFrame& frame);

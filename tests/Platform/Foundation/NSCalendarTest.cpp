@@ -98,8 +98,8 @@ TEST(NSCalendar, KnowsWhereUnitsBegin) {
     const std::tuple<const char*, NSCalendarUnit, double, double, double> rows[] = {
         {"UTC", NSCalendarUnitYear, 1'709'210'096, 1'704'067'200, 366 * 86'400},
         {"UTC", NSCalendarUnitMonth, 1'709'210'096, 1'706'745'600, 29 * 86'400},
-        {"UTC", NSCalendarUnitYearForWeekOfYear, 1'735'560'000, 1'735'430'400,
-         52 * 7 * 86'400},  // 2024-12-30
+        // 2024-12-30.
+        {"UTC", NSCalendarUnitYearForWeekOfYear, 1'735'560'000, 1'735'430'400, 52 * 7 * 86'400},
         {"Europe/Berlin", NSCalendarUnitDay, 1'711'880'000, 1'711'839'600, 23 * 3600},
         {"Europe/Berlin", NSCalendarUnitHour, 1'729'991'100, 1'729'990'800, 3600},  // 02:05, the second time
         {"America/Santiago", NSCalendarUnitDay, 1'725'800'000, 1'725'768'000, 23 * 3600},     // from 01:00 on
@@ -127,9 +127,8 @@ TEST(NSCalendar, CountsSeveralUnitsFromTheLargestOn) {
     const auto to = NSDate::dateWithTimeIntervalSince1970(1'743'933'600);    // 2025-04-06 12:00
     auto difference = calendar->components(4 | 8 | 16 | 32 | 64, from, to);
     NSDateComponents want;
-    for (const auto& [unit, value] : {std::pair{4, 1}, {8, 2}, {16, 6}, {32, 1}, {64, 15}}) {
+    for (const auto& [unit, value] : {std::pair{4, 1}, {8, 2}, {16, 6}, {32, 1}, {64, 15}})
         want.setValueForComponent(value, static_cast<NSCalendarUnit>(unit));
-    }
     EXPECT_EQ(difference, want);
     EXPECT_EQ(calendar->dateByAddingComponents(difference, from), to);
     EXPECT_EQ(calendar->components(16, from, std::nullopt), NSDateComponents());

@@ -12,6 +12,8 @@
 namespace kx {
 namespace {
 
+using namespace std::string_literals;
+
 std::shared_ptr<NSDateFormatter> formatterFor(const char* locale, const char* zone) {
     auto formatter = make<NSDateFormatter>();
     formatter->setLocale(NSLocale::localeWithLocaleIdentifier(locale));
@@ -83,20 +85,16 @@ TEST(NSDateFormatter, ReadsWhatItWrites) {
 
 TEST(NSDateFormatter, NamesTheZone) {
     const testing::ScopedPlatform platform;
-    const struct {
-        const char* zone;
-        double seconds;
-        const char *pattern, *want;
-    } rows[] = {
+    const std::tuple<const char*, double, const char*, const char*> rows[] = {
         {"America/New_York", 1'721'000'000, "HH:mm z, zzzz", "19:33 EDT, Eastern Daylight Time"},
         {"Europe/Berlin", 1'705'000'000, "HH:mm VV, VVV, vvvv",
          "20:06 Europe/Berlin, Berlin, Central European Time"},
         {"Asia/Almaty", 1'721'000'000, "HH:mm z", "04:33 GMT+5"},  // of old rules it would be 6 hours
     };
-    for (const auto& row : rows) {
-        const auto formatter = formatterFor("en_US", row.zone);
-        formatter->setDateFormat(row.pattern);
-        EXPECT_EQ(formatter->stringFromDate(NSDate::dateWithTimeIntervalSince1970(row.seconds)), row.want);
+    for (const auto& [zone, seconds, pattern, want] : rows) {
+        const auto formatter = formatterFor("en_US", zone);
+        formatter->setDateFormat(pattern);
+        EXPECT_EQ(formatter->stringFromDate(NSDate::dateWithTimeIntervalSince1970(seconds)), want);
     }
 }
 
@@ -123,29 +121,19 @@ TEST(NSDateFormatter, BearsBadInput) {
     const testing::ScopedPlatform platform;
     const auto formatter = formatterFor("en_US", "UTC");
     const auto date = NSDate::dateWithTimeIntervalSince1970(0);
-    const std::string zero("HH\0mm", 5);
     const std::pair<std::optional<std::string>, std::optional<std::string>> rows[] = {
-        {std::nullopt, ""},
-        {"", ""},
-        {"'", ""},
-        {"HH'open", "00open"},
-        {zero, std::string("00\0"
-                           "00",
-                           5)},
-        {"\xFF", "\uFFFD"},
-        {std::string(100'000, '.'), std::string(100'000, '.')},
-        {"C", std::nullopt},
-    };
+        {std::nullopt, ""}, {"HH'open", "00open"}, {"HH\0mm"s, "00\0"s + "00"},
+        {"", ""},           {"\xFF", "\uFFFD"},    {std::string(100'000, '.'), std::string(100'000, '.')},
+        {"'", ""},          {"C", std::nullopt}};
     for (const auto& [pattern, want] : rows) {
         formatter->setDateFormat(pattern);
         EXPECT_EQ(formatter->stringFromDate(date), want) << pattern.value_or("absent").substr(0, 20);
     }
     for (const char* pattern : {"HH:mm", "EEEE"}) {
         formatter->setDateFormat(pattern);
-        for (const double seconds : {double(NAN), HUGE_VAL, -HUGE_VAL, 1e300}) {
+        for (const double seconds : {double(NAN), HUGE_VAL, -HUGE_VAL, 1e300})
             EXPECT_EQ(formatter->stringFromDate(NSDate::dateWithTimeIntervalSince1970(seconds)),
                       std::nullopt);
-        }
         EXPECT_EQ(formatter->stringFromDate(std::nullopt), std::nullopt);
         EXPECT_EQ(formatter->dateFromString(std::string(100'000, '1')), std::nullopt);
         EXPECT_EQ(formatter->dateFromString("\xFF\xFE"), std::nullopt);

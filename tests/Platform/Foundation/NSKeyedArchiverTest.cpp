@@ -84,27 +84,16 @@ TEST_F(NSKeyedArchiverTest, WhatGoesInComesOutEqual) {
     const std::string zeros("a\0b", 3);
     const std::string notUtf8 = "caf\xE9";
     const Value rows[] = {
-        nullptr,
-        true,
-        0,
-        std::numeric_limits<std::int64_t>::min(),
-        0.1,
-        Value(2.0),
-        Value::date(-0.25),
-        "",
-        "海港",
-        zeros,
-        notUtf8,
-        std::string(200'000, 'x'),
-        Value::data(std::vector<std::byte>{}),
+        // Scalars.
+        nullptr, true, 0, std::numeric_limits<std::int64_t>::min(), 0.1, Value(2.0), Value::date(-0.25),
+        // Texts and bytes.
+        "", "海港", zeros, notUtf8, std::string(200'000, 'x'), Value::data(std::vector<std::byte>{}),
         Value::data(std::as_bytes(std::span(zeros))),
-        array({}),
-        array({nullptr, 1, "1", true, array({"1"})}),
-        DictionaryBuilder().build(),
+        // What holds others.
+        array({}), array({nullptr, 1, "1", true, array({"1"})}), DictionaryBuilder().build(),
         DictionaryBuilder().set("$class", 1).set(notUtf8, "x").set(zeros, nullptr).build(),
         nested(Value::kMaxDepth),
-        harbour("Kiel", array({harbour<IslandHarbour>("Texel", notUtf8), "$null"})),
-    };
+        harbour("Kiel", array({harbour<IslandHarbour>("Texel", notUtf8), "$null"}))};
     for (const Value& row : rows) {
         const auto back = read(written(row));
         ASSERT_TRUE(back.ok()) << row.description() << ": " << back.error().message();

@@ -4,7 +4,6 @@
 
 #include <gtest/gtest.h>
 
-#include <KXFoundation/Platform/Foundation/NSCalendar.h>
 #include <KXFoundation/Platform/Foundation/NSTimeZone.h>
 #include <KXFoundation/Platform/Foundation/ZoneRules.h>
 #include <KXFoundation/Testing/CapturedLog.h>

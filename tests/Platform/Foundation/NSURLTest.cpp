@@ -8,11 +8,8 @@ namespace kx {
 namespace {
 
 TEST(NSURL, Components) {
-    using Part = std::optional<std::string_view>;
-    struct {
-        std::string_view text, scheme, authority, path;
-        Part query, fragment;
-    } const rows[] = {
+    using Text = std::string_view;
+    const std::tuple<Text, Text, Text, Text, std::optional<Text>, std::optional<Text>> rows[] = {
         // The two examples of RFC 3986, section 3.
         {"foo://example.com:8042/over/there?name=ferret#nose", "foo", "example.com:8042", "/over/there",
          "name=ferret", "nose"},
@@ -27,15 +24,16 @@ TEST(NSURL, Components) {
         {"1a:b", "", "", "1a:b", {}, {}},
         {":", "", "", ":", {}, {}},
     };
-    for (const auto& row : rows) {
-        const auto url = NSURL::URLWithString(row.text);
-        ASSERT_TRUE(url) << row.text;
-        EXPECT_EQ(url->scheme(), row.scheme) << row.text;
-        EXPECT_EQ(url->authority(), row.authority) << row.text;
-        EXPECT_EQ(url->path(), row.path) << row.text;
-        EXPECT_EQ(url->query(), row.query) << row.text;
-        EXPECT_EQ(url->fragment(), row.fragment) << row.text;
-        EXPECT_EQ(url->absoluteString(), row.text);
+    for (const auto& [text, scheme, authority, path, query, fragment] : rows) {
+        SCOPED_TRACE(text);
+        const auto url = NSURL::URLWithString(text);
+        ASSERT_TRUE(url);
+        EXPECT_EQ(url->scheme(), scheme);
+        EXPECT_EQ(url->authority(), authority);
+        EXPECT_EQ(url->path(), path);
+        EXPECT_EQ(url->query(), query);
+        EXPECT_EQ(url->fragment(), fragment);
+        EXPECT_EQ(url->absoluteString(), text);
     }
 }
 

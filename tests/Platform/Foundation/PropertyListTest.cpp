@@ -1,6 +1,5 @@
 // SPDX-License-Identifier: MIT
 
-#include <cmath>
 #include <limits>
 #include <string>
 
@@ -46,40 +45,19 @@ TEST(PropertyList, BothFormsGiveBackWhatWasWritten) {
     for (int i = 0; i < 256; ++i) bytes.push_back(static_cast<std::byte>(i));
     ArrayBuilder many;
     for (int i = 0; i < 70'000; ++i) many.add(i);  // references of four bytes
+    using Integers = std::numeric_limits<std::int64_t>;
     const Value rows[] = {
-        "",
-        "plain",
-        "<a & b> \r\n\t\"'",
-        "Ünïcode 文字 🙂",
-        std::string(300, 'x'),
-        true,
-        false,
-        0,
-        127,
-        128,
-        255,
-        256,
-        65'536,
-        -1,
-        std::numeric_limits<std::int64_t>::max(),
-        std::numeric_limits<std::int64_t>::min(),
-        0.1,
-        -1e300,
-        std::numeric_limits<double>::infinity(),
-        Value::date(0),
-        Value::date(-1),
-        Value::date(-978'307'200.0 - 1),
-        Value::uid(0),
-        Value::uid(4'294'967'295),
-        Value::data(bytes),
+        // Texts.
+        "", "plain", "<a & b> \r\n\t\"'", "Ünïcode 文字 🙂", std::string(300, 'x'),
+        // Numbers.
+        true, false, 0, 127, 128, 255, 256, 65'536, -1, Integers::max(), Integers::min(), 0.1, -1e300,
+        std::numeric_limits<double>::infinity(), Value::uid(0), Value::uid(4'294'967'295),
+        // Dates and bytes.
+        Value::date(0), Value::date(-1), Value::date(-978'307'200.0 - 1), Value::data(bytes),
         Value::data(std::vector<std::byte>(2)),
-        array({}),
-        DictionaryBuilder().build(),
-        array({"shared", "shared", array({"shared"})}),
-        many.build(),
-        nestedArrays(512),
-        DictionaryBuilder().set("", 1).set("ключ", array({1, 2.5, "three"})).build(),
-    };
+        // What holds others.
+        array({}), DictionaryBuilder().build(), array({"shared", "shared", array({"shared"})}), many.build(),
+        nestedArrays(512), DictionaryBuilder().set("", 1).set("ключ", array({1, 2.5, "three"})).build()};
     for (const Value& row : rows) {
         for (const auto write : {writeXmlPropertyList, writeBinaryPropertyList}) {
             const auto written = write(row);
@@ -219,9 +197,8 @@ TEST(PropertyList, DamagedBinaryListsNeverCrash) {
             .set("data", Value::data(std::vector<std::byte>(20)))
             .build();
     const std::string whole = *writeBinaryPropertyList(value);
-    for (std::size_t size = 0; size < whole.size(); ++size) {
+    for (std::size_t size = 0; size < whole.size(); ++size)
         EXPECT_FALSE(read(whole.substr(0, size))) << "cut to " << size;
-    }
     for (std::size_t at = 0; at < whole.size(); ++at) {
         for (const int flip : {0x01, 0x10, 0x80, 0xFF}) {
             std::string damaged = whole;

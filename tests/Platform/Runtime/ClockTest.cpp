@@ -51,15 +51,6 @@ TEST_F(ClockTest, WhatATimerStartsRunsAtItsOwnTimeBeforeAdvanceReturns) {
     EXPECT_EQ(clock->now() - started, 5s);
 }
 
-TEST_F(ClockTest, WallTimeMovesAlongAndCanBeSet) {
-    const auto now = clock->now();
-    const Clock::WallTime noon{std::chrono::sys_days{std::chrono::year{2030} / 5 / 1} + 12h};
-    clock->setWallTime(noon);
-    EXPECT_EQ(clock->now(), now);
-    clock->advance(90s);
-    EXPECT_EQ(clock->wallTime(), noon + 90s);
-}
-
 TEST_F(ClockTest, ErrorsAreLoggedOnceAMinute) {
     const testing::CapturedLog log;
     const Error full{ErrorKind::Full, 0, "disk"};

@@ -78,14 +78,6 @@ TEST_F(DispatchQueueTest, AnExceptionReachesTheSynchronousCaller) {
     EXPECT_TRUE(reached);
 }
 
-TEST_F(DispatchQueueTest, AsyncNeverRunsBeforeItReturns) {
-    bool ran = false;
-    DispatchQueue::main().async([&] { ran = true; });
-    EXPECT_FALSE(ran);
-    drainQueues();
-    EXPECT_TRUE(ran);
-}
-
 TEST_F(DispatchQueueTest, BlocksThatWaitForEachOtherFindAThread) {
     constexpr int kMany = 32;  // more than the threads of the pool
     Semaphore all;

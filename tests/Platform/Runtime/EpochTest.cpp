@@ -3,11 +3,12 @@
 #include <atomic>
 #include <optional>
 #include <thread>
-#include <vector>
 
 #include <gtest/gtest.h>
 
 #include <KXFoundation/Platform/Runtime/Epoch.h>
+
+#include "support/OnThreads.h"
 
 namespace kx {
 namespace {
@@ -68,18 +69,14 @@ TEST(Epoch, ReadersNeverSeeWhatIsDestroyed) {  // a sanitizer sees it if they do
     std::atomic<Counted*> shared = new Counted(living);
     std::atomic<bool> ending = false;
     std::atomic<long> sum = 0;
-    std::vector<std::thread> readers;
-    for (int i = 0; i < 3; ++i) {
-        readers.emplace_back([&] {
-            while (!ending) {
-                const EpochReading reading;
-                sum += shared.load(std::memory_order_acquire)->value;
-            }
-        });
-    }
-    for (int i = 0; i < 3000; ++i) retire(shared.exchange(new Counted(living)));
-    ending = true;
-    for (std::thread& thread : readers) thread.join();
+    testing::onThreads(4, [&](int thread) {
+        for (int i = 0; thread == 0 && i < 3000; ++i) retire(shared.exchange(new Counted(living)));
+        if (thread == 0) ending = true;
+        while (!ending) {
+            const EpochReading reading;
+            sum += shared.load(std::memory_order_acquire)->value;
+        }
+    });
     retire(shared.load());
     EXPECT_EQ(living, 0);
     EXPECT_EQ(sum % 7, 0);

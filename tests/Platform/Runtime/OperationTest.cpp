@@ -31,43 +31,29 @@ class Shape : public Subclass<Shape, NSObject> {
 
   private:
     int plainScale(int by) { return by; }
-    int doubled(int by) {
-        return 2 * doubleScaleOperation(*this, by);
-    }  // reaches the former one once exchanged
+    /// Reaches the former one once exchanged.
+    int doubled(int by) { return 2 * doubleScaleOperation(*this, by); }
     void reset() {}
 };
 
 class Circle : public Subclass<Circle, Shape> {};
 class SmallCircle : public Subclass<SmallCircle, Circle> {};
 
-struct OperationTest : ::testing::Test {
-    void exchange(Class& cls) { InstanceMethodSwizzling(cls, "test_scale:", "test_doubleScale:"); }
-};
-
-TEST_F(OperationTest, ExchangingTwiceRestores) {
-    const auto shape = make<Shape>();
-    EXPECT_EQ(shape->scale(5), 5);
-    exchange(Shape::classObject());
-    EXPECT_EQ(shape->scale(5), 10);
-    EXPECT_EQ(make<SmallCircle>()->scale(5), 10) << "subclasses inherit the exchanged entry";
-    exchange(Shape::classObject());
-    EXPECT_EQ(shape->scale(5), 5);
+TEST(Operation, ExchangingReachesSubclassesAloneAndTwiceRestores) {
+    for (Class* const exchanged : {&Shape::classObject(), &Circle::classObject()}) {
+        InstanceMethodSwizzling(*exchanged, "test_scale:", "test_doubleScale:");
+        EXPECT_EQ(make<Circle>()->scale(5), 10);
+        EXPECT_EQ(make<SmallCircle>()->scale(5), 10) << "subclasses inherit the exchanged entry";
+        EXPECT_EQ(make<Shape>()->scale(5), exchanged == &Shape::classObject() ? 10 : 5);
+        EXPECT_THAT(exchanged->describe(), HasSubstr("- test_scale: runs test_doubleScale: (exchanged)"));
+        EXPECT_EQ(Shape::classObject().describe().find("exchanged") != std::string::npos,
+                  exchanged == &Shape::classObject());
+        InstanceMethodSwizzling(*exchanged, "test_scale:", "test_doubleScale:");
+        EXPECT_EQ(make<SmallCircle>()->scale(5), 5);
+    }
 }
 
-TEST_F(OperationTest, ExchangingWhatIsInheritedLeavesTheBaseAlone) {
-    const auto shape = make<Shape>();
-    const auto circle = make<Circle>();
-    exchange(Circle::classObject());
-    EXPECT_EQ(circle->scale(5), 10);
-    EXPECT_EQ(make<SmallCircle>()->scale(5), 10);
-    EXPECT_EQ(shape->scale(5), 5);
-    EXPECT_THAT(Circle::classObject().describe(),
-                HasSubstr("- test_scale: runs test_doubleScale: (exchanged)"));
-    exchange(Circle::classObject());
-    EXPECT_EQ(circle->scale(5), 5);
-}
-
-TEST_F(OperationTest, ClassLevelTablesAreExchangedApart) {
+TEST(Operation, ClassLevelTablesAreExchangedApart) {
     EXPECT_EQ(limitOperation(Circle::classObject()), 1);
     ClassMethodSwizzling(Circle::classObject(), "test_limit", "test_otherLimit");
     EXPECT_EQ(limitOperation(Circle::classObject()), 2);
@@ -76,7 +62,7 @@ TEST_F(OperationTest, ClassLevelTablesAreExchangedApart) {
     ClassMethodSwizzling(Circle::classObject(), "test_limit", "test_otherLimit");
 }
 
-TEST_F(OperationTest, WhatDoesNotFitIsRefusedWithOneLine) {
+TEST(Operation, WhatDoesNotFitIsRefusedWithOneLine) {
     const testing::CapturedLog log;
     InstanceMethodSwizzling(Shape::classObject(), "test_scale:", "test_reset");
     InstanceMethodSwizzling(Shape::classObject(), "test_scale:", "test_unknown");
@@ -87,7 +73,7 @@ TEST_F(OperationTest, WhatDoesNotFitIsRefusedWithOneLine) {
     EXPECT_EQ(make<Shape>()->scale(3), 3);
 }
 
-TEST_F(OperationTest, AnUnknownOperationIsACallerError) {
+TEST(Operation, AnUnknownOperationIsACallerError) {
     const testing::CapturedLog log;
     const testing::LenientMode lenient;
     const auto object = make<NSObject>();

@@ -1,12 +1,12 @@
 // SPDX-License-Identifier: MIT
 
 #include <atomic>
-#include <thread>
-#include <vector>
 
 #include <gtest/gtest.h>
 
 #include <KXFoundation/Platform/Runtime/ProcessState.h>
+
+#include "support/OnThreads.h"
 
 namespace kx {
 namespace {
@@ -25,14 +25,10 @@ TEST(ProcessState, IsMadeOnceHoweverManyAskFirst) {
     constexpr int kRounds = 50, kThreads = 4;
     for (int round = 1; round <= kRounds; ++round) {
         const ScopedProcessState fresh;
-        std::vector<std::thread> threads;
-        for (int i = 0; i < kThreads; ++i) {
-            threads.emplace_back([round] {
-                for (++ready; ready < round * kThreads;) std::this_thread::yield();
-                static_cast<void>(state.get());
-            });
-        }
-        for (auto& thread : threads) thread.join();
+        testing::onThreads(kThreads, [round](int) {
+            for (++ready; ready < round * kThreads;) std::this_thread::yield();
+            static_cast<void>(state.get());
+        });
         EXPECT_EQ(made, round);
     }
 }

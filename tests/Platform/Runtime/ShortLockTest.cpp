@@ -1,31 +1,26 @@
 // SPDX-License-Identifier: MIT
 
 #include <chrono>
-#include <thread>
-#include <vector>
 
 #include <gtest/gtest.h>
 
 #include <KXFoundation/Platform/Runtime/ShortLock.h>
 
+#include "support/OnThreads.h"
+
 namespace kx {
 namespace {
 
-/// Threads that count under one lock, holding it now and then for longer than the others ask before they
-/// sleep.
+/// Threads count under one lock, which some hold for longer than the others ask before they sleep.
 int counted(int threads, int each, int sleepEvery) {
     ShortLock lock;
     int count = 0;
-    std::vector<std::thread> running;
-    for (int thread = 0; thread < threads; ++thread) {
-        running.emplace_back([&] {
-            for (int i = 0; i < each; ++i) {
-                const ShortLocking locking(lock);
-                if (++count % sleepEvery == 0) std::this_thread::sleep_for(std::chrono::milliseconds(1));
-            }
-        });
-    }
-    for (std::thread& thread : running) thread.join();
+    testing::onThreads(threads, [&](int) {
+        for (int i = 0; i < each; ++i) {
+            const ShortLocking locking(lock);
+            if (++count % sleepEvery == 0) std::this_thread::sleep_for(std::chrono::milliseconds(1));
+        }
+    });
     return count;
 }
 

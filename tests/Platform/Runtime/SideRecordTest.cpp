@@ -1,11 +1,11 @@
 // SPDX-License-Identifier: MIT
 
-#include <thread>
-
 #include <gtest/gtest.h>
 
 #include <KXFoundation/Platform/Runtime/AssociatedValues.h>
 #include <KXFoundation/Platform/Runtime/Monitor.h>
+
+#include "support/OnThreads.h"
 
 namespace kx {
 namespace {
@@ -33,17 +33,13 @@ TEST(AssociatedValues, AreKeptPerObjectAndKeyAndReleasedWithIt) {
 template <class Guarded>
 void excludesOtherThreads(Guarded& guarded) {
     int count = 0;
-    std::vector<std::thread> threads;
-    for (int t = 0; t < 4; ++t) {
-        threads.emplace_back([&] {
-            for (int i = 0; i < 2000; ++i) {
-                const Monitor held(guarded);
-                const Monitor again(guarded);  // recursive
-                ++count;
-            }
-        });
-    }
-    for (auto& thread : threads) thread.join();
+    testing::onThreads(4, [&](int) {
+        for (int i = 0; i < 2000; ++i) {
+            const Monitor held(guarded);
+            const Monitor again(guarded);  // recursive
+            ++count;
+        }
+    });
     EXPECT_EQ(count, 8000);
 }
 

@@ -22,14 +22,5 @@ TEST(Value, ComparesDeeplyAndByType) {
     EXPECT_EQ(Value("1").asInteger(), std::nullopt) << "a text is not converted";
 }
 
-TEST(Value, DictionaryKeepsTheLaterOfEqualKeys) {
-    const Value dictionary = DictionaryBuilder().set("b", 1).set("a", 2).set("b", 3).build();
-    ASSERT_EQ(dictionary.members().size(), 2u);
-    EXPECT_EQ(dictionary["b"], Value(3));
-    EXPECT_EQ(dictionary.members()[0].first, "a");
-    EXPECT_TRUE(dictionary["c"].isNull());
-    EXPECT_EQ(DictionaryBuilder(dictionary).remove("a").build().members().size(), 1u);
-}
-
 }  // namespace
 }  // namespace kx
