@@ -31,6 +31,20 @@ std::shared_ptr<KXList> listOf(std::string_view letters, bool locked = true) {
     return list;
 }
 
+TEST(KXList, FreshListsAreEmptyAndNamedAfterTheClass) {
+    const std::tuple<const char*, std::shared_ptr<KXList>, bool> rows[] = {
+        {"init", make<KXList>(), false},
+        {"initWithID", make<KXList>("harbours"), false},
+        {"list", KXList::list(), false},
+        {"safeList", KXList::safeList(), true}};
+    for (const auto& [how, list, locked] : rows) {
+        EXPECT_EQ(list->id(), "KXList") << how;
+        EXPECT_EQ(list->lock() != nullptr, locked) << how;
+        EXPECT_TRUE(list->isEmpty() && !list->first() && !list->last() && !list->isRefreshing()) << how;
+        EXPECT_EQ(list->objectIndexWithID("a"), 18446744073709551615U) << how;
+    }
+}
+
 TEST(KXList, Changes) {
     const auto x = KXObject::objectWithID("x");
     const std::tuple<const char*, const char*, std::function<void(KXList&)>, const char*> rows[] = {
