@@ -35,7 +35,10 @@ constexpr WindowModule kModule{
         },
     .destroyWindow = [](std::uint32_t window) { display.destroyed.push_back(window); },
     .setTitle = [](std::uint32_t, const char*) {},
-    .setSize = [](std::uint32_t, double width, double height) { display.size = {width, height}; },
+    .setSize =
+        [](std::uint32_t, double width, double height) {
+            display.size = {width, height};
+        },
     .size =
         [](std::uint32_t, double* width, double* height) {
             *width = display.size.width;

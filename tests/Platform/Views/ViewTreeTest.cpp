@@ -164,7 +164,10 @@ TEST_F(ViewTree, AViewThatGoesInItsOwnEventOrDrawing) {
 TEST_F(ViewTree, AWindowThatGoesWhileItIsAtWork) {
     const std::pair<std::string, std::function<void()>> rows[] = {
         {"mouse down", [&] { shown.click(*view); }},
-        {"hit test", [&] { shown.mouse(NSEventType::MouseMoved, NSPoint{10, 10}); }},
+        {"hit test",
+         [&] {
+             shown.mouse(NSEventType::MouseMoved, NSPoint{10, 10});
+         }},
         {"will leave window", [&] { shown.window->setContentView(nullptr); }},
         {"will enter window", [&] { shown.window->setContentView(other); }},
         {"resign", [&] { shown.window->makeFirstResponder(nullptr); }},
