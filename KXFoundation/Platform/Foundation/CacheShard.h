@@ -25,7 +25,7 @@ namespace kx {
 /// entries, values and memory of their own, and share the tables only.
 ///
 /// Invariant under the mutex: the table and the orders hold the same entries.
-class alignas(64) CacheShard {
+class alignas(kApart) CacheShard {
   public:
     static constexpr std::size_t kLanes = 4;
     static constexpr auto kNever = CacheOrder::kNever;
@@ -103,8 +103,8 @@ class alignas(64) CacheShard {
     [[nodiscard]] std::uint64_t evictions() const KX_REQUIRES(mutex_) { return evictions_; }
 
   private:
-    /// A line of the processor's cache for the threads of the lane.
-    struct alignas(64) Lane {
+    /// What the threads of the lane write.
+    struct alignas(kApart) Lane {
         CacheOrder order;
         DiscardedEntries discarded;
         std::size_t discardedCount = 0;
@@ -129,10 +129,10 @@ class alignas(64) CacheShard {
 
     std::atomic<CacheTable*> table_;
     CacheTable::Location tableLocation_;
-    alignas(64) mutable ShortLock mutex_;
+    alignas(kApart) mutable ShortLock mutex_;
     std::size_t count_ KX_GUARDED_BY(mutex_) = 0;
     std::uint64_t evictions_ KX_GUARDED_BY(mutex_) = 0;
-    alignas(64) std::array<Times, kLanes> times_;
+    alignas(kApart) std::array<Times, kLanes> times_;
     std::array<Lane, kLanes> lanes_ KX_GUARDED_BY(mutex_);
 };
 

@@ -13,6 +13,7 @@
 #include <KXFoundation/Platform/Runtime/Clock.h>
 #include <KXFoundation/Platform/Runtime/Export.h>
 #include <KXFoundation/Platform/Runtime/NSObject.h>
+#include <KXFoundation/Platform/Runtime/Prefetch.h>
 #include <KXFoundation/Platform/Runtime/Value.h>
 
 namespace kx {
@@ -69,10 +70,10 @@ class KX_EXPORT NSCache : public Subclass<NSCache, NSObject> {
     static constexpr std::size_t kShards = 16;
     static constexpr std::size_t kSplitAt = 4096;
     static constexpr std::size_t kStripes = 16;
-    struct alignas(64) Uses {
+    struct alignas(kApart) Uses {
         std::atomic<std::uint64_t> hits{0}, misses{0};
     };
-    struct alignas(64) Totals {
+    struct alignas(kApart) Totals {
         std::atomic<std::uint64_t> count{0}, cost{0};
     };
     class LockedShard;

@@ -5,6 +5,7 @@
 #include <cstdint>
 
 #include <KXFoundation/Platform/Runtime/Export.h>
+#include <KXFoundation/Platform/Runtime/Prefetch.h>
 
 /// Reclamation for structures that are read without a lock and without a shared count.
 ///
@@ -40,7 +41,7 @@ KX_EXPORT void retireFenced(Retirable* unlinked);
 [[nodiscard]] KX_EXPORT bool isNobodyReading() noexcept;
 
 /// One thread's mark, alone in its cache line.
-struct alignas(64) EpochReader {
+struct alignas(kApart) EpochReader {
     std::atomic<std::uint64_t> epoch{0};  // 0: outside
     std::uint32_t depth = 0;
     std::uint32_t number = 0;
@@ -49,7 +50,7 @@ struct alignas(64) EpochReader {
 };
 
 /// What readers share and seldom changes.
-struct alignas(64) EpochState {
+struct alignas(kApart) EpochState {
     std::atomic<std::uint64_t> now{1};
     std::atomic<std::uint32_t> waiting{0};     // retired and not destroyed yet
     std::atomic<bool> readersNeedFence{true};  // where the system has no membarrier

@@ -1,7 +1,13 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
+#include <cstddef>
+
 namespace kx {
+
+/// What different threads write lies this far apart: processors fetch the neighbour of a line of their cache
+/// with it.
+inline constexpr std::size_t kApart = 128;
 
 /// Has the processor fetch the line of its cache at the address for a change: another core gives its copy up
 /// now, not when the change comes. Any address will do. Compilers emit the instruction only for processors
