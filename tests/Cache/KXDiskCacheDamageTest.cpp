@@ -2,6 +2,7 @@
 
 #include <filesystem>
 #include <functional>
+#include <string_view>
 
 #include <gmock/gmock.h>
 
@@ -17,7 +18,11 @@ namespace {
 
 namespace fs = std::filesystem;
 
+using namespace std::literals;
+
 constexpr int kValues = 100;
+constexpr auto kNearTheLast = "\0\0\0\0\xFF\xFF\xFE\xFF"sv;  // positions: offset, number
+constexpr auto kTheLast = "\0\0\0\0\0\0\xFF\xFF"sv;
 
 struct KXDiskCacheDamageTest : ::testing::Test {
     std::shared_ptr<KXDiskCache> open() const { return KXDiskCache::initWithPath(folder); }
@@ -102,6 +107,15 @@ TEST_F(KXDiskCacheDamageTest, DamagedFolders) {
         {"header gone", [](auto& t) { fs::remove(t.header); }},
         {"header of noise", [](auto& t) { patch(t.header, 0, std::string(4096, 'x')); }},
         {"a segment number far ahead", [](auto& t) { patch(t.header, 16, std::string(8, '\x7F')); }},
+        {"a segment number near the last one", [](auto& t) { patch(t.header, 16, kNearTheLast); }, kValues,
+         1},
+        {"the last segment number", [](auto& t) { patch(t.header, 16, kTheLast); }, kValues, 1},
+        {"head and tail near the last one",
+         [](auto& t) {
+             patch(t.header, 8, kNearTheLast);
+             patch(t.header, 16, kNearTheLast);
+         },
+         kValues, 1},
         {"a head of an earlier start of the machine",
          [](auto& t) {
              patch(t.header, 8, std::string("\x88\x13\0\0\1\0\0\0", 8));
@@ -162,6 +176,8 @@ TEST_F(KXDiskCacheDamageTest, AHeaderThatChangesWhileStoresAreOpen) {
         {"cut", [](auto& path) { fs::resize_file(path, 16); }},
         {"noise", [](auto& path) { patch(path, 0, std::string(4096, 'x')); }},
         {"deleted", [](auto& path) { fs::remove(path); }},
+        {"a tail near the last number", [](auto& path) { patch(path, 16, kNearTheLast); }},
+        {"a tail at the last number", [](auto& path) { patch(path, 16, kTheLast); }},
     };
     for (const auto& [what, damage] : rows) {
         fs::remove_all(folder);

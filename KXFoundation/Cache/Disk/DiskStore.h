@@ -79,14 +79,15 @@ class DiskStore {
     Result<void> open() KX_REQUIRES(mutex_);
     Result<void> openToChange() KX_REQUIRES(mutex_);
     Result<void> openPage() KX_REQUIRES(mutex_);
-    Result<void> load() KX_REQUIRES(mutex_);
+    Result<bool> loadIfKept() KX_REQUIRES(mutex_);
+    Result<bool> keepPage(const std::vector<std::uint32_t>& numbers) KX_REQUIRES(mutex_);
+    Result<void> load(const std::vector<std::uint32_t>& numbers) KX_REQUIRES(mutex_);
     Result<std::vector<std::uint32_t>> segmentNumbers();
     Result<void> loadSegment(std::uint32_t number, Position tail) KX_REQUIRES(mutex_);
     Result<void> mendLast(bool isDamaged) KX_REQUIRES(mutex_);
     /// Opens the folder, or reads what others have changed in it.
     Result<void> openAndFollow() KX_REQUIRES(mutex_);
     [[nodiscard]] bool isAtTheEnd() const KX_REQUIRES(mutex_);
-    Result<void> startOver() KX_REQUIRES(mutex_);
     Result<void> follow(const HeaderPage::Ends& ends) KX_REQUIRES(mutex_) {
         return ends.tail > known_ || ends.head > knownHead_ ? replay(ends) : Result<void>();
     }
@@ -96,6 +97,7 @@ class DiskStore {
     enum class Use : bool { Read, Change };
     bool leaveIfReplaced(Use use) KX_REQUIRES(mutex_);
     [[nodiscard]] bool isReplaced() KX_REQUIRES(mutex_);
+    [[nodiscard]] bool isPageReplaced() KX_REQUIRES(mutex_);
     [[nodiscard]] Error lostPage() const;
 
     // Changing, under the page's lock.

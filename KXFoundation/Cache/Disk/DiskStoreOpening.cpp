@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <cerrno>
+#include <iterator>
 
 #include <KXFoundation/Cache/Disk/DiskStore.h>
 #include <KXFoundation/Cache/Disk/SegmentReader.h>
@@ -21,6 +22,10 @@ std::string headerPathIn(const std::string& folder) {
 
 bool isUnreadable(const Error& error) noexcept {
     return error.kind == ErrorKind::Corrupt || error.kind == ErrorKind::Ended || error.systemError == EISDIR;
+}
+
+bool isGone(const Result<FileSystem::Info>& info) noexcept {
+    return !info && info.error().kind == ErrorKind::Missing;
 }
 
 bool mayRefuseWritesOnly(const Error& error) noexcept {
@@ -48,43 +53,17 @@ Result<void> DiskStore::openToChange() {
     static_cast<void>(leaveIfReplaced(Use::Change));
     whyClosed_ = std::nullopt;
     auto opened = openAndFollow();
-    return opened && isAtTheEnd() ? startOver() : opened;
+    if (!opened || !isAtTheEnd()) return opened;
+    leave();
+    if (opened = open(); opened && isAtTheEnd()) return lostPage();
+    return opened;
 }
 
-/// A tail so late with no file near it is that of a damaged page. What is set there brings a file: it is
-/// never taken for the same damage by the next one to open the folder.
+/// No log comes so far: the numbers are those of damage.
 bool DiskStore::isAtTheEnd() const {
     const Segment* const last = index_.last();
     const bool isFarAhead = !last || last->file->number() < kLateSegment;
     return known_.segment >= (isFarAhead ? kLateSegment : kLastSegment);
-}
-
-/// Empties the folder: its numbers are those of damage, and there are few or none to follow.
-Result<void> DiskStore::startOver() {
-    Error why = lostPage();
-    if (!page_->isWritable()) return why;
-    if (auto locked = page_->lock(); !locked) return locked;
-    Position before;  // files up to there may be waiting for their removal
-    // Unless another process was here first.
-    if (const auto numbers = segmentNumbers(); numbers && !isReplaced()) {
-        for (const std::uint32_t number : *numbers) {
-            (void)files_->remove(folder_ + "/" + DiskSegment::nameOf(number));
-            if (number < kLateSegment) before.segment = number;
-        }
-        (void)files_->remove(headerPathIn(folder_));
-    }
-    page_->unlock();
-    leave();
-    if (auto opened = openAndFollow(); !opened) return opened;
-    if (isAtTheEnd()) return why;  // nothing could be removed
-    logError("disk cache, emptied", why);
-    if (auto locked = page_->lock(); !locked) return locked;
-    const auto ends = page_->ends();
-    const bool isSet = ends && (before <= ends->tail || page_->setTail(before));
-    page_->unlock();
-    if (!isSet) return why;
-    known_ = std::max(known_, before);
-    return {};
 }
 
 Result<void> DiskStore::openAndFollow() {
@@ -102,33 +81,74 @@ Result<void> DiskStore::openPage() {
     const std::string path = headerPathIn(folder_);
     if (auto made = makeDirectories(*files_, folder_); !made && made.error().kind != ErrorKind::Denied)
         return made;
-    auto page = HeaderPage::open(*files_, path, HeaderPage::Access::ReadWrite);
-    if (!page) {
-        Error why = std::move(page).error();
-        if (!mayRefuseWritesOnly(why)) return why;
-        page = HeaderPage::open(*files_, path, HeaderPage::Access::Read);  // reading may go on all the same
-        if (!page) return why;
-        logError("disk cache, opened for reading only", why);
+    constexpr int kTries = 3;
+    for (int i = 0; i < kTries; ++i) {
+        auto page = HeaderPage::open(*files_, path, HeaderPage::Access::ReadWrite);
+        if (!page) {
+            Error why = std::move(page).error();
+            if (!mayRefuseWritesOnly(why)) return why;
+            page =
+                HeaderPage::open(*files_, path, HeaderPage::Access::Read);  // reading may go on all the same
+            if (!page) return why;
+            logError("disk cache, opened for reading only", why);
+        }
+        page_ = std::move(*page);
+        if (page_->isWritable()) {
+            if (auto locked = page_->lock(); !locked) return locked;
+        }
+        const auto isLoaded = loadIfKept();
+        if (page_->isWritable()) page_->unlock();
+        if (!isLoaded) return isLoaded.error();
+        if (*isLoaded) return {};
     }
-    page_ = std::move(*page);
-    if (!page_->isWritable()) return load();
-    if (auto locked = page_->lock(); !locked) return locked;
-    auto loaded = load();
-    page_->unlock();
-    return loaded;
+    return lostPage();
+}
+
+/// False where another page lies in the place of this one.
+Result<bool> DiskStore::loadIfKept() {
+    const auto numbers = segmentNumbers();
+    if (!numbers) return numbers.error();
+    if (page_->isWritable()) {
+        const auto isKept = keepPage(*numbers);
+        if (!isKept || !*isKept) return isKept;
+    }
+    auto loaded = load(*numbers);
+    return loaded ? Result<bool>(true) : Result<bool>(std::move(loaded).error());
+}
+
+/// Under the page's lock: whether it is the folder's. Puts another in its place where it is damaged: its tail
+/// is so late with no segment near it, or no numbers come after it. What is set where there are segments so
+/// late is never taken for the same damage.
+Result<bool> DiskStore::keepPage(const std::vector<std::uint32_t>& numbers) {
+    if (isPageReplaced()) return false;  // by another process, meanwhile
+    const auto ends = page_->ends();
+    std::uint32_t last = ends ? ends->tail.segment : 0;
+    bool isFarAhead = true;
+    const auto firstLate = std::ranges::lower_bound(numbers, kLateSegment);
+    for (auto number = firstLate; number != numbers.end(); ++number) {
+        if (!DiskSegment::open(files_, folder_, *number)) continue;
+        last = std::max(last, *number);
+        isFarAhead = false;
+    }
+    if (last < (isFarAhead ? kLateSegment : kLastSegment)) return true;
+    logError("disk cache, header made anew", lostPage());
+    for (auto number = firstLate; number != numbers.end(); ++number)
+        (void)files_->remove(folder_ + "/" + DiskSegment::nameOf(*number));
+    // Behind all files, some of which may be waiting for their removal.
+    const std::uint32_t before = firstLate == numbers.begin() ? 0 : *std::prev(firstLate);
+    auto made = HeaderPage::replace(*files_, headerPathIn(folder_), {before, 0});
+    return made ? Result<bool>(false) : Result<bool>(std::move(made).error());
 }
 
 /// The folder's whole log, whatever the header page says of its end: after a power cut it may say too little
 /// or too much.
-Result<void> DiskStore::load() {
+Result<void> DiskStore::load(const std::vector<std::uint32_t>& numbers) {
     index_.clear();
     known_ = knownHead_ = {};
-    auto numbers = segmentNumbers();
-    if (!numbers) return std::move(numbers).error();
     const auto ends = page_->ends();
     if (!ends) return lostPage();
     const auto [head, tail] = *ends;
-    for (const std::uint32_t number : *numbers) {
+    for (const std::uint32_t number : numbers) {
         if (number >= head.segment) {
             if (auto done = loadSegment(number, tail); !done) return done;
         } else if (page_->isWritable()) {
@@ -269,11 +289,14 @@ bool DiskStore::leaveIfReplaced(Use use) {
 }
 
 bool DiskStore::isReplaced() {
-    const auto isGone = [](const auto& info) { return !info && info.error().kind == ErrorKind::Missing; };
-    const auto header = files_->info(headerPathIn(folder_));
-    if (header ? header->identity != page_->identity() : isGone(header)) return true;
+    if (isPageReplaced()) return true;
     const Segment* const last = index_.last();  // what is written to a deleted file is lost
     return last && isGone(files_->info(last->file->path()));
+}
+
+bool DiskStore::isPageReplaced() {
+    const auto header = files_->info(headerPathIn(folder_));
+    return header ? header->identity != page_->identity() : isGone(header);
 }
 
 }  // namespace kx::disk

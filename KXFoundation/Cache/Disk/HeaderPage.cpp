@@ -2,7 +2,7 @@
 
 #include <array>
 #include <span>
-#include <vector>
+#include <string>
 
 #include <KXFoundation/Cache/Disk/HeaderPage.h>
 
@@ -41,11 +41,16 @@ Result<Fields> readFields(File& file, std::size_t size) {
     return fields;
 }
 
+std::string pageOf(const Fields& fields, std::size_t size) {
+    std::string page(size, '\0');
+    std::memcpy(page.data(), &fields, sizeof fields);
+    return page;
+}
+
 /// Writes a fresh page over whatever the file holds. It is never cut: others may have it mapped.
 Result<void> writeFresh(File& file, const Fields& fields, std::size_t size) {
-    std::vector<std::byte> page(size);
-    std::memcpy(page.data(), &fields, sizeof fields);
-    return file.writeAt(0, page);
+    const std::string page = pageOf(fields, size);
+    return file.writeAt(0, std::as_bytes(std::span(page)));
 }
 
 /// Makes the file the page of this start of the machine. The head does not outlive a power cut: it may have
@@ -96,6 +101,10 @@ Result<std::unique_ptr<HeaderPage>> HeaderPage::open(FileSystem& files, const st
     (*file)->unlock();
     return std::unique_ptr<HeaderPage>(
         new HeaderPage(std::move(*file), std::move(*page), info->identity, writes));
+}
+
+Result<void> HeaderPage::replace(FileSystem& files, const std::string& path, Position tail) {
+    return replaceFile(files, path, pageOf({kMagic, 0, tail.packed(), thisBoot(files)}, kSize));
 }
 
 }  // namespace kx::disk

@@ -24,6 +24,10 @@ class HeaderPage {
     [[nodiscard]] static Result<std::unique_ptr<HeaderPage>> open(FileSystem& files, const std::string& path,
                                                                   Access access);
 
+    /// Puts a page of an empty log that goes on at `tail` in the place of the file, which stays as it is for
+    /// those that have it open.
+    [[nodiscard]] static Result<void> replace(FileSystem& files, const std::string& path, Position tail);
+
     [[nodiscard]] bool isWritable() const noexcept { return isWritable_; }
     /// The file's inode: another page lies under the name if that has another one.
     [[nodiscard]] std::uint64_t identity() const noexcept { return identity_; }
