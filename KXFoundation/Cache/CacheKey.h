@@ -22,11 +22,12 @@ class KXCacheKey {
     KXCacheKey(std::nullptr_t = nullptr) noexcept {}
     KXCacheKey(std::nullopt_t) noexcept {}
     KXCacheKey(const char* text) noexcept : text_(text), size_(text ? std::strlen(text) : 0) {}
-    template <std::convertible_to<std::string_view> Text>
-    requires(!std::convertible_to<Text, const char*>) KXCacheKey(const Text& text)
-    noexcept : KXCacheKey(std::string_view(text), Present()) {}
-    template <std::convertible_to<std::string_view> Text>
-    KXCacheKey(const std::optional<Text>& text) noexcept
+    template <class Text>
+    requires(std::convertible_to<const Text&, std::string_view> &&
+             !std::is_pointer_v<std::decay_t<const Text&>>) KXCacheKey(const Text& text)
+        : KXCacheKey(std::string_view(text), Present()) {}
+    template <class Text>
+    requires std::convertible_to<const Text&, std::string_view> KXCacheKey(const std::optional<Text>& text)
         : KXCacheKey(text ? KXCacheKey(*text) : KXCacheKey()) {}
 
     [[nodiscard]] explicit operator bool() const noexcept { return has_value(); }
@@ -34,6 +35,10 @@ class KXCacheKey {
     [[nodiscard]] bool has_value() const noexcept { return text_ != nullptr; }
     [[nodiscard]] std::string_view value_or(std::string_view text) const noexcept {
         return has_value() ? **this : text;
+    }
+    /// An absent key equals an absent one only.
+    [[nodiscard]] friend bool operator==(KXCacheKey a, KXCacheKey b) noexcept {
+        return a.has_value() == b.has_value() && *a == *b;
     }
 
   private:

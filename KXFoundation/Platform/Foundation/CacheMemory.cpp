@@ -7,18 +7,11 @@
 #include <KXFoundation/Platform/Foundation/CacheMemory.h>
 #include <KXFoundation/Platform/Runtime/Mutex.h>
 #include <KXFoundation/Platform/Runtime/Prefetch.h>
+#include <KXFoundation/Platform/Runtime/Sanitizers.h>
 
 namespace kx::cacheMemory {
 
 namespace {
-
-#if defined(__SANITIZE_ADDRESS__)
-constexpr bool kAddressSanitizer = true;
-#elif defined(__has_feature)
-constexpr bool kAddressSanitizer = __has_feature(address_sanitizer);
-#else
-constexpr bool kAddressSanitizer = false;
-#endif
 
 struct Block {
     Block* next;

@@ -14,14 +14,6 @@ namespace kx {
 
 namespace {
 
-#if defined(__SANITIZE_THREAD__)
-constexpr bool kThreadSanitizer = true;
-#elif defined(__has_feature)
-constexpr bool kThreadSanitizer = __has_feature(thread_sanitizer);
-#else
-constexpr bool kThreadSanitizer = false;
-#endif
-
 long membarrier(int command) noexcept {
     return syscall(SYS_membarrier, command, 0, 0);
 }
@@ -81,7 +73,7 @@ class EpochDomain {
     /// The fence stands between the caller's unlinking and the look at the marks, as a reader's stands
     /// between its mark and what it reads: one of the two sees the other.
     bool isNobodyReading() const noexcept {
-        if (kThreadSanitizer) return false;  // it knows no fences
+        if constexpr (kThreadSanitizer) return false;  // it knows no fences
         std::atomic_thread_fence(std::memory_order_seq_cst);
         return oldestReading() == kNobody;
     }

@@ -6,6 +6,7 @@
 
 #include <KXFoundation/Platform/Runtime/Export.h>
 #include <KXFoundation/Platform/Runtime/Prefetch.h>
+#include <KXFoundation/Platform/Runtime/Sanitizers.h>
 
 /// Reclamation for structures that are read without a lock and without a shared count.
 ///
@@ -79,7 +80,11 @@ class EpochReading {
   protected:
     /// Makes sure that every other thread sees the mark before this one reads on.
     void fence() noexcept {
-        reader_.epoch.exchange(reader_.epoch.load(std::memory_order_relaxed), std::memory_order_seq_cst);
+        if constexpr (kThreadSanitizer) {  // it knows no fences
+            reader_.epoch.exchange(reader_.epoch.load(std::memory_order_relaxed), std::memory_order_seq_cst);
+        } else {
+            std::atomic_thread_fence(std::memory_order_seq_cst);
+        }
     }
 
   private:

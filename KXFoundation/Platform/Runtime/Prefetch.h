@@ -5,8 +5,8 @@
 
 namespace kx {
 
-/// What different threads write lies this far apart: processors fetch the neighbour of a line of their cache
-/// with it.
+/// Bytes between what different threads write: processors fetch the neighbour of a line of their cache with
+/// it.
 inline constexpr std::size_t kApart = 128;
 
 /// Has the processor fetch the line of its cache at the address for a change: another core gives its copy up

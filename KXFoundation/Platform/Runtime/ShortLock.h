@@ -44,6 +44,8 @@ class KX_CAPABILITY ShortLock {
     static void pause() noexcept {
 #ifdef __x86_64__
         __builtin_ia32_pause();
+#elif defined(__aarch64__)
+        asm volatile("isb");
 #endif
     }
 
