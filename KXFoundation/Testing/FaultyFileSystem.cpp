@@ -243,6 +243,11 @@ class FaultyFileSystem::FaultyFile final : public File {
         return below_->size();
     }
 
+    Result<std::uint64_t> identity() override {
+        if (const int error = faults_->meet(Call::Info)) return failure(error);
+        return below_->identity();
+    }
+
     Result<void> truncate(std::uint64_t size) override {
         if (const int error = faults_->meet(Call::Truncate)) return failure(error);
         journal_->truncating(path_, size);

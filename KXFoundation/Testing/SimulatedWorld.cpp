@@ -140,6 +140,7 @@ class SimulatedWorld::ScheduledFiles final : public FileSystem {
             return then().writeAt(offset, bytes);
         }
         Result<std::uint64_t> size() override { return then().size(); }
+        Result<std::uint64_t> identity() override { return then().identity(); }
         Result<void> truncate(std::uint64_t size) override { return then().truncate(size); }
         Result<void> sync() override { return then().sync(); }
         Result<void> lock(Lock kind) override {

@@ -94,13 +94,13 @@ Result<std::unique_ptr<HeaderPage>> HeaderPage::open(FileSystem& files, const st
     } else if (!isPage(*found, kMagic)) {
         return Error{ErrorKind::Corrupt, 0, path};
     }
-    auto info = files.info(path);
-    if (!info) return std::move(info).error();
+    auto identity = (*file)->identity();
+    if (!identity) return std::move(identity).error();
     auto page = (*file)->map(kSize, writes ? File::Access::ReadWrite : File::Access::Read);
     if (!page) return std::move(page).error();
     (*file)->unlock();
     return std::unique_ptr<HeaderPage>(
-        new HeaderPage(std::move(*file), std::move(*page), info->identity, writes));
+        new HeaderPage(std::move(*file), std::move(*page), *identity, writes));
 }
 
 Result<void> HeaderPage::replace(FileSystem& files, const std::string& path, Position tail) {

@@ -42,6 +42,8 @@ class KX_EXPORT File {
     /// Writes all bytes at `offset`, growing the file; on failure some of them may be there.
     virtual Result<void> writeAt(std::uint64_t offset, std::span<const std::byte> bytes) = 0;
     virtual Result<std::uint64_t> size() = 0;
+    /// As FileSystem::Info has it, also when another file lies under the name by now.
+    virtual Result<std::uint64_t> identity() = 0;
     virtual Result<void> truncate(std::uint64_t size) = 0;
     /// Waits until the contents (and the size) would survive a power cut.
     virtual Result<void> sync() = 0;

@@ -86,6 +86,12 @@ class PosixFile final : public File {
         return static_cast<std::uint64_t>(status.st_size);
     }
 
+    Result<std::uint64_t> identity() override {
+        struct stat status;
+        if (::fstat(descriptor_, &status) != 0) return failed(path_);
+        return static_cast<std::uint64_t>(status.st_ino);
+    }
+
     Result<void> truncate(std::uint64_t size) override {
         return done(::ftruncate(descriptor_, static_cast<off_t>(size)), path_);
     }
