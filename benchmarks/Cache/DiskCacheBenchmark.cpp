@@ -94,14 +94,7 @@ class Files : public TextInput {
 
 class LevelDb : public TextInput {
   public:
-    explicit LevelDb(const std::string& folder) {
-        leveldb::Options options;
-        options.create_if_missing = true;
-        options.compression = leveldb::kNoCompression;
-        leveldb::DB* opened = nullptr;
-        require(leveldb::DB::Open(options, folder, &opened).ok(), "leveldb");
-        db_.reset(opened);
-    }
+    explicit LevelDb(const std::string& folder) : folder_(folder) { open(); }
     void set(const std::string& key, const std::string& value) {
         require(db_->Put({}, key, value).ok(), "put");
     }
@@ -115,10 +108,61 @@ class LevelDb : public TextInput {
         for (const std::string& key : keys) batch.Delete(key);
         require(db_->Write({}, &batch).ok(), "write");
     }
-    void waitForRoom() { db_->CompactRange(nullptr, nullptr); }
+    /// Done with what it has put off.
+    void settle() { db_->CompactRange(nullptr, nullptr); }
+
+  protected:
+    void open() {
+        leveldb::Options options;
+        options.create_if_missing = true;
+        options.compression = leveldb::kNoCompression;
+        leveldb::DB* opened = nullptr;
+        require(leveldb::DB::Open(options, folder_, &opened).ok(), "leveldb");
+        db_.reset(opened);
+    }
+    const std::string folder_;
+    std::unique_ptr<leveldb::DB> db_;
+};
+
+/// Frees the room at once, by compaction.
+class CompactedLevelDb : public LevelDb {
+  public:
+    using LevelDb::LevelDb;
+    void removeAll(const std::vector<std::string>& keys) {
+        LevelDb::removeAll(keys);
+        settle();
+    }
+};
+
+/// Frees the room at once, as a new store: nobody may have it open meanwhile.
+class RemadeLevelDb : public LevelDb {
+  public:
+    using LevelDb::LevelDb;
+    void removeAll(const std::vector<std::string>&) {
+        db_.reset();
+        require(leveldb::DestroyDB(folder_, {}).ok(), "destroy");
+        open();
+    }
+};
+
+/// What the system allows: a file that is appended to, and cut to nothing.
+class Log : public TextInput {
+  public:
+    explicit Log(const std::string& folder)
+        : file_(::open((folder + "/log").c_str(), O_RDWR | O_CREAT | O_CLOEXEC, 0600)) {}
+    ~Log() { ::close(file_); }
+    Log(const Log&) = delete;
+    Log& operator=(const Log&) = delete;
+    void set(const std::string&, const std::string& value) {
+        require(::pwrite(file_, value.data(), value.size(), end_) == static_cast<ssize_t>(value.size()),
+                "log");
+        end_ += static_cast<off_t>(value.size());
+    }
+    void removeAll(const std::vector<std::string>&) { require(::ftruncate(file_, end_ = 0) == 0, "cut"); }
 
   private:
-    std::unique_ptr<leveldb::DB> db_;
+    const int file_;
+    off_t end_ = 0;
 };
 
 /// Without its syncs, as nobody else syncs.
@@ -291,26 +335,32 @@ void contains(benchmark::State& state, const std::string& who, const Load& load)
     }
 }
 
-/// Until the disk has the room again, which LevelDB by itself leaves to some later compaction.
+template <class Contender>
+void fillToRemove(Filled<Contender>& on) {
+    on.fill();
+    on.check();
+    if constexpr (requires { on.store->settle(); }) on.store->settle();
+}
+
+/// Until the disk has the room again where a store gives it back, which LevelDB leaves to some later
+/// compaction.
 template <class Contender>
 void removeAll(benchmark::State& state, const std::string& who, const Load& load) {
     Filled<Contender> on(who, load);
-    on.fill();
-    on.check();
+    fillToRemove(on);
     for (auto _ : state) {
         timed(state, load.count, [&] {
             on.store->removeAll(on.keys);
-            on.store->waitForRoom();
+            if constexpr (requires { on.store->waitForRoom(); }) on.store->waitForRoom();
         });
     }
-    require(bytesOnDisk(on.folder) < static_cast<double>(load.count * load.size) / 100, "room");
 }
 
 /// Until the caller has its answer.
 template <class Contender>
 void removeAllAnswered(benchmark::State& state, const std::string& who, const Load& load) {
     Filled<Contender> on(who, load);
-    on.fill();
+    fillToRemove(on);
     for (auto _ : state) timed(state, load.count, [&] { on.store->removeAll(on.keys); });
 }
 
@@ -336,6 +386,9 @@ const bool registered = [] {
     add("contains", "lmdb", k4KiB, contains<Lmdb>);
     add("remove-all", "kx", k4KiB, removeAll<Kx>);
     add("remove-all", "leveldb", k4KiB, removeAll<LevelDb>);
+    add("remove-all", "leveldb-compacted", k4KiB, removeAll<CompactedLevelDb>);
+    add("remove-all", "leveldb-remade", k4KiB, removeAll<RemadeLevelDb>);
+    add("remove-all", "log", k4KiB, removeAll<Log>);
     add("remove-all-answered", "kx", k4KiB, removeAllAnswered<Kx>);
     add("remove-all-answered", "leveldb", k4KiB, removeAllAnswered<LevelDb>);
     return true;
