@@ -117,8 +117,9 @@ TEST(CacheThreadTest, StoresThatMendOneFolderAtOnceLoseNothing) {
         std::fstream(folder / "header", std::ios::in | std::ios::out).seekp(20).write("\xFF\xFF\xFE\xFF", 4);
         std::vector<std::shared_ptr<KXDiskCache>> stores(kStores + 1);
         onThreads(kStores, [&](int store) {
-            stores[store] = KXDiskCache::initWithPath(folder.path());
-            for (int i = 0; i < kKeys; ++i) stores[store]->setObject(i, keyOf(store, i));
+            auto& own = stores[static_cast<std::size_t>(store)];
+            own = KXDiskCache::initWithPath(folder.path());
+            for (int i = 0; i < kKeys; ++i) own->setObject(i, keyOf(store, i));
         });
         stores.back() = KXDiskCache::initWithPath(folder.path());
         for (const auto& reader : stores) {

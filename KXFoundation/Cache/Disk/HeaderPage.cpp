@@ -99,8 +99,7 @@ Result<std::unique_ptr<HeaderPage>> HeaderPage::open(FileSystem& files, const st
     auto page = (*file)->map(kSize, writes ? File::Access::ReadWrite : File::Access::Read);
     if (!page) return std::move(page).error();
     (*file)->unlock();
-    return std::unique_ptr<HeaderPage>(
-        new HeaderPage(std::move(*file), std::move(*page), *identity, writes));
+    return std::unique_ptr<HeaderPage>(new HeaderPage(std::move(*file), std::move(*page), *identity, writes));
 }
 
 Result<void> HeaderPage::replace(FileSystem& files, const std::string& path, Position tail) {
