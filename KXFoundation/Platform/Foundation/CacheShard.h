@@ -35,7 +35,7 @@ class alignas(kApart) CacheShard {
     CacheShard(const CacheShard&) = delete;
     CacheShard& operator=(const CacheShard&) = delete;
 
-    /// The entry of the key, valid as long as the caller's EpochReading; no lock.
+    /// The entry of the key, valid as long as the caller's FencedEpochReading; no lock.
     [[nodiscard]] CacheEntry* find(std::uint64_t hash, std::string_view key) const noexcept {
         return table_.load(std::memory_order_acquire)->find(hash, key);
     }

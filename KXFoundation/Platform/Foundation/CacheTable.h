@@ -29,7 +29,7 @@ class alignas(64) CacheTable final : public Retirable {
 
     [[nodiscard]] std::size_t room() const noexcept { return (mask_ + 1) * (kSlots - 1); }
 
-    /// The entry of the key; the caller is inside an EpochReading or alone.
+    /// The entry of the key; the caller is inside a FencedEpochReading or alone.
     [[nodiscard]] CacheEntry* find(std::uint64_t hash, std::string_view key) const noexcept;
 
     /// Where a table's groups lie, to be kept by who must not touch the table.

@@ -38,7 +38,7 @@ class RetiredEntries final : public Retirable {
 }  // namespace
 
 void DiscardedEntries::retireAll() noexcept {
-    if (isNobodyReading()) return destroyAll(first_);
+    if (isNobodyReadingFenced()) return destroyAll(first_);
     // Without memory for this little the entries stay for good: no reader may lose them.
     if (auto* const entries = new (std::nothrow) RetiredEntries(first_)) retireFenced(entries);
 }

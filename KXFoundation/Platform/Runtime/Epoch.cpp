@@ -25,10 +25,10 @@ bool systemOrdersReaders() noexcept {
 
 }  // namespace
 
-constinit EpochState EpochReading::state_;
-constinit thread_local EpochReader* EpochReading::current_ = nullptr;
+constinit EpochState EpochReaders::state_;
+constinit thread_local EpochReader* EpochReaders::current_ = nullptr;
 
-/// The list of readers and the queue of the retired, oldest first.
+/// The list of readers and, for each kind, the queue of the retired, oldest first.
 class EpochDomain {
   public:
     static EpochDomain& shared() {
@@ -56,31 +56,30 @@ class EpochDomain {
         reader.inUse = false;
     }
 
-    void retire(Retirable* item, bool readersFence) {
+    void retire(Retirable* item, EpochKind kind) {
         MutexLock lock(mutex_);
         item->retiredIn_ = state().now.fetch_add(1, std::memory_order_seq_cst);
-        (last_ ? last_->nextRetired_ : first_) = item;
-        last_ = item;
-        state().waiting.fetch_add(1, std::memory_order_seq_cst);
-        if (!readersFence && !state().readersNeedFence.load(std::memory_order_relaxed) && hasOtherReaders()) {
-            membarrier(MEMBARRIER_CMD_PRIVATE_EXPEDITED);
-        }
-        Retirable* ready = takeReady();
+        Queue& queue = queueOf(kind);
+        (queue.last ? queue.last->nextRetired_ : queue.first) = item;
+        queue.last = item;
+        waiting(kind).fetch_add(1, std::memory_order_seq_cst);
+        if (kind == EpochKind::Plain || oldestReading(kind) != kNobody) orderReaders();
+        Retirable* ready = takeReady(kind);
         lock.unlock();
         destroy(ready);
     }
 
     /// The fence stands between the caller's unlinking and the look at the marks, as a reader's stands
     /// between its mark and what it reads: one of the two sees the other.
-    bool isNobodyReading() const noexcept {
+    bool isNobodyReadingFenced() const noexcept {
         if constexpr (kThreadSanitizer) return false;  // it knows no fences
         std::atomic_thread_fence(std::memory_order_seq_cst);
-        return oldestReading() == kNobody;
+        return oldestReading(EpochKind::Fenced) == kNobody;
     }
 
-    void collect() {
+    void collect(EpochKind kind) {
         MutexLock lock(mutex_);
-        Retirable* ready = takeReady();
+        Retirable* ready = takeReady(kind);
         lock.unlock();
         destroy(ready);
     }
@@ -88,38 +87,52 @@ class EpochDomain {
   private:
     EpochDomain() { state().readersNeedFence.store(!systemOrdersReaders(), std::memory_order_relaxed); }
 
-    static EpochState& state() noexcept { return EpochReading::state_; }
+    struct Queue {
+        Retirable* first = nullptr;
+        Retirable* last = nullptr;
+    };
 
-    bool hasOtherReaders() const KX_REQUIRES(mutex_) {
+    static EpochState& state() noexcept { return EpochReaders::state_; }
+    static std::atomic<std::uint32_t>& waiting(EpochKind kind) noexcept {
+        return state().waiting[static_cast<std::size_t>(kind)];
+    }
+    Queue& queueOf(EpochKind kind) KX_REQUIRES(mutex_) { return queues_[static_cast<std::size_t>(kind)]; }
+
+    /// Every other thread has seen by now what this one unlinked, or is seen to be inside; and one that was
+    /// leaving is seen to be outside, or will see what waits.
+    void orderReaders() KX_REQUIRES(mutex_) {
+        if (state().readersNeedFence.load(std::memory_order_relaxed)) return;
         for (const EpochReader* reader = firstReader(); reader; reader = reader->next) {
-            if (reader->inUse && reader != EpochReading::current_) return true;
+            if (!reader->inUse || reader == EpochReaders::current_) continue;
+            membarrier(MEMBARRIER_CMD_PRIVATE_EXPEDITED);
+            return;
         }
-        return false;
     }
 
     static constexpr std::uint64_t kNobody = std::numeric_limits<std::uint64_t>::max();
 
-    std::uint64_t oldestReading() const noexcept {
+    std::uint64_t oldestReading(EpochKind kind) const noexcept {
         std::uint64_t oldest = kNobody;
         for (const EpochReader* reader = firstReader(); reader; reader = reader->next) {
-            const std::uint64_t epoch = reader->epoch.load(std::memory_order_seq_cst);
+            const std::uint64_t epoch =
+                reader->marks[static_cast<std::size_t>(kind)].epoch.load(std::memory_order_seq_cst);
             if (epoch != 0 && epoch < oldest) oldest = epoch;
         }
         return oldest;
     }
 
     /// Unlinks what was retired before the oldest reader that is still inside came in.
-    Retirable* takeReady() KX_REQUIRES(mutex_) {
-        const std::uint64_t oldest = oldestReading();
-        Retirable* const ready = first_;
+    Retirable* takeReady(EpochKind kind) KX_REQUIRES(mutex_) {
+        auto& [first, last] = queueOf(kind);
+        const std::uint64_t oldest = oldestReading(kind);
+        Retirable* const ready = first;
         Retirable* lastReady = nullptr;
         std::uint32_t count = 0;
-        for (; first_ && first_->retiredIn_ < oldest; first_ = first_->nextRetired_, ++count)
-            lastReady = first_;
+        for (; first && first->retiredIn_ < oldest; first = first->nextRetired_, ++count) lastReady = first;
         if (!lastReady) return nullptr;
         lastReady->nextRetired_ = nullptr;
-        if (!first_) last_ = nullptr;
-        state().waiting.fetch_sub(count, std::memory_order_relaxed);
+        if (!first) last = nullptr;
+        waiting(kind).fetch_sub(count, std::memory_order_relaxed);
         return ready;
     }
 
@@ -136,21 +149,20 @@ class EpochDomain {
     Mutex mutex_;
     std::atomic<EpochReader*> readers_{
         nullptr};  // written under the lock; grows to the most threads at a time
-    Retirable* first_ KX_GUARDED_BY(mutex_) = nullptr;
-    Retirable* last_ KX_GUARDED_BY(mutex_) = nullptr;
+    Queue queues_[kEpochKinds] KX_GUARDED_BY(mutex_);
 };
 
-void EpochReading::threadEnds(void* reader) noexcept {
+void EpochReaders::threadEnds(void* reader) noexcept {
     current_ = nullptr;
     EpochDomain::shared().remove(*static_cast<EpochReader*>(reader));
 }
 
 /// A thread key rather than a thread_local: its destructor runs after those of all thread_locals, which may
 /// still read, and runs again should a reading of another key's destructor register the thread anew.
-EpochReader& EpochReading::registerThread() {
+EpochReader& EpochReaders::registerThread() {
     static const pthread_key_t key = [] {
         pthread_key_t made{};
-        pthread_key_create(&made, &EpochReading::threadEnds);
+        pthread_key_create(&made, &EpochReaders::threadEnds);
         return made;
     }();
     current_ = &EpochDomain::shared().add();
@@ -158,20 +170,20 @@ EpochReader& EpochReading::registerThread() {
     return *current_;
 }
 
-void EpochReading::destroyRetired() {
-    EpochDomain::shared().collect();
+void EpochReaders::destroyRetired(EpochKind kind) {
+    EpochDomain::shared().collect(kind);
 }
 
-bool isNobodyReading() noexcept {
-    return EpochDomain::shared().isNobodyReading();
+bool isNobodyReadingFenced() noexcept {
+    return EpochDomain::shared().isNobodyReadingFenced();
 }
 
 void retire(Retirable* unlinked) {
-    EpochDomain::shared().retire(unlinked, false);
+    EpochDomain::shared().retire(unlinked, EpochKind::Plain);
 }
 
 void retireFenced(Retirable* unlinked) {
-    EpochDomain::shared().retire(unlinked, true);
+    EpochDomain::shared().retire(unlinked, EpochKind::Fenced);
 }
 
 }  // namespace kx

@@ -2,6 +2,7 @@
 #pragma once
 
 #include <atomic>
+#include <cstddef>
 #include <cstdint>
 
 #include <KXFoundation/Platform/Runtime/Export.h>
@@ -16,7 +17,14 @@
 /// writer's side: where several threads read, retire() makes one system call (membarrier), after which each
 /// of them has seen the unlinking or is seen to be inside. A count or a hazard pointer per object would cost
 /// each reader a shared write or a fence instead.
+///
+/// A FencedEpochReading pays for the order itself, some nanoseconds, where a structure changes as often as it
+/// is read; its writers call retireFenced(). The two kinds know nothing of each other: a structure is read by
+/// one of them.
 namespace kx {
+
+enum class EpochKind : std::uint8_t { Plain, Fenced };
+constexpr std::size_t kEpochKinds = 2;
 
 /// An object that can be retired. Its destructor runs on the thread whose leaving (or retiring) made it safe,
 /// under no lock.
@@ -30,21 +38,24 @@ class KX_EXPORT Retirable {
     std::uint64_t retiredIn_ = 0;
 };
 
-/// Destroys an unlinked object as soon as no reader can hold it: before this returns if no thread is reading,
-/// else when the last such reader leaves. Any thread, also inside a reading of its own. Hold no lock:
-/// destructors run.
+/// Destroys an unlinked object as soon as no EpochReading can hold it: before this returns if no thread is
+/// reading, else when the last such reader leaves. Any thread, also inside a reading of its own. Hold no
+/// lock: destructors run.
 KX_EXPORT void retire(Retirable* unlinked);
-/// The same without the system call, for what only a FencedEpochReading can find.
+/// The same for a FencedEpochReading, and without the system call where nobody is reading.
 KX_EXPORT void retireFenced(Retirable* unlinked);
-/// Whether no thread is reading, so that what only a FencedEpochReading can find, and was unlinked before the
-/// call, may be destroyed at once: cheaper than retiring, as threads that retire share nothing. May say no
-/// although nobody is.
-[[nodiscard]] KX_EXPORT bool isNobodyReading() noexcept;
+/// Whether no thread is inside a FencedEpochReading, so that what was unlinked before the call may be
+/// destroyed at once: cheaper than retiring, as threads that retire share nothing. May say no although nobody
+/// is.
+[[nodiscard]] KX_EXPORT bool isNobodyReadingFenced() noexcept;
 
-/// One thread's mark, alone in its cache line.
+/// One thread's marks, alone in their cache line.
 struct alignas(kApart) EpochReader {
-    std::atomic<std::uint64_t> epoch{0};  // 0: outside
-    std::uint32_t depth = 0;
+    struct Mark {
+        std::atomic<std::uint64_t> epoch{0};  // 0: outside
+        std::uint32_t depth = 0;
+    };
+    Mark marks[kEpochKinds];
     std::uint32_t number = 0;
     bool inUse = false;  // guarded by the domain's lock
     EpochReader* next = nullptr;
@@ -53,68 +64,73 @@ struct alignas(kApart) EpochReader {
 /// What readers share and seldom changes.
 struct alignas(kApart) EpochState {
     std::atomic<std::uint64_t> now{1};
-    std::atomic<std::uint32_t> waiting{0};     // retired and not destroyed yet
-    std::atomic<bool> readersNeedFence{true};  // where the system has no membarrier
+    std::atomic<std::uint32_t> waiting[kEpochKinds]{};  // retired and not destroyed yet
+    std::atomic<bool> readersNeedFence{true};           // where the system has no membarrier
+};
+
+/// The readers as threads and as a whole; private to the two readings.
+class EpochReaders {
+  public:
+    /// A small number that no other living thread has.
+    [[nodiscard]] static std::uint32_t threadNumber() { return thisThread().number; }
+
+  protected:
+    [[nodiscard]] static EpochReader& thisThread() { return current_ ? *current_ : registerThread(); }
+    static void threadEnds(void* reader) noexcept;
+    KX_EXPORT static EpochReader& registerThread();
+    KX_EXPORT static void destroyRetired(EpochKind kind);
+    KX_EXPORT static EpochState state_;
+    // The initial-exec model spares a call per access inside a shared library.
+    KX_EXPORT static constinit thread_local EpochReader* current_ __attribute__((tls_model("initial-exec")));
+
+    friend class EpochDomain;
 };
 
 /// Marks the calling thread as reading for one scope. Scopes nest; the outermost decides. A scope that never
 /// ends keeps everything alive that is retired meanwhile.
-class EpochReading {
+template <EpochKind kind>
+class EpochScope : public EpochReaders {
   public:
-    EpochReading() : reader_(thisThread()) {
-        if (reader_.depth++ == 0) mark(state_.now.load(std::memory_order_acquire));
+    EpochScope() : mark_(thisThread().marks[kIndex]) {
+        if (mark_.depth++ == 0) mark(state_.now.load(std::memory_order_acquire));
+        if constexpr (kind == EpochKind::Fenced) fence();
     }
-    ~EpochReading() {
-        if (--reader_.depth != 0) return;
+    ~EpochScope() {
+        if (--mark_.depth != 0) return;
         mark(0);
-        if (state_.waiting.load(std::memory_order_seq_cst) != 0) destroyRetired();
+        if (state_.waiting[kIndex].load(std::memory_order_seq_cst) != 0) destroyRetired(kind);
     }
-    EpochReading(const EpochReading&) = delete;
-    EpochReading& operator=(const EpochReading&) = delete;
+    EpochScope(const EpochScope&) = delete;
+    EpochScope& operator=(const EpochScope&) = delete;
 
-    /// A small number that no other living thread has.
-    [[nodiscard]] static std::uint32_t threadNumber() { return thisThread().number; }
-    /// Whether the calling thread is inside a scope.
-    [[nodiscard]] static bool isInside() noexcept { return current_ && current_->depth != 0; }
+    /// Whether the calling thread is inside a scope of this kind.
+    [[nodiscard]] static bool isInside() noexcept { return current_ && current_->marks[kIndex].depth != 0; }
 
-  protected:
+  private:
+    static constexpr auto kIndex = static_cast<std::size_t>(kind);
+
+    void mark(std::uint64_t epoch) noexcept {
+        if (state_.readersNeedFence.load(std::memory_order_relaxed)) {
+            mark_.epoch.exchange(epoch, std::memory_order_seq_cst);
+        } else {
+            mark_.epoch.store(epoch, std::memory_order_release);
+            std::atomic_signal_fence(
+                std::memory_order_seq_cst);  // the compiler keeps the order, membarrier the rest
+        }
+    }
     /// Makes sure that every other thread sees the mark before this one reads on.
     void fence() noexcept {
         if constexpr (kThreadSanitizer) {  // it knows no fences
-            reader_.epoch.exchange(reader_.epoch.load(std::memory_order_relaxed), std::memory_order_seq_cst);
+            mark_.epoch.exchange(mark_.epoch.load(std::memory_order_relaxed), std::memory_order_seq_cst);
         } else {
             std::atomic_thread_fence(std::memory_order_seq_cst);
         }
     }
 
-  private:
-    friend class EpochDomain;
-    [[nodiscard]] static EpochReader& thisThread() { return current_ ? *current_ : registerThread(); }
-    static void threadEnds(void* reader) noexcept;
-    KX_EXPORT static EpochReader& registerThread();
-    KX_EXPORT static void destroyRetired();
-    KX_EXPORT static EpochState state_;
-    // The initial-exec model spares a call per access inside a shared library.
-    KX_EXPORT static constinit thread_local EpochReader* current_ __attribute__((tls_model("initial-exec")));
-
-    void mark(std::uint64_t epoch) noexcept {
-        if (state_.readersNeedFence.load(std::memory_order_relaxed)) {
-            reader_.epoch.exchange(epoch, std::memory_order_seq_cst);
-        } else {
-            reader_.epoch.store(epoch, std::memory_order_release);
-            std::atomic_signal_fence(
-                std::memory_order_seq_cst);  // the compiler keeps the order, membarrier the rest
-        }
-    }
-
-    EpochReader& reader_;
+    EpochReader::Mark& mark_;
 };
 
-/// A reading that pays for the order itself, some nanoseconds, where a structure changes as often as it is
-/// read: its writers call retireFenced().
-class FencedEpochReading : public EpochReading {
-  public:
-    FencedEpochReading() { fence(); }
-};
+using EpochReading = EpochScope<EpochKind::Plain>;
+using FencedEpochReading = EpochScope<EpochKind::Fenced>;
 
 }  // namespace kx

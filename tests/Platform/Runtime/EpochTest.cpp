@@ -58,11 +58,22 @@ TEST(Epoch, WaitsForReadersOfOtherThreadsButNotForLaterOnes) {
     EXPECT_EQ(living, 0) << "destroyed by the reader's leaving";
 }
 
-TEST(Epoch, TellsWhetherNobodyIsReading) {
-    EXPECT_EQ(isNobodyReading(), !kThreadSanitizer);  // where it never says so
-    const EpochReading own;
-    EXPECT_FALSE(isNobodyReading());
-    std::thread([] { EXPECT_FALSE(isNobodyReading()) << "another thread is"; }).join();
+TEST(Epoch, TheKindsOfReadersDoNotWaitForEachOther) {
+    std::atomic<int> living = 0;
+    const bool canTell = !kThreadSanitizer;  // where it never says that nobody is reading
+    {
+        const EpochReading plain;
+        EXPECT_EQ(isNobodyReadingFenced(), canTell);
+        retireFenced(new Counted(living));
+        EXPECT_EQ(living, 0);
+    }
+    const FencedEpochReading fenced;
+    EXPECT_FALSE(isNobodyReadingFenced());
+    std::thread([] { EXPECT_FALSE(isNobodyReadingFenced()) << "another thread is"; }).join();
+    retire(new Counted(living));
+    EXPECT_EQ(living, 0);
+    retireFenced(new Counted(living));
+    EXPECT_EQ(living, 1);
 }
 
 /// One thread replaces an object while three read it; a sanitizer sees it if they read a destroyed one.
@@ -89,7 +100,7 @@ TEST(Epoch, ReadersNeverSeeWhatIsDestroyed) {
     replaceWhileOthersRead<EpochReading>(retire);
     replaceWhileOthersRead<FencedEpochReading>(retireFenced);
     replaceWhileOthersRead<FencedEpochReading>([](Retirable* unlinked) {
-        if (isNobodyReading()) {
+        if (isNobodyReadingFenced()) {
             delete unlinked;
         } else {
             retireFenced(unlinked);
