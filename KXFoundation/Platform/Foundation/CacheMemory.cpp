@@ -58,7 +58,7 @@ struct ThreadBlocks {
 
     Block* pop() {
         if (!first) {
-            first = full ? std::exchange(full, nullptr) : SharedChains::shared().take();
+            first = full ? std::exchange(full, nullptr) : taken();
             if (!first) return nullptr;
             count = kChainLength;
         }
@@ -79,6 +79,8 @@ struct ThreadBlocks {
         first = new (memory) Block{first};
         ++count;
     }
+    static Block* taken();
+    static void endWithThread();
     void end() noexcept {
         areOver = true;
         freeAll(std::exchange(first, nullptr));
@@ -96,6 +98,18 @@ struct ThreadEnd {
     ~ThreadEnd() { blocks.end(); }
 };
 
+/// Before a thread holds its first block, whether that is one it was given or one that it gives back.
+void ThreadBlocks::endWithThread() {
+    static thread_local const ThreadEnd atEnd;
+    static_cast<void>(atEnd);
+}
+
+Block* ThreadBlocks::taken() {
+    Block* const chain = SharedChains::shared().take();
+    if (chain) endWithThread();
+    return chain;
+}
+
 }  // namespace
 
 void* allocate(std::size_t size) {
@@ -107,8 +121,7 @@ void* allocate(std::size_t size) {
 /// AddressSanitizer sees every block go, to tell of those that are touched too late.
 void release(void* memory, std::size_t size) noexcept {
     if (size > kBlockSize || blocks.areOver || kAddressSanitizer) return ::operator delete(memory);
-    static thread_local const ThreadEnd atEnd;
-    static_cast<void>(atEnd);
+    ThreadBlocks::endWithThread();
     blocks.push(memory);
 }
 
