@@ -62,8 +62,9 @@ class KX_EXPORT KXCache : public Subclass<KXCache, NSObject> {
 
     /// The key's value from memory, else from disk, else from the loader, whose value is stored in both. One
     /// load serves all who ask for the key meanwhile, each by its own options; the loader is that of one of
-    /// them. What is set or removed through this object while a load is under way stays so: the load answers
-    /// those who asked before, and is not stored. A failure is not stored either.
+    /// them. A key that is set or removed through this object while a load is under way outdates the load:
+    /// that answers those who asked before, and is not stored. Where the two meet in the moment of storing,
+    /// the key may be left without a value, never with the load's. A failure is not stored either.
     ///
     ///     cache->load("nice", [] { return askForBerths("nice"); }, {.freshFor = 60, .staleFor = 600},
     ///                 [](const Result<Value>& berths) { if (berths) show(*berths); });
