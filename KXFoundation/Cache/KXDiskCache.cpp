@@ -59,12 +59,6 @@ struct KXDiskCache::State : std::enable_shared_from_this<State> {
             return {};
         }
     }
-    void changeLimits(const std::function<void(disk::DiskLimits&)>& change) {
-        auto limits = store.limits();
-        change(limits);
-        succeeded(store.setLimits(limits));
-    }
-
     const std::shared_ptr<DispatchQueue> queue;
     disk::DiskStore store;
     std::vector<KXCacheDone> waiting;  // the queue's own
@@ -153,7 +147,7 @@ std::uint64_t KXDiskCache::countLimit() const {
 }
 
 void KXDiskCache::setCountLimit(std::uint64_t limit) {
-    state_->changeLimits([limit](disk::DiskLimits& limits) { limits.count = limit; });
+    succeeded(state_->store.changeLimits([limit](disk::DiskLimits& limits) { limits.count = limit; }));
 }
 
 std::uint64_t KXDiskCache::costLimit() const {
@@ -161,7 +155,7 @@ std::uint64_t KXDiskCache::costLimit() const {
 }
 
 void KXDiskCache::setCostLimit(std::uint64_t limit) {
-    state_->changeLimits([limit](disk::DiskLimits& limits) { limits.cost = limit; });
+    succeeded(state_->store.changeLimits([limit](disk::DiskLimits& limits) { limits.cost = limit; }));
 }
 
 double KXDiskCache::ageLimit() const {
@@ -169,7 +163,8 @@ double KXDiskCache::ageLimit() const {
 }
 
 void KXDiskCache::setAgeLimit(double seconds) {
-    state_->changeLimits([seconds](disk::DiskLimits& limits) { limits.age = seconds > 0 ? seconds : 0; });
+    succeeded(state_->store.changeLimits(
+        [seconds](disk::DiskLimits& limits) { limits.age = seconds > 0 ? seconds : 0; }));
 }
 
 std::optional<std::string> KXDiskCache::cachePathForKey(KXCacheKey key) const {

@@ -29,7 +29,10 @@ class Harbour : public Subclass<Harbour, NSObject>, public NSSecureCoding {
         return other.isKindOfClass(isa()) && static_cast<const Harbour&>(other).berths_ == berths_;
     }
     void encodeWithCoder(NSCoder& coder) const override { coder.encode("berths", berths_); }
-    bool initWithCoder(NSCoder& coder) override { return init(coder.decodeInteger("berths").value_or(0)); }
+    bool initWithCoder(NSCoder& coder) override {
+        return !refuses && init(coder.decodeInteger("berths").value_or(0));
+    }
+    static inline bool refuses = false;
 
   private:
     std::int64_t berths_ = 0;
@@ -81,6 +84,17 @@ TEST_F(KXDiskCacheTest, WhatGoesInComesOutEqual) {
     EXPECT_THAT(log.lines(), ::testing::IsEmpty());
     written->setObject(Value(std::shared_ptr<NSObject>(make<NSObject>())), "no archive");
     EXPECT_FALSE(written->containsObjectForKey("no archive"));
+    EXPECT_EQ(log.lines().size(), 1u);
+}
+
+TEST_F(KXDiskCacheTest, WhatAClassRefusesStaysForThoseThatTakeIt) {
+    registerSecureCoding<Harbour>();
+    const auto cache = open();
+    cache->setObject(harbour(3), "harbour");
+    Harbour::refuses = true;
+    EXPECT_TRUE(cache->objectForKey("harbour").isNull());
+    Harbour::refuses = false;
+    EXPECT_EQ(cache->objectForKey("harbour"), harbour(3));
     EXPECT_EQ(log.lines().size(), 1u);
 }
 
@@ -149,6 +163,20 @@ TEST_F(KXDiskCacheTest, LimitsHoldAfterEverySet) {
     EXPECT_GT(cache->statistics().evictions, 5000u);
 }
 
+TEST_F(KXDiskCacheTest, WhatWasJustSetStaysWhateverWasRead) {
+    const std::size_t sizes[] = {10, 100'000};  // the others are carried along, or are too large for that
+    for (const std::size_t size : sizes) {
+        const auto cache = open(std::to_string(size));
+        const std::string keys[] = {"a", "b", "c"};
+        cache->setCountLimit(std::size(keys));
+        for (const std::string& key : keys) cache->setObject(std::string(size, 'x'), key);
+        for (const std::string& key : keys) EXPECT_FALSE(cache->objectForKey(key).isNull());
+        cache->setObject("new", "d");
+        EXPECT_EQ(cache->objectForKey("d"), Value("new"));
+        EXPECT_EQ(cache->totalCount(), std::size(keys));
+    }
+}
+
 TEST_F(KXDiskCacheTest, OverwritingKeepsTheLogShort) {
     const auto cache = open();
     cache->setCostLimit(2 << 20);
@@ -204,6 +232,28 @@ TEST_F(KXDiskCacheTest, ASyncedSetAloneIsOneAppendAndOneSync) {
     drainQueues();
     EXPECT_EQ(answers, 51);
     EXPECT_EQ(files->calls(Call::Sync), 2u);
+}
+
+TEST_F(KXDiskCacheTest, AFailedSyncIsNotForgotten) {
+    const auto cache = open();
+    cache->setObject(1, "a");
+    EXPECT_TRUE(cache->synchronize());
+    cache->setObject(2, "b");
+    files->failCall(1);
+    EXPECT_FALSE(cache->synchronize());
+    EXPECT_FALSE(cache->synchronize()) << "a sync that succeeds now tells nothing of what was not written";
+    cache->removeAllObjects();
+    drainQueues();
+    cache->setObject(3, "c");
+    EXPECT_TRUE(cache->synchronize()) << "what could not be written is not wanted any more";
+
+    cache->setCostLimit(2 << 20);
+    cache->setObject(std::string(300'000, 'x'), "fills a segment");
+    cache->setObject(4, "in the next one");
+    files->failCall(1, EMFILE);
+    EXPECT_FALSE(cache->synchronize()) << "the former one could not be opened";
+    EXPECT_TRUE(cache->synchronize());
+    EXPECT_EQ(open()->totalCount(), 3u);
 }
 
 TEST_F(KXDiskCacheTest, OpeningReadsNoValueAndMapsOnce) {

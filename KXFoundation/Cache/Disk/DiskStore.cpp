@@ -39,7 +39,8 @@ DiskStore::DiskStore(std::string folder, std::shared_ptr<DispatchQueue> queue)
     : folder_(std::move(folder)),
       queue_(std::move(queue)),
       files_(FileSystem::slot().shared()),
-      clock_(Clock::slot().shared()) {}
+      clock_(Clock::slot().shared()),
+      unsynced_(std::make_shared<UnsyncedFiles>(files_, folder_)) {}
 
 Result<std::optional<DiskIndex::Place>> DiskStore::locate(std::string_view key) {
     const std::uint64_t hash = hashOfKey(key);
@@ -113,12 +114,11 @@ Result<Value> DiskStore::get(std::string_view key) {
         if (!*prepared) return Value();
         read = std::move(**prepared);
     }
-    auto value = readValue(key, read);
-    if (!value && value.error().kind == ErrorKind::Corrupt) heal(key, read);
-    return value;
+    return readValue(key, read);
 }
 
-/// Copies the payload out of the mapping and looks whether it is what was written.
+/// Copies the payload out of the mapping and looks whether it is what was written. One that is, but that no
+/// class here takes, stays for those that do.
 Result<Value> DiskStore::readValue(std::string_view key, const Read& read) {
     const auto entry = read.mapping->bytes().subspan(read.position.offset,
                                                      sizeof(EntryHeader) + read.keySize + read.payloadSize);
@@ -137,8 +137,10 @@ Result<Value> DiskStore::readValue(std::string_view key, const Read& read) {
     const bool isWhole = isReadable && header.keySize == read.keySize &&
                          header.payloadSize == read.payloadSize && header.payloadHash == hash &&
                          header.check == header.expectedCheck(read.keyHash, read.salt, read.position.offset);
-    if (!isWhole)
+    if (!isWhole) {
+        heal(key, read);
         return Error{ErrorKind::Corrupt, 0, folder_ + "/" + DiskSegment::nameOf(read.position.segment)};
+    }
     if (isOtherKey || key.size() != read.keySize) return Value();  // of the same hash
     if (read.form == Form::Data) return Value::data(std::move(payload));
     return valueOf(read.form, payload);
@@ -168,7 +170,7 @@ Result<void> DiskStore::set(std::string_view key, const StoredValue& value) {
         return append(Form::Removal, key, {}, Stamp::at(clock_->wallTime()));
     }
     if (auto done = append(value.form(), key, payload, Stamp::at(clock_->wallTime())); !done) return done;
-    holdLimits(4 * payload.size() + (64 << 10));
+    holdLimits(4 * payload.size() + (64 << 10), hashOfKey(key));
     return {};
 }
 
@@ -223,8 +225,7 @@ Result<void> DiskStore::append(Form form, std::string_view key, std::span<const 
 
     index_.apply(segment, {keyHash, offset, header.payloadSize, stamp, form, header.keySize});
     known_ = tail;
-    if (unsynced_.empty() || unsynced_.back() != segment.file->path())
-        unsynced_.push_back(segment.file->path());
+    unsynced_->add(segment.file->path(), segment.file->file());
     return {};
 }
 
@@ -243,35 +244,21 @@ Result<void> DiskStore::roll() {
     if (!made) return std::move(made).error();
     if (last) last->file->close();
     Segment& next = index_.add(std::move(*made));
-    isFolderUnsynced_ = true;
+    unsynced_->addFolder();
     known_ = {next.file->number(), static_cast<std::uint32_t>(next.end)};
     return page_->setTail(known_) ? Result<void>() : Result<void>(lostPage());
 }
 
 Result<void> DiskStore::synchronize() {
-    std::vector<std::string> unsynced;
-    std::shared_ptr<File> last;
-    bool isFolderUnsynced = false;
     {
         const MutexLock lock(mutex_);
         if (auto opened = open(); !opened) return opened;
-        unsynced.swap(unsynced_);
-        isFolderUnsynced = std::exchange(isFolderUnsynced_, false);
-        if (!unsynced.empty() && index_.last() && unsynced.back() == index_.last()->file->path()) {
-            last = index_.last()->file->file();
-            if (last) unsynced.pop_back();
-        }
     }
-    auto result = last ? last->sync() : Result<void>();
-    if (auto done = syncFiles(*files_, unsynced); !done) result = done;
-    if (isFolderUnsynced) {
-        if (auto done = files_->syncDirectory(folder_); !done) result = done;
-    }
-    if (!result) {  // what a failed sync has left unwritten is not tried again by the next one
-        const MutexLock lock(mutex_);
-        isFolderUnsynced_ = true;
-        if (Segment* segment = index_.last()) segment->isSealed = true;
-    }
+    auto result = unsynced_->sync();
+    if (result) return result;
+    const MutexLock lock(mutex_);
+    Segment* const last = index_.last();
+    if (last && unsynced_->isLost(last->file->path())) last->isSealed = true;  // what comes now may be synced
     return result;
 }
 
@@ -280,11 +267,11 @@ DiskLimits DiskStore::limits() const {
     return limits_;
 }
 
-Result<void> DiskStore::setLimits(const DiskLimits& limits) {
+Result<void> DiskStore::changeLimits(const std::function<void(DiskLimits&)>& change) {
     const MutexLock lock(mutex_);
-    limits_ = limits;
+    change(limits_);
     segmentSize_ =
-        limits.cost == 0 ? kLargestSegment : std::clamp(limits.cost / 8, kSmallestSegment, kLargestSegment);
+        limits_.cost == 0 ? kLargestSegment : std::clamp(limits_.cost / 8, kSmallestSegment, kLargestSegment);
     if (auto opened = openToChange(); !opened) return opened;
     const PageLock page(*this);
     if (page.result()) holdLimits(0);

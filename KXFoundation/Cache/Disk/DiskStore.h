@@ -3,6 +3,7 @@
 
 #include <chrono>
 #include <cstdint>
+#include <functional>
 #include <memory>
 #include <optional>
 #include <string>
@@ -12,6 +13,7 @@
 #include <KXFoundation/Cache/Disk/DiskIndex.h>
 #include <KXFoundation/Cache/Disk/HeaderPage.h>
 #include <KXFoundation/Cache/Disk/StoredValue.h>
+#include <KXFoundation/Cache/Disk/UnsyncedFiles.h>
 #include <KXFoundation/Platform/Runtime/Clock.h>
 #include <KXFoundation/Platform/Runtime/DispatchQueue.h>
 #include <KXFoundation/Platform/Runtime/Mutex.h>
@@ -54,7 +56,7 @@ class DiskStore {
     [[nodiscard]] Result<void> synchronize();
 
     [[nodiscard]] DiskLimits limits() const;
-    [[nodiscard]] Result<void> setLimits(const DiskLimits& limits);
+    [[nodiscard]] Result<void> changeLimits(const std::function<void(DiskLimits&)>& change);
     [[nodiscard]] Result<DiskStatistics> statistics();
     /// The file that holds the key's value.
     [[nodiscard]] std::optional<std::string> fileOf(std::string_view key);
@@ -104,7 +106,8 @@ class DiskStore {
     Result<void> append(Form form, std::string_view key, std::span<const std::byte> payload, Stamp stamp)
         KX_REQUIRES(mutex_);
     Result<void> roll() KX_REQUIRES(mutex_);
-    void holdLimits(std::uint64_t budget) KX_REQUIRES(mutex_);
+    void holdLimits(std::uint64_t budget, std::optional<std::uint64_t> justSet = std::nullopt)
+        KX_REQUIRES(mutex_);
     enum class Carried : std::uint8_t { Done, Refused, Damaged };
     Carried carry(const Place& place) KX_REQUIRES(mutex_);
     Result<std::vector<std::byte>> readEntry(const Place& place) KX_REQUIRES(mutex_);
@@ -128,6 +131,7 @@ class DiskStore {
     const std::shared_ptr<DispatchQueue> queue_;
     const std::shared_ptr<FileSystem> files_;
     const std::shared_ptr<Clock> clock_;
+    const std::shared_ptr<UnsyncedFiles> unsynced_;
 
     mutable Mutex mutex_;
     std::unique_ptr<HeaderPage> page_ KX_GUARDED_BY(mutex_);  // absent while the folder is not open
@@ -138,15 +142,10 @@ class DiskStore {
     Position knownHead_ KX_GUARDED_BY(mutex_);  // and none before this
     DiskLimits limits_ KX_GUARDED_BY(mutex_);
     std::uint64_t segmentSize_ KX_GUARDED_BY(mutex_) = kLargestSegment;
-    std::vector<std::byte> entry_ KX_GUARDED_BY(mutex_);       // being written
-    std::vector<std::string> unsynced_ KX_GUARDED_BY(mutex_);  // segments, the last one included
-    bool isFolderUnsynced_ KX_GUARDED_BY(mutex_) = false;
+    std::vector<std::byte> entry_ KX_GUARDED_BY(mutex_);  // being written
     std::uint64_t hits_ KX_GUARDED_BY(mutex_) = 0;
     std::uint64_t misses_ KX_GUARDED_BY(mutex_) = 0;
     std::uint64_t evictions_ KX_GUARDED_BY(mutex_) = 0;
 };
-
-/// Waits until the files would survive a power cut; one that is missing has nothing to lose.
-[[nodiscard]] Result<void> syncFiles(FileSystem& files, const std::vector<std::string>& paths);
 
 }  // namespace kx::disk

@@ -29,8 +29,8 @@ bool DiskStore::isWasteful() const {
 
 /// Drops from the old end of the log until the limits hold. What was read since it was written is spared once
 /// and goes to the new end; so does, where only dead entries are to go, every live one. The budget bounds how
-/// many bytes one call moves.
-void DiskStore::holdLimits(std::uint64_t budget) {
+/// many bytes one call moves, but for the value that was just set: that comes last, whatever was read.
+void DiskStore::holdLimits(std::uint64_t budget, std::optional<std::uint64_t> justSet) {
     while (const auto place = index_.oldest()) {
         const bool isLive = index_.isLive(*place);
         const bool isTooOld = isLive && isExpired(place->record());
@@ -38,12 +38,13 @@ void DiskStore::holdLimits(std::uint64_t budget) {
         if (isLive && !isTooOld && !over && !isWasteful()) break;
         if (isLive && !isTooOld) {
             const std::uint64_t size = place->record().entrySize();
-            const bool isWanted = !over || place->segment->used[place->slot];
-            const bool isAffordable = size <= budget;
+            const bool isJustSet = place->record().keyHash == justSet;
+            const bool isWanted = !over || isJustSet || place->segment->used[place->slot];
+            const bool isAffordable = isJustSet || size <= budget;
             if (!over && !isAffordable) break;
             const Carried carried = isWanted && isAffordable ? carry(*place) : Carried::Refused;
             if (carried == Carried::Refused && !over) break;
-            if (carried == Carried::Done) budget -= size;
+            if (carried == Carried::Done) budget -= std::min(size, budget);
             if (carried == Carried::Refused) ++evictions_;
         } else if (isTooOld) {
             ++evictions_;
@@ -98,25 +99,11 @@ void DiskStore::publishHead(Dropped dropped) {
 /// Values in the files may have been synced there, and replaced or carried on by entries that are not synced
 /// yet: these are synced first. Where that fails the files stay, until the folder is opened the next time.
 void DiskStore::removeLater(std::vector<std::string> paths, Dropped dropped) {
-    std::erase_if(unsynced_,
-                  [&](const std::string& path) { return std::ranges::find(paths, path) != paths.end(); });
-    auto newer = dropped == Dropped::ForNewer ? unsynced_ : std::vector<std::string>();
-    queue_->async([files = files_, folder = folder_, paths = std::move(paths), newer = std::move(newer)] {
-        const bool isSafe = newer.empty() || (syncFiles(*files, newer) && files->syncDirectory(folder));
-        if (!isSafe) return;
+    unsynced_->forget(paths);
+    queue_->async([files = files_, unsynced = unsynced_, paths = std::move(paths), dropped] {
+        if (dropped == Dropped::ForNewer && !unsynced->sync()) return;
         for (const std::string& path : paths) (void)files->remove(path);
     });
-}
-
-Result<void> syncFiles(FileSystem& files, const std::vector<std::string>& paths) {
-    Result<void> result;
-    for (const std::string& path : paths) {
-        auto file = files.open(path, FileSystem::Mode::Read);
-        if (!file && file.error().kind == ErrorKind::Missing) continue;  // dropped meanwhile
-        const auto done = file ? (*file)->sync() : Result<void>(std::move(file).error());
-        if (!done) result = done;
-    }
-    return result;
 }
 
 }  // namespace kx::disk

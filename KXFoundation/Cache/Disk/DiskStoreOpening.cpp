@@ -93,9 +93,6 @@ Result<void> DiskStore::openPage() {
             logError("disk cache, opened for reading only", why);
         }
         page_ = std::move(*page);
-        if (page_->isWritable()) {
-            if (auto locked = page_->lock(); !locked) return locked;
-        }
         const auto isLoaded = loadIfKept();
         if (page_->isWritable()) page_->unlock();
         if (!isLoaded) return isLoaded.error();

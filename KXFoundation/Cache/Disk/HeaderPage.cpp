@@ -98,7 +98,7 @@ Result<std::unique_ptr<HeaderPage>> HeaderPage::open(FileSystem& files, const st
     if (!identity) return std::move(identity).error();
     auto page = (*file)->map(kSize, writes ? File::Access::ReadWrite : File::Access::Read);
     if (!page) return std::move(page).error();
-    (*file)->unlock();
+    if (!writes) (*file)->unlock();
     return std::unique_ptr<HeaderPage>(new HeaderPage(std::move(*file), std::move(*page), *identity, writes));
 }
 

@@ -20,7 +20,8 @@ namespace kx::disk {
 class HeaderPage {
   public:
     enum class Access : bool { Read, ReadWrite };
-    /// Opens the page, and for writing makes it if it is missing or is none.
+    /// Opens the page. For writing makes it if it is missing or is none, and holds its lock: nobody finds a
+    /// page made anew before what lies in the folder is known.
     [[nodiscard]] static Result<std::unique_ptr<HeaderPage>> open(FileSystem& files, const std::string& path,
                                                                   Access access);
 
