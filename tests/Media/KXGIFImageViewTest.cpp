@@ -30,7 +30,8 @@ TEST(NSImage_LoopCount, KeepsWhatItIsGivenAndTellsObservers) {
     };
     for (const char* key : {"images", "duration", "loopCount"})
         tokens.push_back(observe(image, key, ChangeOptions::Both, note));
-    const ImageList frames = std::make_shared<const std::vector<std::shared_ptr<NSImage>>>(2, image);
+    const ImageList frames =
+        std::make_shared<const std::vector<std::shared_ptr<NSImage>>>(2, NSImage::initWithSize({1, 1}));
     NSImage_LoopCount::setDuration(image, 1.1);
     NSImage_LoopCount::setLoopCount(image, std::int64_t{1} << 40);
     NSImage_LoopCount::setImages(image, frames);
