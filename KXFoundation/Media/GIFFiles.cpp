@@ -46,19 +46,23 @@ void GIFFiles::keep(const std::string& path, const std::shared_ptr<NSImage>& ima
 }
 
 GIFFiles::Outcome GIFFiles::decode(const std::string& path) {
+    const auto info = FileSystem::slot().current().info(path);
+    const auto file = info ? std::optional(*info) : std::nullopt;
     MutexLock lock(mutex_);
-    if (const auto found = decodings_.find(path); found != decodings_.end()) {
+    if (const auto found = decodings_.find(path); found != decodings_.end() && found->second->file == file) {
         const auto decoding = found->second;
         while (!decoding->isDone) Executor::slot().current().wait(mutex_, done_);
         return decoding->outcome;
     }
     const auto decoding = decodings_[path] = std::make_shared<Decoding>();
+    decoding->file = file;
     lock.unlock();
     Outcome outcome = decodeFile(path);
     lock.lock();
     decoding->outcome = outcome;
     decoding->isDone = true;
-    decodings_.erase(path);
+    const auto own = decodings_.find(path);
+    if (own != decodings_.end() && own->second == decoding) decodings_.erase(own);
     Executor::slot().current().wake(done_);
     return outcome;
 }

@@ -3,10 +3,12 @@
 
 #include <map>
 #include <memory>
+#include <optional>
 #include <string>
 
 #include <KXFoundation/Platform/Foundation/NSCache.h>
 #include <KXFoundation/Platform/Runtime/Executor.h>
+#include <KXFoundation/Platform/Runtime/FileSystem.h>
 #include <KXFoundation/Platform/Runtime/Mutex.h>
 #include <KXFoundation/Platform/Runtime/OperationQueue.h>
 
@@ -31,11 +33,13 @@ class GIFFiles {
     [[nodiscard]] std::shared_ptr<NSImage> kept(const std::string& path) const;
     void keep(const std::string& path, const std::shared_ptr<NSImage>& image);
 
-    /// Reads and decodes the file; whoever asks while somebody is at it waits for the same outcome.
+    /// Reads and decodes the file; whoever asks while somebody is at it, and the file is the same still,
+    /// waits for the same outcome.
     [[nodiscard]] Outcome decode(const std::string& path);
 
   private:
     struct Decoding {
+        std::optional<FileSystem::Info> file;  // as it was before it was read
         bool isDone = false;
         Outcome outcome;
     };

@@ -70,8 +70,8 @@ void KXGIFImageView::renderImageViewWithImg(const std::shared_ptr<NSImage>& imag
 }
 
 void KXGIFImageView::setGIFPath(std::optional<std::string_view> path) {
+    std::string key(path.value_or(""));  // the path may be a part of the view's own
     setFilePath(path);
-    std::string key(path.value_or(""));
     if (const auto image = GIFFiles::shared().kept(key)) return renderImageViewWithImg(image);
     decodeInBackground(std::move(key));
 }

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <atomic>
+#include <filesystem>
 
 #include <KXFoundation/Media/NSImage_LoopCount.h>
 #include <KXFoundation/Media/TableViewCellGIFImageView.h>
@@ -209,8 +210,26 @@ TEST(KXGIFImageView, ConcurrentRequestsOfOnePathAreReadOnce) {
     EXPECT_EQ(files->opened, 1);
 }
 
+TEST(KXGIFImageView, AFileReplacedMeanwhileIsReadAnew) {
+    const Paths paths;
+    const ScopedProcessState process;
+    const auto files = std::make_shared<GatedFiles>();
+    const ScopedPort<FileSystem> scope(files);
+    const auto first = make<Watched>(std::optional<std::string_view>(paths.moving));
+    drainQueues();
+    std::filesystem::rename(paths.still, paths.moving);
+    const auto second = make<Watched>(std::optional<std::string_view>(paths.moving));
+    drainQueues();
+    EXPECT_EQ(files->opened, 2);
+    files->openGate();
+    drainQueues();
+    EXPECT_EQ(second->told, first->told);
+    EXPECT_THAT(second->told, ElementsAre("picture", "image"));
+}
+
 TEST(KXGIFImageView, InTableCellsIsNotHighlighted) {
-    const auto view = make<TableViewCellGIFImageView>();
+    const std::shared_ptr<TableViewCellGIFImageView> view =
+        TableViewCellGIFImageView::initWithGIFPath(std::nullopt);
     view->setHighlighted(true);
     EXPECT_FALSE(view->isHighlighted());
 }
