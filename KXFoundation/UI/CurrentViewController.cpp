@@ -25,7 +25,9 @@ std::shared_ptr<NSWindow> foremostNormalWindow() {
 
 std::shared_ptr<NSViewController> KXUIUtils::currentViewController() {
     DispatchQueue& main = DispatchQueue::main();
-    if (DispatchQueue::currentQueueLabel() == main.label()) return _currentViewController();
+    // A block of another queue that the main one waits for is on the main thread too.
+    if (DispatchQueue::currentQueueLabel() == main.label() || main.isCurrent())
+        return _currentViewController();
     return main.sync([] { return _currentViewController(); });
 }
 

@@ -36,6 +36,7 @@ void KXMaskView::show() {
     const auto content = key->contentView();
     setFrame(content ? content->bounds() : NSRect());
     const auto window = make<NSWindow>();
+    shown_ = window;
     window->setContentView(held);
     key->addChildWindow(window, NSWindowOrderingMode::Above);
 }
@@ -50,7 +51,7 @@ void KXMaskView::dismiss() {
 void KXMaskView::leaveWindow() {
     const auto shownIn = window();
     removeFromSuperview();
-    const bool isOwn = shownIn && !shownIn->contentView();
+    const bool isOwn = shownIn && shownIn == shown_.lock();
     if (const auto parent = shownIn ? shownIn->parentWindow() : nullptr; parent && isOwn)
         parent->removeChildWindow(shownIn);
 }

@@ -51,6 +51,7 @@ class KX_EXPORT KXMaskView : public Subclass<KXMaskView, NSView>, public NSGestu
     void leaveWindow();
 
     std::weak_ptr<KXMaskViewDelegate> delegate_;
+    std::weak_ptr<NSWindow> shown_;  // the window that show() made
 };
 
 }  // namespace kx

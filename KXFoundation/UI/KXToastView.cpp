@@ -66,6 +66,7 @@ bool KXToastView::init(std::optional<std::string_view> title, std::shared_ptr<NS
     addGestureRecognizer(NSClickGestureRecognizer::initWithTarget(self(), &KXToastView::toastViewClicked));
     listen();
     setWantsLayer(true);
+    viewWidth_ = 235;
     addCard();
     addPicture(std::move(customImage));
     addTitle(title);

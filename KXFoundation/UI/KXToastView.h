@@ -106,7 +106,7 @@ class KX_EXPORT KXToastView : public Subclass<KXToastView, NSView> {
     void constrainContent();
     void constrainCard();
 
-    double viewWidth_ = 235;
+    double viewWidth_ = 0;
     double contentViewBottomY_ = 0;
     bool shouldDismissWhenClicked_ = false;
     std::shared_ptr<NSView> contentView_;

@@ -53,6 +53,13 @@ TEST_F(Mask, LeavesAWindowThatIsNotItsOwn) {
     shown.surface().click({50, 50});
     EXPECT_EQ(mask->superview(), nullptr);
     EXPECT_TRUE(shown.window->isVisible());
+
+    const auto child = make<NSWindow>();
+    child->setContentView(mask);
+    shown.window->addChildWindow(child, NSWindowOrderingMode::Above);
+    mask->dismiss();
+    EXPECT_EQ(child->contentView(), nullptr);
+    EXPECT_EQ(children(), 1U);
 }
 
 TEST_F(Mask, ItsDelegateMayDoAnything) {
