@@ -91,7 +91,7 @@ void writeJpeg(const std::shared_ptr<NSImage>& image, double quality, std::optio
     const std::string_view contents(reinterpret_cast<const char*>(data->data()), data->size());
     FileSystem& files = FileSystem::slot().current();
     removeLeftOver(files, std::string(*path), LeftOver::Dead);
-    (void)replaceFile(files, std::string(*path), contents);
+    (void)replaceFile(files, std::string(*path), contents, Kept::Document);
 }
 
 }  // namespace

@@ -57,7 +57,8 @@ class FaultyFileSystem::Faults {
     static constexpr std::uint64_t kUnbounded = std::numeric_limits<std::uint64_t>::max();
 
     std::mutex mutex;  // guards all below
-    std::array<std::size_t, 14> counts{};
+    std::array<std::size_t, static_cast<std::size_t>(Call::Map) + 1>
+        counts{};  // by kind, of which that is the last
     std::uint64_t bytesRead = 0;
     std::size_t untilFailure = 0;  // 1: the next call fails; 0: none does
     int systemError = 0;
@@ -246,6 +247,11 @@ class FaultyFileSystem::FaultyFile final : public File {
     Result<std::uint64_t> identity() override {
         if (const int error = faults_->meet(Call::Info)) return failure(error);
         return below_->identity();
+    }
+
+    Result<void> setPermissions(std::uint32_t permissions) override {
+        if (const int error = faults_->meet(Call::SetPermissions)) return failure(error);
+        return below_->setPermissions(permissions);
     }
 
     Result<void> truncate(std::uint64_t size) override {

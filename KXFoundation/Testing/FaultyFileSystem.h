@@ -32,6 +32,7 @@ class KX_EXPORT FaultyFileSystem final : public FileSystem {
         Read,
         Write,
         Size,
+        SetPermissions,
         Truncate,
         Sync,
         Lock,

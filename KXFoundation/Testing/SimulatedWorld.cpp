@@ -141,6 +141,9 @@ class SimulatedWorld::ScheduledFiles final : public FileSystem {
         }
         Result<std::uint64_t> size() override { return then().size(); }
         Result<std::uint64_t> identity() override { return then().identity(); }
+        Result<void> setPermissions(std::uint32_t permissions) override {
+            return then().setPermissions(permissions);
+        }
         Result<void> truncate(std::uint64_t size) override { return then().truncate(size); }
         Result<void> sync() override { return then().sync(); }
         Result<void> lock(Lock kind) override {

@@ -16,18 +16,28 @@ namespace kx {
 namespace {
 
 constexpr std::string_view kTemporary = ".new-";
+constexpr std::size_t kLongestName = 255;                                    // NAME_MAX
+constexpr std::size_t kLongestStem = kLongestName - kTemporary.size() - 21;  // two numbers and a dash
+
+/// What the temporary names of a file of this name begin with.
+std::string_view stemOf(std::string_view name) {
+    return name.substr(0, kLongestStem);
+}
 
 /// Beside the file, under a name that no other thread or process has.
 std::string temporaryPath(const std::string& path) {
     static std::atomic<unsigned> counter{0};
-    return path + std::string(kTemporary) + std::to_string(getpid()) + "-" +
-           std::to_string(counter.fetch_add(1));
+    const std::size_t name = path.find_last_of('/') + 1;  // npos + 1 is 0
+    std::string temporary = path.substr(0, name);
+    temporary.append(stemOf(std::string_view(path).substr(name))).append(kTemporary);
+    return temporary + std::to_string(getpid()) + "-" + std::to_string(counter.fetch_add(1));
 }
 
 /// The process in the name of a temporary file of the file called `name`; absent for any other name.
 std::optional<pid_t> processOf(std::string_view temporary, std::string_view name) {
-    if (!temporary.starts_with(name) || !temporary.substr(name.size()).starts_with(kTemporary)) return {};
-    const std::string_view numbers = temporary.substr(name.size() + kTemporary.size());
+    const std::string_view stem = stemOf(name);
+    if (!temporary.starts_with(stem) || !temporary.substr(stem.size()).starts_with(kTemporary)) return {};
+    const std::string_view numbers = temporary.substr(stem.size() + kTemporary.size());
     const char* const end = numbers.data() + numbers.size();
     pid_t process = 0;
     unsigned number = 0;
@@ -80,15 +90,21 @@ Result<std::unique_ptr<File>> lockFile(FileSystem& files, const std::string& pat
     return file;
 }
 
-Result<void> replaceFile(FileSystem& files, const std::string& path, std::string_view contents) {
+Result<void> replaceFile(FileSystem& files, const std::string& path, std::string_view contents, Kept kept) {
     const std::string temporary = temporaryPath(path);
+    const auto former = kept == Kept::Document ? files.info(path) : Result<FileSystem::Info>(Error());
+    const bool isPrivate = kept == Kept::Private || former;  // a former one's mode is given before any byte
+    const auto mode = isPrivate ? FileSystem::Mode::CreateNew : FileSystem::Mode::CreateNewDocument;
     const auto write = [&]() -> Result<void> {
-        auto file = files.open(temporary, FileSystem::Mode::CreateNew);
+        auto file = files.open(temporary, mode);
         if (!file && file.error().systemError == EEXIST) {  // left by a process that died with this id
             if (auto removed = files.remove(temporary); !removed) return removed;
-            file = files.open(temporary, FileSystem::Mode::CreateNew);
+            file = files.open(temporary, mode);
         }
         if (!file) return std::move(file).error();
+        if (former) {
+            if (auto done = (*file)->setPermissions(former->permissions); !done) return done;
+        }
         if (auto done = (*file)->writeAt(0, std::as_bytes(std::span(contents))); !done) return done;
         if (auto done = (*file)->sync(); !done) return done;
         return files.rename(temporary, path);

@@ -44,6 +44,7 @@ class KX_EXPORT File {
     virtual Result<std::uint64_t> size() = 0;
     /// As FileSystem::Info has it, also when another file lies under the name by now.
     virtual Result<std::uint64_t> identity() = 0;
+    virtual Result<void> setPermissions(std::uint32_t permissions) = 0;
     virtual Result<void> truncate(std::uint64_t size) = 0;
     /// Waits until the contents (and the size) would survive a power cut.
     virtual Result<void> sync() = 0;
@@ -68,14 +69,17 @@ class KX_EXPORT FileSystem {
 
     enum class Mode : std::uint8_t {
         Read,
-        ReadWrite,  ///< made (mode 0600) if missing
-        CreateNew,  ///< fails if it exists
+        ReadWrite,          ///< made (mode 0600) if missing
+        CreateNew,          ///< fails if it exists; mode 0600
+        CreateNewDocument,  ///< fails if it exists; mode 0666 less the process's mask
     };
     struct Info {
         enum class Kind : std::uint8_t { File, Directory, Other } kind;
         std::uint64_t size;
         std::int64_t modifiedNanoseconds;  ///< since 1970
         std::uint64_t identity;            ///< the inode: another file under the same name has another one
+        std::uint32_t permissions;         ///< the mode's lower 12 bits
+        bool operator==(const Info&) const = default;
     };
 
     virtual Result<std::unique_ptr<File>> open(const std::string& path, Mode mode) = 0;
@@ -100,8 +104,12 @@ class KX_EXPORT FileSystem {
 KX_EXPORT Result<std::string> readFile(FileSystem& files, const std::string& path, std::uint64_t limit);
 
 /// Replaces a file so that a kill or power cut at any instant leaves the old or the new contents: a temporary
-/// file beside it, sync, rename, sync of the directory. The temporary file is removed on failure.
-KX_EXPORT Result<void> replaceFile(FileSystem& files, const std::string& path, std::string_view contents);
+/// file beside it, sync, rename, sync of the directory. The temporary file is removed on failure. A private
+/// file is its owner's alone (mode 0600); a document keeps the mode of the one it replaces, and has the mode
+/// that the process's mask leaves where there was none.
+enum class Kept : std::uint8_t { Private, Document };
+KX_EXPORT Result<void> replaceFile(FileSystem& files, const std::string& path, std::string_view contents,
+                                   Kept kept = Kept::Private);
 
 /// Which temporary files of replaceFile are left over from a process that was killed.
 enum class LeftOver : std::uint8_t {

@@ -92,6 +92,10 @@ class PosixFile final : public File {
         return static_cast<std::uint64_t>(status.st_ino);
     }
 
+    Result<void> setPermissions(std::uint32_t permissions) override {
+        return done(::fchmod(descriptor_, permissions), path_);
+    }
+
     Result<void> truncate(std::uint64_t size) override {
         return done(::ftruncate(descriptor_, static_cast<off_t>(size)), path_);
     }
@@ -129,6 +133,7 @@ class PosixFileSystem final : public FileSystem {
   public:
     Result<std::unique_ptr<File>> open(const std::string& path, Mode mode) override {
         int flags = O_CLOEXEC;
+        mode_t permissions = 0600;
         switch (mode) {
             case Mode::Read:
                 flags |= O_RDONLY | O_NONBLOCK;
@@ -136,11 +141,15 @@ class PosixFileSystem final : public FileSystem {
             case Mode::ReadWrite:
                 flags |= O_RDWR | O_CREAT;
                 break;
+            case Mode::CreateNewDocument:
+                permissions = 0666;
+                [[fallthrough]];
             case Mode::CreateNew:
                 flags |= O_RDWR | O_CREAT | O_EXCL;
                 break;
         }
-        const int descriptor = untilUninterrupted([&] { return ::open(systemPath(path), flags, 0600); });
+        const int descriptor =
+            untilUninterrupted([&] { return ::open(systemPath(path), flags, permissions); });
         if (descriptor < 0) return failed(path);
         return std::unique_ptr<File>(std::make_unique<PosixFile>(descriptor, path));
     }
@@ -152,7 +161,8 @@ class PosixFileSystem final : public FileSystem {
                           : S_ISDIR(status.st_mode) ? Info::Kind::Directory
                                                     : Info::Kind::Other;
         return Info{kind, static_cast<std::uint64_t>(status.st_size),
-                    status.st_mtim.tv_sec * 1'000'000'000 + status.st_mtim.tv_nsec, status.st_ino};
+                    status.st_mtim.tv_sec * 1'000'000'000 + status.st_mtim.tv_nsec, status.st_ino,
+                    status.st_mode & 07777U};
     }
 
     Result<std::vector<std::string>> list(const std::string& directory) override {

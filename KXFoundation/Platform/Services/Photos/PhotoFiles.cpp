@@ -82,7 +82,7 @@ Result<void> PhotoFiles::copyInto(const PhotoPlace& incoming, const std::string&
         return Error{ErrorKind::Unsupported, 0, from + ": no file"};
     auto source = files_->open(from, FileSystem::Mode::Read);
     if (!source) return std::move(source).error();
-    auto target = files_->open(pathOf(incoming), FileSystem::Mode::CreateNew);
+    auto target = files_->open(pathOf(incoming), FileSystem::Mode::CreateNewDocument);
     if (!target) return std::move(target).error();
     if (auto copied = copy(**source, **target, info->size, from); !copied) return copied;
     return (*target)->sync();
