@@ -109,9 +109,15 @@ template <class T>
     std::string_view text =
         __PRETTY_FUNCTION__;  // "... [with T = kx::KXList; ...]" or "... [T = kx::KXList]"
     text.remove_prefix(text.find("T = ") + 4);
-    text = text.substr(0, text.find_first_of(";]"));
-    const std::size_t scope = text.rfind("::");
-    return scope == std::string_view::npos ? text : text.substr(scope + 2);
+    std::size_t name = 0, depth = 0, end = 0;
+    for (; end < text.size(); ++end) {
+        const char letter = text[end];
+        if (depth == 0 && (letter == ';' || letter == ']')) break;
+        if (letter == '<' || letter == '(' || letter == '[') ++depth;
+        if (letter == '>' || letter == ')' || letter == ']') --depth;
+        if (depth == 0 && letter == ':') name = end + 1;  // what stands in brackets has scopes of its own
+    }
+    return text.substr(name, end - name);
 }
 
 /// Ties a C++ type to its Class object: `class MyList : public Subclass<MyList, KXList>`.

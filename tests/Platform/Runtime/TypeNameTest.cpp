@@ -1,0 +1,26 @@
+// SPDX-License-Identifier: MIT
+
+#include <KXFoundation/Platform/Runtime/NSObject.h>
+
+namespace harbour {
+namespace {
+
+template <class... T>
+class Box {
+  public:
+    struct Lid {};
+};
+struct Berth {};
+
+template <class T>
+constexpr std::string_view kName = kx::typeName<T>();
+
+// While compiling, with each compiler.
+static_assert(kName<Berth> == "Berth");
+static_assert(kName<int> == "int");
+static_assert(kName<Box<int[2]>::Lid> == "Lid");
+static_assert(kName<Box<Berth, Box<Berth>>>.starts_with("Box<") &&
+              kName<Box<Berth, Box<Berth>>>.ends_with(">"));
+
+}  // namespace
+}  // namespace harbour
