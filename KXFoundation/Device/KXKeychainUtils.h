@@ -15,9 +15,10 @@
 namespace kx {
 
 /// Small values and objects in the keychain, each under a key, as keyed archives. Every failure is silent but
-/// two, which are logged: what cannot be archived, and an NSException from a class's own decoding. No
-/// instances; any thread. A call waits for a file or for the Secret Service; a service that is silent for
-/// kKeychainTimeout is not asked again for as long. See keychainCapability() for which serves.
+/// two, which are logged: what cannot be archived, and an NSException from a class's own decoding; a damaged
+/// keychain file has a line of its own. No instances; any thread. A call waits for a file or for the Secret
+/// Service; a service that is silent for kKeychainTimeout is not asked again for as long. See
+/// keychainCapability() for which serves.
 class KX_EXPORT KXKeychainUtils {
   public:
     KXKeychainUtils() = delete;
@@ -28,7 +29,8 @@ class KX_EXPORT KXKeychainUtils {
 
     /// Deletes what is under the key, then adds this: a number, text, data, date, array, dictionary or an
     /// object with NSSecureCoding. What cannot be archived, be it for an NSException of its own encoding,
-    /// leaves nothing under the key. Another thread may find nothing there in between.
+    /// leaves nothing under the key. Another thread may find nothing there in between. Where the store cannot
+    /// be written the old item stays.
     static void save(const Value& object, std::optional<std::string_view> key);
 
     /// What is under the key if its class is that one, else null. An object's class must be the very one
