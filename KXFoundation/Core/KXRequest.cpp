@@ -11,6 +11,19 @@ namespace kx {
 
 namespace {
 
+/// Runs at the end of its scope, also where a callback throws.
+template <class Step>
+class AtEnd {
+  public:
+    explicit AtEnd(Step step) : step_(std::move(step)) {}
+    ~AtEnd() { step_(); }
+    AtEnd(const AtEnd&) = delete;
+    AtEnd& operator=(const AtEnd&) = delete;
+
+  private:
+    Step step_;
+};
+
 std::shared_ptr<KXError> errorWithMessage(std::int32_t code, std::string_view message) {
     auto error = KXError::errorWithCode(code);
     error->setMessage(message);
@@ -39,14 +52,20 @@ void KXRequest::requestMethod(const Method& method, Callback callback,
     const auto alive = weak_from_this().lock();  // the method and the callbacks may drop the last reference
     setupNotification();
     timedOut_ = false;
+    ++waits_;
     Error error = KXError::errorWithCode(0);
     const std::int32_t number = method(error);
     identifier_ = number;
     if (number < 0 && error && error->code() >= 0) error->setCode(number);
     if (!isSuccess(error.get())) {
+        isFailing_ = true;
+        const AtEnd failed([this] {
+            isFailing_ = false;
+            cleanRequestID();
+        });
         if (callback) callback(false, error);
         if (callbackWithUserInfo) callbackWithUserInfo(false, error, {});
-        return cleanRequestID();
+        return;
     }
     callback_ = std::move(callback);
     callbackWithUserInfo_ = std::move(callbackWithUserInfo);
@@ -70,10 +89,10 @@ void KXRequest::refuse(const Callback& callback, const CallbackWithUserInfo& cal
 }
 
 void KXRequest::startTimeout() {
-    const std::uint64_t wait = ++waits_;
     if (timeout_.count() <= 0 || identifier_ < 1) return;
-    DispatchQueue::main().after(timeout_, [weak = std::weak_ptr(self()), wait] {
-        if (const auto request = weak.lock(); request && request->waits_ == wait) request->endByTimeout();
+    DispatchQueue::main().after(timeout_, [weak = std::weak_ptr(self()), wait = waits_] {
+        const auto request = weak.lock();
+        if (request && request->waits_ == wait && request->identifier_ >= 1) request->endByTimeout();
     });
 }
 
@@ -126,10 +145,12 @@ void KXRequest::callback(bool success, const Error& error) {
 void KXRequest::callback(bool success, const Error& error, const Value& userInfo) {
     const auto alive = weak_from_this().lock();
     ++waits_;
+    const AtEnd answered([this] {
+        if (autoClean_) clean();
+    });
     // Copies: a callback may clean the object or start its next request.
     if (const auto call = callback_) call(success, error);
     if (const auto call = callbackWithUserInfo_) call(success, error, userInfo);
-    if (autoClean_) clean();
 }
 
 void KXRequest::setupNotification() {

@@ -58,7 +58,8 @@ class KX_EXPORT KXRequest : public Subclass<KXRequest, NSObject>,
   public:
     using Error = std::shared_ptr<KXError>;
     /// Starts the work and answers its request number; a negative one means that it could not be started. May
-    /// change the record in the slot, which has code 0, or put another there.
+    /// change the record in the slot, which has code 0, or put another there. The service is to post its
+    /// answer after this has returned: one posted before is lost, as nobody waits for its number yet.
     using Method = std::function<std::int32_t(Error& error)>;
     using Callback = std::function<void(bool success, const Error& error)>;
     using CallbackWithUserInfo = std::function<void(bool success, const Error& error, const Value& userInfo)>;
@@ -138,6 +139,7 @@ class KX_EXPORT KXRequest : public Subclass<KXRequest, NSObject>,
     virtual void clean();
 
   private:
+    friend class KXRequestAnswer;
     void refuse(const Callback& callback, const CallbackWithUserInfo& callbackWithUserInfo) const;
     void startTimeout();
     void endByTimeout();
@@ -151,6 +153,7 @@ class KX_EXPORT KXRequest : public Subclass<KXRequest, NSObject>,
     std::chrono::nanoseconds timeout_{0};
     std::uint64_t waits_ = 0;  // counts up whenever a wait begins or ends: an old timer knows that it is late
     bool timedOut_ = false;
+    bool isFailing_ = false;  // while the callbacks are told that the start has failed
 };
 
 }  // namespace kx

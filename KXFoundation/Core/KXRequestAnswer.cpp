@@ -82,7 +82,8 @@ void KXRequestAnswer::await_suspend(std::coroutine_handle<> coroutine) {
     const auto deliver = [promise, asked = request.get()](bool success, const auto& error,
                                                           const Value& userInfo) {
         if (asked->timedOut()) return promise->goOn();
-        promise->keep({success, error, asked->response(), userInfo});
+        // What an earlier answer carried is none of a start that failed.
+        promise->keep({success, error, asked->isFailing_ ? Value() : asked->response(), userInfo});
     };
     try {
         request->requestMethodCallbackWithUserInfo(method, deliver);

@@ -26,6 +26,7 @@ using testing::postAnswer;
 struct Seen {
     std::string text = "waiting";
     std::string queue;
+    Value response;
     std::weak_ptr<int> frame;
 };
 
@@ -34,6 +35,7 @@ DetachedTask await(KXRequest& request, KXRequest::Method method, Seen& seen) {
     seen.frame = inFrame;
     try {
         const auto outcome = co_await request.answer(method);
+        if (outcome) seen.response = outcome->response;
         seen.text = !outcome           ? "none"
                     : outcome->success ? "berths " + outcome->response["berths"].description()
                                        : "error " + std::to_string(outcome->error->code());
@@ -86,6 +88,22 @@ TEST_F(KXRequestAnswerTest, EveryEndResumesTheCoroutineOnce) {
         EXPECT_EQ(seen.queue, "main") << what;
         EXPECT_TRUE(seen.frame.expired()) << what;
     }
+}
+
+TEST_F(KXRequestAnswerTest, AFailedStartHasNoResponse) {
+    Seen answered, failed;
+    {
+        const testing::ScopedQueues queues;
+        await(*request, answering(1), answered);
+        postAnswer(1, std::nullopt, 5);
+    }
+    {
+        const testing::ScopedQueues queues;
+        await(*request, answering(-6), failed);
+    }
+    EXPECT_EQ(answered.text, "berths 5");
+    EXPECT_EQ(failed.text, "error -6");
+    EXPECT_TRUE(failed.response.isNull()) << "that of the earlier answer";
 }
 
 TEST_F(KXRequestAnswerTest, IsRefusedWhileAnotherWaits) {

@@ -1,5 +1,7 @@
 // SPDX-License-Identifier: MIT
 
+#include <stdexcept>
+
 #include <gmock/gmock.h>
 
 #include <KXFoundation/Testing/CapturedLog.h>
@@ -157,6 +159,18 @@ TEST_F(KXRequestTest, CallbacksMayDoAsTheyLike) {
     EXPECT_THAT(calls, ElementsAre("U yes - 7"));
 }
 
+TEST_F(KXRequestTest, ACallbackThatThrowsLeavesTheObjectUsable) {
+    const auto throws = [](bool, const auto&) { throw std::runtime_error("thrown"); };
+    EXPECT_THROW(request->requestMethod(answering(-2), throws), std::runtime_error);
+    EXPECT_EQ(request->identifier(), 0);
+    request->requestMethod(answering(13), throws);
+    EXPECT_THROW(postAnswer(13), std::runtime_error);
+    EXPECT_EQ(request->identifier(), 0);
+    start(answering(14));
+    postAnswer(14);
+    EXPECT_THAT(calls, ElementsAre("C yes -", "U yes -"));
+}
+
 TEST_F(KXRequestTest, AStartWithoutMethodIsACallerError) {
     const testing::LenientMode lenient;
     const testing::CapturedLog log;
@@ -197,6 +211,13 @@ TEST_F(KXRequestTimeTest, TimesOutUnlessItWasAnswered) {
     EXPECT_FALSE(request->timedOut());
     clock->advance(std::chrono::seconds(1));
     EXPECT_TRUE(request->timedOut());
+
+    calls.clear();
+    start(answering(15));
+    request->cleanRequestID();
+    start(answering(-5));
+    clock->advance(std::chrono::seconds(3));
+    EXPECT_THAT(calls, ElementsAre("C no -5", "U no -5")) << "nothing is waiting";
     request = nullptr;
     clock->advance(std::chrono::hours(1));
 }
