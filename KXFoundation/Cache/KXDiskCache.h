@@ -49,7 +49,7 @@ class KX_EXPORT KXDiskCache : public Subclass<KXDiskCache, KXDiskCacheProtocol> 
     void removeAllObjectsWithBlock(KXCacheDone block) override;
 
     /// Waits until every change made so far would survive a power cut; false, with one line in the log, if
-    /// one may not.
+    /// one may not. What the system has once failed to write counts as such until its file is dropped.
     bool synchronize();
 
     /// The last part of the path.
