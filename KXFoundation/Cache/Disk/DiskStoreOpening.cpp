@@ -106,7 +106,7 @@ Result<bool> DiskStore::loadIfKept() {
     const auto numbers = segmentNumbers();
     if (!numbers) return numbers.error();
     if (page_->isWritable()) {
-        const auto isKept = keepPage(*numbers);
+        auto isKept = keepPage(*numbers);
         if (!isKept || !*isKept) return isKept;
     }
     auto loaded = load(*numbers);
