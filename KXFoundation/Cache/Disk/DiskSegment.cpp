@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 
 #include <algorithm>
+#include <bit>
 #include <charconv>
 #include <cstdio>
 #include <random>
@@ -13,6 +14,8 @@ namespace kx::disk {
 namespace {
 
 constexpr std::string_view kPrefix = "segment-";
+// What a file grows by: as much again as it has, within these bounds.
+constexpr std::uint64_t kShortestStep = 4 << 10, kLongestStep = 128 << 10;
 
 std::uint64_t freshSalt() {
     std::random_device random;
@@ -89,6 +92,19 @@ Result<void> DiskSegment::write(std::uint64_t offset, std::span<const std::byte>
     return file ? (*file)->writeAt(offset, bytes) : Result<void>(std::move(file).error());
 }
 
+Result<void> DiskSegment::append(std::uint64_t offset, std::span<const std::byte> bytes) {
+    const std::uint64_t end = offset + bytes.size();
+    if (end <= zerosEnd_ || bytes.size() >= kLongestStep) return write(offset, bytes);
+    const std::uint64_t step = std::clamp(std::bit_ceil(end), kShortestStep, kLongestStep);
+    const std::uint64_t zerosEnd = (end + step - 1) / step * step;
+    std::vector<std::byte> longer(zerosEnd - offset);
+    std::ranges::copy(bytes, longer.begin());
+    auto written = write(offset, longer);
+    if (written) zerosEnd_ = zerosEnd;
+    if (!written && written.error().kind == ErrorKind::Full) return write(offset, bytes);
+    return written;
+}
+
 Result<std::uint64_t> DiskSegment::size() {
     auto file = opened(FileSystem::Mode::Read);
     return file ? (*file)->size() : Result<std::uint64_t>(std::move(file).error());
@@ -115,6 +131,10 @@ Result<void> DiskSegment::seal(std::span<const Record> records, std::uint64_t en
     std::memcpy(table.data() + rows.size(), &footer, sizeof footer);
     auto end = size();  // behind whatever a damaged segment holds beyond its entries
     if (!end) return std::move(end).error();
+    if (*end > entriesEnd && *end == zerosEnd_) {
+        if (auto cut = truncate(entriesEnd); !cut) return cut;
+        end = entriesEnd;
+    }
     return write(std::max(*end, entriesEnd), table);
 }
 

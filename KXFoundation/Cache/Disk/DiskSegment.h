@@ -31,7 +31,10 @@ class DiskSegment {
     [[nodiscard]] std::uint64_t salt() const noexcept { return header_.salt; }
     [[nodiscard]] const std::string& path() const noexcept { return path_; }
 
-    [[nodiscard]] Result<void> write(std::uint64_t offset, std::span<const std::byte> bytes);
+    /// Writes behind all entries. Where that makes the file longer it takes zeros along, which the next ones
+    /// go over: the system writes into a file at a third of what it takes to make it longer page by page, and
+    /// frees sooner what came in long writes.
+    [[nodiscard]] Result<void> append(std::uint64_t offset, std::span<const std::byte> bytes);
     [[nodiscard]] Result<std::uint64_t> size();
     [[nodiscard]] Result<std::size_t> readAt(std::uint64_t offset, std::span<std::byte> into);
     [[nodiscard]] Result<void> truncate(std::uint64_t size);
@@ -53,12 +56,14 @@ class DiskSegment {
     DiskSegment(std::shared_ptr<FileSystem> files, std::string path)
         : files_(std::move(files)), path_(std::move(path)) {}
     [[nodiscard]] Result<File*> opened(FileSystem::Mode mode);
+    [[nodiscard]] Result<void> write(std::uint64_t offset, std::span<const std::byte> bytes);
 
     const std::shared_ptr<FileSystem> files_;
     const std::string path_;
     SegmentHeader header_;
     std::shared_ptr<File> file_;
     bool isWritable_ = false;
+    std::uint64_t zerosEnd_ = 0;  // where those that this object appended end
     std::shared_ptr<const FileMapping> mapping_;
 };
 

@@ -217,7 +217,7 @@ Result<void> DiskStore::append(Form form, std::string_view key, std::span<const 
     const std::uint64_t keyHash = hashOfKey(key);
     header.check = header.expectedCheck(keyHash, segment.file->salt(), offset);
     std::memcpy(entry_.data(), &header, sizeof header);
-    auto written = segment.file->write(offset, std::span(entry_).first(header.entrySize()));
+    auto written = segment.file->append(offset, std::span(entry_).first(header.entrySize()));
     if (entry_.size() > kSmallestSegment * 4) entry_ = {};
     if (!written) return written;
     const Position tail{segment.file->number(), static_cast<std::uint32_t>(offset + header.entrySize())};
