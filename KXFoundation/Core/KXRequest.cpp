@@ -11,18 +11,17 @@ namespace kx {
 
 namespace {
 
-/// Runs at the end of its scope, also where a callback throws.
-template <class Step>
-class AtEnd {
-  public:
-    explicit AtEnd(Step step) : step_(std::move(step)) {}
-    ~AtEnd() { step_(); }
-    AtEnd(const AtEnd&) = delete;
-    AtEnd& operator=(const AtEnd&) = delete;
-
-  private:
-    Step step_;
-};
+/// Runs the callbacks, then the last step, also where one of them throws.
+template <class Callbacks, class Step>
+void thenAlways(const Callbacks& callbacks, const Step& step) {
+    try {
+        callbacks();
+    } catch (...) {
+        step();
+        throw;
+    }
+    step();
+}
 
 std::shared_ptr<KXError> errorWithMessage(std::int32_t code, std::string_view message) {
     auto error = KXError::errorWithCode(code);
@@ -59,13 +58,14 @@ void KXRequest::requestMethod(const Method& method, Callback callback,
     if (number < 0 && error && error->code() >= 0) error->setCode(number);
     if (!isSuccess(error.get())) {
         isFailing_ = true;
-        const AtEnd failed([this] {
+        const auto tell = [&] {
+            if (callback) callback(false, error);
+            if (callbackWithUserInfo) callbackWithUserInfo(false, error, {});
+        };
+        return thenAlways(tell, [this] {
             isFailing_ = false;
             cleanRequestID();
         });
-        if (callback) callback(false, error);
-        if (callbackWithUserInfo) callbackWithUserInfo(false, error, {});
-        return;
     }
     callback_ = std::move(callback);
     callbackWithUserInfo_ = std::move(callbackWithUserInfo);
@@ -89,8 +89,9 @@ void KXRequest::refuse(const Callback& callback, const CallbackWithUserInfo& cal
 }
 
 void KXRequest::startTimeout() {
+    const std::uint64_t wait = ++waits_;  // another one than that of a start inside the method
     if (timeout_.count() <= 0 || identifier_ < 1) return;
-    DispatchQueue::main().after(timeout_, [weak = std::weak_ptr(self()), wait = waits_] {
+    DispatchQueue::main().after(timeout_, [weak = std::weak_ptr(self()), wait] {
         const auto request = weak.lock();
         if (request && request->waits_ == wait && request->identifier_ >= 1) request->endByTimeout();
     });
@@ -145,12 +146,13 @@ void KXRequest::callback(bool success, const Error& error) {
 void KXRequest::callback(bool success, const Error& error, const Value& userInfo) {
     const auto alive = weak_from_this().lock();
     ++waits_;
-    const AtEnd answered([this] {
+    const auto tell = [&] {  // copies: a callback may clean the object or start its next request
+        if (const auto call = callback_) call(success, error);
+        if (const auto call = callbackWithUserInfo_) call(success, error, userInfo);
+    };
+    thenAlways(tell, [this] {
         if (autoClean_) clean();
     });
-    // Copies: a callback may clean the object or start its next request.
-    if (const auto call = callback_) call(success, error);
-    if (const auto call = callbackWithUserInfo_) call(success, error, userInfo);
 }
 
 void KXRequest::setupNotification() {

@@ -218,6 +218,16 @@ TEST_F(KXRequestTimeTest, TimesOutUnlessItWasAnswered) {
     start(answering(-5));
     clock->advance(std::chrono::seconds(3));
     EXPECT_THAT(calls, ElementsAre("C no -5", "U no -5")) << "nothing is waiting";
+
+    calls.clear();
+    start([&](KXRequest::Error&) {
+        start(answering(16));  // whose time is not that of the start around it
+        clock->advance(std::chrono::seconds(2));
+        request->cleanRequestID();
+        return 17;
+    });
+    clock->advance(std::chrono::seconds(2));
+    EXPECT_EQ(request->identifier(), 17);
     request = nullptr;
     clock->advance(std::chrono::hours(1));
 }

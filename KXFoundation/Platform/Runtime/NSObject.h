@@ -3,6 +3,7 @@
 
 #include <atomic>
 #include <concepts>
+#include <cstddef>
 #include <memory>
 #include <string>
 #include <string_view>
@@ -103,21 +104,32 @@ requires std::same_as<typename T::ClassType, T>  // derive through Subclass<T, B
     return object;
 }
 
+/// A type's name without its scope; what stands in brackets has scopes of its own.
+[[nodiscard]] constexpr std::string_view withoutScope(std::string_view type) noexcept {
+    constexpr std::string_view kClosing = ")]}>", kOpening = "([{<";
+    int depth = 0;
+    for (std::size_t end = type.size(); end > 0; --end) {
+        const char letter = type[end - 1];
+        if (kClosing.find(letter) != kClosing.npos) ++depth;
+        if (kOpening.find(letter) != kOpening.npos) --depth;
+        if (depth == 0 && letter == ':') return type.substr(end);
+    }
+    return type;
+}
+
+/// "... [with T = kx::KXList]" or "... [T = kx::KXList]".
+template <class T>
+[[nodiscard]] constexpr const char* signatureNaming() noexcept {
+    return __PRETTY_FUNCTION__;
+}
+
 /// The unqualified name of a C++ type, as the compiler spells it.
 template <class T>
 [[nodiscard]] constexpr std::string_view typeName() noexcept {
-    std::string_view text =
-        __PRETTY_FUNCTION__;  // "... [with T = kx::KXList; ...]" or "... [T = kx::KXList]"
+    std::string_view text = signatureNaming<T>();
     text.remove_prefix(text.find("T = ") + 4);
-    std::size_t name = 0, depth = 0, end = 0;
-    for (; end < text.size(); ++end) {
-        const char letter = text[end];
-        if (depth == 0 && (letter == ';' || letter == ']')) break;
-        if (letter == '<' || letter == '(' || letter == '[') ++depth;
-        if (letter == '>' || letter == ')' || letter == ']') --depth;
-        if (depth == 0 && letter == ':') name = end + 1;  // what stands in brackets has scopes of its own
-    }
-    return text.substr(name, end - name);
+    text.remove_suffix(1);
+    return withoutScope(text);
 }
 
 /// Ties a C++ type to its Class object: `class MyList : public Subclass<MyList, KXList>`.

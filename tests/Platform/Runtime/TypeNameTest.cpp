@@ -12,6 +12,9 @@ class Box {
 };
 struct Berth {};
 
+template <char letter>
+struct Val {};
+
 template <class T>
 constexpr std::string_view kName = kx::typeName<T>();
 
@@ -19,6 +22,7 @@ constexpr std::string_view kName = kx::typeName<T>();
 static_assert(kName<Berth> == "Berth");
 static_assert(kName<int> == "int");
 static_assert(kName<Box<int[2]>::Lid> == "Lid");
+static_assert(kName<Val<'x'>>.ends_with('>'));
 static_assert(kName<Box<Berth, Box<Berth>>>.starts_with("Box<") &&
               kName<Box<Berth, Box<Berth>>>.ends_with(">"));
 
