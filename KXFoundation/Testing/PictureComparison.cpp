@@ -96,7 +96,7 @@ Result<void> writePicture(const NSBitmapImageRep& picture, const std::string& pa
     const auto encoded = encodePng(picture);
     if (!encoded) return encoded.error();
     const std::string_view contents(reinterpret_cast<const char*>(encoded->data()), encoded->size());
-    return replaceFile(FileSystem::slot().current(), path, contents);
+    return replaceFile(FileSystem::slot().current(), path, contents, Kept::Document);
 }
 
 }  // namespace kx::testing

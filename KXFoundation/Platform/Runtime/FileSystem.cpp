@@ -102,9 +102,7 @@ Result<void> replaceFile(FileSystem& files, const std::string& path, std::string
             file = files.open(temporary, mode);
         }
         if (!file) return std::move(file).error();
-        if (former) {
-            if (auto done = (*file)->setPermissions(former->permissions); !done) return done;
-        }
+        if (former) (void)(*file)->setPermissions(former->permissions);  // else it is its owner's alone
         if (auto done = (*file)->writeAt(0, std::as_bytes(std::span(contents))); !done) return done;
         if (auto done = (*file)->sync(); !done) return done;
         return files.rename(temporary, path);

@@ -103,11 +103,15 @@ class KX_EXPORT FileSystem {
 /// The whole file; TooLarge beyond `limit` bytes, before anything is allocated.
 KX_EXPORT Result<std::string> readFile(FileSystem& files, const std::string& path, std::uint64_t limit);
 
+/// Who may read a file that replaceFile writes.
+enum class Kept : std::uint8_t {
+    Private,   ///< its owner alone (mode 0600)
+    Document,  ///< who may read the one that it replaces, as far as the file system has modes; where there is
+               ///< none, who may by the process's mask
+};
+
 /// Replaces a file so that a kill or power cut at any instant leaves the old or the new contents: a temporary
-/// file beside it, sync, rename, sync of the directory. The temporary file is removed on failure. A private
-/// file is its owner's alone (mode 0600); a document keeps the mode of the one it replaces, and has the mode
-/// that the process's mask leaves where there was none.
-enum class Kept : std::uint8_t { Private, Document };
+/// file beside it, sync, rename, sync of the directory. The temporary file is removed on failure.
 KX_EXPORT Result<void> replaceFile(FileSystem& files, const std::string& path, std::string_view contents,
                                    Kept kept = Kept::Private);
 
