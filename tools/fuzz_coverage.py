@@ -23,7 +23,7 @@ def replay(build, name, profile):
 
 
 def coverage(build, name, profile, readers):
-    objects = [build / "fuzz" / name, *(build / "lib").glob("*.so"), *(build / "lib" / "KXFoundation").glob("*.so")]
+    objects = [build / "fuzz" / name, *(build / "lib").rglob("*.so")]
     done = subprocess.run(["llvm-cov", "export", "-ignore-filename-regex=^/usr/", "-instr-profile", profile, objects[0],
                            *(a for o in objects[1:] for a in ("-object", o))], check=True, capture_output=True)
     return [file for file in json.loads(done.stdout)["data"][0]["files"]
