@@ -1,10 +1,14 @@
 // SPDX-License-Identifier: MIT
 
+#include <optional>
+
 #include <KXFoundation/Media/NSView_Snapshot.h>
 #include <KXFoundation/Platform/Graphics/GraphicsContext.h>
+#include <KXFoundation/Platform/Graphics/NSAppearance.h>
 #include <KXFoundation/Platform/Graphics/NSImage.h>
 #include <KXFoundation/Platform/Runtime/Monitor.h>
 #include <KXFoundation/Platform/Views/NSView.h>
+#include <KXFoundation/Platform/Views/NSWindow.h>
 
 namespace kx {
 
@@ -14,6 +18,8 @@ void drawInto(const std::shared_ptr<NSBitmapImageRep>& bitmap, NSView& view) {
     const auto context = GraphicsContext::onBitmap(bitmap);
     const GraphicsContext::Current scope(*context);
     const GraphicsContext::SavedState state(*context);
+    std::optional<ScopedAppearance> look;
+    if (const auto window = view.window()) look.emplace(window->appearance());
     view.drawRect(*context, view.bounds());
 }
 

@@ -9,6 +9,7 @@
 #include <KXFoundation/Platform/Graphics/NSColor.h>
 #include <KXFoundation/Platform/Graphics/NSImage.h>
 #include <KXFoundation/Platform/Views/NSView.h>
+#include <KXFoundation/Platform/Views/NSWindow.h>
 
 namespace kx {
 namespace {
@@ -46,6 +47,21 @@ TEST(NSView_Snapshot, ShowsTheViewAloneAtAPixelToThePoint) {
     EXPECT_EQ(NSView_Snapshot::snapshot(nullptr), nullptr);
     EXPECT_EQ(NSView_Snapshot::snapshot(make<Drawing>(NSRect(0, 0, 0.9, 10))), nullptr);
     EXPECT_EQ(NSView_Snapshot::snapshot(make<Drawing>(NSRect(0, 0, 40'000, 10))), nullptr);
+}
+
+TEST(NSView_Snapshot, HasTheLookOfTheWindow) {
+    struct Text : Subclass<Text, NSView> {
+        void drawRect(GraphicsContext& context, NSRect dirty) override {
+            context.fill(dirty, *NSColor::textColor());
+        }
+    };
+    const auto view = make<Text>(NSRect(0, 0, 1, 1));
+    const auto pixel = [&] { return NSView_Snapshot::snapshot(view)->bitmapAtScale(1)->pixelAt(0, 0); };
+    const std::uint32_t light = pixel();
+    const auto window = make<NSWindow>(NSRect(0, 0, 10, 10));
+    window->setAppearance(NSAppearance::Dark);
+    window->setContentView(view);
+    EXPECT_GT(pixel(), light);
 }
 
 TEST(NSView_Snapshot, OneThreadAtATimeDrawsAViewAlsoAfterAThrow) {

@@ -3,6 +3,7 @@
 
 #include <cstdint>
 #include <memory>
+#include <utility>
 
 #include <KXFoundation/Platform/Foundation/NSGeometry.h>
 #include <KXFoundation/Platform/Runtime/Export.h>
@@ -110,6 +111,21 @@ class KX_EXPORT GraphicsContext {
     /// Draws what follows aside; endLayer puts it down as one, with that opacity. Saves the state with it.
     void beginLayer();
     void endLayer(double opacity);
+    /// A layer of one scope. Where that is left before putDown, by an exception, nothing of it is seen.
+    class Layer {
+      public:
+        explicit Layer(GraphicsContext& context) : context_(&context) { context.beginLayer(); }
+        ~Layer() {
+            if (context_) putDown(0);
+        }
+        Layer(const Layer&) = delete;
+        Layer& operator=(const Layer&) = delete;
+        /// Once at most.
+        void putDown(double opacity) { std::exchange(context_, nullptr)->endLayer(opacity); }
+
+      private:
+        GraphicsContext* context_;
+    };
 
     struct Native;
     [[nodiscard]] Native& native() noexcept { return *native_; }  ///< see CairoAccess.h

@@ -110,9 +110,9 @@ bool NSCustomImageRep::draw(GraphicsContext& context, NSRect into, double opacit
     context.translate(into.origin.x, into.origin.y);
     context.scaleBy(into.size.width / size_.width, into.size.height / size_.height);
     const GraphicsContext::Current current(context);
-    context.beginLayer();
+    GraphicsContext::Layer layer(context);
     const bool drawn = handler_({{}, size_});
-    context.endLayer(drawn ? opacity : 0);
+    layer.putDown(drawn ? opacity : 0);
     return drawn;
 }
 

@@ -31,9 +31,9 @@ void drawFocusRing(GraphicsContext& context, NSRect rect, bool onAccent);
 template <class Draw>
 void drawEnabled(GraphicsContext& context, bool enabled, Draw draw) {
     if (enabled) return draw();
-    context.beginLayer();
+    GraphicsContext::Layer layer(context);
     draw();
-    context.endLayer(kDisabledOpacity);
+    layer.putDown(kDisabledOpacity);
 }
 
 }  // namespace ControlLook

@@ -27,12 +27,13 @@ void ViewDrawing::draw(NSView& view, NSRect dirty) {
     const GraphicsContext::SavedState state(context_);
     dirty = enter(view, dirty);
     const double opacity = view.shownAlpha();
-    if (opacity < 1) context_.beginLayer();
+    std::optional<GraphicsContext::Layer> layer;
+    if (opacity < 1) layer.emplace(context_);
     drawLayer(view, dirty);
     drawContent(view, dirty);
     drawSubviews(view, dirty);
-    if (opacity < 1) context_.endLayer(opacity);
-    if (const auto& layer = view.layer(); layer && layer->animates_) FrameTimer::didDraw(layer);
+    if (layer) layer->putDown(opacity);
+    if (const auto& own = view.layer(); own && own->animates_) FrameTimer::didDraw(own);
 }
 
 /// Gives the context the view's coordinates and answers `dirty` in them.

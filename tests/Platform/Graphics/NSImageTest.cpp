@@ -127,6 +127,19 @@ TEST(NSImage, CallbackDrawsAtTheResolutionOfThePlace) {
     EXPECT_EQ(failing->bitmapAtScale(1)->pixelAt(5, 5), 0u);
 }
 
+TEST(NSImage, CallbackThatThrowsLeavesTheContextAsItWas) {
+    const auto bitmap = NSBitmapImageRep::bitmapWithPixels(4, 4);
+    const auto context = GraphicsContext::onBitmap(bitmap);
+    const GraphicsContext::Current scope(*context);
+    const auto image = NSImage::imageWithSize({2, 2}, [&](NSRect rect) -> bool {
+        context->fill(rect, *NSColor::blackColor());
+        throw 1;
+    });
+    EXPECT_ANY_THROW(image->drawInRect({1, 1, 2, 2}));
+    EXPECT_EQ(bitmap->pixelAt(1, 1), 0U);
+    EXPECT_TRUE(context->isAsMade());
+}
+
 TEST(NSImage, FlattensToABitmap) {
     const auto bitmap = filled(20, 0xFF00FF00);
     const auto image = NSImage::initWithBitmap(bitmap, 2);
