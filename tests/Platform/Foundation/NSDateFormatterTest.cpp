@@ -83,6 +83,17 @@ TEST(NSDateFormatter, ReadsWhatItWrites) {
     }
 }
 
+TEST(NSDateFormatter, ReadsNoDateFromNothing) {
+    const testing::ScopedPlatform platform;
+    for (const char* locale : {"en_US", "th_TH", "fa_IR"}) {
+        const auto formatter = formatterFor(locale, "UTC");
+        for (const char* pattern : {"yyyyMMdd", "HHmm", "y-MM-dd", "EEEE"}) {
+            formatter->setDateFormat(pattern);
+            EXPECT_EQ(formatter->dateFromString(""), std::nullopt) << locale << " " << pattern;
+        }
+    }
+}
+
 TEST(NSDateFormatter, NamesTheZone) {
     const testing::ScopedPlatform platform;
     const std::tuple<const char*, double, const char*, const char*> rows[] = {

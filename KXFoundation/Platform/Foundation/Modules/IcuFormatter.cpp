@@ -84,7 +84,8 @@ bool parseDate(IcuFormatter* formatter, const char* text, std::int32_t size, dou
     const auto given = icu::UnicodeString::fromUTF8({text, size});
     icu::ParsePosition position;
     *milliseconds = formatter->icu->parse(given, position);
-    return position.getErrorIndex() < 0 && position.getIndex() == given.length();
+    // Of numbers that touch ICU reports no error, but does not go on.
+    return position.getErrorIndex() < 0 && position.getIndex() > 0 && position.getIndex() == given.length();
 }
 
 }  // namespace kx
