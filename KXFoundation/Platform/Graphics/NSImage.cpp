@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: MIT
 
+#include <algorithm>
 #include <cmath>
 #include <map>
 
@@ -57,6 +58,31 @@ std::string doubledPath(std::string_view path) {
     return std::string(path.substr(0, dot)).append("@2x").append(path.substr(dot));
 }
 
+constexpr std::string_view kExtensions[] = {"png", "jpg", "jpeg", "webp", "tiff", "tif", "gif"};
+
+struct ResourcePaths {
+    std::optional<std::string> once, twice;
+    [[nodiscard]] bool isEmpty() const { return !once && !twice; }
+};
+
+/// The main bundle's files of the name; it may have its extension, else the first that there is counts.
+ResourcePaths pathsOf(std::string_view name) {
+    const auto bundle = NSBundle::mainBundle();
+    const auto pathsWith = [&](std::string_view stem, std::string_view extension) {
+        return ResourcePaths{bundle->pathForResource(stem, extension),
+                             bundle->pathForResource(std::string(stem) + "@2x", extension)};
+    };
+    const std::size_t dot = std::min(name.rfind('.'), name.size());
+    const std::string_view own = name.substr(std::min(dot + 1, name.size()));
+    if (std::ranges::find(kExtensions, own) != std::end(kExtensions))
+        return pathsWith(name.substr(0, dot), own);
+    ResourcePaths found;
+    for (const std::string_view extension : kExtensions) {
+        if (found.isEmpty()) found = pathsWith(name, extension);
+    }
+    return found;
+}
+
 struct NamedImages {
     Mutex mutex;
     std::map<std::string, std::weak_ptr<NSImage>> images KX_GUARDED_BY(mutex);  // by path
@@ -112,9 +138,7 @@ std::shared_ptr<NSImage> NSImage::imageWithSize(NSSize size, NSCustomImageRep::D
 
 std::shared_ptr<NSImage> NSImage::imageNamed(std::optional<std::string_view> name) {
     if (!name || name->empty()) return nullptr;
-    const auto bundle = NSBundle::mainBundle();
-    const auto once = bundle->pathForResource(name, "png");
-    const auto twice = bundle->pathForResource(std::string(*name) + "@2x", "png");
+    const auto [once, twice] = pathsOf(*name);
     if (!once && !twice) return nullptr;
     NamedImages& named = namedImages.get();
     const MutexLock lock(named.mutex);

@@ -39,8 +39,9 @@ class KX_EXPORT NSImage : public Subclass<NSImage, NSObject>, public NSSecureCod
     /// A picture drawn by a callback whenever it is shown.
     [[nodiscard]] static std::shared_ptr<NSImage> imageWithSize(NSSize size,
                                                                 NSCustomImageRep::DrawingHandler handler);
-    /// The picture `<name>.png` of the main bundle, with `<name>@2x.png` if that is there; none if there is
-    /// neither. While somebody holds it, the same object is answered. Any thread.
+    /// The main bundle's picture `<name>.png` (else .jpg, .jpeg, .webp, .tiff, .tif or .gif; `name` may have
+    /// its extension), with `<name>@2x.png` if that is there; none if there is neither. While somebody holds
+    /// it, the same object is answered. Any thread.
     [[nodiscard]] static std::shared_ptr<NSImage> imageNamed(std::optional<std::string_view> name);
 
     /// Points.

@@ -182,6 +182,7 @@ TEST(NSImage, NamedPictureComesFromTheMainBundleWithItsDoubledOne) {
     ASSERT_TRUE(testing::writePicture(*filled(10, 0xFF0000FF), folder / "both.png"));
     ASSERT_TRUE(testing::writePicture(*filled(20, 0xFF00FF00), folder / "both@2x.png"));
     ASSERT_TRUE(testing::writePicture(*filled(30, 0xFFFF0000), folder / "doubled@2x.png"));
+    ASSERT_TRUE(testing::writePicture(*filled(40, 0xFF0000FF), folder / "v1.5.jpg"));
     ASSERT_TRUE(replaceFile(FileSystem::slot().current(), folder / "broken.png", "no picture").ok());
 
     const auto both = NSImage::imageNamed("both");
@@ -192,7 +193,13 @@ TEST(NSImage, NamedPictureComesFromTheMainBundleWithItsDoubledOne) {
     EXPECT_EQ(NSImage::imageNamed("both"), both);
     EXPECT_EQ(NSImage::initWithContentsOfFile(folder / "both.png")->representations().size(), 2u);
 
+    EXPECT_EQ(NSImage::imageNamed("both.png"), both);
+    EXPECT_EQ(NSImage::imageNamed("both.jpg"), nullptr);
+
     EXPECT_EQ(NSImage::imageNamed("doubled")->size(), (NSSize{15, 15}));
+    const auto dotted = NSImage::imageNamed("v1.5");
+    ASSERT_NE(dotted, nullptr);
+    EXPECT_EQ(dotted->size(), (NSSize{40, 40}));
 
     const testing::CapturedLog log;
     EXPECT_EQ(NSImage::imageNamed("missing"), nullptr);
