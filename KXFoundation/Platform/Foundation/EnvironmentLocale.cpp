@@ -23,25 +23,38 @@ std::string firstSet(const Environment& environment, std::initializer_list<const
     return std::string(kPlainLocale);
 }
 
-void addLanguage(std::vector<std::string>& tags, std::string_view name) {
-    auto tag = languageTagForPosixName(name);
-    if (tag && std::ranges::find(tags, *tag) == tags.end()) tags.push_back(*std::move(tag));
+void addOnce(std::vector<std::string>& tags, const std::string& tag) {
+    if (std::ranges::find(tags, tag) == tags.end()) tags.push_back(tag);
+}
+
+/// Whether `locale` is `tag` and the region that it lacks, in no other script.
+bool addsRegion(const std::string& locale, const std::string& tag) {
+    constexpr std::size_t kLongestRegion = 3;
+    if (!locale.starts_with(tag + "-")) return false;
+    const std::size_t start = tag.size() + 1;
+    return std::min(locale.find('-', start), locale.size()) - start <= kLongestRegion;
 }
 
 /// LANGUAGE is a list for messages that counts only where the locale is not plain (gettext manual,
-/// section 2.3.3).
+/// section 2.3.3). A language without a region in it is that of the locale, if it is the same one: "de" with
+/// the locale "de_AT" is "de-AT".
 std::vector<std::string> languagesOf(const Environment& environment) {
     std::vector<std::string> tags;
     const std::string locale = firstSet(environment, {"LC_ALL", "LC_MESSAGES", "LANG"});
     if (locale == kPlainLocale || locale == "POSIX") return tags;
     const std::string list = environment.variable("LANGUAGE").value_or("");
     std::string_view rest = list.size() <= kLongestVariable ? std::string_view(list) : std::string_view();
+    const auto localeTag = languageTagForPosixName(locale);
     while (!rest.empty()) {
         const std::size_t end = std::min(rest.find(':'), rest.size());
-        addLanguage(tags, rest.substr(0, end));
+        const auto tag = languageTagForPosixName(rest.substr(0, end));
         rest.remove_prefix(std::min(end + 1, rest.size()));
+        if (!tag) continue;
+        const bool isOfLocale =
+            localeTag && addsRegion(*localeTag, *tag) && std::ranges::find(tags, *localeTag) == tags.end();
+        addOnce(tags, isOfLocale ? *localeTag : *tag);
     }
-    addLanguage(tags, locale);
+    if (localeTag) addOnce(tags, *localeTag);
     return tags;
 }
 

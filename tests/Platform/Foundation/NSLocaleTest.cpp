@@ -42,6 +42,10 @@ TEST(NSLocale, ReadsTheUsersVariables) {
         {"LC_MESSAGES=fr_FR|LC_TIME=en_GB|LANG=it_IT", {"fr-FR"}, "en_GB"},
         {"LANGUAGE=pt_BR:pt:en|LANG=de_DE", {"pt-BR", "pt", "en", "de-DE"}, "de_DE"},
         {"LANGUAGE=de_DE::fr:de_DE.UTF-8:fr|LANG=fr", {"de-DE", "fr"}, "fr_FR"},
+        // The locale's region, once.
+        {"LANGUAGE=de:en|LANG=de_AT", {"de-AT", "en"}, "de_AT"},
+        {"LANGUAGE=pt_BR:pt:en|LANG=pt_BR", {"pt-BR", "pt", "en"}, "pt_BR"},
+        {"LANGUAGE=sr:sr@latin|LANG=sr_RS@latin", {"sr", "sr-Latn-RS"}, "sr_Latn_RS"},
         // Not asked in a plain locale.
         {"LANGUAGE=fr|LANG=C", {}, "en_US"},
         {"LANGUAGE=fr|LC_ALL=POSIX|LANG=de_DE", {}, "en_US"},
