@@ -13,8 +13,8 @@ class KX_EXPORT NSDateFormatter_Standard {
   public:
     NSDateFormatter_Standard() = delete;
 
-    /// The shared formatter for "yyyy-MM-dd HH:mm:ss" in UTC and US English: what it writes it reads back as
-    /// the same second. Who changes it changes it for all.
+    /// The shared formatter for "yyyy-MM-dd HH:mm:ss" in UTC and US English: what it writes of the years 1 to
+    /// 999,999 it reads back as the same second. Who changes it changes it for all.
     [[nodiscard]] static std::shared_ptr<NSDateFormatter> standardFormatter();
 };
 

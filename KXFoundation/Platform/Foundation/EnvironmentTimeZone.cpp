@@ -2,7 +2,6 @@
 
 #include <filesystem>
 #include <string_view>
-#include <utility>
 
 #include <KXFoundation/Platform/Foundation/NSTimeZone.h>
 #include <KXFoundation/Platform/Runtime/Environment.h>
@@ -24,19 +23,21 @@ std::string nameBehindLink() {
     return std::filesystem::exists(kSystemZone, error) ? kSystemZone : "UTC";
 }
 
-/// As tzset(3) reads TZ, but for rules written out in it, which no desktop sets.
-std::string zoneOf(const Environment& environment) {
-    auto zone = environment.variable("TZ");
-    if (zone && zone->starts_with(':')) zone->erase(0, 1);
-    return zone && !zone->empty() ? *std::move(zone) : nameBehindLink();
+/// As tzset(3) reads TZ, but for rules written out in it, which no desktop sets; empty for none.
+std::string variableOf(const Environment& environment) {
+    std::string zone = environment.variable("TZ").value_or("");
+    if (zone.starts_with(':')) zone.erase(0, 1);
+    return zone;
 }
 
 class EnvironmentTimeZone final : public TimeZoneSettings {
   public:
-    std::string systemTimeZoneName() const override { return name_; }
+    std::string systemTimeZoneName() const override {
+        return variable_.empty() ? nameBehindLink() : variable_;
+    }
 
   private:
-    std::string name_ = zoneOf(Environment::slot().current());
+    std::string variable_ = variableOf(Environment::slot().current());
 };
 
 }  // namespace

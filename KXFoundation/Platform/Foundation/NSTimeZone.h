@@ -16,8 +16,8 @@ namespace kx {
 
 class ZoneRules;
 
-/// The port of the user's time zone. The adapter reads TZ (an empty one counts as none, as every variable
-/// does), else where /etc/localtime leads, once; a test injects a name.
+/// The port of the user's time zone. The adapter reads TZ once (an empty one counts as none, as every
+/// variable does), else where /etc/localtime leads, whenever it is asked; a test injects a name.
 class KX_EXPORT TimeZoneSettings {
   public:
     virtual ~TimeZoneSettings() = default;
