@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 
 // Reads the system's zone files through cctz, once their headers promise no more than there is.
+#include <algorithm>
 #include <array>
 #include <fstream>
 #include <optional>
@@ -90,13 +91,23 @@ std::int64_t secondsOf(Seconds time) {
     return time.time_since_epoch().count();
 }
 
+/// When the clocks that were `offset` seconds east of UTC showed that time. Never looked up in the zone: what
+/// cctz makes of a damaged file may answer an earlier change, again and again.
+Seconds instantOf(const cctz::civil_second& shown, std::int32_t offset) {
+    constexpr std::int64_t kBeyond = std::int64_t{1} << 60;
+    const std::int64_t seconds = secondsOf(cctz::convert(shown, cctz::utc_time_zone()));
+    return Seconds(cctz::seconds(std::clamp(seconds, -kBeyond, kBeyond) - offset));
+}
+
 std::vector<ZoneRules::Span> spansOf(const cctz::time_zone& zone) {
-    std::vector<ZoneRules::Span> spans{{0, zone.lookup(Seconds::min()).offset}};
+    std::int32_t offset = zone.lookup(Seconds::min()).offset;
+    std::vector<ZoneRules::Span> spans{{0, offset}};
     cctz::time_zone::civil_transition change;
     for (Seconds at = Seconds::min(); spans.size() < kMostChanges && zone.next_transition(at, &change);) {
-        at = zone.lookup(change.to).trans;
-        const std::int32_t offset = zone.lookup(at).offset;
-        if (secondsOf(at) > kLastKept) break;
+        const Seconds next = instantOf(change.from, offset);
+        if (next <= at || secondsOf(next) > kLastKept) break;
+        at = next;
+        offset = zone.lookup(at).offset;
         if (secondsOf(at) < kFirstKept) {
             spans.front().offset = offset;
             continue;
