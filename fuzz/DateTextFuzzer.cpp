@@ -27,10 +27,14 @@ std::shared_ptr<NSDateFormatter> formatterFor(unsigned choice) {
     return formatter;
 }
 
-/// Whether what such a pattern writes reads as the same again: no names, and no digits that run into a
-/// number.
+/// Whether what such a pattern writes reads as the same again: no names, and no number that touches the next.
 bool isPlain(std::string_view pattern) {
-    return pattern.find_first_not_of("yMdHkhKmsa :-/,.") == pattern.npos;
+    constexpr std::string_view kNumbers = "yMdHkhKms";
+    const auto touch = [&](char one, char other) {
+        return one != other && kNumbers.find(one) != kNumbers.npos && kNumbers.find(other) != kNumbers.npos;
+    };
+    return pattern.find_first_not_of("yMdHkhKmsa :-/,.") == pattern.npos &&
+           std::ranges::adjacent_find(pattern, touch) == pattern.end();
 }
 
 }  // namespace
