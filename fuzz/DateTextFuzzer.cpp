@@ -27,13 +27,23 @@ std::shared_ptr<NSDateFormatter> formatterFor(unsigned choice) {
     return formatter;
 }
 
+/// Whether a year loses its century.
+bool hasShortYear(std::string_view pattern) {
+    for (std::size_t at = 0; (at = pattern.find('y', at)) != pattern.npos;) {
+        const std::size_t end = std::min(pattern.find_first_not_of('y', at), pattern.size());
+        if (end - at == 2) return true;
+        at = end;
+    }
+    return false;
+}
+
 /// Whether what such a pattern writes reads as the same again: no names, and no number that touches the next.
 bool isPlain(std::string_view pattern) {
     constexpr std::string_view kNumbers = "yMdHkhKms";
     const auto touch = [&](char one, char other) {
         return one != other && kNumbers.find(one) != kNumbers.npos && kNumbers.find(other) != kNumbers.npos;
     };
-    return pattern.find_first_not_of("yMdHkhKmsa :-/,.") == pattern.npos &&
+    return pattern.find_first_not_of("yMdHkhKmsa :-/,.") == pattern.npos && !hasShortYear(pattern) &&
            std::ranges::adjacent_find(pattern, touch) == pattern.end();
 }
 
