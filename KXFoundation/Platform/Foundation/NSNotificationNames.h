@@ -5,7 +5,7 @@
 
 namespace kx {
 
-/// Posted on the main thread when one of the application's windows gains focus.
+/// Posted on the main thread when one of the application's windows gains focus and none had it before.
 inline constinit const NSNotificationName NSApplicationWillBecomeActiveNotification{
     "NSApplicationWillBecomeActiveNotification"};
 

@@ -45,6 +45,7 @@ bool NSApplication::isMainThread() noexcept {
 bool NSApplication::init() {
     beforeWait_ = EventLoop::main().addBeforeWait([this] {
         wakesLoop_ = false;  // what drawing asks for takes another turn
+        wasActive_ = isActive();
         displayIfNeeded();
     });
     return Super::init();
@@ -66,7 +67,8 @@ void NSApplication::stop() {
     EventLoop::main().stop();
 }
 
-/// Of two windows the desktop may tell the gain before the loss.
+/// Of two windows the desktop may tell the gain before the loss or after it, in one turn of the loop: the
+/// application stays active.
 void NSApplication::focusChanged(const std::shared_ptr<NSWindow>& window, bool focused) {
     if (!focused) {
         if (focusedWindow_.lock() == window) focusedWindow_.reset();
@@ -74,6 +76,7 @@ void NSApplication::focusChanged(const std::shared_ptr<NSWindow>& window, bool f
     }
     focusedWindow_ = window;
     makeKey(window);
+    if (std::exchange(wasActive_, true)) return;
     NSNotificationCenter::defaultCenter().postNotificationName(NSApplicationWillBecomeActiveNotification,
                                                                self());
 }

@@ -61,6 +61,7 @@ class KX_EXPORT NSApplication : public Subclass<NSApplication, NSResponder> {
     std::weak_ptr<NSWindow> focusedWindow_;  // the desktop's word
     int beforeWait_ = 0;
     bool running_ = false;
+    bool wasActive_ = false;  // when the loop last waited, or since
     bool wakesLoop_ = false;  // the loop was woken and has not displayed since
 };
 
