@@ -188,7 +188,7 @@ std::shared_ptr<NSBitmapImageRep> NSImage::bitmapAtScale(double scale) const {
     const NSSize pixels{std::ceil(extent.width), std::ceil(extent.height)};
     const auto rep = bestRepresentation(scale);
     if (!rep) return nullptr;
-    const auto own = objectCast<NSBitmapImageRep>(rep);
+    auto own = objectCast<NSBitmapImageRep>(rep);
     if (own && own->pixelsWide() == pixels.width && own->pixelsHigh() == pixels.height) return own;
     return drawnBitmap(pixels, extent);
 }
