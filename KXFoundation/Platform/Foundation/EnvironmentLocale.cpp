@@ -23,8 +23,12 @@ std::string firstSet(const Environment& environment, std::initializer_list<const
     return std::string(kPlainLocale);
 }
 
+bool contains(const std::vector<std::string>& tags, const std::string& tag) {
+    return std::ranges::find(tags, tag) != tags.end();
+}
+
 void addOnce(std::vector<std::string>& tags, const std::string& tag) {
-    if (std::ranges::find(tags, tag) == tags.end()) tags.push_back(tag);
+    if (!contains(tags, tag)) tags.push_back(tag);
 }
 
 /// Whether `locale` is `tag` and the region that it lacks, in no other script.
@@ -35,24 +39,33 @@ bool addsRegion(const std::string& locale, const std::string& tag) {
     return std::min(locale.find('-', start), locale.size()) - start <= kLongestRegion;
 }
 
+/// The locale whose messages are the program's own, English ones.
+bool isPlain(std::string_view locale) noexcept {
+    return locale == kPlainLocale || locale == "POSIX";
+}
+
 /// LANGUAGE is a list for messages that counts only where the locale is not plain (gettext manual,
-/// section 2.3.3). A language without a region in it is that of the locale, if it is the same one: "de" with
-/// the locale "de_AT" is "de-AT".
+/// section 2.3.3), and ends where a plain one stands in it, which is English. A language without a region in
+/// it is that of the locale, if it is the same one: "de" with the locale "de_AT" is "de-AT".
 std::vector<std::string> languagesOf(const Environment& environment) {
     std::vector<std::string> tags;
     const std::string locale = firstSet(environment, {"LC_ALL", "LC_MESSAGES", "LANG"});
-    if (locale == kPlainLocale || locale == "POSIX") return tags;
+    if (isPlain(locale)) return tags;
     const std::string list = environment.variable("LANGUAGE").value_or("");
     std::string_view rest = list.size() <= kLongestVariable ? std::string_view(list) : std::string_view();
     const auto localeTag = languageTagForPosixName(locale);
     while (!rest.empty()) {
         const std::size_t end = std::min(rest.find(':'), rest.size());
-        const auto tag = languageTagForPosixName(rest.substr(0, end));
+        const std::string_view name = rest.substr(0, end);
+        if (isPlain(name)) {
+            addOnce(tags, "en");
+            return tags;
+        }
         rest.remove_prefix(std::min(end + 1, rest.size()));
+        const auto tag = languageTagForPosixName(name);
         if (!tag) continue;
-        const bool isOfLocale =
-            localeTag && addsRegion(*localeTag, *tag) && std::ranges::find(tags, *localeTag) == tags.end();
-        addOnce(tags, isOfLocale ? *localeTag : *tag);
+        const bool isOfLocale = localeTag && addsRegion(*localeTag, *tag);
+        addOnce(tags, isOfLocale && !contains(tags, *localeTag) ? *localeTag : *tag);
     }
     if (localeTag) addOnce(tags, *localeTag);
     return tags;

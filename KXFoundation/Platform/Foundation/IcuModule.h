@@ -31,7 +31,7 @@ struct IcuLocale {
 struct IcuFormatter;
 
 struct IcuModule {
-    static constexpr std::uint32_t kVersion = 2;
+    static constexpr std::uint32_t kVersion = 3;
 
     std::uint32_t version;
     /// Unicode's normalization form C of UTF-8. False if there is none to be had. Any thread.
@@ -39,8 +39,8 @@ struct IcuModule {
     /// In upper case by the full mapping for no language in particular; answers how many units that takes.
     /// Any thread.
     std::int32_t (*upperCase)(const char16_t* text, std::int32_t size, char16_t* upper, std::int32_t most);
-    /// The script and the region that such a locale most likely has. False if none are known. Any thread.
-    bool (*likelyParts)(const char* locale, const IcuText* script, const IcuText* region);
+    /// The region that such a locale most likely has. False if none is known. Any thread.
+    bool (*likelyRegion)(const char* locale, const IcuText* region);
 
     /// An unknown locale has the data of its language, else the root's. The symbols stay empty where the
     /// locale has none. Any thread.

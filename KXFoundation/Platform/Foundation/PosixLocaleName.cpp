@@ -106,22 +106,27 @@ void applyModifier(PosixLocaleName& name, std::string_view modifier) {
     if (modifier == "valencia") name.variant = modifier;
 }
 
+/// Where Chinese is most likely written in the traditional script; CLDR 42, likely subtags. In a table of our
+/// own, for the language of the texts must not depend on a module.
+constexpr std::array<std::string_view, 15> kTraditionalChinese{"AU", "BN", "GB", "GF", "HK", "ID", "MO", "PA",
+                                                               "PF", "PH", "SR", "TH", "TW", "US", "VN"};
+
 /// Written Chinese differs so much by script that its tags always carry one.
-bool needsScript(const PosixLocaleName& name) noexcept {
-    return name.script.empty() && (name.language == "zh" || name.language == "yue");
+void addChineseScript(PosixLocaleName& name) {
+    const bool cantonese = name.language == "yue";
+    if (!name.script.empty() || (name.language != "zh" && !cantonese)) return;
+    if (name.region.empty()) name.region = cantonese ? "HK" : "CN";
+    const bool traditional =
+        cantonese ? name.region != "CN"
+                  : std::ranges::find(kTraditionalChinese, name.region) != kTraditionalChinese.end();
+    name.script = traditional ? "Hant" : "Hans";
 }
 
-struct Likely {
-    std::string script, region;
-};
-
-Likely likelyParts(const PosixLocaleName& name) {
-    const auto join = [](const std::string& part) { return part.empty() ? part : '_' + part; };
-    const std::string identifier = name.language + join(name.script) + join(name.region);
-    Likely likely;
-    const IcuText script(likely.script), region(likely.region);
-    if (const IcuModule* icu = icuModule()) icu->likelyParts(identifier.c_str(), &script, &region);
-    return likely;
+std::string likelyRegion(const std::string& identifier) {
+    std::string region;
+    const IcuText text(region);
+    if (const IcuModule* icu = icuModule()) icu->likelyRegion(identifier.c_str(), &text);
+    return region;
 }
 
 }  // namespace
@@ -157,7 +162,7 @@ std::string localeIdentifierFor(const PosixLocaleName& name) {
         if (!part.empty()) identifier.append("_").append(part);
     };
     append(name.script);
-    const std::string region = name.region.empty() ? likelyParts(name).region : name.region;
+    const std::string region = name.region.empty() ? likelyRegion(identifier) : name.region;
     if (region != "001") append(region);  // the world is no country
     return identifier;
 }
@@ -165,11 +170,7 @@ std::string localeIdentifierFor(const PosixLocaleName& name) {
 std::optional<std::string> languageTagForPosixName(std::string_view name) {
     auto parsed = parsePosixLocaleName(name);
     if (!parsed) return std::nullopt;
-    if (needsScript(*parsed)) {
-        Likely likely = likelyParts(*parsed);
-        parsed->script = std::move(likely.script);
-        if (parsed->region.empty()) parsed->region = std::move(likely.region);
-    }
+    addChineseScript(*parsed);
     std::string tag = std::move(parsed->language);
     for (const std::string* part : {&parsed->script, &parsed->region, &parsed->variant}) {
         if (!part->empty()) tag.append("-").append(*part);

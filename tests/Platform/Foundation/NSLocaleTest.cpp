@@ -1,8 +1,10 @@
 // SPDX-License-Identifier: MIT
 
+#include <algorithm>
 #include <sstream>
 
 #include <gmock/gmock.h>
+#include <unicode/uloc.h>
 
 #include <KXFoundation/Platform/Foundation/NSLocale.h>
 #include <KXFoundation/Testing/FakeEnvironment.h>
@@ -31,6 +33,22 @@ TEST(NSLocale, MakesTagsOfPosixNames) {
         EXPECT_EQ(languageTagForPosixName(name), std::nullopt) << name;
 }
 
+TEST(NSLocale, WritesChineseInTheLikelyScript) {
+    for (const std::string language : {"zh", "yue"}) {
+        std::vector<std::string> names{language, language + "_419"};
+        for (auto region = uloc_getISOCountries(); *region; ++region)
+            names.push_back(language + '_' + *region);
+        for (const std::string& name : names) {
+            char likely[ULOC_FULLNAME_CAPACITY];
+            UErrorCode status = U_ZERO_ERROR;
+            uloc_addLikelySubtags(name.c_str(), likely, sizeof likely, &status);
+            std::string tag = likely;
+            std::ranges::replace(tag, '_', '-');
+            EXPECT_EQ(languageTagForPosixName(name), tag);
+        }
+    }
+}
+
 TEST(NSLocale, ReadsTheUsersVariables) {
     // Variables as "NAME=value" with a bar between them, preferred languages, identifier.
     const std::tuple<std::string, std::vector<std::string>, std::string> rows[] = {
@@ -49,7 +67,10 @@ TEST(NSLocale, ReadsTheUsersVariables) {
         // Not asked in a plain locale.
         {"LANGUAGE=fr|LANG=C", {}, "en_US"},
         {"LANGUAGE=fr|LC_ALL=POSIX|LANG=de_DE", {}, "en_US"},
-        {"LANGUAGE=../x:a b:fr:C:" + std::string(100, 'd') + "|LANG=de_DE", {"fr", "de-DE"}, "de_DE"},
+        {"LANGUAGE=../x:a b:fr:C.UTF-8:" + std::string(100, 'd') + "|LANG=de_DE", {"fr", "de-DE"}, "de_DE"},
+        // The program's own language ends the list.
+        {"LANGUAGE=C:fr|LANG=de_DE", {"en"}, "de_DE"},
+        {"LANGUAGE=fr:POSIX:it|LANG=de_DE", {"fr", "en"}, "de_DE"},
         {"LANGUAGE=fr" + std::string(1 << 20, ':') + "|LANG=de_DE", {"de-DE"}, "de_DE"},
         // The likely region, where there is one.
         {"LANG=nl", {"nl"}, "nl_NL"},

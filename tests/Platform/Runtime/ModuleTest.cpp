@@ -9,6 +9,7 @@
 
 #include <KXFoundation/Platform/Foundation/CanonicalText.h>
 #include <KXFoundation/Platform/Foundation/NSDateFormatter.h>
+#include <KXFoundation/Platform/Foundation/NSLocale.h>
 #include <KXFoundation/Platform/Foundation/URLLoader.h>
 #include <KXFoundation/Platform/Runtime/Module.h>
 #include <KXFoundation/Platform/Services/AVAsset.h>
@@ -47,6 +48,8 @@ TEST(Module, EachAbsentOneIsALogLineAndAHarmlessAnswer) {
         EXPECT_EQ(chooseKeychain("unix:path=/no/such/bus", std::chrono::seconds(1)).capability.store,
                   KeychainCapability::Store::None);
         EXPECT_EQ(canonicalText(twoCodePoints), twoCodePoints);
+        EXPECT_EQ(languageTagForPosixName("zh_TW"), "zh-Hant-TW")
+            << "the language of the texts is no module's";
         const auto formatter = make<NSDateFormatter>();
         formatter->setTimeZone(NSTimeZone::timeZoneWithName("UTC"));
         for (const auto& [pattern, text] :

@@ -34,17 +34,14 @@ std::int32_t upperCase(const char16_t* text, std::int32_t size, char16_t* upper,
     return U_SUCCESS(status) ? taken : 0;
 }
 
-bool likelyParts(const char* locale, const IcuText* script, const IcuText* region) {
+bool likelyRegion(const char* locale, const IcuText* region) {
     char full[ULOC_FULLNAME_CAPACITY] = "";
-    char likelyScript[ULOC_SCRIPT_CAPACITY] = "";
-    char likelyRegion[ULOC_COUNTRY_CAPACITY] = "";
+    char country[ULOC_COUNTRY_CAPACITY] = "";
     UErrorCode status = U_ZERO_ERROR;
     uloc_addLikelySubtags(locale, full, sizeof full, &status);
-    uloc_getScript(full, likelyScript, sizeof likelyScript, &status);
-    uloc_getCountry(full, likelyRegion, sizeof likelyRegion, &status);
+    uloc_getCountry(full, country, sizeof country, &status);
     if (status != U_ZERO_ERROR) return false;
-    append(std::string_view(likelyScript), *script);
-    append(std::string_view(likelyRegion), *region);
+    append(std::string_view(country), *region);
     return true;
 }
 
@@ -104,7 +101,7 @@ constexpr IcuModule kModule{
     .version = IcuModule::kVersion,
     .normalize = normalize,
     .upperCase = upperCase,
-    .likelyParts = likelyParts,
+    .likelyRegion = likelyRegion,
     .readLocale = readLocale,
     .bestPattern = bestPattern,
     .open = openFormatter,
