@@ -92,7 +92,8 @@ BENCHMARK(localized)->Name("strings/localized-follow-system/kx");
 
 void load(benchmark::State& state) {
     for (auto _ : state) {
-        benchmark::DoNotOptimize(kx::StringTable::load(kx::FileSystem::slot().current(), kTable)->size());
+        benchmark::DoNotOptimize(
+            kx::StringTable::load(kx::FileSystem::slot().current(), kTable).value()->size());
     }
 }
 BENCHMARK(load)->Name("strings/load-10000/kx")->Unit(benchmark::kMicrosecond);

@@ -83,28 +83,44 @@ std::shared_ptr<const ResourceFolder> ResourceFolder::over(std::string_view path
 ResourceFolder::ResourceFolder(std::string path) : path_(std::move(path)) {}
 
 ResourceFolder::~ResourceFolder() {
+    delete listing_.load();
     for (const LoadedTable* table = tables_; table;) delete std::exchange(table, table->next);
 }
 
-const ResourceFolder::Listing& ResourceFolder::listing() const {
-    std::call_once(listed_, [this] {
-        auto names = files_->list(path_);
-        listing_ = std::make_unique<const Listing>(names ? *std::move(names) : std::vector<std::string>());
-    });
-    return *listing_;
+/// Whether the error tells what is in the folder. Else it may pass, and is logged only once.
+bool ResourceFolder::isAnswer(const Error& error) const {
+    const bool mayPass =
+        error.kind == ErrorKind::Failed || error.kind == ErrorKind::Busy || error.kind == ErrorKind::TimedOut;
+    const bool isNews = !mayPass || !hasComplained_.exchange(true);
+    if (isNews && error.kind != ErrorKind::Missing) log(LogLevel::Warning, error.message());
+    return !mayPass;
+}
+
+/// Null while the folder cannot be listed.
+const ResourceFolder::Listing* ResourceFolder::listing() const {
+    if (const Listing* known = listing_.load(std::memory_order_acquire)) return known;
+    const std::lock_guard lock(reading_);
+    if (const Listing* known = listing_.load()) return known;
+    auto names = files_->list(path_);
+    if (!names && !isAnswer(names.error())) return nullptr;
+    auto listing = std::make_unique<const Listing>(names ? *std::move(names) : std::vector<std::string>());
+    listing_.store(listing.get(), std::memory_order_release);
+    return listing.release();
 }
 
 ResourceFolder::Kind ResourceFolder::kindOf(std::string_view name) const {
-    const auto& names = listing().names;
-    const auto found = std::ranges::lower_bound(names, name, std::less<>());
-    if (found == names.end() || *found != name) return Kind::Nothing;
-    return kindAt(static_cast<std::size_t>(found - names.begin()));
+    const Listing* const all = listing();
+    if (!all) return Kind::Nothing;
+    const auto found = std::ranges::lower_bound(all->names, name, std::less<>());
+    if (found == all->names.end() || *found != name) return Kind::Nothing;
+    return kindAt(*all, static_cast<std::size_t>(found - all->names.begin()));
 }
 
-ResourceFolder::Kind ResourceFolder::kindAt(std::size_t index) const {
-    std::atomic<Kind>& kind = listing().kinds[index];
+ResourceFolder::Kind ResourceFolder::kindAt(const Listing& listing, std::size_t index) const {
+    std::atomic<Kind>& kind = listing.kinds[index];
     if (const Kind known = kind.load(std::memory_order_relaxed); known != Kind::Unasked) return known;
-    const auto info = files_->info(below(listing().names[index]));
+    const auto info = files_->info(below(listing.names[index]));
+    if (!info && !isAnswer(info.error())) return Kind::Nothing;
     const Kind found = !info                                                    ? Kind::Nothing
                        : info.value().kind == FileSystem::Info::Kind::Directory ? Kind::Directory
                                                                                 : Kind::File;
@@ -119,11 +135,12 @@ std::optional<std::string> ResourceFolder::pathOf(std::string_view name) const {
 
 std::vector<std::string> ResourceFolder::directoriesEndingIn(std::string_view suffix) const {
     std::vector<std::string> found;
-    const auto& names = listing().names;
-    for (std::size_t i = 0; i < names.size(); ++i) {
-        if (names[i].size() <= suffix.size() || !names[i].ends_with(suffix)) continue;
-        if (kindAt(i) == Kind::Directory)
-            found.push_back(names[i].substr(0, names[i].size() - suffix.size()));
+    const Listing* const all = listing();
+    if (!all) return found;
+    for (std::size_t i = 0; i < all->names.size(); ++i) {
+        const std::string& name = all->names[i];
+        if (name.size() <= suffix.size() || !name.ends_with(suffix)) continue;
+        if (kindAt(*all, i) == Kind::Directory) found.push_back(name.substr(0, name.size() - suffix.size()));
     }
     std::ranges::sort(found);  // "pt-BR.lproj" comes before "pt.lproj", "pt" before "pt-BR"
     return found;
@@ -158,10 +175,12 @@ const StringTable* ResourceFolder::table(std::string_view name) const {
     if (const LoadedTable* known = loadedTable(name)) return known->table.get();
     const std::string file = std::string(name) + ".strings";
     if (kindOf(file) != Kind::File) return nullptr;
-    const std::lock_guard lock(loading_);
+    const std::lock_guard lock(reading_);
     if (const LoadedTable* known = loadedTable(name)) return known->table.get();
+    auto table = StringTable::load(*files_, below(file));
+    if (!table && !isAnswer(table.error())) return nullptr;
     auto loaded = std::make_unique<LoadedTable>(
-        LoadedTable{std::string(name), StringTable::load(*files_, below(file)), tables_.load()});
+        LoadedTable{std::string(name), table ? *std::move(table) : nullptr, tables_.load()});
     tables_.store(loaded.get(), std::memory_order_release);
     return loaded.release()->table.get();
 }

@@ -18,7 +18,8 @@ namespace kx {
 
 /// What one folder holds, read at first need and remembered: its names (one listing), what each of them is,
 /// its Info.plist and its string tables. The folder is taken to stay as it is while the program runs. What
-/// was asked once is answered without a lock and without a system call. Any thread. Private to Foundation.
+/// was asked once is answered without a lock and without a system call, but for what the system could not
+/// answer just then (too many open files): it is asked again. Any thread. Private to Foundation.
 class ResourceFolder {
   public:
     /// The process's one object over the directory; absent if the path leads to none. A path that has been
@@ -48,20 +49,21 @@ class ResourceFolder {
     struct Listing;
     struct LoadedTable;
 
-    [[nodiscard]] const Listing& listing() const;
+    [[nodiscard]] const Listing* listing() const;
     [[nodiscard]] Kind kindOf(std::string_view name) const;
-    [[nodiscard]] Kind kindAt(std::size_t index) const;
+    [[nodiscard]] Kind kindAt(const Listing& listing, std::size_t index) const;
+    [[nodiscard]] bool isAnswer(const Error& error) const;
     [[nodiscard]] Value readInformation() const;
     [[nodiscard]] const LoadedTable* loadedTable(std::string_view name) const noexcept;
     [[nodiscard]] std::string below(std::string_view name) const { return (path_ + '/').append(name); }
 
     std::shared_ptr<FileSystem> files_ = FileSystem::slot().shared();
     std::string path_;
-    mutable std::once_flag listed_;
-    mutable std::unique_ptr<const Listing> listing_;
     mutable std::once_flag informationRead_;
     mutable Value information_;
-    mutable std::mutex loading_;                               // one thread adds to tables_
+    mutable std::atomic<bool> hasComplained_{false};
+    mutable std::mutex reading_;                               // one thread sets listing_ or adds to tables_
+    mutable std::atomic<const Listing*> listing_{nullptr};     // stays once it is set
     mutable std::atomic<const LoadedTable*> tables_{nullptr};  // a list that only grows
     mutable std::atomic<const StringTable*> defaultTable_{nullptr};
 };

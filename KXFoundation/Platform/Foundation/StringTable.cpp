@@ -41,13 +41,10 @@ StringTable::StringTable(std::string contents)
     if (waiting.key.data()) insert(waiting, hashed);
 }
 
-std::unique_ptr<const StringTable> StringTable::load(FileSystem& files, const std::string& path) {
+Result<std::unique_ptr<const StringTable>> StringTable::load(FileSystem& files, const std::string& path) {
     auto contents = readFile(files, path, kLargestFile);
-    if (!contents) {
-        log(LogLevel::Warning, contents.error().message());
-        return std::make_unique<StringTable>("");
-    }
-    auto table = std::make_unique<StringTable>(*std::move(contents));
+    if (!contents) return std::move(contents).error();
+    auto table = std::make_unique<const StringTable>(*std::move(contents));
     if (table->faults().count > 0) log(LogLevel::Warning, lineFor(path, table->faults()));
     return table;
 }

@@ -28,9 +28,9 @@ class KX_EXPORT StringTable {
     StringTable(const StringTable&) = delete;
     StringTable& operator=(const StringTable&) = delete;
 
-    /// Reads the file. What is wrong with it gives one log line; a file that cannot be read at all, an empty
-    /// table.
-    [[nodiscard]] static std::unique_ptr<const StringTable> load(FileSystem& files, const std::string& path);
+    /// Reads the file; the error if that fails. What is wrong with its contents gives one log line.
+    [[nodiscard]] static Result<std::unique_ptr<const StringTable>> load(FileSystem& files,
+                                                                         const std::string& path);
 
     /// The key's text, valid as long as the table; absent if it has none.
     [[nodiscard]] std::optional<std::string_view> lookUp(std::string_view key) const noexcept;

@@ -15,6 +15,7 @@ namespace kx {
 namespace {
 
 using namespace std::string_literals;
+using ::testing::Contains;
 using ::testing::ElementsAre;
 using ::testing::HasSubstr;
 using ::testing::IsEmpty;
@@ -155,6 +156,26 @@ TEST_F(NSBundleTest, AnUnreadableFolderHoldsNothing) {
     files->failCall(1, EACCES);
     EXPECT_EQ(french->lookUp("hello"), std::nullopt);
     EXPECT_EQ(french->pathForResource("Localizable", "strings"), std::nullopt);
+    EXPECT_THAT(log.lines(), ElementsAre(HasSubstr("fr.lproj")));
+}
+
+TEST_F(NSBundleTest, AsksAgainAfterAFailureThatMayPass) {
+    platform.bundle().addStrings("fr", {{"hello", "Bonjour"}});
+    const auto files = std::make_shared<testing::FaultyFileSystem>();
+    const ScopedPort<FileSystem> scope(files);
+    const auto hello = []() -> std::optional<std::string> {
+        const auto french = make<NSBundle>(NSBundle::mainBundle()->pathForResource("fr", "lproj"));
+        return french ? std::optional<std::string>(french->lookUp("hello")) : std::nullopt;
+    };
+    ASSERT_EQ(hello(), "Bonjour");
+    const std::size_t calls = files->calls();
+    for (std::size_t failing = 1; failing <= calls; ++failing) {
+        platform.restart();
+        files->failCall(failing, EMFILE);
+        (void)hello();
+        EXPECT_EQ(hello(), "Bonjour") << "call " << failing << " of " << calls << " failed";
+    }
+    EXPECT_THAT(log.lines(), Contains(HasSubstr("Localizable.strings")));
 }
 
 struct MainBundleTest : ::testing::Test {
