@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 
 // The user's choice: kept in the defaults, resolved through the tables, loaded again by every look-up.
+#include <chrono>
 #include <cstdint>
 
 #include <KXFoundation/AppEnvironment/KXAppUtils.h>
@@ -10,6 +11,7 @@
 #include <KXFoundation/Localization/SelectionHook.h>
 #include <KXFoundation/Platform/Foundation/NSLocale.h>
 #include <KXFoundation/Platform/Foundation/NSUserDefaults.h>
+#include <KXFoundation/Platform/Runtime/Clock.h>
 #include <KXFoundation/Platform/Runtime/ProcessState.h>
 
 namespace kx {
@@ -17,6 +19,9 @@ namespace kx {
 namespace {
 
 using namespace languages;
+
+/// How long a choice that could not be written waits for the next try.
+constexpr std::chrono::seconds kRetryPause(5);
 
 /// Everything that decides what a reload leaves behind. A reload that would find the same again is skipped:
 /// it would store what is stored already, in the variables and in the defaults. (Whether this is the Orvik
@@ -28,11 +33,13 @@ struct Reloaded {
     std::optional<std::string> mode;
     std::shared_ptr<NSBundle>
         bundle;  // compared only while the system is followed: else a reload leaves it alone
+    std::optional<std::chrono::nanoseconds> retry;  // when to write again what could not be written
 
     [[nodiscard]] bool holds() const {
         return defaults == NSUserDefaults::standardUserDefaults().version() &&
                settings == NSLocale::settingsVersion() && language == kx::selectLanguage &&
-               mode == selectLog && (bundle == selectLanguageBundle || mode != kFollowSystem);
+               mode == selectLog && (bundle == selectLanguageBundle || mode != kFollowSystem) &&
+               (!retry || Clock::slot().current().now() < *retry);
     }
 
     /// The versions are those from before the values were read: a change that came between is seen next time.
@@ -43,7 +50,15 @@ struct Reloaded {
         mode = selectLog;
         bundle = selectLanguageBundle;
     }
+
+    /// Whoever follows the system has every reload write the choice down.
+    void noteFlush(bool flushed) {
+        retry.reset();
+        if (!flushed) retry = Clock::slot().current().now() + kRetryPause;
+    }
 };
+
+constinit ProcessState<Reloaded> lastReload;
 
 std::string systemSelection() {
     const std::vector<std::string> preferred = NSLocale::preferredLanguages();
@@ -75,15 +90,15 @@ void keepSelection() {
 constinit std::atomic<void (*)()> languages::selectionHook{nullptr};
 
 std::optional<std::string> KXLocalizationUtils::setSelectLanguage(std::optional<std::string_view> language) {
-    if (language == kAuto) {
-        selectLog = kFollowSystem;
-        kx::selectLanguage = systemSelection();
-    } else {
-        selectLog = kNotFollowSystem;
-        std::optional<std::string> fixed;
-        if (language) fixed = fixedSelection(*language);
-        kx::selectLanguage = std::move(fixed);
+    const bool follows = language == kAuto;
+    std::optional<std::string> selected;
+    if (follows) {
+        selected = systemSelection();
+    } else if (language) {
+        selected = fixedSelection(*language);
     }
+    selectLog = follows ? kFollowSystem : kNotFollowSystem;
+    kx::selectLanguage = std::move(selected);
     keepSelection();
     selectLanguageBundle = kx::selectLanguage ? mainBundleFolder(*kx::selectLanguage) : nullptr;
     if (const auto hook = selectionHook.load(std::memory_order_acquire)) hook();
@@ -95,17 +110,22 @@ std::string KXLocalizationUtils::selectLanguage() {
     return currentPreferredLanguage();
 }
 
+bool languages::selectionHolds() {
+    return lastReload.get().holds();
+}
+
 void languages::reloadSelection() {
-    static constinit ProcessState<Reloaded> last;
-    Reloaded& reloaded = last.get();
+    Reloaded& reloaded = lastReload.get();
     if (reloaded.holds()) return;
     NSUserDefaults& defaults = NSUserDefaults::standardUserDefaults();
     const std::uint64_t settingsBefore = NSLocale::settingsVersion();
     const std::uint64_t defaultsBefore = defaults.version();
     kx::selectLanguage = defaults.stringForKey(kSelectLanguage);
     selectLog = defaults.stringForKey(kSelectLog);
-    if (selectLog == kFollowSystem) KXLocalizationUtils::setSelectLanguage(kAuto);
+    const bool follows = selectLog == kFollowSystem;
+    if (follows) KXLocalizationUtils::setSelectLanguage(kAuto);
     reloaded.note(settingsBefore, defaultsBefore);
+    reloaded.noteFlush(!follows || defaults.synchronize());
 }
 
 }  // namespace kx

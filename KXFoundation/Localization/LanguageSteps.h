@@ -12,8 +12,10 @@
 /// Localization.
 namespace kx::languages {
 
-/// Loads the selection from the user defaults and, where it follows the system, resolves it afresh.
-/// Free of system calls and allocations while nothing that it depends on has changed.
+/// Whether a reload would find the selection as it is. Free of system calls and allocations.
+[[nodiscard]] bool selectionHolds();
+/// Loads the selection from the user defaults and, where it follows the system, resolves it afresh; nothing
+/// to do while it holds.
 void reloadSelection();
 
 /// As the operations of these names; valid until the variables that they answer from are written.

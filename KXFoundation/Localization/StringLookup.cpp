@@ -5,7 +5,6 @@
 #include <KXFoundation/Localization/LanguageSteps.h>
 #include <KXFoundation/Localization/LanguageTables.h>
 #include <KXFoundation/Platform/Foundation/NSBundle.h>
-#include <KXFoundation/Platform/Runtime/ProcessState.h>
 
 namespace kx {
 
@@ -38,30 +37,8 @@ const NSBundle* keptCurrent() {
                                  : kept(currentLanguageBundle, currentPreferred());
 }
 
-}  // namespace
-
-std::shared_ptr<NSBundle> languages::bundleFolder(const NSBundle& bundle, std::string_view language) {
-    return make<NSBundle>(bundle.pathForResource(language, "lproj"));
-}
-
-std::shared_ptr<NSBundle> languages::mainBundleFolder(std::string_view language) {
-    // The languages without one are remembered, so that a look-up allocates nothing to miss again: a bundle's
-    // folders are read once in a process anyway.
-    static constinit ProcessState<LanguageSet> missing;
-    if (missing.get().contains(language)) return nullptr;
-    auto folder = bundleFolder(*NSBundle::mainBundle(), language);
-    if (!folder) missing.get().emplace(language);
-    return folder;
-}
-
-std::optional<std::string> KXLocalizationUtils::localizedStringForKey(std::string_view key,
-                                                                      TableName tableName) {
-    return localizedStringInBundle(nullptr, key, tableName);
-}
-
-std::optional<std::string> KXLocalizationUtils::localizedStringInBundle(
-    const std::shared_ptr<NSBundle>& bundle, std::string_view key, TableName tableName) {
-    reloadSelection();
+/// The look-up in the selection as it is.
+std::optional<std::string> lookUp(const NSBundle* bundle, std::string_view key, TableName tableName) {
     const auto& selection = kx::selectLanguage;
     if (bundle) {
         const auto fallback = bundleFolder(*bundle, kDefault);
@@ -73,6 +50,33 @@ std::optional<std::string> KXLocalizationUtils::localizedStringInBundle(
     const NSBundle* current = keptCurrent();
     const NSBundle* chosen = selection ? kept(selectLanguageBundle, *selection) : current;
     return answer(chosen, fallback, key, tableName);
+}
+
+}  // namespace
+
+std::shared_ptr<NSBundle> languages::bundleFolder(const NSBundle& bundle, std::string_view language) {
+    const auto path = bundle.pathForResource(language, "lproj");
+    return path ? make<NSBundle>(*path) : nullptr;
+}
+
+std::shared_ptr<NSBundle> languages::mainBundleFolder(std::string_view language) {
+    return bundleFolder(*NSBundle::mainBundle(), language);
+}
+
+std::optional<std::string> KXLocalizationUtils::localizedStringForKey(std::string_view key,
+                                                                      TableName tableName) {
+    return localizedStringInBundle(nullptr, key, tableName);
+}
+
+std::optional<std::string> KXLocalizationUtils::localizedStringInBundle(
+    const std::shared_ptr<NSBundle>& bundle, std::string_view key, TableName tableName) {
+    if (selectionHolds()) return lookUp(bundle.get(), key, tableName);
+    // Copies: the arguments may lie in the variables that a reload writes.
+    const auto ownBundle = bundle;
+    const std::string ownKey(key);
+    const auto ownTable = tableName ? std::optional<std::string>(*tableName) : std::nullopt;
+    reloadSelection();
+    return lookUp(ownBundle.get(), ownKey, ownTable);
 }
 
 }  // namespace kx

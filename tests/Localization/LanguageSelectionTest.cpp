@@ -5,6 +5,8 @@
 #include <KXFoundation/Localization/KXLocalizationUtils.h>
 #include <KXFoundation/Platform/Foundation/NSBundle.h>
 #include <KXFoundation/Platform/Foundation/NSUserDefaults.h>
+#include <KXFoundation/Testing/FaultyFileSystem.h>
+#include <KXFoundation/Testing/ManualClock.h>
 
 #include "Localization/ApplicationRun.h"
 
@@ -106,6 +108,25 @@ TEST(LanguageSelection, FollowingTheSystemResolvesAgainWithEveryReload) {
     EXPECT_EQ(Utils::selectLanguage(), "ja");
     EXPECT_EQ(storedChoice(), (StoredChoice{"ja", "FollowSystem"}));
     EXPECT_TRUE(selectLanguageBundle->bundlePath().ends_with("/ja.lproj"));
+}
+
+TEST(LanguageSelection, FollowingTheSystemIsWrittenAgainWhereItCouldNotBe) {
+    const auto files = std::make_shared<testing::FaultyFileSystem>();
+    const auto clock = std::make_shared<testing::ManualClock>();
+    const ScopedPort<FileSystem> fileScope(files);
+    const ScopedPort<Clock> clockScope(clock);
+    ApplicationRun run({"fr-FR"});
+    files->setRoom(0);
+    Utils::setSelectLanguage("auto");
+    reload();
+    files->heal();
+    files->resetCounts();
+    reload();
+    EXPECT_EQ(files->calls(), 0u) << "not with every look-up";
+    clock->advance(std::chrono::seconds(5));
+    reload();
+    run.restart();
+    EXPECT_EQ(storedChoice(), (StoredChoice{"fr", "FollowSystem"}));
 }
 
 TEST(LanguageSelection, AReloadOverwritesWhatTheApplicationWrote) {

@@ -59,6 +59,20 @@ TEST(StringLookup, FollowsAChangeOfTheSystemsLanguage) {
     EXPECT_EQ(Utils::localizedStringForKey("pier"), "Pier") << "no such folder";
 }
 
+TEST(StringLookup, TakesTheVariablesThatItReplacesAsArguments) {
+    ApplicationRun run({"fr-FR"});
+    run.platform.bundle()
+        .addStrings("fr", {{"fr", "Français"}, {"de", "Allemand"}})
+        .addStrings("de", {{"fr", "Französisch"}, {"de", "Deutsch"}})
+        .addStrings("en", {{"de", "German"}});
+    Utils::setSelectLanguage("auto");
+    EXPECT_EQ(Utils::localizedStringForKey(*selectLanguage), "Français");
+    run.platform.locale().setPreferredLanguages({"de-DE"});
+    EXPECT_EQ(Utils::localizedStringForKey(*selectLanguage), "Französisch");
+    run.platform.locale().setPreferredLanguages({"ja-JP"});
+    EXPECT_EQ(Utils::localizedStringInBundle(selectLanguageBundle, "de"), std::nullopt) << "not the main one";
+}
+
 TEST(StringLookup, AnExplicitBundleLeavesTheKeptOnesAlone) {
     ApplicationRun run({"de-AT"});
     addTexts(run.platform.bundle());
