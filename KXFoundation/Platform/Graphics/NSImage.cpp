@@ -72,10 +72,11 @@ ResourcePaths pathsOf(std::string_view name) {
         return ResourcePaths{bundle->pathForResource(stem, extension),
                              bundle->pathForResource(std::string(stem) + "@2x", extension)};
     };
-    const std::size_t dot = std::min(name.rfind('.'), name.size());
-    const std::string_view own = name.substr(std::min(dot + 1, name.size()));
-    if (std::ranges::find(kExtensions, own) != std::end(kExtensions))
-        return pathsWith(name.substr(0, dot), own);
+    if (const std::size_t dot = name.rfind('.'); dot != name.npos) {
+        const std::string_view own = name.substr(dot + 1);
+        if (std::ranges::find(kExtensions, own) != std::end(kExtensions))
+            return pathsWith(name.substr(0, dot), own);
+    }
     ResourcePaths found;
     for (const std::string_view extension : kExtensions) {
         if (found.isEmpty()) found = pathsWith(name, extension);
