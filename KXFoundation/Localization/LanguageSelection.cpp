@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 
 // The user's choice: kept in the defaults, resolved through the tables, loaded again by every look-up.
+#include <algorithm>
 #include <chrono>
 #include <cstdint>
 
@@ -20,8 +21,9 @@ namespace {
 
 using namespace languages;
 
-/// How long a choice that could not be written waits for the next try.
-constexpr std::chrono::seconds kRetryPause(5);
+/// How long a choice that could not be written waits for the next try: longer each time, for a try can last
+/// as long as another process holds the file.
+constexpr std::chrono::seconds kShortestPause(5), kLongestPause(600);
 
 /// Everything that decides what a reload leaves behind. A reload that would find the same again is skipped:
 /// it would store what is stored already, in the variables and in the defaults. (Whether this is the Orvik
@@ -34,6 +36,7 @@ struct Reloaded {
     std::shared_ptr<NSBundle>
         bundle;  // compared only while the system is followed: else a reload leaves it alone
     std::optional<std::chrono::nanoseconds> retry;  // when to write again what could not be written
+    std::chrono::seconds pause = kShortestPause;
 
     [[nodiscard]] bool holds() const {
         return defaults == NSUserDefaults::standardUserDefaults().version() &&
@@ -54,7 +57,8 @@ struct Reloaded {
     /// Whoever follows the system has every reload write the choice down.
     void noteFlush(bool flushed) {
         retry.reset();
-        if (!flushed) retry = Clock::slot().current().now() + kRetryPause;
+        if (!flushed) retry = Clock::slot().current().now() + pause;
+        pause = flushed ? kShortestPause : std::min(2 * pause, kLongestPause);
     }
 };
 
@@ -79,17 +83,14 @@ Value stored(const std::optional<std::string>& text) {
     return text ? Value(*text) : Value();
 }
 
-void keepSelection() {
+bool keepSelection() {
     NSUserDefaults& defaults = NSUserDefaults::standardUserDefaults();
     defaults.setObjects({{kSelectLanguage, stored(kx::selectLanguage)}, {kSelectLog, stored(selectLog)}});
-    defaults.synchronize();
+    return defaults.synchronize();
 }
 
-}  // namespace
-
-constinit std::atomic<void (*)()> languages::selectionHook{nullptr};
-
-std::optional<std::string> KXLocalizationUtils::setSelectLanguage(std::optional<std::string_view> language) {
+/// Answers whether the choice could be written.
+bool choose(std::optional<std::string_view> language) {
     const bool follows = language == kAuto;
     std::optional<std::string> selected;
     if (follows) {
@@ -99,9 +100,18 @@ std::optional<std::string> KXLocalizationUtils::setSelectLanguage(std::optional<
     }
     selectLog = follows ? kFollowSystem : kNotFollowSystem;
     kx::selectLanguage = std::move(selected);
-    keepSelection();
+    const bool isKept = keepSelection();
     selectLanguageBundle = kx::selectLanguage ? mainBundleFolder(*kx::selectLanguage) : nullptr;
     if (const auto hook = selectionHook.load(std::memory_order_acquire)) hook();
+    return isKept;
+}
+
+}  // namespace
+
+constinit std::atomic<void (*)()> languages::selectionHook{nullptr};
+
+std::optional<std::string> KXLocalizationUtils::setSelectLanguage(std::optional<std::string_view> language) {
+    choose(language);
     return kx::selectLanguage;
 }
 
@@ -122,10 +132,9 @@ void languages::reloadSelection() {
     const std::uint64_t defaultsBefore = defaults.version();
     kx::selectLanguage = defaults.stringForKey(kSelectLanguage);
     selectLog = defaults.stringForKey(kSelectLog);
-    const bool follows = selectLog == kFollowSystem;
-    if (follows) KXLocalizationUtils::setSelectLanguage(kAuto);
+    const bool isKept = selectLog != kFollowSystem || choose(kAuto);
     reloaded.note(settingsBefore, defaultsBefore);
-    reloaded.noteFlush(!follows || defaults.synchronize());
+    reloaded.noteFlush(isKept);
 }
 
 }  // namespace kx

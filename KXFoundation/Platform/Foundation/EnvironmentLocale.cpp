@@ -31,12 +31,11 @@ void addOnce(std::vector<std::string>& tags, const std::string& tag) {
     if (!contains(tags, tag)) tags.push_back(tag);
 }
 
-/// Whether `locale` is `tag` and the region that it lacks, in no other script.
-bool addsRegion(const std::string& locale, const std::string& tag) {
-    constexpr std::size_t kLongestRegion = 3;
-    if (!locale.starts_with(tag + "-")) return false;
-    const std::size_t start = tag.size() + 1;
-    return std::min(locale.find('-', start), locale.size()) - start <= kLongestRegion;
+/// Whether `locale` is `name` and the region that it lacks, in no other script.
+bool addsRegion(std::string_view locale, std::string_view name) {
+    const auto whole = parsePosixLocaleName(locale), part = parsePosixLocaleName(name);
+    return whole && part && part->language == whole->language && part->script == whole->script &&
+           part->region.empty() && part->variant.empty() && !whole->region.empty();
 }
 
 /// The locale whose messages are the program's own, English ones.
@@ -64,7 +63,7 @@ std::vector<std::string> languagesOf(const Environment& environment) {
         rest.remove_prefix(std::min(end + 1, rest.size()));
         const auto tag = languageTagForPosixName(name);
         if (!tag) continue;
-        const bool isOfLocale = localeTag && addsRegion(*localeTag, *tag);
+        const bool isOfLocale = addsRegion(locale, name);
         addOnce(tags, isOfLocale && !contains(tags, *localeTag) ? *localeTag : *tag);
     }
     if (localeTag) addOnce(tags, *localeTag);

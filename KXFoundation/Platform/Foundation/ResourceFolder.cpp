@@ -1,7 +1,9 @@
 // SPDX-License-Identifier: MIT
 
 #include <algorithm>
+#include <cerrno>
 #include <filesystem>
+#include <iterator>
 #include <map>
 #include <shared_mutex>
 #include <span>
@@ -87,13 +89,13 @@ ResourceFolder::~ResourceFolder() {
     for (const LoadedTable* table = tables_; table;) delete std::exchange(table, table->next);
 }
 
-/// Whether the error tells what is in the folder. Else it may pass, and is logged only once.
+/// Whether the error tells what is in the folder, not what the process lacks just then; that is logged once.
 bool ResourceFolder::isAnswer(const Error& error) const {
-    const bool mayPass =
-        error.kind == ErrorKind::Failed || error.kind == ErrorKind::Busy || error.kind == ErrorKind::TimedOut;
-    const bool isNews = !mayPass || !hasComplained_.exchange(true);
+    constexpr int kPassing[] = {EMFILE, ENFILE, ENOMEM, EAGAIN, EINTR};
+    const bool isPassing = std::ranges::find(kPassing, error.systemError) != std::end(kPassing);
+    const bool isNews = !isPassing || !hasComplained_.exchange(true);
     if (isNews && error.kind != ErrorKind::Missing) log(LogLevel::Warning, error.message());
-    return !mayPass;
+    return !isPassing;
 }
 
 /// Null while the folder cannot be listed.

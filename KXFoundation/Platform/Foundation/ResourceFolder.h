@@ -18,8 +18,9 @@ namespace kx {
 
 /// What one folder holds, read at first need and remembered: its names (one listing), what each of them is,
 /// its Info.plist and its string tables. The folder is taken to stay as it is while the program runs. What
-/// was asked once is answered without a lock and without a system call, but for what the system could not
-/// answer just then (too many open files): it is asked again. Any thread. Private to Foundation.
+/// was asked once is answered without a lock and without a system call, but for names, kinds and
+/// tables that the process could not read just then (too many open files): they are read again. Any thread.
+/// Private to Foundation.
 class ResourceFolder {
   public:
     /// The process's one object over the directory; absent if the path leads to none. A path that has been

@@ -64,6 +64,7 @@ TEST(NSLocale, ReadsTheUsersVariables) {
         {"LANGUAGE=de:en|LANG=de_AT", {"de-AT", "en"}, "de_AT"},
         {"LANGUAGE=pt_BR:pt:en|LANG=pt_BR", {"pt-BR", "pt", "en"}, "pt_BR"},
         {"LANGUAGE=sr:sr@latin|LANG=sr_RS@latin", {"sr", "sr-Latn-RS"}, "sr_Latn_RS"},
+        {"LANGUAGE=zh:en|LANG=zh_TW", {"zh-Hant-TW", "en"}, "zh_TW"},
         // Not asked in a plain locale.
         {"LANGUAGE=fr|LANG=C", {}, "en_US"},
         {"LANGUAGE=fr|LC_ALL=POSIX|LANG=de_DE", {}, "en_US"},
