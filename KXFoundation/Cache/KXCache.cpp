@@ -44,6 +44,17 @@ std::shared_ptr<KXDiskCacheProtocol> madeDiskCache(KXStoreClass cls, std::option
     return store && initDiskCache(*store, place, form) ? store : nullptr;
 }
 
+/// The block, before which the change ends; an absent one stays absent.
+template <class... Arguments>
+std::function<void(Arguments...)> ending(std::shared_ptr<CacheLoads::Change> change,
+                                         std::function<void(Arguments...)> block) {
+    if (!block) return nullptr;
+    return [change = std::move(change), block = std::move(block)](Arguments... arguments) {
+        change->end();
+        block(arguments...);
+    };
+}
+
 }  // namespace
 
 KXStoreClass::KXStoreClass(std::string_view name) {
@@ -117,39 +128,39 @@ void KXCache::objectForKey(KXCacheKey key, KXCacheObject block) {
 }
 
 void KXCache::setObject(Value object, KXCacheKey forKey) {
-    loads_->outdate(forKey);
+    const CacheLoads::Change change(loads_, forKey);
     if (memory_) memory_->setObject(object, forKey);
     if (disk_) disk_->setObject(std::move(object), forKey);
 }
 
 void KXCache::setObject(Value object, KXCacheKey forKey, KXCacheDone block) {
-    loads_->outdate(forKey);
+    auto change = std::make_shared<CacheLoads::Change>(loads_, forKey);
     if (memory_) memory_->setObject(object, forKey);
-    if (disk_) disk_->setObject(std::move(object), forKey, std::move(block));
+    if (disk_) disk_->setObject(std::move(object), forKey, ending(std::move(change), std::move(block)));
 }
 
 void KXCache::removeObjectForKey(KXCacheKey key) {
-    loads_->outdate(key);
+    const CacheLoads::Change change(loads_, key);
     if (memory_) memory_->removeObjectForKey(key);
     if (disk_) disk_->removeObjectForKey(key);
 }
 
 void KXCache::removeObjectForKey(KXCacheKey key, KXCacheKeyDone block) {
-    loads_->outdate(key);
+    auto change = std::make_shared<CacheLoads::Change>(loads_, key);
     if (memory_) memory_->removeObjectForKey(key);
-    if (disk_) disk_->removeObjectForKey(key, std::move(block));
+    if (disk_) disk_->removeObjectForKey(key, ending(std::move(change), std::move(block)));
 }
 
 void KXCache::removeAllObjects() {
-    loads_->outdateAll();
+    const CacheLoads::Change change(loads_);
     if (memory_) memory_->removeAllObjects();
     if (disk_) disk_->removeAllObjects();
 }
 
 void KXCache::removeAllObjectsWithBlock(KXCacheDone block) {
-    loads_->outdateAll();
+    auto change = std::make_shared<CacheLoads::Change>(loads_);
     if (memory_) memory_->removeAllObjects();
-    if (disk_) disk_->removeAllObjectsWithBlock(std::move(block));
+    if (disk_) disk_->removeAllObjectsWithBlock(ending(std::move(change), std::move(block)));
 }
 
 }  // namespace kx

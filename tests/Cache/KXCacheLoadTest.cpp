@@ -6,6 +6,7 @@
 #include <gtest/gtest.h>
 
 #include <KXFoundation/Cache/KXCache.h>
+#include <KXFoundation/Cache/KXMemoryCache.h>
 #include <KXFoundation/Testing/ManualClock.h>
 #include <KXFoundation/Testing/ScopedPlatform.h>
 #include <KXFoundation/Testing/ScopedQueues.h>
@@ -198,6 +199,57 @@ TEST_F(KXCacheLoadTest, ACoroutineAwaitsALoad) {
         task.handle.destroy();
     }
     static_cast<void>(cache->load("nice", nullptr));  // never awaited
+}
+
+/// Something else happens in the middle of a change: it stands for another thread.
+class InterruptedMemory : public Subclass<InterruptedMemory, KXMemoryCache> {
+  public:
+    void setObject(Value object, KXCacheKey key) override {
+        if (const auto act = std::exchange(interruption, nullptr)) act();
+        Super::setObject(std::move(object), key);
+    }
+    void removeObjectForKey(KXCacheKey key) override {
+        if (const auto act = std::exchange(interruption, nullptr)) act();
+        Super::removeObjectForKey(key);
+    }
+    void removeAllObjects() override {
+        if (const auto act = std::exchange(interruption, nullptr)) act();
+        Super::removeAllObjects();
+    }
+    static inline std::function<void()> interruption;
+};
+
+TEST_F(KXCacheLoadTest, ALoadThatBeginsDuringAChangeIsNotStored) {
+    cache =
+        KXCache::initWithPath(InterruptedMemory::classObject(), "KXDiskCache", platform.directory() / "c");
+    const std::pair<std::function<void()>, const char*> rows[] = {
+        {[&] { cache->setObject("set", "nice"); }, "set"},
+        {[&] { cache->setObject("set", "nice", [] {}); }, "set"},
+        {[&] { cache->removeObjectForKey("nice"); }, "none"},
+        {[&] { cache->removeObjectForKey("nice", [](auto&) {}); }, "none"},
+        {[&] { cache->removeAllObjects(); }, "none"},
+        {[&] { cache->removeAllObjectsWithBlock([] {}); }, "none"},
+    };
+    for (const auto& [change, want] : rows) {
+        HeldLoader held;
+        std::string seen;
+        cache->removeAllObjects();
+        InterruptedMemory::interruption = [&] {
+            cache->load("nice", held.loader, {}, [&](auto& answer) { seen = textOf(answer); });
+            drainQueues();
+        };
+        change();
+        drainQueues();
+        held.loading->complete(Value("loaded"));
+        drainQueues();
+        EXPECT_EQ(seen, "loaded");
+        EXPECT_EQ(cache->get<std::string>("nice").value_or("none"), want)
+            << "row " << &change - &rows[0].first;
+        EXPECT_EQ(load([] { return "later"; }, {.freshFor = 10}),
+                  want == std::string("set") ? "set" : "later");
+        EXPECT_EQ(cache->get<std::string>("nice"), want == std::string("set") ? "set" : "later")
+            << "stored again";
+    }
 }
 
 /// One caller only looks, without a loader: who asks meanwhile is answered by its own.

@@ -73,11 +73,12 @@ void CacheLoads::listen(const std::shared_ptr<Caller>& caller) {
 /// Answers the flight if it has to begin.
 std::shared_ptr<CacheLoads::Flight> CacheLoads::board(const std::shared_ptr<Caller>& caller,
                                                       Answers& answers) {
-    auto& flight = flights_[*caller->key];
+    auto flight = flights_[*caller->key];
     const bool begins = !flight;
     if (begins) {
-        flight = std::make_shared<Flight>(*caller->key);
+        flight = flights_[*caller->key] = std::make_shared<Flight>(*caller->key);
         flightCount_ = flights_.size();
+        if (changesOf(*caller->key) != 0 || changesOfAll_ != 0) outdate(flights_.find(*caller->key));
     } else {
         ++statistics_.joined;
         if (serve(caller, flight->found, flight->foundBy, answers)) return nullptr;
@@ -147,10 +148,13 @@ void CacheLoads::end(const std::shared_ptr<Flight>& flight) {
 void CacheLoads::outdate(KXCacheKey key) {
     if (flightCount_ == 0 || !key) return;
     const MutexLock lock(mutex_);
-    const auto found = flights_.find(*key);
-    if (found == flights_.end()) return;
-    found->second->isOutdated = true;
-    flights_.erase(found);
+    outdate(flights_.find(*key));
+}
+
+void CacheLoads::outdate(Flights::iterator place) {
+    if (place == flights_.end()) return;
+    place->second->isOutdated = true;
+    flights_.erase(place);
     flightCount_ = flights_.size();
 }
 
@@ -160,6 +164,26 @@ void CacheLoads::outdateAll() {
     for (const auto& [key, flight] : flights_) flight->isOutdated = true;
     flights_.clear();
     flightCount_ = 0;
+}
+
+CacheLoads::ChangeCount& CacheLoads::changesOf(std::string_view key) noexcept {
+    return changes_[std::hash<std::string_view>()(key) % changes_.size()];
+}
+
+CacheLoads::Change::Change(std::shared_ptr<CacheLoads> loads, KXCacheKey key)
+    : loads_(std::move(loads)), count_(key ? &loads_->changesOf(*key) : nullptr) {
+    if (count_) ++*count_;
+    loads_->outdate(key);
+}
+
+CacheLoads::Change::Change(std::shared_ptr<CacheLoads> ofAll)
+    : loads_(std::move(ofAll)), count_(&loads_->changesOfAll_) {
+    ++*count_;
+    loads_->outdateAll();
+}
+
+void CacheLoads::Change::end() noexcept {
+    if (ChangeCount* const count = std::exchange(count_, nullptr)) --*count;
 }
 
 KXCacheLoadStatistics CacheLoads::statistics() const {

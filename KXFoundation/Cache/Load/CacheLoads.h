@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
+#include <array>
 #include <atomic>
 #include <cstdint>
 #include <map>
@@ -29,13 +30,14 @@ namespace kx {
 /// Stores, loaders, callbacks and whatever these own are called and destroyed without the mutex. A flight
 /// holds this, and this the stores: the cache may go at any time.
 ///
-/// A flight whose key is set or removed through the cache is outdated: it answers its callers, and stores
-/// nothing. If that comes in the very moment of storing, the key is removed afterwards: a cache may lose a
-/// value, but not bring a removed one back.
+/// A flight whose key is set or removed through the cache, from before it began or later, is outdated: it
+/// answers its callers, and stores nothing. If that comes in the very moment of storing, the key is removed
+/// afterwards: a cache may lose a value, but not bring a removed one back.
 class CacheLoads : public std::enable_shared_from_this<CacheLoads> {
   public:
     struct Caller;
     struct Flight;
+    class Change;
 
     CacheLoads(std::shared_ptr<KXMemoryCacheProtocol> memory, std::shared_ptr<KXDiskCacheProtocol> disk);
 
@@ -48,11 +50,17 @@ class CacheLoads : public std::enable_shared_from_this<CacheLoads> {
     /// The end of the loader's work: the first one counts.
     void complete(const std::shared_ptr<Flight>& flight, Result<Value> answer);
 
-    void outdate(KXCacheKey key);
-    void outdateAll();
     [[nodiscard]] KXCacheLoadStatistics statistics() const;
 
   private:
+    using Flights = std::map<std::string, std::shared_ptr<Flight>, std::less<>>;
+    using ChangeCount = std::atomic<std::uint32_t>;
+
+    void outdate(KXCacheKey key);
+    void outdate(Flights::iterator place) KX_REQUIRES(mutex_);
+    void outdateAll();
+    [[nodiscard]] ChangeCount& changesOf(std::string_view key) noexcept;
+
     using Callers = std::vector<std::shared_ptr<Caller>>;
     using Answers = std::vector<std::pair<std::shared_ptr<Caller>, Result<Value>>>;
 
@@ -88,9 +96,29 @@ class CacheLoads : public std::enable_shared_from_this<CacheLoads> {
     const std::shared_ptr<Clock> clock_;
 
     mutable Mutex mutex_;
-    std::map<std::string, std::shared_ptr<Flight>, std::less<>> flights_ KX_GUARDED_BY(mutex_);
-    std::atomic<std::size_t> flightCount_{0};  // so that a cache without loads sets without a lock
+    Flights flights_ KX_GUARDED_BY(mutex_);
+    // So that a cache without loads sets without a lock: a change is counted before it looks for flights, and
+    // a flight before it looks for changes.
+    std::atomic<std::size_t> flightCount_{0};
+    std::array<ChangeCount, 64> changes_{};  // under way, by the key's hash
+    ChangeCount changesOfAll_{0};
     KXCacheLoadStatistics statistics_ KX_GUARDED_BY(mutex_);
+};
+
+/// A change of a key, or of all keys, through the cache, from its making to its end.
+class CacheLoads::Change {
+  public:
+    Change(std::shared_ptr<CacheLoads> loads, KXCacheKey key);
+    explicit Change(std::shared_ptr<CacheLoads> ofAll);
+    ~Change() { end(); }
+    Change(const Change&) = delete;
+    Change& operator=(const Change&) = delete;
+
+    void end() noexcept;
+
+  private:
+    const std::shared_ptr<CacheLoads> loads_;
+    ChangeCount* count_;  // one of the loads'; null under an absent key, and at the end
 };
 
 /// Who waits. Its fields belong to whoever has answered it; before, to the mutex.
