@@ -7,11 +7,13 @@
 #include <KXFoundation/Cache/StoreMaking.h>
 #include <KXFoundation/Cache/TypedValue.h>
 #include <KXFoundation/Media/KXPhotoUtils.h>
+#include <KXFoundation/Platform/Foundation/NSException.h>
 #include <KXFoundation/Platform/Foundation/UserDirectories.h>
 #include <KXFoundation/Platform/Graphics/NSImage.h>
 #include <KXFoundation/Platform/Runtime/AssociatedValues.h>
 #include <KXFoundation/Platform/Runtime/CallerError.h>
 #include <KXFoundation/Platform/Runtime/DispatchQueue.h>
+#include <KXFoundation/Platform/Runtime/Log.h>
 #include <KXFoundation/Platform/Runtime/ProcessState.h>
 
 namespace kx {
@@ -170,9 +172,19 @@ std::shared_ptr<NSImage> KXImageCache::getImageForKey(KXCacheKey key, std::uint6
     return find(key, withType).image;
 }
 
+/// On the queue, where nobody could catch what a class's own decoding raises.
+KXImageCache::Answer KXImageCache::findOnQueue(KXCacheKey key, std::uint64_t type) const {
+    try {
+        return find(key, type);
+    } catch (const NSException& exception) {
+        log(LogLevel::Warning, "image cache: " + exception.reason());
+        return {};
+    }
+}
+
 void KXImageCache::getImageForKey(KXCacheKey key, std::uint64_t withType, Found block) {
     if (!block) return callerError("KXImageCache: getImageForKey without a callback");
-    answerOnMain([self = self(), key = kept(key), withType] { return self->find(key, withType); },
+    answerOnMain([self = self(), key = kept(key), withType] { return self->findOnQueue(key, withType); },
                  [block = std::move(block)](const Answer& answer) { block(answer.image, answer.source); });
 }
 

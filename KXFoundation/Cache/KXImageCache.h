@@ -109,6 +109,7 @@ class KX_EXPORT KXImageCache : public Subclass<KXImageCache, NSObject>, public K
     [[nodiscard]] Stores stores() const;
     [[nodiscard]] Stores stores(std::uint64_t type) const;
     [[nodiscard]] Answer find(KXCacheKey key, std::uint64_t type) const;
+    [[nodiscard]] Answer findOnQueue(KXCacheKey key, std::uint64_t type) const;
 
     std::string path_;
     mutable Mutex mutex_;

@@ -7,6 +7,7 @@
 #include <KXFoundation/Cache/KXImageCache.h>
 #include <KXFoundation/Cache/KXYYDiskCache.h>
 #include <KXFoundation/Cache/KXYYMemoryCache.h>
+#include <KXFoundation/Platform/Foundation/NSException.h>
 #include <KXFoundation/Platform/Graphics/GraphicsContext.h>
 #include <KXFoundation/Platform/Graphics/JpegCodec.h>
 #include <KXFoundation/Platform/Graphics/NSColor.h>
@@ -149,6 +150,20 @@ TEST_F(KXImageCacheTest, StoresThatCannotBeMadeAreAbsent) {
     for (const char* variable : {"HOME", "XDG_CONFIG_HOME"}) platform.environment().set(variable, "");
     EXPECT_EQ(KXImageCache::initWithPath(), nullptr) << "no documents folder";
     EXPECT_EQ(KXImageCache::shareInstanceWithPath(std::nullopt), nullptr);
+}
+
+class RaisingStore : public Subclass<RaisingStore, KXYYDiskCache> {
+  public:
+    Value objectForKey(KXCacheKey) override { throw NSException("Decoding", "of another version"); }
+};
+
+TEST_F(KXImageCacheTest, WhatRaisesOnTheQueueIsAMiss) {
+    const testing::CapturedLog log;
+    const auto cache = KXImageCache::initWithMemoryCacheClass(
+        KXYYMemoryCache::classObject(), RaisingStore::classObject(), platform.directory() / "raising");
+    EXPECT_EQ(sourceOf(*cache, "a", 3), 0);
+    EXPECT_THAT(log.lines(), ElementsAre(HasSubstr("of another version")));
+    EXPECT_THROW(static_cast<void>(cache->getImageForKey("a")), NSException);
 }
 
 TEST_F(KXImageCacheTest, ImagesAreOnDiskAfterARestart) {
