@@ -26,7 +26,8 @@ namespace kx {
 /// is none, with one line in the log.
 ///
 /// Limits on count, cost (bytes of the stored values) and age (0 is none) hold after every set; the oldest
-/// values leave first, but those that were read since are spared once. Keys are at most 65,535 bytes long,
+/// values leave first, but those that were read since are spared once: such a value keeps its place, and counts,
+/// until its turn comes again, even when it is too old to be answered. Keys are at most 65,535 bytes long,
 /// values at most 1 GiB.
 class KX_EXPORT KXDiskCache : public Subclass<KXDiskCache, KXDiskCacheProtocol> {
   public:

@@ -105,6 +105,14 @@ TEST_F(KXMemoryCacheTest, ValuesAgeFromTheirSet) {
     clock->advance(1s);
     EXPECT_EQ(keysLeft("ab"), "b");
     EXPECT_EQ(cache->totalCount(), 1u);
+    cache->setCountLimit(2);
+    static_cast<void>(cache->objectForKey("b"));
+    cache->setObject(3, "c");
+    clock->advance(6s);
+    cache->setObject(4, "d");
+    EXPECT_EQ(keysLeft("bcd"), "cd") << "the too old one leaves, read or not";
+    cache->removeAllObjects();
+    cache->setObject(2, "b");
     cache->setAgeLimit(std::nan(""));
     clock->advance(1000h);
     EXPECT_EQ(keysLeft("b"), "b");

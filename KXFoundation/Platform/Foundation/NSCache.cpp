@@ -142,6 +142,8 @@ void NSCache::setObject(Value object, std::string_view key, std::uint64_t cost) 
     if (object.isNull() || key.size() > CacheEntry::kLongestKey) return;
     const std::uint64_t costLimit = costLimit_.load(std::memory_order_relaxed);
     if (costLimit != 0 && cost > costLimit) return removeObjectForKey(key);
+    if (ageLimit_.load(std::memory_order_relaxed) != 0)
+        removeExpired();  // before it costs others their place
     const std::uint64_t hash = hashOf(key);
     const std::uint8_t lane = laneOfThisThread();
     shardFor(hash).prefetchToSet(hash, lane);
@@ -170,7 +172,6 @@ void NSCache::setObject(Value object, std::string_view key, std::uint64_t cost) 
     if (formerTable) retireFenced(formerTable);
     if (isLarge && shardMask_.load(std::memory_order_relaxed) == 0) split();
     if (isOver()) holdLimits(entry);
-    if (ageLimit_.load(std::memory_order_relaxed) != 0) removeExpired();
 }
 
 void NSCache::removeObjectForKey(std::string_view key) {

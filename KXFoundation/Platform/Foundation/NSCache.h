@@ -40,7 +40,8 @@ class KX_EXPORT NSCache : public Subclass<NSCache, NSObject> {
     void removeObjectForKey(std::string_view key);
     void removeAllObjects();
 
-    // Limits; 0 is none. A lower one holds when the setter returns.
+    // Limits; 0 is none. A lower one holds when the setter returns. Costs are added modulo 2^64: those of all
+    // values together stay below that.
     [[nodiscard]] std::uint64_t countLimit() const noexcept { return countLimit_; }
     void setCountLimit(std::uint64_t limit);
     [[nodiscard]] std::uint64_t totalCostLimit() const noexcept { return costLimit_; }
