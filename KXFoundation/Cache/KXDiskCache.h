@@ -26,9 +26,9 @@ namespace kx {
 /// is none, with one line in the log.
 ///
 /// Limits on count, cost (bytes of the stored values) and age (0 is none) hold after every set; the oldest
-/// values leave first, but those that were read since are spared once: such a value keeps its place, and counts,
-/// until its turn comes again, even when it is too old to be answered. Keys are at most 65,535 bytes long,
-/// values at most 1 GiB.
+/// values leave first, but those that were read since are spared once: such a value keeps its place, and
+/// counts, until its turn comes again, even when it is too old to be answered. Keys are at most 65,535 bytes
+/// long, values at most 1 GiB.
 class KX_EXPORT KXDiskCache : public Subclass<KXDiskCache, KXDiskCacheProtocol> {
   public:
     /// None for an absent or empty path. The folder is made and read at the first use.

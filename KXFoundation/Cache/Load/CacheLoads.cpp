@@ -104,7 +104,7 @@ void CacheLoads::answer(const std::shared_ptr<Caller>& caller, Result<Value> wit
     answers.emplace_back(caller, std::move(with));
 }
 
-void CacheLoads::send(Answers answers) {
+void CacheLoads::send(Answers&& answers) {
     for (auto& [caller, answer] : answers) {
         if (!caller->completion) continue;
         auto& queue = caller->options.queue ? *caller->options.queue : DispatchQueue::main();

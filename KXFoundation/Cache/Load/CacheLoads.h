@@ -70,7 +70,7 @@ class CacheLoads : public std::enable_shared_from_this<CacheLoads> {
     bool serve(const std::shared_ptr<Caller>& caller, const DatedValue& found,
                std::uint64_t KXCacheLoadStatistics::*hits, Answers& answers) KX_REQUIRES(mutex_);
     static void answer(const std::shared_ptr<Caller>& caller, Result<Value> with, Answers& answers);
-    static void send(Answers answers);
+    static void send(Answers&& answers);
     std::shared_ptr<Flight> leave(const std::shared_ptr<Caller>& caller) KX_REQUIRES(mutex_);
     void end(const std::shared_ptr<Flight>& flight) KX_REQUIRES(mutex_);
 
