@@ -29,6 +29,7 @@ bool KXMaskView::setUp() {
 }
 
 void KXMaskView::show() {
+    if (!allowsChange()) return;
     const auto key = NSApplication::sharedApplication()->keyWindow();
     if (!key) return;
     const auto held = self();
@@ -42,6 +43,7 @@ void KXMaskView::show() {
 }
 
 void KXMaskView::dismiss() {
+    if (!allowsChange()) return;
     const auto held = self();
     leaveWindow();
     if (const auto told = delegate()) told->maskViewDidDismiss(*this);

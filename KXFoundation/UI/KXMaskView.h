@@ -32,7 +32,8 @@ class KX_EXPORT KXMaskView : public Subclass<KXMaskView, NSView>, public NSGestu
 
     /// Covers the key window's content, in a child window of its own. Nothing without a key window.
     void show();
-    /// Takes the mask and its window away, then tells the delegate; a click anywhere on the mask does so.
+    /// Takes the mask and its window away, then tells the delegate; a click anywhere on the mask does so, but
+    /// on a view in it that takes the keys, such as a button.
     virtual void dismiss();
 
     /// Held weakly.

@@ -142,13 +142,14 @@ void KXToastView::constrainCard() {
 // Showing
 
 void KXToastView::showWithTimeout(double timeout) {
+    if (!allowsChange()) return;
     const auto held = self();
     willPresentToastView();
     const auto window = make<NSWindow>();
     window->setContentView(held);
     if (const auto key = keyWindow()) {
         key->addChildWindow(window, NSWindowOrderingMode::Above);
-        ScreenReader::slot().current().announce(titleLbl_->string());
+        if (titleLbl_) ScreenReader::slot().current().announce(titleLbl_->string());
     }
     DispatchQueue::main().after(delayFor(timeout), [window, held] {
         takeAway(window);
@@ -163,6 +164,7 @@ void KXToastView::dismissWithCompleteBlock(const std::function<void()>& block) {
 }
 
 void KXToastView::dismissWithoutAnimation() {
+    if (!allowsChange()) return;
     const auto held = self();
     willDismissToastView();
     removeFromSuperview();

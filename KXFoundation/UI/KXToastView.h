@@ -5,6 +5,7 @@
 #include <memory>
 #include <optional>
 #include <string_view>
+#include <utility>
 
 #include <KXFoundation/Platform/Foundation/NSNotificationName.h>
 #include <KXFoundation/Platform/Views/NSView.h>
@@ -17,7 +18,8 @@ class NSLayoutConstraint;
 class NSNotification;
 class NSTextView;
 
-/// Posted by an application to take away every toast that is listening, shown or not, at once.
+/// Posted by an application on the main thread to take away every toast that is listening, shown or not, at
+/// once.
 inline constinit const NSNotificationName KXToastViewShouldDismissWithoutAnimationNotification{
     "KXToastViewShouldDismissWithoutAnimationNotification"};
 
@@ -52,7 +54,8 @@ class KX_EXPORT KXToastView : public Subclass<KXToastView, NSView> {
     /// Takes the toast out of its window at once; the notification's handler.
     virtual void dismissWithoutAnimation();
 
-    /// Whether a click anywhere on the toast dismisses it; not so at first.
+    /// Whether a click anywhere on the toast, but on a view in it that takes the keys, dismisses it; not so
+    /// at first.
     [[nodiscard]] bool shouldDismissWhenClicked() const noexcept { return shouldDismissWhenClicked_; }
     void setShouldDismissWhenClicked(bool should) noexcept { shouldDismissWhenClicked_ = should; }
 
@@ -72,20 +75,31 @@ class KX_EXPORT KXToastView : public Subclass<KXToastView, NSView> {
     /// Takes the picture off the card too.
     void removeFromSuperview() override;
 
-    // Parts
+    // Parts. Setting one moves no view: a subclass that puts another in its place names it here.
 
     /// The card.
     [[nodiscard]] const std::shared_ptr<NSView>& contentView() const noexcept { return contentView_; }
+    void setContentView(std::shared_ptr<NSView> view) noexcept { contentView_ = std::move(view); }
+    /// removeFromSuperview() takes it off the card.
     [[nodiscard]] const std::shared_ptr<NSImageView>& indicatorView() const noexcept {
         return indicatorView_;
     }
+    void setIndicatorView(std::shared_ptr<NSImageView> view) noexcept { indicatorView_ = std::move(view); }
+    /// Its text is what is read out.
     [[nodiscard]] const std::shared_ptr<NSTextView>& titleLbl() const noexcept { return titleLbl_; }
+    void setTitleLbl(std::shared_ptr<NSTextView> view) noexcept { titleLbl_ = std::move(view); }
     /// Of the card's height.
     [[nodiscard]] const std::shared_ptr<NSLayoutConstraint>& titleLabelHeightConstraint() const noexcept {
         return titleLabelHeightConstraint_;
     }
+    void setTitleLabelHeightConstraint(std::shared_ptr<NSLayoutConstraint> constraint) noexcept {
+        titleLabelHeightConstraint_ = std::move(constraint);
+    }
     [[nodiscard]] const std::shared_ptr<NSLayoutConstraint>& contentViewCenterY() const noexcept {
         return contentViewCenterY_;
+    }
+    void setContentViewCenterY(std::shared_ptr<NSLayoutConstraint> constraint) noexcept {
+        contentViewCenterY_ = std::move(constraint);
     }
     /// The card's width in points, 235. A change does not change the layout.
     [[nodiscard]] double viewWidth() const noexcept { return viewWidth_; }

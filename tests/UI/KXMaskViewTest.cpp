@@ -1,5 +1,8 @@
 // SPDX-License-Identifier: MIT
 
+#include <thread>
+
+#include <KXFoundation/Testing/CapturedLog.h>
 #include <KXFoundation/UI/KXMaskView.h>
 
 #include "UI/TimedWindow.h"
@@ -28,6 +31,12 @@ TEST_F(Mask, CoversTheKeyWindowUntilItIsClicked) {
     const std::weak_ptr<KXMaskView> watched = std::exchange(mask, nullptr);
     shown.window->displayIfNeeded();
     EXPECT_EQ(children(), 1U) << "shown twice it has one window";
+    {
+        const testing::LenientMode lenient;
+        const testing::CapturedLog log;
+        std::thread([&] { watched.lock()->dismiss(); }).join();
+        EXPECT_EQ(delegate->calls, 0) << "not on another thread";
+    }
     shown.surface().click({600, 20});
     EXPECT_EQ(delegate->calls, 1);
     EXPECT_EQ(children(), 0U);

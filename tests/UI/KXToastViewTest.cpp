@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 
 #include <cmath>
+#include <thread>
 
 #include <malloc.h>
 
@@ -9,6 +10,7 @@
 #include <KXFoundation/Platform/Views/NSImageView.h>
 #include <KXFoundation/Platform/Views/NSLayoutConstraint.h>
 #include <KXFoundation/Platform/Views/NSTextView.h>
+#include <KXFoundation/Testing/CapturedLog.h>
 #include <KXFoundation/Testing/CountedMemory.h>
 #include <KXFoundation/UI/KXToastView.h>
 
@@ -119,6 +121,13 @@ TEST_F(Toast, OnePostClearsThoseThatListen) {
         toast->dismissWithCompleteBlock([&] { ++completed; });
     }
     EXPECT_EQ(completed, 2);
+    {
+        const testing::LenientMode lenient;
+        const testing::CapturedLog log;
+        std::thread(clearAll).join();
+        EXPECT_EQ(log.lines().size(), 3U) << "a line for each that listens";
+        EXPECT_EQ(visible->removals, 0);
+    }
     clearAll();
     clearAll();
     EXPECT_EQ(visible->removals, 1);
