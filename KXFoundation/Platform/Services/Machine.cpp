@@ -25,7 +25,8 @@ class PosixMachine final : public Machine {
             answer = ::statfs(path.c_str(), &room);
         } while (answer != 0 && errno == EINTR);
         if (answer != 0) return Error::fromErrno(errno, path);
-        return VolumeRoom{static_cast<std::uint32_t>(room.f_bsize), room.f_bfree};
+        const auto unitOfCounts = room.f_frsize > 0 ? room.f_frsize : room.f_bsize;  // the other is for speed
+        return VolumeRoom{static_cast<std::uint32_t>(unitOfCounts), room.f_bfree};
     }
 };
 
