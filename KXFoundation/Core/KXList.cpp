@@ -255,6 +255,7 @@ void KXList::replaceWithList(const std::shared_ptr<KXList>& other) {
 
 void KXList::enumerateObjectsUsingBlock(const Block& block) {
     if (!block) return;
+    const auto alive = weak_from_this().lock();  // the block may let the last reference go
     const Held held(*this, Held::Mode::Write);
     if (!held) return;
     bool stop = false;

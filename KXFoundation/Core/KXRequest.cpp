@@ -23,6 +23,17 @@ void thenAlways(const Callbacks& callbacks, const Step& step) {
     step();
 }
 
+template <class Function>
+std::shared_ptr<const Function> shared(Function function) {
+    return function ? std::make_shared<const Function>(std::move(function)) : nullptr;
+}
+
+template <class Function>
+const Function& valueOrEmpty(const std::shared_ptr<const Function>& function) noexcept {
+    static const Function empty;
+    return function ? *function : empty;
+}
+
 std::shared_ptr<KXError> errorWithMessage(std::int32_t code, std::string_view message) {
     auto error = KXError::errorWithCode(code);
     error->setMessage(message);
@@ -67,8 +78,8 @@ void KXRequest::requestMethod(const Method& method, Callback callback,
             cleanRequestID();
         });
     }
-    callback_ = std::move(callback);
-    callbackWithUserInfo_ = std::move(callbackWithUserInfo);
+    setCallback(std::move(callback));
+    setCallbackWithUserInfo(std::move(callbackWithUserInfo));
     autoClean_ = autoClean;
     startTimeout();
 }
@@ -80,6 +91,22 @@ void KXRequest::requestMethod(const Method& method, Callback callback, bool auto
 void KXRequest::requestMethodCallbackWithUserInfo(const Method& method,
                                                   CallbackWithUserInfo callbackWithUserInfo, bool autoClean) {
     requestMethod(method, nullptr, std::move(callbackWithUserInfo), autoClean);
+}
+
+const KXRequest::Callback& KXRequest::callback() const noexcept {
+    return valueOrEmpty(callback_);
+}
+
+void KXRequest::setCallback(Callback callback) {
+    callback_ = shared(std::move(callback));
+}
+
+const KXRequest::CallbackWithUserInfo& KXRequest::callbackWithUserInfo() const noexcept {
+    return valueOrEmpty(callbackWithUserInfo_);
+}
+
+void KXRequest::setCallbackWithUserInfo(CallbackWithUserInfo callback) {
+    callbackWithUserInfo_ = shared(std::move(callback));
 }
 
 void KXRequest::refuse(const Callback& callback, const CallbackWithUserInfo& callbackWithUserInfo) const {
@@ -146,9 +173,9 @@ void KXRequest::callback(bool success, const Error& error) {
 void KXRequest::callback(bool success, const Error& error, const Value& userInfo) {
     const auto alive = weak_from_this().lock();
     ++waits_;
-    const auto tell = [&] {  // copies: a callback may clean the object or start its next request
-        if (const auto call = callback_) call(success, error);
-        if (const auto call = callbackWithUserInfo_) call(success, error, userInfo);
+    const auto tell = [&] {  // held: a callback may clean the object or start its next request
+        if (const auto call = callback_) (*call)(success, error);
+        if (const auto call = callbackWithUserInfo_) (*call)(success, error, userInfo);
     };
     thenAlways(tell, [this] {
         if (autoClean_) clean();
@@ -173,9 +200,10 @@ void KXRequest::clean() {
     ++waits_;
     cleanRequestID();
     autoClean_ = false;
-    callback_ = nullptr;
-    callbackWithUserInfo_ = nullptr;
-    requestInfo_ = {};
+    // Released last: what a callback owns may clean the object again.
+    const auto callback = std::exchange(callback_, nullptr);
+    const auto callbackWithUserInfo = std::exchange(callbackWithUserInfo_, nullptr);
+    const Value information = std::exchange(requestInfo_, {});
     cleanupNotification();
 }
 

@@ -94,14 +94,10 @@ class KX_EXPORT KXRequest : public Subclass<KXRequest, NSObject>,
     [[nodiscard]] std::int32_t identifier() const noexcept { return identifier_; }
     void setIdentifier(std::int32_t identifier) noexcept { identifier_ = identifier; }
     /// Called with every answer, first this one.
-    [[nodiscard]] const Callback& callback() const noexcept { return callback_; }
-    void setCallback(Callback callback) { callback_ = std::move(callback); }
-    [[nodiscard]] const CallbackWithUserInfo& callbackWithUserInfo() const noexcept {
-        return callbackWithUserInfo_;
-    }
-    void setCallbackWithUserInfo(CallbackWithUserInfo callback) {
-        callbackWithUserInfo_ = std::move(callback);
-    }
+    [[nodiscard]] const Callback& callback() const noexcept;
+    void setCallback(Callback callback);
+    [[nodiscard]] const CallbackWithUserInfo& callbackWithUserInfo() const noexcept;
+    void setCallbackWithUserInfo(CallbackWithUserInfo callback);
     /// The user's own data about the request; null when there is none, and after clean().
     [[nodiscard]] const Value& requestInfo() const noexcept { return requestInfo_; }
     void setRequestInfo(Value info) { requestInfo_ = std::move(info); }
@@ -146,8 +142,8 @@ class KX_EXPORT KXRequest : public Subclass<KXRequest, NSObject>,
 
     bool autoClean_ = false;
     std::int32_t identifier_ = 0;
-    Callback callback_;
-    CallbackWithUserInfo callbackWithUserInfo_;
+    std::shared_ptr<const Callback> callback_;  // shared with who calls them just now
+    std::shared_ptr<const CallbackWithUserInfo> callbackWithUserInfo_;
     Value requestInfo_;
     Value response_;
     std::chrono::nanoseconds timeout_{0};

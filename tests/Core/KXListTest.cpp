@@ -125,6 +125,16 @@ TEST(KXList, AnUnlockedListMayChangeInItsOwnEnumeration) {
     EXPECT_EQ(ids(*list), "b");
 }
 
+TEST(KXList, ItsEnumerationMayLetTheLastReferenceGo) {
+    auto list = listOf("abc");
+    std::string visited;
+    list->enumerateObjectsUsingBlock([&](const KXList::Element& object, KXList::Index, bool&) {
+        visited += *object->id();
+        list = nullptr;
+    });
+    EXPECT_EQ(visited, "abc");
+}
+
 TEST(KXList, CallerErrorsChangeNothingAndLeaveTheLockFree) {
     const auto x = KXObject::objectWithID("x");
     const std::pair<const char*, std::function<void(KXList&)>> rows[] = {

@@ -157,6 +157,22 @@ TEST_F(KXRequestTest, CallbacksMayDoAsTheyLike) {
     request->setCallbackWithUserInfo(callbackWithUserInfo());
     request->callback(true, nullptr, 7);
     EXPECT_THAT(calls, ElementsAre("U yes - 7"));
+
+    std::vector<int> counted;
+    request->setCallback([&, n = 0](bool, const auto&) mutable { counted.push_back(++n); });
+    for (int i = 0; i < 3; ++i) request->callback(nullptr);
+    EXPECT_THAT(counted, ElementsAre(1, 2, 3)) << "one function with one state";
+}
+
+TEST_F(KXRequestTest, WhatACallbackOwnsMayCleanTheObjectAsItGoes) {
+    for (const bool answered : {true, false}) {
+        request->requestMethod(answering(1), [owned = std::shared_ptr<void>(nullptr, [&](void*) {
+                                                  request->clean();
+                                                  calls.emplace_back("gone");
+                                              })](bool, const auto&) {});
+        answered ? postAnswer(1) : request->clean();
+    }
+    EXPECT_THAT(calls, ElementsAre("gone", "gone"));
 }
 
 TEST_F(KXRequestTest, ACallbackThatThrowsLeavesTheObjectUsable) {
