@@ -106,6 +106,10 @@ TEST_F(KXPhotoUtilsTest, ExportsWhatIsAPictureOrAVideo) {
     ASSERT_TRUE(missing.error);
     EXPECT_EQ(missing.error->domain(), NSPOSIXErrorDomain);
     EXPECT_EQ(missing.error->code(), ENOENT);
+    const std::string text = platform.directory().write("text.png", "text");
+    const auto refused = exported({picture, file(text, 0)}, album).error;
+    ASSERT_TRUE(refused);
+    EXPECT_EQ(refused->description(), "NSPOSIXErrorDomain 95: " + text + ": no picture: unsupported");
     EXPECT_FALSE(exported({make<KXPhotoFileInfo>()}, album).success) << "no address";
     EXPECT_EQ(typesIn(album).size(), 2u);
 
@@ -147,6 +151,24 @@ TEST_F(KXPhotoUtilsTest, WhoWouldWaitForHimselfGetsNone) {
     EXPECT_EQ(PHAssetCollectionChangeRequest::creationRequestForAssetCollectionWithTitle("x"), nullptr);
     EXPECT_THAT(log.lines(),
                 ElementsAre(HasSubstr("own queue"), HasSubstr("change block"), HasSubstr("change block")));
+}
+
+/// Acts after the queues have ended, which began later than this.
+struct AtTheEnd {
+    ~AtTheEnd() {
+        if (act) act();
+    }
+    std::function<void()> act;
+} atTheEnd;
+
+TEST_F(KXPhotoUtilsTest, AtTheProcesssEndNobodyWaitsForAnAlbum) {
+    const auto askAtTheEnd = [] {
+        static_cast<void>(KXPhotoUtils::getAlbum("none yet"));
+        atTheEnd.act = [] { std::_Exit(KXPhotoUtils::defaultAlbum() ? 1 : 3); };
+        std::exit(0);
+    };
+    GTEST_FLAG_SET(death_test_style, "threadsafe");
+    EXPECT_EXIT(askAtTheEnd(), ::testing::ExitedWithCode(3), "");
 }
 
 TEST_F(KXPhotoUtilsTest, JpegOfAPicture) {
@@ -210,6 +232,7 @@ TEST_F(KXPhotoUtilsTest, TheThumbnailIsTheFrameAtATenthOfASecond) {
     for (const std::optional<std::string_view> path :
          {std::optional<std::string_view>("/none.mp4"), {""}, {}})
         EXPECT_EQ(KXPhotoUtils::getThumbnailForMP4(path), nullptr);
+    EXPECT_EQ(KXPhotoUtils::getThumbnailForMP4(std::string(kClip) + '\0'), nullptr) << "another path";
     EXPECT_THAT(log.lines(), IsEmpty());
 }
 

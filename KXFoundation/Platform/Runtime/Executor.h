@@ -48,6 +48,9 @@ class KX_EXPORT Executor {
     /// from inside a background job.
     virtual void drain() = 0;
 
+    /// Whether it drops what it is given from now on, as at the end of the process.
+    [[nodiscard]] virtual bool hasEnded() const { return false; }
+
     static PortSlot<Executor>& slot();
     static std::shared_ptr<Executor> makeDefault();
 };

@@ -166,6 +166,11 @@ void ThreadExecutor::drain() {
     }
 }
 
+bool ThreadExecutor::hasEnded() const {
+    const MutexLock lock(state_->mutex);
+    return state_->stopped;
+}
+
 void ThreadExecutor::stop() {
     std::deque<Job> dropped;
     MutexLock lock(state_->mutex);

@@ -23,6 +23,7 @@ class KX_EXPORT ThreadExecutor final : public Executor {
     void wait(Mutex& mutex, WaitPoint& point) KX_REQUIRES(mutex) override;
     void wake(WaitPoint& point) override;
     void drain() override;
+    bool hasEnded() const override;
 
     void stop();
 

@@ -3,6 +3,7 @@
 #include <KXFoundation/Platform/Foundation/NSError.h>
 #include <KXFoundation/Platform/Foundation/UserDirectories.h>
 #include <KXFoundation/Platform/Runtime/Environment.h>
+#include <KXFoundation/Platform/Runtime/Executor.h>
 #include <KXFoundation/Platform/Runtime/Log.h>
 #include <KXFoundation/Platform/Runtime/ProcessState.h>
 #include <KXFoundation/Platform/Services/Photos/PHPhotoLibrary.h>
@@ -46,6 +47,11 @@ bool PHPhotoLibrary::init() {
 }
 
 void PHPhotoLibrary::performChanges(std::function<void()> changes, CompletionHandler completionHandler) {
+    if (Executor::slot().current().hasEnded()) {
+        const Error ending{ErrorKind::Failed, 0, "photo library: the process ends"};
+        if (completionHandler) completionHandler(false, NSError::errorWithError(ending));
+        return;
+    }
     queue_->async([store = store_, changes = std::move(changes), completed = std::move(completionHandler)] {
         const auto done = store->perform(changesAskedBy(changes));
         if (completed) completed(done.ok(), done ? nullptr : NSError::errorWithError(done.error()));
