@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: MIT
 
+#include <cerrno>
 #include <utility>
 
 #include <KXFoundation/Platform/Foundation/NSError.h>
@@ -7,8 +8,37 @@
 namespace kx {
 
 namespace {
+
 constexpr std::string_view kDescription = "NSLocalizedDescription";
+
+/// The nearest one where the system has given none.
+int posixCode(const Error& error) {
+    if (error.systemError != 0) return error.systemError;
+    switch (error.kind) {
+        case ErrorKind::Missing:
+            return ENOENT;
+        case ErrorKind::Corrupt:
+        case ErrorKind::Ended:
+            return EBADMSG;
+        case ErrorKind::TooLarge:
+            return EFBIG;
+        case ErrorKind::Denied:
+            return EACCES;
+        case ErrorKind::Full:
+            return ENOSPC;
+        case ErrorKind::Busy:
+            return EBUSY;
+        case ErrorKind::TimedOut:
+            return ETIMEDOUT;
+        case ErrorKind::Unsupported:
+            return ENOTSUP;
+        case ErrorKind::Failed:
+            break;
+    }
+    return EIO;
 }
+
+}  // namespace
 
 std::shared_ptr<NSError> NSError::errorWithDomain(std::string_view domain, std::int64_t code,
                                                   Value userInfo) {
@@ -18,7 +48,7 @@ std::shared_ptr<NSError> NSError::errorWithDomain(std::string_view domain, std::
 std::shared_ptr<NSError> NSError::errorWithError(const Error& error) {
     DictionaryBuilder information;
     information.set(kDescription, error.message());
-    return errorWithDomain(NSPOSIXErrorDomain, error.systemError, information.build());
+    return errorWithDomain(NSPOSIXErrorDomain, posixCode(error), information.build());
 }
 
 bool NSError::init(std::string_view domain, std::int64_t code, Value userInfo) {

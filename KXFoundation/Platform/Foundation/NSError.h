@@ -21,7 +21,8 @@ class KX_EXPORT NSError : public Subclass<NSError, NSObject> {
   public:
     [[nodiscard]] static std::shared_ptr<NSError> errorWithDomain(std::string_view domain, std::int64_t code,
                                                                   Value userInfo = {});
-    /// What the world did, as an error of NSPOSIXErrorDomain; its text is in the description.
+    /// What the world did, as an error of NSPOSIXErrorDomain; its text is in the description. Its code is the
+    /// system's error, or the nearest to its kind: never 0.
     [[nodiscard]] static std::shared_ptr<NSError> errorWithError(const Error& error);
 
     bool init(std::string_view domain, std::int64_t code, Value userInfo);

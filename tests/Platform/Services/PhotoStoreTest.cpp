@@ -124,6 +124,27 @@ TEST_F(PhotoStoreTest, OneFileThatCannotBeTakenKeepsAllOut) {
     EXPECT_FALSE(PhotoStore(std::nullopt, pictures).perform(albumOf("A", {})).ok()) << "no home";
 }
 
+TEST_F(PhotoStoreTest, TakesThePicturesOfCamerasAndScanners) {
+    const std::string_view beginnings[] = {
+        {"\0\0\0\x18"
+         "ftypheic\0\0\0\0",
+         16},  // HEIC
+        {"\0\0\0\x20"
+         "ftypavif\0\0\0\0",
+         16},
+        {"BM\x3A\0\0\0\0\0\0\0\x36", 11},
+        {"\xFF\x0A\xFA\x1F", 4},  // JPEG XL
+        {"\0\0\0\x0CJXL \r\n\x87\n", 12},
+        {"II+\0\x08\0\0\0", 8},
+    };
+    for (const std::string_view begins : beginnings) {
+        const auto taken = store().perform(albumOf("A", {directory.write("from/any", begins)}));
+        EXPECT_TRUE(taken.ok()) << begins;
+    }
+    for (const std::string_view begins : {"BMX: a bicycle", "....ftypisom"})
+        EXPECT_FALSE(store().perform(albumOf("A", {directory.write("from/any", begins)})).ok()) << begins;
+}
+
 TEST_F(PhotoStoreTest, AFullDiskKeepsWhatWasThere) {
     ASSERT_TRUE(store().perform(albumOf("before", {picture("x.png")})).ok());
     const std::string large = directory.write("from/large.png", kPicture + std::string(3 << 20, 'x'));

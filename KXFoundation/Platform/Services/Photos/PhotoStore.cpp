@@ -26,7 +26,7 @@ Result<void> checkContents(FileSystem& files, const PhotoPlan::Arrival& arrival,
         arrival.asset.type == PHAssetMediaType::Video ? checkVideo(path) : checkPicture(files, path);
     if (checked) return checked;
     Error error = checked.error();
-    error.where = arrival.from + " (" + error.where + ")";
+    if (error.where.starts_with(path)) error.where.replace(0, path.size(), arrival.from);
     return error;
 }
 

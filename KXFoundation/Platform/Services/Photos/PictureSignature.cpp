@@ -12,7 +12,30 @@ using namespace std::string_view_literals;
 
 /// What the formats' own pages say a file begins with; "?" stands for any byte.
 constexpr std::string_view kSignatures[] = {
-    "\x89PNG\r\n\x1A\n"sv, "\xFF\xD8\xFF"sv, "II*\0"sv, "MM\0*"sv, "GIF87a"sv, "GIF89a"sv, "RIFF????WEBP"sv,
+    "\x89PNG\r\n\x1A\n"sv,
+    "\xFF\xD8\xFF"sv,
+    "II*\0"sv,
+    "MM\0*"sv,
+    "GIF87a"sv,
+    "GIF89a"sv,
+    "RIFF????WEBP"sv,
+    // Big TIFF, BMP, JPEG XL bare and in its container.
+    "II+\0\x08\0\0\0"sv,
+    "MM\0+\0\x08\0\0"sv,
+    "BM????\0\0\0\0"sv,
+    "\xFF\x0A"sv,
+    "\0\0\0\x0CJXL \r\n\x87\n"sv,
+    // HEIF and AVIF, by their brands (ISO/IEC 23008-12, annex B).
+    "????ftypheic"sv,
+    "????ftypheix"sv,
+    "????ftypheim"sv,
+    "????ftypheis"sv,
+    "????ftyphevc"sv,
+    "????ftyphevx"sv,
+    "????ftypmif1"sv,
+    "????ftypmsf1"sv,
+    "????ftypavif"sv,
+    "????ftypavis"sv,
 };
 constexpr std::size_t kLongest = 12;
 

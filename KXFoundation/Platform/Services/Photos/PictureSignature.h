@@ -8,8 +8,8 @@
 
 namespace kx {
 
-/// Whether the file's contents begin as those of a picture that the library reads: PNG, JPEG, TIFF, GIF or
-/// WebP; the name does not count. Unsupported if not. Private to Services.
+/// Whether the file's contents begin as those of a picture: PNG, JPEG, TIFF, GIF, WebP, HEIF, AVIF, BMP or
+/// JPEG XL; the name does not count. Unsupported if not. Private to Services.
 [[nodiscard]] Result<void> checkPicture(FileSystem& files, const std::string& path);
 
 }  // namespace kx
