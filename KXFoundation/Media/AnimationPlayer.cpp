@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: MIT
 
+#include <algorithm>
 #include <cmath>
 #include <utility>
 #include <vector>
@@ -30,22 +31,26 @@ std::shared_ptr<GIFFrameStream> streamOf(const ImageList& frames) {
     return first->stream();
 }
 
-std::vector<float> durationsOf(const ImageList& frames) {
+/// Frames that have no duration of their own share that of the whole.
+std::vector<float> durationsOf(const ImageList& frames, float whole) {
     std::vector<float> durations;
     for (const auto& frame : *frames) durations.push_back(NSImage_LoopCount::duration(frame));
+    const bool isOwn = std::ranges::any_of(durations, [](float duration) { return duration > 0; });
+    if (!isOwn) std::ranges::fill(durations, whole / static_cast<float>(durations.size()));
     return durations;
 }
 
 }  // namespace
 
-std::shared_ptr<AnimationPlayer> AnimationPlayer::make(ImageList frames, std::int64_t loopCount, Show show) {
+std::shared_ptr<AnimationPlayer> AnimationPlayer::make(ImageList frames, float duration,
+                                                       std::int64_t loopCount, Show show) {
     return std::shared_ptr<AnimationPlayer>(
-        new AnimationPlayer(std::move(frames), loopCount, std::move(show)));
+        new AnimationPlayer(std::move(frames), duration, loopCount, std::move(show)));
 }
 
-AnimationPlayer::AnimationPlayer(ImageList frames, std::int64_t loopCount, Show show)
+AnimationPlayer::AnimationPlayer(ImageList frames, float duration, std::int64_t loopCount, Show show)
     : frames_(std::move(frames)),
-      timeline_(durationsOf(frames_), loopCount),
+      timeline_(durationsOf(frames_, duration), loopCount),
       show_(std::move(show)),
       stream_(streamOf(frames_)) {}
 

@@ -26,8 +26,10 @@ class AnimationPlayer : public std::enable_shared_from_this<AnimationPlayer> {
   public:
     using Show = std::function<void(const std::shared_ptr<NSImage>&)>;
 
-    /// `show` is called with every frame in its turn.
-    static std::shared_ptr<AnimationPlayer> make(ImageList frames, std::int64_t loopCount, Show show);
+    /// `show` is called with every frame in its turn. The duration, in seconds, is that of one pass, for
+    /// frames that have none of their own.
+    static std::shared_ptr<AnimationPlayer> make(ImageList frames, float duration, std::int64_t loopCount,
+                                                 Show show);
 
     /// Shows the frame of its place and goes on from there.
     void start();
@@ -45,7 +47,7 @@ class AnimationPlayer : public std::enable_shared_from_this<AnimationPlayer> {
   private:
     using Time = AnimationTimeline::Time;
 
-    AnimationPlayer(ImageList frames, std::int64_t loopCount, Show show);
+    AnimationPlayer(ImageList frames, float duration, std::int64_t loopCount, Show show);
 
     [[nodiscard]] Time played() const;
     void setPlayed(Time played);

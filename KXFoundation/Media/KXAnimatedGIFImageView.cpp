@@ -24,7 +24,8 @@ void KXAnimatedGIFImageView::renderImageViewWithImg(const std::shared_ptr<NSImag
     frameCount_ = frames->size();
     // Frames are shown past the view's own setImage(), which would end the animation.
     player_ = AnimationPlayer::make(
-        frames, loopCount_, [this](const std::shared_ptr<NSImage>& frame) { NSImageView::setImage(frame); });
+        frames, NSImage_LoopCount::duration(image), loopCount_,
+        [this](const std::shared_ptr<NSImage>& frame) { NSImageView::setImage(frame); });
     player_->setSpeed(speed_);
     player_->seek(0);
     playOrStand();

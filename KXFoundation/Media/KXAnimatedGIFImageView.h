@@ -39,6 +39,7 @@ class KX_EXPORT KXAnimatedGIFImageView : public Subclass<KXAnimatedGIFImageView,
     [[nodiscard]] double speed() const noexcept { return speed_; }
     void setSpeed(double speed);
 
+    /// Of the image that was rendered last, which sets it; a later change does not reach what is playing.
     [[nodiscard]] std::int64_t loopCount() const noexcept override { return loopCount_; }
     void setLoopCount(std::int64_t count) override { loopCount_ = count; }
 

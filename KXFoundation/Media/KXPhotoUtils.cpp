@@ -130,7 +130,7 @@ std::shared_ptr<PHAssetCollection> KXPhotoUtils::getAlbum(std::optional<std::str
 }
 
 std::shared_ptr<NSImage> KXPhotoUtils::getThumbnailForMP4(std::optional<std::string_view> path) {
-    if (!path) return nullptr;
+    if (!path || path->find('\0') != path->npos) return nullptr;  // the system would read another file
     const auto asset = AVURLAsset::assetWithURL(NSURL::fileURLWithPath(*path));
     const auto generator = AVAssetImageGenerator::assetImageGeneratorWithAsset(asset);
     const auto frame = generator->copyImageAtTime(CMTimeMakeWithSeconds(0.1, 10));

@@ -7,6 +7,7 @@
 
 #include <KXFoundation/Media/AnimationTimeline.h>
 #include <KXFoundation/Media/KXAnimatedGIFImageView.h>
+#include <KXFoundation/Media/NSImage_LoopCount.h>
 #include <KXFoundation/Platform/Runtime/Executor.h>
 #include <KXFoundation/Testing/CapturedLog.h>
 #include <KXFoundation/Testing/ManualClock.h>
@@ -101,6 +102,18 @@ TEST(KXAnimatedGIFImageView, PlaysOnTheClockAsOftenAsTheFileSays) {
     play.view->seekToFrame(1);
     EXPECT_EQ(play.shown(), 1);
     EXPECT_EQ(play.after(50ms), 2) << "it plays again from there";
+}
+
+TEST(KXAnimatedGIFImageView, FramesWithoutADurationShareThatOfTheWhole) {
+    Playing<testing::ManualClock> play;
+    KXGIFImageView::kx_animatedGIFWithData(testing::dataOf(colouredGIF({5, 5})), [&](const auto& image) {
+        for (const auto& frame : *NSImage_LoopCount::images(image)) NSImage_LoopCount::setDuration(frame, 0);
+        NSImage_LoopCount::setDuration(image, 4);
+        play.view->renderImageViewWithImg(image);
+    });
+    drainQueues();
+    EXPECT_EQ(play.after(1999ms), 0);
+    EXPECT_EQ(play.after(1ms), 1);
 }
 
 TEST(KXAnimatedGIFImageView, LeavesLateFramesOutAndDoesNotDrift) {
