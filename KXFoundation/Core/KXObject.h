@@ -18,7 +18,8 @@ class KX_EXPORT KXObject : public Subclass<KXObject, NSObject> {
     /// A KXObject itself, whichever class it is called on; an absent id is found by no search.
     [[nodiscard]] static std::shared_ptr<KXObject> objectWithID(std::optional<std::string_view> id);
 
-    /// The id is the name of the class that is being made, a derived class's own included.
+    /// The id is the name of the class that is being made, a derived class's own included. Not through a
+    /// derived class's init(id): one that has its own declares an init() that calls it.
     bool init() { return init(className()); }
     bool init(std::optional<std::string_view> id);
 
