@@ -30,7 +30,8 @@ class KX_EXPORT KXPhotoUtils {
     static void createAsset(std::shared_ptr<KXPhotoFileInfo> file, std::shared_ptr<PHAssetCollection> album,
                             CompletionHandler completionHandler);
     /// The same for several: all of them or, if one cannot be taken, none. An absent file is passed over, as
-    /// is one whose type is neither picture nor video.
+    /// is one whose type is neither picture nor video. A picture is PNG, JPEG, TIFF, GIF, WebP, HEIF, AVIF,
+    /// BMP or JPEG XL, by how its file begins; it is copied as it is.
     static void createAssets(std::vector<std::shared_ptr<KXPhotoFileInfo>> files,
                              std::shared_ptr<PHAssetCollection> album, CompletionHandler completionHandler);
 

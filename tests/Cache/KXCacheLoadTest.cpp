@@ -205,16 +205,19 @@ TEST_F(KXCacheLoadTest, ACoroutineAwaitsALoad) {
 class InterruptedMemory : public Subclass<InterruptedMemory, KXMemoryCache> {
   public:
     void setObject(Value object, KXCacheKey key) override {
-        if (const auto act = std::exchange(interruption, nullptr)) act();
+        interrupt();
         Super::setObject(std::move(object), key);
     }
     void removeObjectForKey(KXCacheKey key) override {
-        if (const auto act = std::exchange(interruption, nullptr)) act();
+        interrupt();
         Super::removeObjectForKey(key);
     }
     void removeAllObjects() override {
-        if (const auto act = std::exchange(interruption, nullptr)) act();
+        interrupt();
         Super::removeAllObjects();
+    }
+    static void interrupt() {
+        if (const auto act = std::exchange(interruption, nullptr)) act();
     }
     static inline std::function<void()> interruption;
 };

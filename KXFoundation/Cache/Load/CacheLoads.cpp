@@ -73,12 +73,12 @@ void CacheLoads::listen(const std::shared_ptr<Caller>& caller) {
 /// Answers the flight if it has to begin.
 std::shared_ptr<CacheLoads::Flight> CacheLoads::board(const std::shared_ptr<Caller>& caller,
                                                       Answers& answers) {
-    auto flight = flights_[*caller->key];
-    const bool begins = !flight;
+    const auto [place, begins] = flights_.try_emplace(*caller->key);
+    if (begins) place->second = std::make_shared<Flight>(*caller->key);
+    const auto flight = place->second;
     if (begins) {
-        flight = flights_[*caller->key] = std::make_shared<Flight>(*caller->key);
         flightCount_ = flights_.size();
-        if (changesOf(*caller->key) != 0 || changesOfAll_ != 0) outdate(flights_.find(*caller->key));
+        if (changesOf(*caller->key) != 0 || changesOfAll_ != 0) outdate(place);
     } else {
         ++statistics_.joined;
         if (serve(caller, flight->found, flight->foundBy, answers)) return nullptr;

@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: MIT
 
+#include <algorithm>
 #include <cerrno>
+#include <iterator>
 #include <utility>
 
 #include <KXFoundation/Platform/Foundation/NSError.h>
@@ -11,31 +13,16 @@ namespace {
 
 constexpr std::string_view kDescription = "NSLocalizedDescription";
 
-/// The nearest one where the system has given none.
+constexpr std::pair<ErrorKind, int> kNearestCodes[] = {
+    {ErrorKind::Missing, ENOENT}, {ErrorKind::Corrupt, EBADMSG},    {ErrorKind::Ended, EBADMSG},
+    {ErrorKind::TooLarge, EFBIG}, {ErrorKind::Denied, EACCES},      {ErrorKind::Full, ENOSPC},
+    {ErrorKind::Busy, EBUSY},     {ErrorKind::TimedOut, ETIMEDOUT}, {ErrorKind::Unsupported, ENOTSUP},
+};
+
 int posixCode(const Error& error) {
     if (error.systemError != 0) return error.systemError;
-    switch (error.kind) {
-        case ErrorKind::Missing:
-            return ENOENT;
-        case ErrorKind::Corrupt:
-        case ErrorKind::Ended:
-            return EBADMSG;
-        case ErrorKind::TooLarge:
-            return EFBIG;
-        case ErrorKind::Denied:
-            return EACCES;
-        case ErrorKind::Full:
-            return ENOSPC;
-        case ErrorKind::Busy:
-            return EBUSY;
-        case ErrorKind::TimedOut:
-            return ETIMEDOUT;
-        case ErrorKind::Unsupported:
-            return ENOTSUP;
-        case ErrorKind::Failed:
-            break;
-    }
-    return EIO;
+    const auto found = std::ranges::find(kNearestCodes, error.kind, &std::pair<ErrorKind, int>::first);
+    return found == std::end(kNearestCodes) ? EIO : found->second;
 }
 
 }  // namespace
